@@ -1,0 +1,40 @@
+#pragma once
+
+/// Everything the library offers.
+
+#include <cubes/catalogue/RkCubeTypes.h>
+#include <cubes/catalogue/TRkBaseCubes.h>
+#include <cubes/catalogue/TRkCubes.h>
+#include <cubes/core/TRkCubesException.h>
+#include <cubes/database/ColumnName.h>
+#include <cubes/database/TPgConnection.h>
+#include <cubes/database/TRkConnectionManager.h>
+#include <cubes/database/TRkDBBaseDataDictionary.h>
+#include <cubes/database/TRkDBDataDictionary.h>
+#include <cubes/database/TRkDatabaseException.h>
+#include <cubes/database/TRkField.h>
+#include <cubes/database/TRkTableProxy.h>
+#include <cubes/database/Value.h>
+#include <cubes/matcubes/TRkMatCubes.h>
+#include <cubes/matrix/MatrixStorage.h>
+#include <cubes/matrix/RkLockState.h>
+#include <cubes/matrix/RkMatrixKind.h>
+#include <cubes/matrix/RkMatrixType.h>
+#include <cubes/matrix/TRkBaseMatrix.h>
+#include <cubes/matrix/TRkMatrix.h>
+#include <cubes/matrix/TRkMatrixException.h>
+#include <cubes/matrix/TRkMatrixHeader.h>
+#include <cubes/project/Project.h>
+#include <cubes/project/ProjectPathHelpers.h>
+#include <cubes/project/ProjectUtils.h>
+#include <cubes/project/TRkGlobalSettings.h>
+#include <cubes/project/TRkProjectException.h>
+#include <cubes/text/AnsiString.h>
+#include <cubes/text/CountedPtr.h>
+#include <cubes/text/TRkAutoListT.h>
+#include <cubes/text/TRkBase.h>
+#include <cubes/text/TRkException.h>
+#include <cubes/text/TRkFString.h>
+#include <cubes/text/TRkObject.h>
+#include <cubes/text/TRkString.h>
+#include <cubes/text/VclOrStdException.h>

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cubes/Export.h>
+
+#include <memory>
+#include <string>
+
+namespace cubes::database {
+class Session;
+}
+
+namespace Pgaccess {
+
+/// An open connection to a project's database: an embedded SQLite file or a PostgreSQL server.
+///
+/// Neither copyable nor movable: cursors and catalogues hold it by pointer and never own it. It
+/// must outlive them. One thread at a time may use a connection and what works through it.
+///
+/// A lost server is reported by the operation that notices, as a TRkDatabaseException that names
+/// the server; the next operation connects again, so that the object serves on once the server is back.
+class CUBES_API TPgConnection {
+public:
+    /// Opens the database that `url` names: "sqlite:PATH" (made when missing) or "postgresql://...".
+    /// Passwords come from the URL or libpq's own ways and are never printed or stored.
+    /// Throws TRkDatabaseException when it cannot be opened.
+    explicit TPgConnection(std::string const& url);
+    ~TPgConnection();
+    TPgConnection(TPgConnection const&) = delete;
+    TPgConnection& operator=(TPgConnection const&) = delete;
+
+    /// The URL without a password.
+    std::string const& Url() const noexcept;
+    /// Runs one SQL statement that gives no rows, in the backend's own dialect; for definitions
+    /// and for tests. What is known of tables is read anew afterwards.
+    /// Throws TRkDatabaseException with the statement and the database's reason.
+    void Execute(std::string const& sql);
+
+    /// The backend's side of the connection, for the library's own use.
+    cubes::database::Session& Backend() const noexcept { return *session_; }
+
+private:
+    std::unique_ptr<cubes::database::Session> session_;
+};
+
+}

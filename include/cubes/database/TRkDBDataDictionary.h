@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/database/TRkDBBaseDataDictionary.h>
+#include <cubes/text/TRkObject.h>
+
+/// The data dictionary that the project's settings hold under "RkLib.DataDictionary". An
+/// application with table definitions of its own derives from it and sets it in the settings.
+class CUBES_API TRkDBDataDictionary : public TRkDBBaseDataDictionary, public TRkObject {
+public:
+    ~TRkDBDataDictionary() override;
+};

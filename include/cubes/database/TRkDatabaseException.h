@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/text/TRkException.h>
+
+#include <string>
+
+/// An error of the database layer: what was asked, of which database, and the database's reason.
+class CUBES_API TRkDatabaseException : public TRkException {
+public:
+    /// `sqlState`: the five-character code of SQL, empty when there is none. `statement`: the SQL
+    /// text, empty when none was running.
+    TRkDatabaseException(std::string const& message, std::string sqlState = {}, std::string statement = {});
+    TRkDatabaseException(TRkDatabaseException const&);
+    TRkDatabaseException& operator=(TRkDatabaseException const&);
+    ~TRkDatabaseException() override;
+
+    std::string const& SqlState() const noexcept { return sqlState_; }
+    std::string const& Statement() const noexcept { return statement_; }
+
+private:
+    std::string sqlState_;
+    std::string statement_;
+};

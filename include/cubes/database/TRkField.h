@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/database/Value.h>
+#include <cubes/text/TRkString.h>
+
+#include <cstddef>
+
+namespace Rktable {
+
+class TRkTableProxy;
+
+/// One column of a cursor's current row. Belongs to its cursor and follows it from row to row.
+class CUBES_API TRkField {
+public:
+    /// The value as a whole number: 0 for null; a text by the number it begins with.
+    long AsInteger() const;
+    /// Takes effect in the row when the cursor is posted.
+    /// Throws TRkDatabaseException when the cursor is neither editing nor appending.
+    void SetAsInteger(long number);
+    /// The value as text: empty for null; a number in decimal.
+    TRkString AsString() const;
+    /// A text longer than Size() is cut to it. A null pointer clears the field.
+    /// Throws like SetAsInteger.
+    void SetAsString(char const* text);
+    bool IsNull() const;
+    /// Makes the value null. Throws like SetAsInteger.
+    void Clear();
+    /// The greatest number of characters that a text column holds; 0 for other columns and for
+    /// texts without a limit.
+    int Size() const noexcept;
+    /// The column's name as the database knows it.
+    std::string const& Name() const noexcept;
+
+private:
+    friend class TRkTableProxy;
+    TRkField(TRkTableProxy& table, std::size_t column) : table_(&table), column_(column) {}
+
+    TRkTableProxy* table_;
+    std::size_t column_;
+};
+
+}

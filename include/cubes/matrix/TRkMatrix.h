@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/matrix/RkLockState.h>
+#include <cubes/matrix/RkMatrixKind.h>
+#include <cubes/matrix/RkMatrixType.h>
+#include <cubes/matrix/TRkBaseMatrix.h>
+#include <cubes/matrix/TRkMatrixHeader.h>
+#include <cubes/text/TRkString.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// A matrix of single-precision values: rows are origins, columns are destinations, both
+/// zero-based. Bound to one file, or in memory. Movable, not copyable.
+///
+/// Files are OMX 0.2 files (see docs/matrix-file.md). A file is written beside its target and
+/// renamed over it when it is complete: whatever goes wrong, the target is the old file or the
+/// new one. An object opened on a file keeps the state it was opened on, even when the file is
+/// replaced or removed. One thread at a time may use an object.
+class CUBES_API TRkMatrix {
+public:
+    /// An empty object, good for GetHeader.
+    TRkMatrix();
+    /// Opens the file of a matrix. IsValid() tells whether that worked and Reason() why not: a
+    /// file that is missing, damaged, truncated or foreign, or whose lock is refused.
+    /// The kind stored in the file wins over `kind`. `name` is the display name (null: none).
+    /// With the bit of value 2 in `lock` the file is locked against all others that write;
+    /// opening for reading takes no lock. The unnamed arguments are stored and mean nothing here.
+    TRkMatrix(char const* fileName, int, char const* name, bool, RkMatrixKind kind, RkLockState lock, int);
+    /// Makes a matrix for a new file: `rows` x `columns` zeros. Nothing is seen of the file until
+    /// AssignFrom has filled the matrix, or until a matrix filled by rows is destroyed; then it
+    /// takes the place of an old one. When nothing was written no file appears and an old one
+    /// stays. The directory must exist. Not valid when the file cannot be made, its write lock is
+    /// refused or a dimension is below 1. The first text is the display name; the other texts and
+    /// the unnamed arguments are stored and mean nothing here.
+    TRkMatrix(int rows, int columns, RkMatrixType type, char const* fileName, int, char const*, char const*, bool,
+        RkMatrixKind kind, RkLockState lock);
+    TRkMatrix(TRkMatrix&&) noexcept;
+    TRkMatrix& operator=(TRkMatrix&&) noexcept;
+
+    /// A matrix in memory, all elements 0. Throws TRkMatrixException for a dimension below 1 or
+    /// more elements than memory can hold.
+    static TRkMatrix inMemory(int rows, int columns);
+
+    /// Finishes the file of a new matrix that was filled by rows; a failure leaves the old file.
+    virtual ~TRkMatrix();
+    /// Whether the object is usable.
+    virtual bool IsValid() const;
+    /// The lock state the object was opened or created with; 0 in memory.
+    virtual int StateCode() const;
+    /// The file this matrix is bound to; empty in memory. Valid as long as the object.
+    virtual char const* FileName() const;
+    /// Copies all elements of another matrix of the same dimensions, and its zone numbers; on a
+    /// new file it then finishes the file and puts it in place. When that fails the object is no
+    /// longer valid and the old file stays. Throws TRkMatrixException when dimensions differ.
+    virtual void AssignFrom(TRkMatrix const& source);
+    /// The second dimension: number of destinations.
+    virtual int Columns() const;
+    /// The first dimension: number of origins.
+    virtual int Rows() const;
+    /// The `Columns()` values of a row, valid until Release or the end of the object. Writing to
+    /// a matrix opened from a file changes this object alone. Throws TRkMatrixException for a row
+    /// outside the matrix or an object that is not valid. `access` means nothing here.
+    virtual float* RowAt(int row, int access);
+    /// Frees row buffers and closes the file. A later RowAt opens it again, on the same state
+    /// when the platform still holds it.
+    virtual void Release();
+    /// Called on a matrix before its file name is asked for when it is saved.
+    virtual void Prepare() const;
+
+    float const* RowAt(int row, int access) const;
+
+    /// The header of a matrix file; null when it cannot be read. Kept alive by the library until
+    /// this thread's next GetHeader.
+    TRkMatrixHeader const* GetHeader(char const* fileName);
+    TRkMatrixHeader const& Header() const noexcept;
+    RkMatrixType Type() const noexcept;
+    RkMatrixKind MatrixKind() const noexcept;
+    /// Changes the kind of this object.
+    void MatrixKind(RkMatrixKind kind);
+    /// The display name; empty when there is none.
+    TRkString const& Name() const noexcept;
+    /// Zone numbers of the rows and columns, in order; empty when not known.
+    std::vector<std::int32_t> const& Zones() const noexcept;
+    /// Gives the rows and columns their zone numbers (empty: none). Throws TRkMatrixException
+    /// unless the matrix is square and there is one number a row.
+    void SetZones(std::vector<std::int32_t> zones);
+    /// The body that holds the elements; null when the object is not valid.
+    TRkBaseMatrix const* Body() const noexcept;
+    /// Why the object is not valid; empty while it is.
+    std::string const& Reason() const noexcept;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/matrix/RkMatrixKind.h>
+#include <cubes/matrix/RkMatrixType.h>
+#include <cubes/text/TRkString.h>
+
+#include <cstdint>
+#include <vector>
+
+/// What a matrix knows of itself without its elements. A value.
+class CUBES_API TRkMatrixHeader {
+public:
+    TRkMatrixHeader() = default;
+    TRkMatrixHeader(int rows, int columns, RkMatrixType type, RkMatrixKind kind);
+
+    /// Compared as a number with 31 when a matrix is saved, so it is given unsigned.
+    unsigned Kind() const noexcept { return static_cast<unsigned>(kind_); }
+    RkMatrixType Type() const noexcept { return type_; }
+    /// Number of origins.
+    int Rows() const noexcept { return rows_; }
+    /// Number of destinations.
+    int Columns() const noexcept { return columns_; }
+    /// The display name; empty when there is none.
+    TRkString const& Name() const noexcept { return name_; }
+    /// The zone number of each row and column, in order; empty when not known.
+    std::vector<std::int32_t> const& Zones() const noexcept { return zones_; }
+
+private:
+    friend class TRkMatrix;
+    int rows_ = 0;
+    int columns_ = 0;
+    RkMatrixType type_ = mtMatrixCube;
+    RkMatrixKind kind_ = mkDefault;
+    TRkString name_;
+    std::vector<std::int32_t> zones_;
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+/// Whole-file operations on narrow path texts. They report by their result and never throw.
+namespace cubes::platform {
+
+bool exists(std::string const& path);
+bool isDirectory(std::string const& path);
+bool isRegularFile(std::string const& path);
+/// With all missing levels; an existing directory is no failure.
+bool createDirectories(std::string const& path);
+/// Removes an empty directory, or one with its content.
+bool removeDirectory(std::string const& path, bool withContent);
+/// Removes a regular file and nothing else.
+bool removeFile(std::string const& path);
+/// Copies a file or a directory with its content.
+bool copy(std::string const& source, std::string const& target, bool overwrite);
+/// Whether both texts name the same file without asking the file system for links.
+bool isSamePath(std::string const& first, std::string const& second);
+/// The absolute, lexically normalised form of a path.
+std::string absolutePath(std::string const& path);
+
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+/// Narrow path texts and the file system's own: the one place where encodings, delimiters and
+/// letter case of paths differ between platforms.
+namespace cubes::platform {
+
+/// "/" or, on Windows, "\".
+char pathDelimiter();
+
+/// The path a narrow text names. Texts are in the platform's narrow encoding.
+std::filesystem::path toPath(std::string_view text);
+std::string fromPath(std::filesystem::path const& path);
+
+/// The text with the delimiters of other platforms made native. Windows takes both as they are.
+std::string withNativeDelimiters(std::string text);
+
+/// The text made fit for comparing paths: letter case folded where the file system ignores it.
+std::string foldCase(std::string path);
+
+}

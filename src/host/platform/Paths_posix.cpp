@@ -1,0 +1,28 @@
+#include "host/platform/Paths.h"
+
+#include <algorithm>
+
+namespace cubes::platform {
+
+char pathDelimiter() {
+    return '/';
+}
+
+std::filesystem::path toPath(std::string_view text) {
+    return std::filesystem::path(text);
+}
+
+std::string fromPath(std::filesystem::path const& path) {
+    return path.string();
+}
+
+std::string withNativeDelimiters(std::string text) {
+    std::replace(text.begin(), text.end(), '\\', '/');
+    return text;
+}
+
+std::string foldCase(std::string path) {
+    return path;
+}
+
+}

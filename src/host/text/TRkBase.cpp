@@ -1,0 +1,45 @@
+#include <cubes/text/TRkBase.h>
+
+#include "host/platform/ClassNames.h"
+
+#include <typeinfo>
+
+TRkVisitor::~TRkVisitor() = default;
+
+TRkBase::TRkBase(TRkBase const&) {}
+
+TRkBase& TRkBase::operator=(TRkBase const&) {
+    return *this;
+}
+
+TRkBase::~TRkBase() = default;
+
+bool TRkBase::Ok() const {
+    return true;
+}
+
+int TRkBase::ClassID() const {
+    return 0;
+}
+
+long TRkBase::AddReference() {
+    return ++references_;
+}
+
+long TRkBase::ReleaseReference() {
+    long const left = --references_;
+    if (left < 1) delete this;
+    return left;
+}
+
+char const* TRkBase::ClassName() const {
+    return cubes::platform::className(typeid(*this));
+}
+
+long TRkBase::ReferenceCount() const {
+    return references_;
+}
+
+void TRkBase::Accept(TRkVisitor& visitor) const {
+    visitor.Visit(*this);
+}

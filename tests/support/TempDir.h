@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace cubes::test {
+
+/// A directory of its own for one test, removed with its content at the end.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(TempDir const&) = delete;
+    TempDir& operator=(TempDir const&) = delete;
+
+    std::string str() const { return path_.string(); }
+    /// The path of `name` inside the directory.
+    std::string file(std::string const& name) const { return (path_ / name).string(); }
+
+private:
+    std::filesystem::path path_;
+};
+
+/// The names of all files and directories below `directory`, sorted; to show that nothing is left over.
+std::string listing(std::string const& directory);
+std::string readFile(std::string const& path);
+void writeFile(std::string const& path, std::string const& bytes);
+
+}
