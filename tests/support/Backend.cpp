@@ -1,0 +1,114 @@
+#include "support/Backend.h"
+
+#include "support/Process.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <random>
+#include <stdexcept>
+
+namespace cubes::test {
+
+namespace {
+
+constexpr char cellEnd = '\x1f';
+constexpr char rowEnd = '\x1e';
+
+std::string serverDirectory() {
+    char const* const given = std::getenv("CUBES_TEST_POSTGRES");
+    return given ? given : CUBES_TEST_POSTGRES_DIR;
+}
+
+bool serverIsHere() {
+    return std::filesystem::exists(serverDirectory() + "/port");
+}
+
+std::string uniqueName() {
+    static std::atomic<int> count = 0;
+    return "t" + std::to_string(std::random_device{}()) + "_" + std::to_string(++count);
+}
+
+std::vector<std::string> split(std::string const& text, char end) {
+    std::vector<std::string> pieces;
+    for (std::size_t start = 0; start <= text.size();) {
+        std::size_t const stop = std::min(text.find(end, start), text.size());
+        pieces.push_back(text.substr(start, stop - start));
+        start = stop + 1;
+    }
+    return pieces;
+}
+
+Rows rowsOf(std::string text) {
+    Rows rows;
+    while (!text.empty() && (text.back() == rowEnd || text.back() == '\n')) text.pop_back();
+    if (text.empty()) return rows;
+    for (auto const& row : split(text, rowEnd)) rows.push_back(split(row, cellEnd));
+    return rows;
+}
+
+Rows ask(std::vector<std::string> const& client) {
+    auto const result = run(client);
+    if (result.exitCode != 0) throw std::runtime_error(client.back() + ": " + result.errors);
+    return rowsOf(result.output);
+}
+
+Rows askPostgres(std::string const& url, std::string const& sql) {
+    return ask({"psql", "-X", "-q", "-A", "-t", "-v", "ON_ERROR_STOP=1", "-P", "null=NULL", "-F",
+        std::string(1, cellEnd), "-R", std::string(1, rowEnd), "-d", url, "-c", sql});
+}
+
+Rows askSqlite(std::string const& file, std::string const& sql) {
+    return ask({"sqlite3", "-batch", "-bail", "-noheader", "-nullvalue", "NULL", "-separator", std::string(1, cellEnd),
+        "-newline", std::string(1, rowEnd), "-cmd", ".timeout 5000", file, sql});
+}
+
+}
+
+std::string backendName(Backend backend) {
+    return backend == Backend::sqlite ? "sqlite" : "postgres";
+}
+
+std::string postgresPort() {
+    return rowsOf(readFile(serverDirectory() + "/port")).at(0).at(0);
+}
+
+std::string postgresUrl(std::string const& database) {
+    return "postgresql://cubes@/" + database + "?host=" + serverDirectory() + "&port=" + postgresPort();
+}
+
+TestDatabase::TestDatabase(Backend backend)
+    : backend_(backend), name_(backend == Backend::sqlite ? directory_.file("cubes.db") : uniqueName()),
+      url_(backend == Backend::sqlite ? "sqlite:" + name_ : postgresUrl(name_)) {
+    if (backend == Backend::postgres) askPostgres(postgresUrl("postgres"), "CREATE DATABASE " + name_);
+}
+
+TestDatabase::~TestDatabase() {
+    if (backend_ == Backend::sqlite) return;
+    try {
+        askPostgres(postgresUrl("postgres"), "DROP DATABASE " + name_ + " WITH (FORCE)");
+    } catch (std::exception const&) {
+        // The server goes with all its databases when the tests end.
+    }
+}
+
+std::string TestDatabase::table(std::string const& schema, std::string const& name) const {
+    if (schema.empty()) return "\"" + name + "\"";
+    return "\"" + schema + (backend_ == Backend::sqlite ? "." : "\".\"") + name + "\"";
+}
+
+Rows TestDatabase::sql(std::string const& text) const {
+    return backend_ == Backend::sqlite ? askSqlite(name_, text) : askPostgres(url_, text);
+}
+
+void BackendTest::SetUp() {
+    requireBackend(backend());
+}
+
+void requireBackend(Backend backend) {
+    if (backend == Backend::sqlite || serverIsHere()) return;
+    char const* const ci = std::getenv("CI");
+    if (ci && std::string(ci) == "true") FAIL() << "no PostgreSQL server in " << serverDirectory();
+    GTEST_SKIP() << "SKIPPED: no PostgreSQL server; run: tests/support/postgres setup " << serverDirectory();
+}
+
+}
