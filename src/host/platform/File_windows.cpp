@@ -1,0 +1,144 @@
+#include "host/platform/File.h"
+
+#include "host/platform/Paths.h"
+#include "host/platform/SystemFailure.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace cubes::platform {
+
+namespace {
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr std::size_t largestTransfer = std::size_t{1} << 30;
+
+HANDLE handle(std::intptr_t native) {
+    return reinterpret_cast<HANDLE>(native);
+}
+
+std::intptr_t openFile(std::string const& path, DWORD access, DWORD disposition) {
+    HANDLE const opened =
+        ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return reinterpret_cast<std::intptr_t>(opened);
+}
+
+OVERLAPPED at(std::uint64_t offset) {
+    OVERLAPPED position{};
+    position.Offset = static_cast<DWORD>(offset);
+    position.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    return position;
+}
+
+// Moves the old file aside under a name that counts as left-over, so that objects that still
+// read it keep it, and puts the new one in its place.
+bool replaceInUse(std::wstring const& from, std::wstring const& to) {
+    std::wstring const aside = from + L".old.cubes-tmp";
+    if (!::MoveFileExW(to.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
+    if (!::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH)) {
+        DWORD const failure = ::GetLastError();
+        ::MoveFileExW(aside.c_str(), to.c_str(), 0);
+        ::SetLastError(failure);
+        return false;
+    }
+    ::DeleteFileW(aside.c_str());
+    return true;
+}
+
+}
+
+File File::openForReading(std::string const& path) {
+    std::intptr_t const opened = openFile(path, GENERIC_READ, OPEN_EXISTING);
+    if (opened == none) throwSystemFailure("cannot open", path);
+    File file(opened, path);
+    if (::GetFileType(handle(opened)) != FILE_TYPE_DISK) throwSystemFailure("cannot open", path, ERROR_INVALID_NAME);
+    return file;
+}
+
+File File::createNew(std::string const& path) {
+    std::intptr_t const opened = openFile(path, GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
+    if (opened == none) throwSystemFailure("cannot create", path);
+    return File(opened, path);
+}
+
+File File::openShared(std::string const& path) {
+    std::intptr_t const opened = openFile(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+    if (opened == none) throwSystemFailure("cannot open", path);
+    return File(opened, path);
+}
+
+File::File(File&& other) noexcept : native_(std::exchange(other.native_, none)), path_(std::move(other.path_)) {}
+
+File& File::operator=(File&& other) noexcept {
+    close();
+    native_ = std::exchange(other.native_, none);
+    path_ = std::move(other.path_);
+    return *this;
+}
+
+File::~File() {
+    close();
+}
+
+std::uint64_t File::size() const {
+    LARGE_INTEGER size;
+    if (!::GetFileSizeEx(handle(native_), &size)) throwSystemFailure("cannot examine", path_);
+    return static_cast<std::uint64_t>(size.QuadPart);
+}
+
+void File::readAt(std::uint64_t offset, std::span<std::byte> bytes) const {
+    while (!bytes.empty()) {
+        OVERLAPPED position = at(offset);
+        DWORD const wanted = static_cast<DWORD>(std::min(bytes.size(), largestTransfer));
+        DWORD got = 0;
+        if (!::ReadFile(handle(native_), bytes.data(), wanted, &got, &position))
+            throwSystemFailure("cannot read", path_);
+        if (got == 0) throwSystemFailure("cannot read past the end of", path_, ERROR_HANDLE_EOF);
+        bytes = bytes.subspan(got);
+        offset += got;
+    }
+}
+
+void File::writeAt(std::uint64_t offset, std::span<std::byte const> bytes) {
+    while (!bytes.empty()) {
+        OVERLAPPED position = at(offset);
+        DWORD const wanted = static_cast<DWORD>(std::min(bytes.size(), largestTransfer));
+        DWORD put = 0;
+        if (!::WriteFile(handle(native_), bytes.data(), wanted, &put, &position))
+            throwSystemFailure("cannot write", path_);
+        bytes = bytes.subspan(put);
+        offset += put;
+    }
+}
+
+void File::beginFlush(std::uint64_t, std::uint64_t) noexcept {}
+
+void File::flush() {
+    if (!::FlushFileBuffers(handle(native_))) throwSystemFailure("cannot flush", path_);
+}
+
+void File::close() noexcept {
+    if (native_ != none) ::CloseHandle(handle(std::exchange(native_, none)));
+}
+
+void replaceFile(std::string const& from, std::string const& to) {
+    std::wstring const source = toPath(from).wstring();
+    std::wstring const target = toPath(to).wstring();
+    if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return;
+    if (!replaceInUse(source, target)) throwSystemFailure("cannot put in place", to);
+}
+
+// The renaming itself writes through.
+void flushDirectory(std::string const&) {}
+
+void discardFile(std::string const& path) noexcept {
+    ::DeleteFileW(toPath(path).c_str());
+}
+
+std::uint64_t processId() {
+    return ::GetCurrentProcessId();
+}
+
+}
