@@ -64,6 +64,15 @@ Rows askSqlite(std::string const& file, std::string const& sql) {
 
 }
 
+std::string joined(Rows const& rows) {
+    std::string text;
+    for (auto const& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) text += (i ? "|" : "") + row[i];
+        text += "\n";
+    }
+    return text;
+}
+
 std::string backendName(Backend backend) {
     return backend == Backend::sqlite ? "sqlite" : "postgres";
 }

@@ -22,6 +22,8 @@ std::string backendName(Backend backend);
 
 /// Rows as texts, as an independent client (sqlite3 or psql) reads them; null reads "NULL".
 using Rows = std::vector<std::vector<std::string>>;
+/// The same as one text, to compare at a glance: "1|Base" a line.
+std::string joined(Rows const& rows);
 
 /// A fresh, empty database of its own: an SQLite file in a directory of its own, or a database of
 /// the private PostgreSQL server. Gone at the end.

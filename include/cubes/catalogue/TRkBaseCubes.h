@@ -38,7 +38,7 @@ public:
     /// Writable at run time, read at each call; rows keep the names they have.
     static int Version;
     /// The digits of the base-40 code, in order. There is no "u".
-    static char const letters[41];
+    static char const* const letters;
     /// The register table's name: "cube".
     static char const* const ObjectName;
 
@@ -52,8 +52,6 @@ public:
 
     /// Whether construction has finished.
     bool Ok() const override;
-    int ClassID() const override;
-    char const* ClassName() const override;
     virtual void SetConnection(Pgaccess::TPgConnection* connection);
     virtual Pgaccess::TPgConnection* GetConnection() const;
 

@@ -17,9 +17,6 @@ public:
     TRkCubes& operator=(TRkCubes const&);
     ~TRkCubes() override;
 
-    int ClassID() const override;
-    char const* ClassName() const override;
-
     /// Adds the reserved rows that are missing; one that exists is left as it is, whatever its
     /// name. False when the register cannot be opened.
     bool Init();

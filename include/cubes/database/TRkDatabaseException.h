@@ -16,6 +16,8 @@ public:
     ~TRkDatabaseException() override;
 
     std::string const& SqlState() const noexcept { return sqlState_; }
+    /// Whether a row with that unique or primary key was there already.
+    bool IsDuplicateKey() const noexcept { return sqlState_ == "23505"; }
     std::string const& Statement() const noexcept { return statement_; }
 
 private:

@@ -52,8 +52,6 @@ public:
     TRkMatCubes& operator=(TRkMatCubes const&);
     ~TRkMatCubes() override;
 
-    int ClassID() const override;
-    char const* ClassName() const override;
     /// The alias of the entry table: "cube4data1".
     virtual char const* cubeAliasName() const;
 

@@ -54,6 +54,18 @@ bool copy(std::string const& source, std::string const& target, bool overwrite) 
     return !error;
 }
 
+bool copyFile(std::string const& source, std::string const& target) {
+    if (!isRegularFile(source) || isDirectory(target) || isSamePath(source, target)) return false;
+    fs::path const beside = toPath(target + ".copy");
+    std::error_code error;
+    fs::copy_file(toPath(source), beside, fs::copy_options::overwrite_existing, error);
+    if (!error) fs::rename(beside, toPath(target), error);
+    if (!error) return true;
+    std::error_code ignored;
+    fs::remove(beside, ignored);
+    return false;
+}
+
 std::string absolutePath(std::string const& path) {
     std::error_code error;
     fs::path const absolute = fs::absolute(toPath(path), error);

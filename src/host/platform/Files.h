@@ -16,6 +16,9 @@ bool removeDirectory(std::string const& path, bool withContent);
 bool removeFile(std::string const& path);
 /// Copies a file or a directory with its content.
 bool copy(std::string const& source, std::string const& target, bool overwrite);
+/// Copies a regular file over the target: it is written beside the target and takes its place when
+/// complete. False when that fails, for a directory, and for a file onto itself.
+bool copyFile(std::string const& source, std::string const& target);
 /// Whether both texts name the same file without asking the file system for links.
 bool isSamePath(std::string const& first, std::string const& second);
 /// The absolute, lexically normalised form of a path.
