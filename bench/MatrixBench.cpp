@@ -1,0 +1,117 @@
+// Writing through Set against a bare write, flush and rename of the same bytes; reading through Get
+// and summing all rows against mapping the raw file and summing.
+
+#include "Benches.h"
+#include "EntryDatabase.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <stdexcept>
+
+namespace bench {
+
+namespace {
+
+void require(bool done, char const* what) {
+    if (!done) throw std::runtime_error(std::string("failed: ") + what);
+}
+
+class Descriptor {
+public:
+    Descriptor(std::string const& path, int flags) : number_(::open(path.c_str(), flags, 0644)) {
+        require(number_ >= 0, "open");
+    }
+    ~Descriptor() { ::close(number_); }
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    int number() const { return number_; }
+
+private:
+    int number_;
+};
+
+void writeAll(int file, char const* bytes, std::size_t size) {
+    for (std::size_t done = 0; done < size;) {
+        ssize_t const written = ::write(file, bytes + done, size - done);
+        require(written > 0, "write");
+        done += static_cast<std::size_t>(written);
+    }
+}
+
+void bareWrite(std::string const& path, std::vector<float> const& cells) {
+    std::string const beside = path + ".tmp";
+    {
+        Descriptor const file(beside, O_CREAT | O_TRUNC | O_WRONLY);
+        writeAll(file.number(), reinterpret_cast<char const*>(cells.data()), cells.size() * sizeof(float));
+        require(::fsync(file.number()) == 0, "fsync");
+    }
+    require(std::rename(beside.c_str(), path.c_str()) == 0, "rename");
+}
+
+double sum(float const* row, std::size_t count) {
+    // Four sums side by side: the loop is then bound by memory and not by one addition after another.
+    double sums[4] = {};
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        for (std::size_t k = 0; k < 4; ++k) sums[k] += static_cast<double>(row[i + k]);
+    for (; i < count; ++i) sums[0] += static_cast<double>(row[i]);
+    return sums[0] + sums[1] + sums[2] + sums[3];
+}
+
+double bareSum(std::string const& path, std::size_t zones) {
+    Descriptor const file(path, O_RDONLY);
+    std::size_t const size = zones * zones * sizeof(float);
+    void* const map = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.number(), 0);
+    require(map != MAP_FAILED, "mmap");
+    double total = 0;
+    for (std::size_t row = 0; row < zones; ++row) total += sum(static_cast<float const*>(map) + row * zones, zones);
+    ::munmap(map, size);
+    return total;
+}
+
+double ourSum(TRkMatCubes const& cubes) {
+    std::unique_ptr<TRkMatrix> const matrix(cubes.Get(1, 1, 1, 1, 1, lsRead, false));
+    require(matrix != nullptr, "Get");
+    double total = 0;
+    for (int row = 0; row < matrix->Rows(); ++row)
+        total += sum(matrix->RowAt(row, 8), static_cast<std::size_t>(matrix->Columns()));
+    return total;
+}
+
+void compareAt(std::vector<Result>& results, std::size_t zones, int rounds) {
+    WorkDirectory const work;
+    auto const project = cubes::Project::create(work.path("project"));
+    TRkMatCubes cubes(project.settings(), ".odm", true);
+    cubes.Add("Bench", 1, 1, 1, 1, false);
+
+    int const size = static_cast<int>(zones);
+    std::vector<float> cells(zones * zones);
+    for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = static_cast<float>(i % 1000) * 0.25f;
+    TRkMatrix matrix = TRkMatrix::inMemory(size, size);
+    for (int row = 0; row < size; ++row)
+        std::copy_n(cells.data() + static_cast<std::size_t>(row) * zones, zones, matrix.RowAt(row, 8));
+
+    std::string const raw = work.path("raw");
+    results.push_back(
+        compare({fmt::format("write {0} x {0} through Set", zones), 1.25, rounds, 1, [&] { bareWrite(raw, cells); },
+            [&] { require(cubes.Set(1, 1, 1, 1, 1, matrix, lsReadWrite, false), "Set"); }}));
+    double const expected = bareSum(raw, zones);
+    results.push_back(compare({fmt::format("read and sum {0} x {0} through Get", zones), 1.2, rounds, 1,
+        [&] { require(bareSum(raw, zones) == expected, "bare sum"); },
+        [&] { require(ourSum(cubes) == expected, "sum"); }, 150}));
+}
+
+}
+
+std::vector<Result> matrices() {
+    std::vector<Result> results;
+    compareAt(results, 2000, 21);
+    compareAt(results, 5000, 15);
+    return results;
+}
+
+}

@@ -1,0 +1,20 @@
+#include "matcubes/EntryKey.h"
+
+namespace cubes::matcubes {
+
+EntryKey storedKey(short cubenr, short p, short m, short t, short u, bool zeroBased) {
+    int const shift = zeroBased ? 1 : 0;
+    auto const stored = [shift](short part) { return static_cast<short>(part + shift); };
+    return {cubenr, stored(p), stored(m), stored(t), stored(u)};
+}
+
+std::vector<Rktable::Value> valuesOf(EntryKey const& key) {
+    return {key.cubenr, key.purpose, key.mode, key.time, key.user};
+}
+
+std::string displayKey(EntryKey const& key) {
+    return "[" + std::to_string(key.purpose) + "," + std::to_string(key.mode) + "," + std::to_string(key.time) + "," +
+           std::to_string(key.user) + "]";
+}
+
+}

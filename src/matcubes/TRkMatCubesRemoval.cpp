@@ -1,0 +1,71 @@
+#include <cubes/matcubes/TRkMatCubes.h>
+
+#include "catalogue/StoredName.h"
+
+namespace {
+
+// The row goes first: a file without a row is harmless, a row without its file is not.
+void removeCurrentEntry(Rktable::TRkTableProxy& table, TRkFString const& directory) {
+    auto const* const filename = table.FindField("filename");
+    TRkFString const file(cubes::storedPath(directory.str(), filename ? filename->AsString().str() : std::string()));
+    table.Delete();
+    file.RmFile();
+}
+
+}
+
+bool TRkMatCubes::Clear(short cubenr, short p, short m, short t, short u, bool zeroBased) const {
+    auto table = Open();
+    bool const found = LookUp(table, cubenr, p, m, t, u, zeroBased);
+    if (found) removeCurrentEntry(*table, matrixDirectory_);
+    Close(table);
+    return found;
+}
+
+bool TRkMatCubes::Clear(char const* cubeName, short p, short m, short t, short u, bool zeroBased) const {
+    return Clear(CubeNameToNr(cubeName), p, m, t, u, zeroBased);
+}
+
+bool TRkMatCubes::Delete(short cubenr, short p, short m, short t, short u, bool zeroBased) const {
+    return Clear(cubenr, p, m, t, u, zeroBased);
+}
+
+bool TRkMatCubes::Delete(char const* cubeName, short p, short m, short t, short u, bool zeroBased) const {
+    return Clear(cubeName, p, m, t, u, zeroBased);
+}
+
+bool TRkMatCubes::Remove(short cubenr, short p, short m, short t, short u, bool zeroBased) const {
+    return Clear(cubenr, p, m, t, u, zeroBased);
+}
+
+bool TRkMatCubes::Remove(char const* cubeName, short p, short m, short t, short u, bool zeroBased) const {
+    return Clear(cubeName, p, m, t, u, zeroBased);
+}
+
+bool TRkMatCubes::Clear(short cubenr) const {
+    auto table = Open();
+    if (!table) return false;
+    while (table->Locate("cubenr", cubenr)) removeCurrentEntry(*table, matrixDirectory_);
+    Close(table);
+    return true;
+}
+
+bool TRkMatCubes::Clear(char const* cubeName) const {
+    return Clear(CubeNameToNr(cubeName));
+}
+
+bool TRkMatCubes::Delete(short cubenr) const {
+    return Clear(cubenr) && TRkBaseCubes::Clear(cubenr);
+}
+
+bool TRkMatCubes::Delete(char const* cubeName) const {
+    return Clear(cubeName) && TRkBaseCubes::Clear(cubeName);
+}
+
+bool TRkMatCubes::Remove(short cubenr) const {
+    return Delete(cubenr);
+}
+
+bool TRkMatCubes::Remove(char const* cubeName) const {
+    return Delete(cubeName);
+}

@@ -1,0 +1,119 @@
+#include <cubes/matcubes/TRkMatCubes.h>
+
+#include <cubes/matrix/TRkMatrix.h>
+#include <cubes/matrix/TRkMatrixException.h>
+
+#include "host/platform/Files.h"
+#include "matcubes/EntryKey.h"
+
+#include <memory>
+#include <string>
+
+using cubes::matcubes::EntryKey;
+using cubes::matcubes::storedKey;
+
+namespace {
+
+constexpr int rowAccess = 8;
+// Kinds above this one belong to the matrix itself and outlive its saving.
+constexpr unsigned lastCubeKind = 31;
+
+void requireColumn(TRkMatrix const& matrix, int column) {
+    if (column >= 0 && column < matrix.Columns()) return;
+    throw TRkMatrixException("cannot read column " + std::to_string(column) + " of " + matrix.FileName() + ": it has " +
+                                 std::to_string(matrix.Columns()) + " columns",
+        matrix.FileName());
+}
+
+// Reads one element and releases the matrix. The object itself stays: that is how callers know it.
+double readElement(TRkMatrix* matrix, int row, int column) {
+    if (!matrix) return -1.0;
+    requireColumn(*matrix, column);
+    double const element = matrix->RowAt(row, rowAccess)[column];
+    matrix->Release();
+    return element;
+}
+
+}
+
+bool TRkMatCubes::Check(short cubenr) const {
+    return TRkBaseCubes::Check(cubenr);
+}
+
+bool TRkMatCubes::Check(char const* cubeName) const {
+    return TRkBaseCubes::Check(cubeName);
+}
+
+bool TRkMatCubes::Check(short cubenr, short p, short m, short t, short u, bool zeroBased) const {
+    auto table = Open();
+    bool const found = LookUp(table, cubenr, p, m, t, u, zeroBased);
+    Close(table);
+    return found;
+}
+
+bool TRkMatCubes::Check(char const* cubeName, short p, short m, short t, short u, bool zeroBased) const {
+    return Check(CubeNameToNr(cubeName), p, m, t, u, zeroBased);
+}
+
+TRkMatrix* TRkMatCubes::Get(short cubenr, short p, short m, short t, short u, RkLockState lock, bool zeroBased) const {
+    TRkString const file = FileName(cubenr, p, m, t, u, zeroBased);
+    if (file.IsEmpty()) return nullptr;
+    TRkString const name = CubeNrToName(cubenr) + " " + displayKey(storedKey(cubenr, p, m, t, u, zeroBased));
+    auto matrix = std::make_unique<TRkMatrix>(file.c_str(), 1, name.c_str(), true, mkDefault, lock, 0);
+    return matrix->IsValid() ? matrix.release() : nullptr;
+}
+
+TRkMatrix* TRkMatCubes::Get(
+    char const* cubeName, short p, short m, short t, short u, RkLockState lock, bool zeroBased) const {
+    return Get(CubeNameToNr(cubeName), p, m, t, u, lock, zeroBased);
+}
+
+double TRkMatCubes::Get(
+    short cubenr, short p, short m, short t, short u, int i, int j, RkLockState lock, bool zeroBased) const {
+    return readElement(Get(cubenr, p, m, t, u, lock, zeroBased), i, j);
+}
+
+double TRkMatCubes::Get(
+    char const* cubeName, short p, short m, short t, short u, int i, int j, RkLockState lock, bool zeroBased) const {
+    return Get(CubeNameToNr(cubeName), p, m, t, u, i, j, lock, zeroBased);
+}
+
+TRkMatrixHeader const* TRkMatCubes::GetHeader(
+    char const* cubeName, short p, short m, short t, short u, bool zeroBased) const {
+    TRkString const file = FileName(cubeName, p, m, t, u, zeroBased);
+    return file.IsEmpty() ? nullptr : TRkMatrix().GetHeader(file.c_str());
+}
+
+bool TRkMatCubes::Set(
+    short cubenr, short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock, bool zeroBased) {
+    return Check(cubenr, p, m, t, u, zeroBased) && SaveMatrix(matrix, cubenr, p, m, t, u, lock, zeroBased);
+}
+
+bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, TRkMatrix const& matrix,
+    RkLockState lock, bool zeroBased) {
+    if (Check(cubeName, p, m, t, u, zeroBased)) Clear(cubeName, p, m, t, u, zeroBased);
+    if (!Add(cubeName, p, m, t, u, zeroBased)) return false;
+    short const cubenr = CubeNameToNr(cubeName);
+    return cubenr != 0 && SaveMatrix(matrix, cubenr, p, m, t, u, lock, zeroBased);
+}
+
+bool TRkMatCubes::SaveMatrix(
+    TRkMatrix const& matrix, short cubenr, short p, short m, short t, short u, RkLockState lock, bool zeroBased) {
+    EntryKey const key = storedKey(cubenr, p, m, t, u, zeroBased);
+    TRkFString const target(
+        TRkString(matrixDirectory_) + MakeFilename(key.cubenr, key.purpose, key.mode, key.time, key.user) + extension_);
+    matrix.Prepare();
+    TRkFString const source(matrix.FileName());
+    if (source.IsSameFile(target) && matrix.StateCode() != lsChanged) return false;
+    if (matrix.StateCode() == lsUnchanged && source.Exists()) {
+        // The file is as good as the matrix; callers know the false result of this case.
+        cubes::platform::copyFile(source.str(), target.str());
+        return false;
+    }
+    unsigned const sourceKind = matrix.Header().Kind();
+    RkMatrixKind const kind = sourceKind > lastCubeKind ? static_cast<RkMatrixKind>(sourceKind) : matrixKind_;
+    TRkMatrix file(matrix.Rows(), matrix.Columns(), matrixType_, target.c_str(), 1, "", "", matrixFlag_, kind, lock);
+    if (!file.IsValid()) return false;
+    file.AssignFrom(matrix);
+    return file.IsValid();
+}
