@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tool/city/Demand.h"
 #include "tool/city/Zone.h"
 #include "tool/formats/TripTable.h"
 
@@ -9,28 +10,23 @@
 
 namespace cubes::tool {
 
-/// The trips that start and end in each zone, of one purpose in one period, over all modes.
-struct Margins {
-    std::vector<double> origins;
-    std::vector<double> destinations;
-};
-
-/// A made-up city with its travel: the same seed makes the same city.
+/// A made-up city with its travel. Purposes, modes and periods are counted from 0.
 struct City {
     std::vector<Zone> zones;
     std::vector<std::string> purposes;
     std::vector<std::string> modes;
     std::vector<std::string> periods;
 
-    // Indices are zero-based.
     /// Trips a period from zone to zone.
     TripTable const& trips(int purpose, int mode, int period) const;
-    /// Kilometres and minutes from zone to zone.
+    /// Kilometres from zone to zone, the same in every period.
     TripTable const& distance(int mode, int period) const;
+    /// Minutes from zone to zone.
     TripTable const& time(int mode, int period) const;
     /// What the trips of all modes add up to.
     Margins const& margins(int purpose, int period) const;
 
+    // In the order of their arguments, the last one running fastest.
     std::vector<TripTable> tripTables;
     std::vector<TripTable> distanceTables;
     std::vector<TripTable> timeTables;
@@ -43,6 +39,7 @@ struct CityOptions {
     int zones = 200;
 };
 
+/// The same options make the same city, on every platform to the precision of its mathematical functions.
 City makeCity(CityOptions const& options = {});
 
 /// The largest difference between the trips that start or end in a zone and the margins they must
