@@ -10,6 +10,7 @@ add_library(cubes_tool_parts STATIC
   formats/FormatError.cpp
   formats/Formats.cpp
   formats/NumberText.cpp
+  formats/Omx.cpp
   formats/TntpReader.cpp
   formats/TntpScanner.cpp
   formats/WholeFile.cpp

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <stdexcept>
 
 namespace cubes::tool {
@@ -37,6 +38,16 @@ Figures quotients(Figures const& totals, Figures const& sums) {
     return factors;
 }
 
+double totalOf(Figures const& figures) {
+    return std::accumulate(figures.begin(), figures.end(), 0.0);
+}
+
+void requireSameTotal(Margins const& margins) {
+    double const origins = totalOf(margins.origins);
+    if (std::abs(totalOf(margins.destinations) - origins) > tolerance * origins)
+        throw std::invalid_argument("origins and destinations have different totals");
+}
+
 // The largest change of a factor as a share of it: what the rows are off by.
 double largestChange(Figures const& before, Figures const& after) {
     double largest = 0;
@@ -48,6 +59,7 @@ double largestChange(Figures const& before, Figures const& after) {
 }
 
 SquareTable distribute(Margins const& margins, SquareTable const& deterrence) {
+    requireSameTotal(margins);
     Figures rows = margins.origins;
     for (int round = 0; round < mostRounds; ++round) {
         auto const columns = quotients(margins.destinations, columnSums(deterrence, rows));
@@ -57,7 +69,7 @@ SquareTable distribute(Margins const& margins, SquareTable const& deterrence) {
             return SquareTable::of(deterrence.size(),
                 [&](std::size_t i, std::size_t j) { return before[i] * columns[j] * deterrence.at(i, j); });
     }
-    throw std::runtime_error("origins and destinations cannot be balanced");
+    throw std::runtime_error("origins and destinations are not balanced after 1000 rounds");
 }
 
 SquareTable deterrenceOf(Purpose purpose, SquareTable const& ease) {

@@ -8,7 +8,8 @@ namespace cubes::tool {
 /// a(i) origins(i) b(j) destinations(j) deterrence(i, j), with the factors a and b chosen so that
 /// rows add up to the origins and columns to the destinations. They are found by balancing rows
 /// and columns in turn (Furness 1965) until the rows are right within half a millionth.
-/// Throws std::runtime_error when that does not end, as it must for margins of different totals.
+/// Throws std::invalid_argument for margins of different totals, and std::runtime_error when the
+/// rows are not right after a thousand rounds.
 /// REQUIRES: deterrence is above 0 everywhere.
 SquareTable distribute(Margins const& margins, SquareTable const& deterrence);
 

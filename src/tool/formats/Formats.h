@@ -21,13 +21,14 @@ enum class CsvForm {
 
 /// Reads the file in the format of its extension, letter case ignored: .omx, .csv or .tntp.
 /// `table` chooses a table of a file that may hold several (.omx); it is needed there unless the
-/// file holds one, and refused for the formats that hold just one. Throws FormatError.
+/// file holds one, and refused for the formats that hold just one. Throws FormatError, or the
+/// library's TRkMatrixException for an .omx file that is none.
 TripTable readTripTable(
     std::string const& path, std::optional<std::string> const& table = {}, ShareDone const& shareDone = {});
 
 /// Writes the file in the format of its extension: .omx or .csv. `table` names the table where
 /// the format has names. The file is written beside its place and takes it when it is complete:
-/// when FormatError is thrown an old file is still what it was, and no new one is left.
+/// when FormatError or TRkMatrixException is thrown an old file is still what it was, and no new one is left.
 void writeTripTable(std::string const& path, TripTable const& trips, std::string const& table,
     CsvForm form = CsvForm::longForm, ShareDone const& shareDone = {});
 

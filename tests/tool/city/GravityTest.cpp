@@ -60,7 +60,11 @@ TEST(Gravity, leavesZonesWithoutTripsEmpty) {
 }
 
 TEST(Gravity, refusesMarginsOfDifferentTotals) {
-    EXPECT_THROW(distribute({{1, 2}, {3, 4}}, tableOf(2, {1, 1, 1, 1})), std::runtime_error);
+    EXPECT_THROW(distribute({{1, 2}, {3, 4}}, tableOf(2, {1, 1, 1, 1})), std::invalid_argument);
+}
+
+TEST(Gravity, givesUpWhereTripsAreDeterredFromWhereTheyMustGo) {
+    EXPECT_THROW(distribute({{10, 11}, {11, 10}}, tableOf(2, {1, 1e-300, 1e-300, 1})), std::runtime_error);
 }
 
 TEST(Deterrence, growsWithEase) {

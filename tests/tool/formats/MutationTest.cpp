@@ -56,7 +56,7 @@ Outcomes readMutations(std::string const& fileName, std::string const& good) {
     auto const path = directory.file(fileName);
     Mutations mutations(20240517);
     Outcomes outcomes;
-    for (int i = 0; i < 1500; ++i) {
+    for (int i = 0; i < 300; ++i) {
         test::writeFile(path, mutations.of(good));
         try {
             auto const table = readTripTable(path);
@@ -75,21 +75,21 @@ Outcomes readMutations(std::string const& fileName, std::string const& good) {
 
 TEST(Mutations, ofALongCsvAreReadOrRefused) {
     auto const outcomes = readMutations("t.csv", "origin,destination,value\n1,2,3.5\n2,1,0.25\n\"3\",3,1e3\n");
-    EXPECT_GT(outcomes.read, 100);
-    EXPECT_GT(outcomes.refused, 100);
+    EXPECT_GT(outcomes.read, 10);
+    EXPECT_GT(outcomes.refused, 10);
 }
 
 TEST(Mutations, ofAWideCsvAreReadOrRefused) {
     auto const outcomes = readMutations("t.csv", "zone,1,2,3\n1,0,3.5,7\n2,\"0.25\",1,1\n3,0,0,1e3\n");
-    EXPECT_GT(outcomes.read, 100);
-    EXPECT_GT(outcomes.refused, 100);
+    EXPECT_GT(outcomes.read, 10);
+    EXPECT_GT(outcomes.refused, 10);
 }
 
 TEST(Mutations, ofTntpAreReadOrRefused) {
     auto const outcomes = readMutations("t.tntp", "<NUMBER OF ZONES> 3\n<TOTAL OD FLOW> 6.25\n<END OF METADATA>\n\n"
                                                   "~ by hand\nOrigin 1\n 1 : 0.5; 2 : 1.75;\nOrigin 3\n 2 : 4;\n");
-    EXPECT_GT(outcomes.read, 100);
-    EXPECT_GT(outcomes.refused, 100);
+    EXPECT_GT(outcomes.read, 10);
+    EXPECT_GT(outcomes.refused, 10);
 }
 
 }

@@ -1,0 +1,202 @@
+#include "support/Process.h"
+#include "support/SharedData.h"
+#include "support/TempDir.h"
+#include "tool/formats/FormatError.h"
+#include "tool/formats/Formats.h"
+
+#include <cubes/matrix/TRkMatrixException.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <sstream>
+
+namespace cubes::tool {
+
+namespace {
+
+using Zones = std::vector<std::int32_t>;
+using Cells = std::vector<float>;
+
+TripTable rectangle() {
+    TripTable table;
+    table.rows = 2;
+    table.columns = 3;
+    table.cells = {1, 2, 3, 4, 5, 0.1f};
+    return table;
+}
+
+TripTable square() {
+    TripTable table;
+    table.rows = table.columns = 2;
+    table.zones = {11, 3};
+    table.cells = {1, -2, 0.1f, 4e30f};
+    return table;
+}
+
+// A file that h5py writes: tables of 2 x 2 under the given names, with the values 1, 2, 3, 4.
+void writeForeign(std::string const& path, std::vector<std::string> names) {
+    names.insert(names.begin(), path);
+    auto const result = test::runPython("import sys, h5py, numpy\n"
+                                        "f = h5py.File(sys.argv[1], 'w')\n"
+                                        "f.attrs['OMX_VERSION'] = numpy.bytes_('0.2')\n"
+                                        "f.attrs['SHAPE'] = numpy.array([2, 2], 'i4')\n"
+                                        "f.create_group('data')\n"
+                                        "for i, name in enumerate(sys.argv[2:]):\n"
+                                        "    f['data'].create_dataset(name, data=i + numpy.array([[1, 2], [3, 4]]))\n",
+        names);
+    ASSERT_EQ(result.exitCode, 0) << result.errors;
+}
+
+std::string refusal(std::string const& path, std::optional<std::string> const& table = {}) {
+    try {
+        readTripTable(path, table);
+        return {};
+    } catch (FormatError const& error) {
+        return std::string(error.what()).substr(path.size());
+    }
+}
+
+}
+
+TEST(Omx, givesBackATableWithItsZonesInTheirOrder) {
+    test::TempDir const directory;
+    writeTripTable(directory.file("t.omx"), square(), "AM");
+    auto const back = readTripTable(directory.file("t.omx"), "AM");
+    EXPECT_EQ(back.zones, square().zones);
+    EXPECT_EQ(back.cells, square().cells);
+    EXPECT_EQ(test::listing(directory.str()), "t.omx\n");
+}
+
+TEST(Omx, givesBackATableThatIsNotSquare) {
+    test::TempDir const directory;
+    writeTripTable(directory.file("t.OMX"), rectangle(), "AM");
+    auto const back = readTripTable(directory.file("t.OMX"));
+    EXPECT_EQ(back.rows, 2);
+    EXPECT_EQ(back.columns, 3);
+    EXPECT_EQ(back.zones, Zones{});
+    EXPECT_EQ(back.cells, rectangle().cells);
+}
+
+TEST(Omx, isReadByOthers) {
+    test::TempDir const directory;
+    writeTripTable(directory.file("t.omx"), square(), "AM");
+    auto const result =
+        test::runPython("import sys, h5py\n"
+                        "f = h5py.File(sys.argv[1])\n"
+                        "print(list(f['data']), f['data/AM'][0].tolist(), f['lookup/zone'][:].tolist())",
+            {directory.file("t.omx")});
+    EXPECT_EQ(result.output, "['AM'] [1.0, -2.0] [11, 3]\n") << result.errors;
+}
+
+TEST(Omx, takesTheOnlyTableWithoutBeingTold) {
+    test::TempDir const directory;
+    writeForeign(directory.file("t.omx"), {"car"});
+    EXPECT_EQ(readTripTable(directory.file("t.omx")).cells, (Cells{1, 2, 3, 4}));
+}
+
+TEST(Omx, takesTheTableThatIsChosen) {
+    test::TempDir const directory;
+    writeForeign(directory.file("t.omx"), {"car", "bike"});
+    EXPECT_EQ(readTripTable(directory.file("t.omx"), "bike").cells, (Cells{2, 3, 4, 5}));
+}
+
+TEST(Omx, listsTheTablesWhenNoneOrAnUnknownOneIsChosen) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeForeign(path, {"car", "bike"});
+    EXPECT_EQ(refusal(path), ": holds several tables, choose one of bike, car");
+    EXPECT_EQ(refusal(path, "train"), ": holds no table 'train', expected one of bike, car");
+}
+
+TEST(Omx, refusesAFileWithoutTables) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeForeign(path, {});
+    EXPECT_EQ(refusal(path), ": holds no table");
+    EXPECT_EQ(refusal(path, "car"), ": holds no table, 'car' was asked for");
+}
+
+TEST(Omx, refusesATableWhoseValuesWereDamaged) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeTripTable(path, square(), "AM");
+    auto bytes = test::readFile(path);
+    float const value = square().cells[3];
+    auto const place = bytes.find(std::string(reinterpret_cast<char const*>(&value), sizeof value));
+    ASSERT_NE(place, std::string::npos);
+    bytes[place] ^= 1;
+    test::writeFile(path, bytes);
+    EXPECT_EQ(refusal(path), ": table 'AM' is damaged: its values do not agree with its checksum");
+}
+
+TEST(Omx, refusesWhatIsNoFileOfThisFormatAndNamesIt) {
+    test::TempDir const directory;
+    test::writeFile(directory.file("text.omx"), "origin,destination,value\n");
+    test::writeFile(directory.file("empty.omx"), "");
+    std::filesystem::create_directory(directory.file("directory.omx"));
+    for (auto const* name : {"text.omx", "empty.omx", "directory.omx", "missing.omx"}) {
+        auto const path = directory.file(name);
+        try {
+            readTripTable(path);
+            FAIL() << name;
+        } catch (TRkMatrixException const& error) {
+            EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << error.what();
+        }
+    }
+}
+
+TEST(Omx, refusesADirectoryToWriteTo) {
+    test::TempDir const directory;
+    std::filesystem::create_directory(directory.file("t.omx"));
+    EXPECT_THROW(writeTripTable(directory.file("t.omx"), square(), "AM"), TRkMatrixException);
+    EXPECT_EQ(test::listing(directory.str()), "t.omx\n");
+}
+
+TEST(Omx, refusesAFileThatIsCutOffAnywhere) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeTripTable(path, square(), "AM");
+    auto const whole = test::readFile(path);
+    for (std::size_t part = 0; part < 20; ++part) {
+        test::writeFile(path, whole.substr(0, whole.size() * part / 20));
+        EXPECT_THROW(readTripTable(path), TRkMatrixException) << part << "/20";
+    }
+}
+
+TEST(Omx, givesTheTablesOfARealFile) {
+    CUBES_REQUIRE_DATA("omx/example.omx");
+    auto const path = test::sharedData("omx/example.omx");
+    EXPECT_EQ(refusal(path),
+        ": holds several tables, choose one of FARE, IVT, IVTBUS, IVTRAIL, IVTTRAM, OWT, TRANSFERS, TWT");
+    auto const times = readTripTable(path, "IVT");
+    EXPECT_EQ(times.rows, 485);
+    EXPECT_EQ(times.columns, 485);
+    EXPECT_EQ(times.zones.size(), 485u);
+    auto const result = test::runPython("import sys, h5py\n"
+                                        "f = h5py.File(sys.argv[1])\n"
+                                        "print(float(f['data/IVT'][3, 400]), int(f['lookup/NO'][484]))",
+        {path});
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    std::istringstream stream(result.output);
+    double value = 0;
+    std::int32_t zone = 0;
+    stream >> value >> zone;
+    EXPECT_EQ(times.at(3, 400), static_cast<float>(value));
+    EXPECT_EQ(times.zones[484], zone);
+}
+
+TEST(Omx, comesThroughCsvIdentical) {
+    CUBES_REQUIRE_DATA("omx/example.omx");
+    test::TempDir const directory;
+    auto const times = readTripTable(test::sharedData("omx/example.omx"), "TWT");
+    for (auto const form : {CsvForm::longForm, CsvForm::wide}) {
+        writeTripTable(directory.file("t.csv"), times, "", form);
+        auto const back = readTripTable(directory.file("t.csv"));
+        EXPECT_EQ(back.zones, times.zones);
+        EXPECT_EQ(back.cells, times.cells);
+    }
+}
+
+}
