@@ -37,8 +37,7 @@ std::string Entry::fileName() const {
 
 Catalogue::Catalogue(std::string const& directory) : Catalogue(Project::open(directory)) {}
 
-Catalogue::Catalogue(Project project)
-    : project_(std::move(project)), cubes_(project_.settings(), extension, false) {}
+Catalogue::Catalogue(Project project) : project_(std::move(project)), cubes_(project_.settings(), extension, false) {}
 
 Catalogue Catalogue::open(Surroundings const& surroundings) {
     return Catalogue(findProject(surroundings.project));
@@ -158,8 +157,8 @@ void Catalogue::write(Entry const& entry, TRkMatrix const& matrix) {
     // By number: the old matrix stays until the new one is complete.
     if (cubes_.Set(entry.cube.number, p, m, t, u, matrix, unlocked, oneBased)) return;
     // The cube tells only that it failed; writing once more by hand tells why, or succeeds.
-    TRkMatrix again(matrix.Rows(), matrix.Columns(), mtMatrixCube, path(entry).c_str(), 1, "", "", false, mkDefault,
-        unlocked);
+    TRkMatrix again(
+        matrix.Rows(), matrix.Columns(), mtMatrixCube, path(entry).c_str(), 1, "", "", false, mkDefault, unlocked);
     if (again.IsValid()) again.AssignFrom(matrix);
     if (!again.IsValid()) throw Failure(again.Reason());
 }

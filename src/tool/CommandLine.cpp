@@ -10,9 +10,10 @@ namespace cubes::tool {
 
 namespace {
 
-constexpr char const* about = "Keeps the matrices of a transport model: cubes of entries, found by purpose, mode, time\n"
-                              "and user, in a database that several people share and in matrix files (OMX) that other\n"
-                              "tools open.";
+constexpr char const* about =
+    "Keeps the matrices of a transport model: cubes of entries, found by purpose, mode, time\n"
+    "and user, in a database that several people share and in matrix files (OMX) that other\n"
+    "tools open.";
 constexpr char const* more =
     "An ENTRY is CUBE/purpose/mode/time/user, the cube by name or number, the rest from 1: Base/1/1/1/1\n"
     "Exit codes: 0 done, 1 not found or refused, 2 wrong usage, 3 failed\n"
@@ -29,8 +30,10 @@ void declareEverywhere(CLI::App& line, Surroundings& surroundings) {
 void declare(CLI::App& line, Command& command, Surroundings& surroundings) {
     auto* const part = line.add_subcommand(command.name(), command.summary());
     command.declare(*part);
-    if (command.needsProject()) declareEverywhere(*part, surroundings);
-    else part->add_flag("--json", surroundings.json, "Print results as JSON");
+    if (command.needsProject())
+        declareEverywhere(*part, surroundings);
+    else
+        part->add_flag("--json", surroundings.json, "Print results as JSON");
 }
 
 std::string trimmed(std::string text) {

@@ -57,8 +57,7 @@ CubeWord parseCube(std::string const& text) {
 }
 
 EntryWord parseEntry(std::string const& text) {
-    if (!isEntry(text))
-        throw UsageError(fmt::format("\"{}\" is no entry: expected CUBE/purpose/mode/time/user", text));
+    if (!isEntry(text)) throw UsageError(fmt::format("\"{}\" is no entry: expected CUBE/purpose/mode/time/user", text));
     EntryWord entry;
     std::string rest = text;
     for (std::size_t part = partNames.size(); part-- > 0;) {

@@ -6,23 +6,17 @@
 
 namespace cubes::tool {
 
-Progress::Progress(std::string what, std::size_t steps)
-    : what_(std::move(what)), steps_(steps), watched_(messagesAreWatched()) {
-    if (watched_) show();
+Progress::Progress(std::string what) : what_(std::move(what)), watched_(messagesAreWatched()) {
+    reached(0);
 }
 
 Progress::~Progress() {
     if (watched_) std::fputs("\r\x1b[K", stderr);
 }
 
-void Progress::step() {
-    ++done_;
-    if (watched_) show();
-}
-
-void Progress::show() {
-    int const percent = steps_ == 0 ? 100 : static_cast<int>(done_ * 100 / steps_);
-    if (percent == shown_) return;
+void Progress::reached(double share) {
+    int const percent = static_cast<int>(share * 100);
+    if (!watched_ || percent == shown_) return;
     shown_ = percent;
     std::fprintf(stderr, "\r%s: %d %%", what_.c_str(), percent);
     std::fflush(stderr);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 
 namespace cubes::tool {
@@ -9,20 +8,16 @@ namespace cubes::tool {
 /// nothing when the messages go to a file or a pipe.
 class Progress {
 public:
-    Progress(std::string what, std::size_t steps);
+    explicit Progress(std::string what);
     ~Progress();
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
 
-    /// One more step is done.
-    void step();
+    /// `share`: of the work that is done, 0 to 1.
+    void reached(double share);
 
 private:
-    void show();
-
     std::string what_;
-    std::size_t steps_;
-    std::size_t done_ = 0;
     int shown_ = -1;
     bool watched_;
 };

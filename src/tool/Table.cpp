@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace cubes::tool {
 
@@ -10,8 +11,8 @@ namespace {
 
 // Characters, not bytes: those that continue a character of UTF-8 take no place of their own.
 std::size_t widthOf(std::string const& text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 std::string padded(std::string const& text, std::size_t width, bool toTheRight) {
@@ -41,6 +42,7 @@ struct TextColumn {
 std::string plainText(Json const& value) {
     if (value.is_null()) return "-";
     if (value.is_string()) return value.get<std::string>();
+    if (value.is_number_float() && std::isnan(value.get<double>())) return "-";
     if (value.is_number_float()) return fmt::format("{}", value.get<double>());
     return value.dump();
 }

@@ -10,7 +10,7 @@ namespace cubes::tool {
 using Json = nlohmann::ordered_json;
 
 /// A value as people read it: texts without quotes, numbers with the digits they need, "-" for
-/// what is not known.
+/// what is not known (null or NaN).
 std::string plainText(Json const& value);
 
 /// One column of a table: its key in JSON and its title in text. A column without a key is shown

@@ -51,13 +51,13 @@ public:
         auto const catalogue = Catalogue::open(surroundings);
         auto const entries =
             cube_.empty() ? catalogue.entries() : catalogue.entriesOf(catalogue.cube(parseCube(cube_)));
-        Table table({{"", "entry"}, {"cube", ""}, {"name", ""}, {"purpose", ""}, {"mode", ""}, {"time", ""},
-            {"user", ""}, {"file", "file"}, {"state", "state"}, {"size", "size"}, {"rows", "rows"},
-            {"columns", "columns"}});
-        Progress progress("listing", entries.size());
-        for (auto const& entry : entries) {
-            table.add(rowOf(entry, catalogue.path(entry)));
-            progress.step();
+        Table table(
+            {{"", "entry"}, {"cube", ""}, {"name", ""}, {"purpose", ""}, {"mode", ""}, {"time", ""}, {"user", ""},
+                {"file", "file"}, {"state", "state"}, {"size", "size"}, {"rows", "rows"}, {"columns", "columns"}});
+        Progress progress("listing");
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            table.add(rowOf(entries[i], catalogue.path(entries[i])));
+            progress.reached(static_cast<double>(i + 1) / static_cast<double>(entries.size()));
         }
         output.show(table);
         if (entries.empty()) tellNote("there are no entries yet; cubes import stores one");

@@ -23,8 +23,10 @@ public:
     std::string task() const override { return "remove " + what_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        if (isEntry(what_)) removeEntry(parseEntry(what_), surroundings, output);
-        else removeCube(parseCube(what_), surroundings, output);
+        if (isEntry(what_))
+            removeEntry(parseEntry(what_), surroundings, output);
+        else
+            removeCube(parseCube(what_), surroundings, output);
     }
 
 private:

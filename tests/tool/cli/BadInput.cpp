@@ -41,7 +41,8 @@ std::vector<BadFile> const badFiles = {
 };
 
 std::vector<Case> const cases = {
-    {"no file", "cubes import none.csv New/1/1/1/1", 3, {"import none.csv into New/1/1/1/1", "none.csv", "No such file"}},
+    {"no file", "cubes import none.csv New/1/1/1/1", 3,
+        {"import none.csv into New/1/1/1/1", "none.csv", "No such file"}},
     {"a directory", "cubes import folder.csv New/1/1/1/1", 3, {"folder.csv", "directory"}},
     {"an empty csv", "cubes import empty.csv New/1/1/1/1", 3, {"empty.csv", "empty"}},
     {"text where a number stands", "cubes import text.csv New/1/1/1/1", 3, {"text.csv:3", "\"abc\""}},
@@ -125,8 +126,8 @@ protected:
 
     void use(std::string const& user) const {
         auto const& database = session->database();
-        database.execute("UPDATE " + database.table("public", "cube4data1") +
-            " SET \"usageCounter\" = 1 WHERE \"user\" = " + user);
+        database.execute(
+            "UPDATE " + database.table("public", "cube4data1") + " SET \"usageCounter\" = 1 WHERE \"user\" = " + user);
     }
 
     void refuses(Case const& bad) const {

@@ -29,7 +29,7 @@ protected:
     std::string asReadByH5py(std::string const& file, std::string const& expression) const {
         auto const result = runPython("import h5py, numpy, sys\nf = h5py.File(sys.argv[1], 'r')\n"
                                       "cells = f['data/matrix'][:]\nzones = f['lookup/zone'][:].tolist()\nprint(" +
-                expression + ")",
+                                          expression + ")",
             {session->file("matrices/" + file)});
         return result.output + result.errors;
     }
@@ -67,8 +67,8 @@ TEST_P(RealData, ofChicagoHasTheTotalThatIsPublished) {
     EXPECT_EQ(shown.at("total"), 1260907.44);
     EXPECT_EQ(asReadByH5py("1-1-1-1-1.odm", "'%.2f' % cells.sum(dtype='f8')"), "1260907.44\n");
     auto const& database = session->database();
-    EXPECT_EQ(database.sql("SELECT filename FROM " + database.table("public", "cube4data1")),
-        (Rows{{"1-1-1-1-1.odm"}}));
+    EXPECT_EQ(
+        database.sql("SELECT filename FROM " + database.table("public", "cube4data1")), (Rows{{"1-1-1-1-1.odm"}}));
 }
 
 TEST_P(RealData, ofAnOmxFileIsImportedByTable) {
@@ -76,8 +76,8 @@ TEST_P(RealData, ofAnOmxFileIsImportedByTable) {
     auto const refused = session->run("cubes import \"$DATA/omx/example.omx\" Base/1/1/1/1");
     EXPECT_NE(refused.exitCode, 0);
     EXPECT_NE(refused.errors.find("--table"), std::string::npos) << refused.errors;
-    auto const tables = runPython("import h5py, sys\nprint(*h5py.File(sys.argv[1], 'r')['data'])",
-        {sharedData("omx/example.omx")});
+    auto const tables =
+        runPython("import h5py, sys\nprint(*h5py.File(sys.argv[1], 'r')['data'])", {sharedData("omx/example.omx")});
     auto const name = tables.output.substr(0, tables.output.find(' '));
     succeeds("cubes import \"$DATA/omx/example.omx\" Base/1/1/1/1 --table " + name);
     EXPECT_EQ(json("cubes show Base/1/1/1/1 --json").at("rows"), 485);

@@ -68,7 +68,8 @@ std::string ToolSession::state() const {
     std::string text = listing(directory_.str());
     for (auto const& entry : fs::recursive_directory_iterator(directory_.str())) text += contentOf(entry.path());
     text += textOf(database_.sql("SELECT * FROM " + database_.table("", "cube") + " ORDER BY 1"));
-    return text + textOf(database_.sql("SELECT * FROM " + database_.table("public", "cube4data1") + " ORDER BY 1,2,3,4,5"));
+    return text +
+           textOf(database_.sql("SELECT * FROM " + database_.table("public", "cube4data1") + " ORDER BY 1,2,3,4,5"));
 }
 
 }
