@@ -1,0 +1,24 @@
+# What the commands are made of: file formats, statistics, the made-up city. A library of its own,
+# so that tests can link it.
+add_library(cubes_tool_parts STATIC
+  formats/CellList.cpp
+  formats/CsvLines.cpp
+  formats/CsvLongForm.cpp
+  formats/CsvReader.cpp
+  formats/CsvWideForm.cpp
+  formats/CsvWriter.cpp
+  formats/FormatError.cpp
+  formats/Formats.cpp
+  formats/NumberText.cpp
+  formats/TntpReader.cpp
+  formats/TntpScanner.cpp
+  formats/WholeFile.cpp
+  statistics/Statistics.cpp
+  city/City.cpp
+  city/Demand.cpp
+  city/Gravity.cpp
+  city/Layout.cpp
+  city/ModeChoice.cpp
+  city/Travel.cpp)
+target_include_directories(cubes_tool_parts PUBLIC ${PROJECT_SOURCE_DIR}/src)
+target_link_libraries(cubes_tool_parts PUBLIC cubes PRIVATE cubes_warnings dep::fmt)

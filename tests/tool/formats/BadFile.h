@@ -1,0 +1,50 @@
+#pragma once
+
+#include "support/TempDir.h"
+#include "tool/formats/FormatError.h"
+#include "tool/formats/Formats.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+
+namespace cubes::tool {
+
+/// A file that is refused, with what the message says behind the file's path.
+struct BadFile {
+    std::string name;
+    std::string content;
+    std::string message;
+};
+
+inline void PrintTo(BadFile const& file, std::ostream* stream) {
+    *stream << file.name;
+}
+
+inline std::string nameOf(testing::TestParamInfo<BadFile> const& info) {
+    return info.param.name;
+}
+
+/// What reading a file of this content is refused with, behind the file's path; empty when it is read.
+inline std::string refusal(std::string const& fileName, std::string const& content) {
+    test::TempDir const directory;
+    auto const path = directory.file(fileName);
+    test::writeFile(path, content);
+    try {
+        readTripTable(path);
+        return {};
+    } catch (FormatError const& error) {
+        std::string const message = error.what();
+        EXPECT_EQ(message.substr(0, path.size()), path);
+        return message.substr(path.size());
+    }
+}
+
+inline TripTable readContent(std::string const& fileName, std::string const& content) {
+    test::TempDir const directory;
+    test::writeFile(directory.file(fileName), content);
+    return readTripTable(directory.file(fileName));
+}
+
+}
