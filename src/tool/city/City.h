@@ -1,9 +1,6 @@
 #pragma once
 
-<<<<<<< HEAD
-=======
 #include "tool/city/Demand.h"
->>>>>>> city
 #include "tool/city/Zone.h"
 #include "tool/formats/TripTable.h"
 
@@ -13,44 +10,23 @@
 
 namespace cubes::tool {
 
-<<<<<<< HEAD
-/// The trips that start and end in each zone, of one purpose in one period, over all modes.
-struct Margins {
-    std::vector<double> origins;
-    std::vector<double> destinations;
-};
-
-/// A made-up city with its travel: the same seed makes the same city.
-=======
 /// A made-up city with its travel. Purposes, modes and periods are counted from 0.
->>>>>>> city
 struct City {
     std::vector<Zone> zones;
     std::vector<std::string> purposes;
     std::vector<std::string> modes;
     std::vector<std::string> periods;
 
-<<<<<<< HEAD
-    // Indices are zero-based.
-    /// Trips a period from zone to zone.
-    TripTable const& trips(int purpose, int mode, int period) const;
-    /// Kilometres and minutes from zone to zone.
-    TripTable const& distance(int mode, int period) const;
-=======
     /// Trips a period from zone to zone.
     TripTable const& trips(int purpose, int mode, int period) const;
     /// Kilometres from zone to zone, the same in every period.
     TripTable const& distance(int mode, int period) const;
     /// Minutes from zone to zone.
->>>>>>> city
     TripTable const& time(int mode, int period) const;
     /// What the trips of all modes add up to.
     Margins const& margins(int purpose, int period) const;
 
-<<<<<<< HEAD
-=======
     // In the order of their arguments, the last one running fastest.
->>>>>>> city
     std::vector<TripTable> tripTables;
     std::vector<TripTable> distanceTables;
     std::vector<TripTable> timeTables;
@@ -63,10 +39,7 @@ struct CityOptions {
     int zones = 200;
 };
 
-<<<<<<< HEAD
-=======
 /// The same options make the same city, on every platform to the precision of its mathematical functions.
->>>>>>> city
 City makeCity(CityOptions const& options = {});
 
 /// The largest difference between the trips that start or end in a zone and the margins they must
