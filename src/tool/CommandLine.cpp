@@ -1,0 +1,91 @@
+#include "tool/CommandLine.h"
+
+#include "tool/Command.h"
+#include "tool/Messages.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace cubes::tool {
+
+namespace {
+
+constexpr char const* about =
+    "Keeps the matrices of a transport model: cubes of entries, found by purpose, mode, time\n"
+    "and user, in a database that several people share and in matrix files (OMX) that other\n"
+    "tools open.";
+constexpr char const* more =
+    "An ENTRY is CUBE/purpose/mode/time/user, the cube by name or number, the rest from 1: Base/1/1/1/1\n"
+    "Exit codes: 0 done, 1 not found or refused, 2 wrong usage, 3 failed\n"
+    "`cubes COMMAND --help` tells more about a command.";
+
+// Taken before and behind the command's name.
+void declareEverywhere(CLI::App& line, Surroundings& surroundings) {
+    line.add_option("--project", surroundings.project,
+            "Project to work in; else the nearest directory upward with a cubes.toml")
+        ->type_name("DIR");
+    line.add_flag("--json", surroundings.json, "Print results as JSON");
+}
+
+void declare(CLI::App& line, Command& command, Surroundings& surroundings) {
+    auto* const part = line.add_subcommand(command.name(), command.summary());
+    command.declare(*part);
+    if (command.needsProject())
+        declareEverywhere(*part, surroundings);
+    else
+        part->add_flag("--json", surroundings.json, "Print results as JSON");
+}
+
+std::string trimmed(std::string text) {
+    text.erase(text.find_last_not_of(" \r\n") + 1);
+    return text;
+}
+
+ExitCode run(Command& command, Surroundings const& surroundings) {
+    try {
+        Output output(surroundings.json ? Form::json : Form::text);
+        command.run(surroundings, output);
+        output.write();
+        return ExitCode::done;
+    } catch (std::exception const& error) {
+        tellError(fmt::format("cannot {}: {}", command.task(), trimmed(error.what())));
+        return exitCodeOf(error);
+    }
+}
+
+ExitCode answer(CLI::App const& line, CLI::ParseError const& error) {
+    // Help and version come as errors too, and are printed by the parser.
+    if (error.get_exit_code() == 0) return static_cast<ExitCode>(line.exit(error));
+    tellError(fmt::format("{}; see cubes --help", trimmed(error.what())));
+    return ExitCode::usage;
+}
+
+ExitCode answerNothing(CLI::App const& line) {
+    std::fputs(line.help().c_str(), stderr);
+    return ExitCode::usage;
+}
+
+}
+
+ExitCode runTool(int argc, char** argv) {
+    CLI::App line(about, "cubes");
+    line.set_version_flag("--version", "cubes " CUBES_VERSION, "Print the version and exit");
+    line.footer(more);
+    line.require_subcommand(1);
+    Surroundings surroundings;
+    surroundings.program = argc > 0 ? argv[0] : "cubes";
+    declareEverywhere(line, surroundings);
+    auto const commands = allCommands();
+    for (auto const& command : commands) declare(line, *command, surroundings);
+    if (argc <= 1) return answerNothing(line);
+    try {
+        line.parse(argc, argv);
+    } catch (CLI::ParseError const& error) {
+        return answer(line, error);
+    }
+    for (auto const& command : commands)
+        if (line.got_subcommand(command->name())) return run(*command, surroundings);
+    return ExitCode::usage;
+}
+
+}

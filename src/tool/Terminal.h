@@ -1,0 +1,8 @@
+#pragma once
+
+namespace cubes::tool {
+
+/// Whether somebody watches: the stream of messages is a terminal.
+bool messagesAreWatched();
+
+}

@@ -1,0 +1,42 @@
+#include "tool/Catalogue.h"
+#include "tool/Errors.h"
+#include "tool/commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+
+namespace cubes::tool {
+
+namespace {
+
+class Add : public Command {
+public:
+    Add() : Command("add", "Add a cube") {}
+
+    void declare(CLI::App& line) override {
+        line.add_option("NAME", name_, "Name of the cube; not of digits alone, these are read as a number")->required();
+    }
+
+    std::string task() const override { return "add the cube " + name_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        if (parseCube(name_).number) throw UsageError("a name of digits alone would be read as the number of a cube");
+        auto catalogue = Catalogue::open(surroundings);
+        if (catalogue.has(parseCube(name_))) throw Refusal("there is a cube of that name already");
+        auto const cube = catalogue.add(name_);
+        Record added;
+        added.add("number", "number", cube.number);
+        added.add("name", "name", cube.name);
+        output.show(added);
+    }
+
+private:
+    std::string name_;
+};
+
+}
+
+std::unique_ptr<Command> makeAdd() {
+    return std::make_unique<Add>();
+}
+
+}

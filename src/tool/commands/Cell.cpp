@@ -1,0 +1,73 @@
+#include "tool/Catalogue.h"
+#include "tool/Errors.h"
+#include "tool/Numbers.h"
+#include "tool/commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace cubes::tool {
+
+namespace {
+
+/// The index of a zone: by its number where the matrix knows zone numbers, else by position from 1.
+int indexOf(int zone, std::vector<std::int32_t> const& zones, int size) {
+    if (zones.empty()) {
+        if (zone >= 1 && zone <= size) return zone - 1;
+        throw Refusal(fmt::format("there is no zone {}: the matrix has {}", zone, size));
+    }
+    auto const found = std::find(zones.begin(), zones.end(), zone);
+    if (found == zones.end()) throw Refusal(fmt::format("there is no zone {} in the matrix", zone));
+    return static_cast<int>(found - zones.begin());
+}
+
+class Cell : public Command {
+public:
+    Cell() : Command("cell", "Print one value of an entry") {}
+
+    void declare(CLI::App& line) override {
+        line.add_option("ENTRY", entry_, "CUBE/purpose/mode/time/user")->required();
+        line.add_option("ORIGIN", origin_, "Number of the zone of origin; its position from 1 in a matrix without")
+            ->required();
+        line.add_option("DESTINATION", destination_, "The same of the zone of destination")->required();
+    }
+
+    std::string task() const override {
+        return fmt::format("read the cell {} to {} of {}", origin_, destination_, entry_);
+    }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const word = parseEntry(entry_);
+        auto const catalogue = Catalogue::open(surroundings);
+        auto const entry = catalogue.entry(word);
+        auto const matrix = catalogue.matrix(entry);
+        int const row = indexOf(origin_, matrix->Zones(), matrix->Rows());
+        int const column = indexOf(destination_, matrix->Zones(), matrix->Columns());
+        show(entry, shortest(matrix->RowAt(row, 0)[column]), output);
+    }
+
+private:
+    void show(Entry const& entry, double value, Output& output) const {
+        if (output.form() == Form::text) return output.add(fmt::format("{}\n", value));
+        Record cell;
+        cell.add("entry", "", entry.text());
+        cell.add("origin", "", origin_);
+        cell.add("destination", "", destination_);
+        cell.add("value", "", value);
+        output.show(cell);
+    }
+
+    std::string entry_;
+    int origin_ = 0;
+    int destination_ = 0;
+};
+
+}
+
+std::unique_ptr<Command> makeCell() {
+    return std::make_unique<Cell>();
+}
+
+}

@@ -1,0 +1,13 @@
+#include "tool/commands/Commands.h"
+
+namespace cubes::tool {
+
+std::vector<std::unique_ptr<Command>> allCommands() {
+    constexpr std::unique_ptr<Command> (*makers[])() = {
+        makeInit, makeDemo, makeAdd, makeList, makeEntries, makeImport, makeExport, makeShow, makeCell, makeRemove};
+    std::vector<std::unique_ptr<Command>> commands;
+    for (auto const make : makers) commands.push_back(make());
+    return commands;
+}
+
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "tool/Command.h"
+
+#include <memory>
+
+namespace cubes::tool {
+
+std::unique_ptr<Command> makeInit();
+std::unique_ptr<Command> makeDemo();
+std::unique_ptr<Command> makeAdd();
+std::unique_ptr<Command> makeList();
+std::unique_ptr<Command> makeEntries();
+std::unique_ptr<Command> makeImport();
+std::unique_ptr<Command> makeExport();
+std::unique_ptr<Command> makeShow();
+std::unique_ptr<Command> makeCell();
+std::unique_ptr<Command> makeRemove();
+
+}

@@ -1,0 +1,133 @@
+#include "tool/Catalogue.h"
+#include "tool/CityCubes.h"
+#include "tool/Errors.h"
+#include "tool/Matrices.h"
+#include "tool/Numbers.h"
+#include "tool/Progress.h"
+#include "tool/ProjectFinder.h"
+#include "tool/commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+
+namespace cubes::tool {
+
+namespace {
+
+/// Trips are balanced to much less than this share of what starts and ends in a zone.
+constexpr double tolerance = 1e-3;
+
+/// A word as the shell takes it.
+std::string quoted(std::string const& word) {
+    auto const isPlain = [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) ||
+               std::string_view("/._-+=:@\\").find(c) != std::string_view::npos;
+    };
+    if (std::all_of(word.begin(), word.end(), isPlain)) return word;
+    std::string text = "'";
+    for (char const c : word) text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return text + "'";
+}
+
+void storeAll(Catalogue& catalogue, std::vector<CityMatrix> const& matrices) {
+    Progress progress("storing");
+    for (std::size_t i = 0; i < matrices.size(); ++i) {
+        catalogue.store(matrices[i].entry, matrixOf(*matrices[i].table));
+        progress.reached(static_cast<double>(i + 1) / static_cast<double>(matrices.size()));
+    }
+}
+
+/// Reads everything back and compares it, cell by cell.
+void check(Catalogue const& catalogue, std::vector<CityMatrix> const& matrices) {
+    Progress progress("checking");
+    for (std::size_t i = 0; i < matrices.size(); ++i) {
+        auto const entry = catalogue.entry(matrices[i].entry);
+        auto const stored = tableOf(*catalogue.matrix(entry));
+        if (stored.cells != matrices[i].table->cells || stored.zones != matrices[i].table->zones)
+            throw Failure(fmt::format("{} is not read back as it was stored", entry.text()));
+        progress.reached(static_cast<double>(i + 1) / static_cast<double>(matrices.size()));
+    }
+}
+
+double checkBalance(City const& city) {
+    double const error = largestMarginError(city);
+    if (error > tolerance) throw Failure(fmt::format("the trips miss their productions by a share of {}", error));
+    return error;
+}
+
+Table overview(std::vector<CityMatrix> const& matrices) {
+    Table table({{"entry", "entry"}, {"purpose", "purpose"}, {"mode", "mode"}, {"period", "period"}, {"trips", "trips"},
+        {"mean", "mean"}});
+    for (auto const& matrix : matrices) {
+        auto const figures = statisticsOf(matrixOf(*matrix.table));
+        bool const isTrips = matrix.entry.cube.text == tripsCube;
+        table.add({matrix.entry.cube.text + "/" + textOf(matrix.entry.key),
+            matrix.purpose.empty() ? Json() : Json(matrix.purpose), matrix.mode, matrix.period,
+            isTrips ? Json(trusted(figures.total)) : Json(), isTrips ? Json() : Json(trusted(figures.mean))});
+    }
+    return table;
+}
+
+class Demo : public Command {
+public:
+    Demo() : Command("demo", "Make a project with a made-up city in it") {}
+
+    void declare(CLI::App& line) override {
+        line.add_option("DIR", directory_, "Directory of the project, made when it is not there")->required();
+        line.add_option("--database", options_.database, "sqlite:PATH or postgresql://...; default sqlite:cubes.db")
+            ->type_name("URL");
+    }
+
+    bool needsProject() const override { return false; }
+    std::string task() const override { return "make a demo in " + directory_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        refuseProject(directory_);
+        auto const city = makeCity();
+        double const imbalance = checkBalance(city);
+        auto const matrices = matricesOf(city);
+        Catalogue catalogue(Project::create(directory_, options_));
+        storeAll(catalogue, matrices);
+        check(catalogue, matrices);
+        show(city, matrices, imbalance, catalogue.project().root(), output);
+        if (output.form() == Form::text) output.add(nextCommands(surroundings.program, city));
+    }
+
+private:
+    static void show(City const& city, std::vector<CityMatrix> const& matrices, double imbalance,
+        std::string const& root, Output& output) {
+        auto const table = overview(matrices);
+        Record made;
+        made.add("project", "project", root);
+        made.add("zones", "zones", city.zones.size());
+        made.add("matrices", "matrices, stored and read back", matrices.size());
+        made.add("imbalance", "largest imbalance", trusted(imbalance));
+        made.add("entries", "", table.asJson());
+        output.show(made);
+        if (output.form() == Form::text) output.add("\n" + table.asText());
+    }
+
+    std::string nextCommands(std::string const& program, City const& city) const {
+        auto const line = [&](std::string const& words) {
+            return fmt::format("  {} {} --project {}\n", quoted(program), words, quoted(directory_));
+        };
+        return "\nTry next:\n" + line("list") + line("show Trips/1/1/1/1") +
+               line(fmt::format("cell Time/1/1/1/1 {} {}", city.zones.front().number, city.zones.back().number)) +
+               line("export Trips/1/1/1/1 trips.csv");
+    }
+
+    std::string directory_;
+    ProjectOptions options_;
+};
+
+}
+
+std::unique_ptr<Command> makeDemo() {
+    return std::make_unique<Demo>();
+}
+
+}

@@ -1,0 +1,83 @@
+#include "tool/Catalogue.h"
+#include "tool/Messages.h"
+#include "tool/Progress.h"
+#include "tool/commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+
+namespace cubes::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The file of an entry as a listing shows it.
+struct FileFacts {
+    std::string state = "missing";
+    Json size;
+    Json rows;
+    Json columns;
+};
+
+FileFacts factsOf(std::string const& path) {
+    FileFacts facts;
+    std::error_code missing;
+    auto const size = fs::file_size(path, missing);
+    if (missing) return facts;
+    facts.state = "unreadable";
+    facts.size = size;
+    TRkMatrix reader;
+    auto const* const header = reader.GetHeader(path.c_str());
+    if (!header) return facts;
+    facts.state = "ok";
+    facts.rows = header->Rows();
+    facts.columns = header->Columns();
+    return facts;
+}
+
+class Entries : public Command {
+public:
+    Entries() : Command("entries", "List the entries of a cube, or of all") {}
+
+    void declare(CLI::App& line) override {
+        line.add_option("CUBE", cube_, "Name or number of a cube; else the entries of all cubes");
+    }
+
+    std::string task() const override { return cube_.empty() ? "list the entries" : "list the entries of " + cube_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const catalogue = Catalogue::open(surroundings);
+        auto const entries =
+            cube_.empty() ? catalogue.entries() : catalogue.entriesOf(catalogue.cube(parseCube(cube_)));
+        Table table(
+            {{"", "entry"}, {"cube", ""}, {"name", ""}, {"purpose", ""}, {"mode", ""}, {"time", ""}, {"user", ""},
+                {"file", "file"}, {"state", "state"}, {"size", "size"}, {"rows", "rows"}, {"columns", "columns"}});
+        Progress progress("listing");
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            table.add(rowOf(entries[i], catalogue.path(entries[i])));
+            progress.reached(static_cast<double>(i + 1) / static_cast<double>(entries.size()));
+        }
+        output.show(table);
+        if (entries.empty()) tellNote("there are no entries yet; cubes import stores one");
+    }
+
+private:
+    static std::vector<Json> rowOf(Entry const& entry, std::string const& path) {
+        auto const facts = factsOf(path);
+        auto const& [p, m, t, u] = entry.key;
+        return {entry.text(), entry.cube.number, entry.cube.name, p, m, t, u, fs::path(path).filename().string(),
+            facts.state, facts.size, facts.rows, facts.columns};
+    }
+
+    std::string cube_;
+};
+
+}
+
+std::unique_ptr<Command> makeEntries() {
+    return std::make_unique<Entries>();
+}
+
+}

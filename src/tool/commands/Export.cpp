@@ -1,0 +1,63 @@
+#include "tool/Catalogue.h"
+#include "tool/Matrices.h"
+#include "tool/Progress.h"
+#include "tool/commands/Commands.h"
+#include "tool/formats/Formats.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace cubes::tool {
+
+namespace {
+
+// As in the project's own matrix files.
+constexpr char const* tableName = "matrix";
+
+class Export : public Command {
+public:
+    Export() : Command("export", "Write the matrix of an entry to a file") {}
+
+    void declare(CLI::App& line) override {
+        line.add_option("ENTRY", entry_, "CUBE/purpose/mode/time/user")->required();
+        line.add_option("FILE", file_, "The file; its extension tells the format: .omx or .csv")->required();
+        line.add_option("--form", form_, "How a .csv file is written: long (default), one line a cell, or wide")
+            ->check(CLI::IsMember({"long", "wide"}))
+            ->type_name("FORM");
+    }
+
+    std::string task() const override { return fmt::format("export {} to {}", entry_, file_); }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const word = parseEntry(entry_);
+        auto const catalogue = Catalogue::open(surroundings);
+        auto const entry = catalogue.entry(word);
+        auto const trips = tableOf(*catalogue.matrix(entry));
+        write(trips);
+        Record written;
+        written.add("entry", "entry", entry.text());
+        written.add("file", "file", file_);
+        written.add("rows", "rows", trips.rows);
+        written.add("columns", "columns", trips.columns);
+        output.show(written);
+    }
+
+private:
+    void write(TripTable const& trips) const {
+        Progress progress("writing " + file_);
+        auto const form = form_ == "wide" ? CsvForm::wide : CsvForm::longForm;
+        writeTripTable(file_, trips, tableName, form, [&](double share) { progress.reached(share); });
+    }
+
+    std::string entry_;
+    std::string file_;
+    std::string form_ = "long";
+};
+
+}
+
+std::unique_ptr<Command> makeExport() {
+    return std::make_unique<Export>();
+}
+
+}

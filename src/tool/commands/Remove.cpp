@@ -1,0 +1,83 @@
+#include "tool/Catalogue.h"
+#include "tool/Errors.h"
+#include "tool/Messages.h"
+#include "tool/commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <filesystem>
+
+namespace cubes::tool {
+
+namespace {
+
+class Remove : public Command {
+public:
+    Remove() : Command("remove", "Remove an entry, or a cube with all its entries") {}
+
+    void declare(CLI::App& line) override {
+        line.add_option("WHAT", what_, "CUBE, or ENTRY as CUBE/purpose/mode/time/user")->required();
+    }
+
+    std::string task() const override { return "remove " + what_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        if (isEntry(what_))
+            removeEntry(parseEntry(what_), surroundings, output);
+        else
+            removeCube(parseCube(what_), surroundings, output);
+    }
+
+private:
+    static void removeEntry(EntryWord const& word, Surroundings const& surroundings, Output& output) {
+        auto catalogue = Catalogue::open(surroundings);
+        auto const entry = catalogue.entry(word);
+        auto const files = filesOf({entry}, catalogue);
+        catalogue.remove(entry);
+        tellOfFilesThatStayed(files);
+        Record removed;
+        removed.add("removed", "removed", entry.text());
+        output.show(removed);
+    }
+
+    static void removeCube(CubeWord const& word, Surroundings const& surroundings, Output& output) {
+        auto catalogue = Catalogue::open(surroundings);
+        auto const cube = catalogue.cube(word);
+        auto const entries = catalogue.entriesOf(cube);
+        auto const files = filesOf(entries, catalogue);
+        catalogue.remove(cube);
+        tellOfFilesThatStayed(files);
+        Record removed;
+        removed.add("removed", "removed", cube.text());
+        removed.add("entries", "entries", entries.size());
+        output.show(removed);
+    }
+
+    /// The entries' files; refuses when an entry is in use.
+    static std::vector<std::string> filesOf(std::vector<Entry> const& entries, Catalogue const& catalogue) {
+        std::vector<std::string> files;
+        for (auto const& entry : entries) {
+            if (catalogue.isInUse(entry)) throw Refusal(fmt::format("{} is in use", entry.text()));
+            files.push_back(catalogue.path(entry));
+        }
+        return files;
+    }
+
+    // The row is gone by now; a file that the system keeps is not worth an error.
+    static void tellOfFilesThatStayed(std::vector<std::string> const& files) {
+        std::error_code ignored;
+        for (auto const& file : files)
+            if (std::filesystem::exists(file, ignored)) tellWarning(file + " could not be removed");
+    }
+
+    std::string what_;
+};
+
+}
+
+std::unique_ptr<Command> makeRemove() {
+    return std::make_unique<Remove>();
+}
+
+}

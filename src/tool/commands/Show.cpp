@@ -1,0 +1,80 @@
+#include "tool/Catalogue.h"
+#include "tool/Matrices.h"
+#include "tool/Numbers.h"
+#include "tool/commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+
+namespace cubes::tool {
+
+namespace {
+
+/// A cell's value, which the statistics give widened.
+double cellValue(double value) {
+    return shortest(static_cast<float>(value));
+}
+
+void addShape(Record& record, TRkMatrix const& matrix) {
+    auto const& zones = matrix.Zones();
+    bool const isNumbered = !zones.empty();
+    record.add("rows", "rows", matrix.Rows());
+    record.add("columns", "columns", matrix.Columns());
+    record.add("zones", "zones", matrix.Rows() == matrix.Columns() ? Json(matrix.Rows()) : Json());
+    record.add("firstZone", "first zone", isNumbered ? Json(zones.front()) : Json());
+    record.add("lastZone", "last zone", isNumbered ? Json(zones.back()) : Json());
+}
+
+void addSums(Record& record, Statistics const& figures) {
+    record.add("total", "total", trusted(figures.total));
+    record.add("intrazonal", "intrazonal", trusted(figures.intrazonal));
+    record.add("intrazonalShare", "intrazonal share", trusted(figures.intrazonalShare));
+    record.add("zeros", "zeros", figures.zeros);
+    record.add("nonZeroShare", "non-zero share", trusted(figures.nonZeroShare));
+}
+
+void addValues(Record& record, Statistics const& figures) {
+    record.add("min", "min", cellValue(figures.minimum));
+    record.add("max", "max", cellValue(figures.maximum));
+    record.add("mean", "mean", trusted(figures.mean));
+    record.add("median", "median", trusted(figures.median));
+    record.add("nan", "NaN", figures.nans);
+    record.add("infinite", "infinite", figures.infinities);
+    record.add("negative", "negative", figures.negatives);
+}
+
+class Show : public Command {
+public:
+    Show() : Command("show", "Print what the matrix of an entry is like") {}
+
+    void declare(CLI::App& line) override {
+        line.add_option("ENTRY", entry_, "CUBE/purpose/mode/time/user")->required();
+    }
+
+    std::string task() const override { return "show " + entry_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const word = parseEntry(entry_);
+        auto const catalogue = Catalogue::open(surroundings);
+        auto const entry = catalogue.entry(word);
+        auto const matrix = catalogue.matrix(entry);
+        auto const figures = statisticsOf(*matrix);
+        Record record;
+        record.add("entry", "entry", entry.text());
+        record.add("file", "file", catalogue.path(entry));
+        addShape(record, *matrix);
+        addSums(record, figures);
+        addValues(record, figures);
+        output.show(record);
+    }
+
+private:
+    std::string entry_;
+};
+
+}
+
+std::unique_ptr<Command> makeShow() {
+    return std::make_unique<Show>();
+}
+
+}

@@ -1,0 +1,66 @@
+// Who watches: a terminal sees how far a long work is, a pipe or a file does not.
+
+#include "ToolSession.h"
+
+namespace {
+
+using namespace cubes::test;
+
+class Terminal : public testing::Test {
+protected:
+    Terminal() {
+        session.makeProject();
+        session.write("t.csv", "origin,destination,value\n1,1,0.5\n");
+        session.run("cubes import t.csv Base/1/1/1/1");
+    }
+
+    /// What a line of the shell writes on a terminal.
+    std::string onTerminal(std::string const& line) const {
+        session.write("terminal.py", R"(
+import os, pty, sys
+child, terminal = pty.fork()
+if child == 0:
+    os.execvp("sh", ["sh", "-c", sys.argv[1]])
+try:
+    while chunk := os.read(terminal, 4096):
+        sys.stdout.buffer.write(chunk)
+except OSError:
+    pass
+)");
+        return session.run("/usr/bin/python3 terminal.py '" + line + "'").output;
+    }
+
+    ToolSession const session{Backend::sqlite};
+};
+
+TEST_F(Terminal, seesProgress) {
+    EXPECT_NE(onTerminal("cubes entries >listing").find("listing: 100 %"), std::string::npos);
+    EXPECT_NE(session.read("listing").find("Base/1/1/1/1"), std::string::npos);
+}
+
+TEST_F(Terminal, seesNothingOfProgressWhenMessagesGoElsewhere) {
+    EXPECT_EQ(onTerminal("cubes entries >listing 2>messages"), "");
+    EXPECT_EQ(session.read("messages"), "");
+    EXPECT_EQ(session.run("cubes entries").errors, "");
+}
+
+TEST_F(Terminal, isLeftQuietlyWhenTheReaderOfResultsGoesAway) {
+    session.write("reader.py", R"(
+import os, subprocess, sys
+for restored in (True, False):
+    reading, writing = os.pipe()
+    os.close(reading)
+    tool = subprocess.run(["cubes", "entries"], stdout=writing, stderr=subprocess.PIPE, restore_signals=restored)
+    os.close(writing)
+    sys.stdout.buffer.write(b"said: " + tool.stderr + b"\n")
+)");
+    EXPECT_EQ(session.run("/usr/bin/python3 reader.py").output, "said: \nsaid: \n");
+}
+
+TEST_F(Terminal, saysWhenResultsCannotBeWritten) {
+    auto const result = session.run("cubes entries >/dev/full");
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_EQ(result.errors, "cubes: cannot list the entries: standard output: No space left on device\n");
+}
+
+}
