@@ -13,11 +13,18 @@ namespace {
 constexpr char const* about =
     "Keeps the matrices of a transport model: cubes of entries, found by purpose, mode, time\n"
     "and user, in a database that several people share and in matrix files (OMX) that other\n"
-    "tools open.";
-constexpr char const* more =
-    "An ENTRY is CUBE/purpose/mode/time/user, the cube by name or number, the rest from 1: Base/1/1/1/1\n"
-    "Exit codes: 0 done, 1 not found or refused, 2 wrong usage, 3 failed\n"
-    "`cubes COMMAND --help` tells more about a command.";
+    "tools open.\n";
+constexpr char const* entryHelp =
+    "An ENTRY is CUBE/purpose/mode/time/user, the cube by name or number, the rest from 1: Base/1/1/1/1";
+constexpr char const* more = "`cubes COMMAND --help` tells more about a command.\n"
+                             "Exit codes: 0 done, 1 not found or refused, 2 wrong usage, 3 failed";
+
+// What the parser's help says by itself, in our words.
+void wordHelp(CLI::Formatter& formatter) {
+    for (auto const* type : {"TEXT", "INT", "REQUIRED"}) formatter.label(type, "");
+    formatter.label("SUBCOMMAND", "COMMAND");
+    formatter.label("Positionals", "Arguments");
+}
 
 // Taken before and behind the command's name.
 void declareEverywhere(CLI::App& line, Surroundings& surroundings) {
@@ -29,6 +36,8 @@ void declareEverywhere(CLI::App& line, Surroundings& surroundings) {
 
 void declare(CLI::App& line, Command& command, Surroundings& surroundings) {
     auto* const part = line.add_subcommand(command.name(), command.summary());
+    part->group("Commands");
+    part->footer(entryHelp);
     command.declare(*part);
     if (command.needsProject())
         declareEverywhere(*part, surroundings);
@@ -56,7 +65,14 @@ ExitCode run(Command& command, Surroundings const& surroundings) {
 ExitCode answer(CLI::App const& line, CLI::ParseError const& error) {
     // Help and version come as errors too, and are printed by the parser.
     if (error.get_exit_code() == 0) return static_cast<ExitCode>(line.exit(error));
-    tellError(fmt::format("{}; see cubes --help", trimmed(error.what())));
+    auto const chosen = line.get_subcommands();
+    auto const strange = line.remaining();
+    if (!chosen.empty())
+        tellError(fmt::format("{}; see cubes {} --help", trimmed(error.what()), chosen.front()->get_name()));
+    else if (!strange.empty())
+        tellError(fmt::format("there is no command {}; see cubes --help", strange.front()));
+    else
+        tellError("no command is given; see cubes --help");
     return ExitCode::usage;
 }
 
@@ -70,8 +86,11 @@ ExitCode answerNothing(CLI::App const& line) {
 ExitCode runTool(int argc, char** argv) {
     CLI::App line(about, "cubes");
     line.set_version_flag("--version", "cubes " CUBES_VERSION, "Print the version and exit");
-    line.footer(more);
+    line.footer(std::string(entryHelp) + "\n" + more);
     line.require_subcommand(1);
+    auto const formatter = std::make_shared<CLI::Formatter>();
+    wordHelp(*formatter);
+    line.formatter(formatter);
     Surroundings surroundings;
     surroundings.program = argc > 0 ? argv[0] : "cubes";
     declareEverywhere(line, surroundings);

@@ -36,7 +36,7 @@ void addValues(Record& record, Statistics const& figures) {
     record.add("min", "min", cellValue(figures.minimum));
     record.add("max", "max", cellValue(figures.maximum));
     record.add("mean", "mean", trusted(figures.mean));
-    record.add("median", "median", trusted(figures.median));
+    record.add("median", "median", cellValue(figures.median));
     record.add("nan", "NaN", figures.nans);
     record.add("infinite", "infinite", figures.infinities);
     record.add("negative", "negative", figures.negatives);
