@@ -1,0 +1,42 @@
+#include "host/platform/NarrowText.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace cubes::platform;
+
+struct Case {
+    char const* text;
+    char const* result;
+};
+
+TEST(NarrowText, isMadeSmallInAllLanguages) {
+    Case const cases[] = {{"", ""}, {"AbC-1_z@[", "abc-1_z@["}, {"ÄÖÜß", "äöüß"}, {"ŁÓDŹ", "łódź"},
+        {"МОСКВА", "москва"}, {"ΑΘΉΝΑ", "αθήνα"}, {"ⅣⓏ", "ⅳⓩ"}, {"𐐀", "𐐨"}, {"日本", "日本"}};
+    for (auto const& one : cases) EXPECT_EQ(lowerCase(one.text), one.result) << one.text;
+}
+
+TEST(NarrowText, keepsBytesThatAreNoText) {
+    for (char const* const bytes : {"\xff", "a\x80z", "\xc3", "\xc3z", "\xe2\x82", "\xf8\x88\x80\x80\x80", "\x80\x80"})
+        EXPECT_EQ(lowerCase(bytes), bytes);
+    EXPECT_EQ(lowerCase("\xffÄ\xff"), "\xffä\xff");
+}
+
+TEST(NarrowText, isCutBetweenCharacters) {
+    EXPECT_EQ(firstCharacters("abc", 2), "ab");
+    EXPECT_EQ(firstCharacters("äöü", 2), "äö");
+    EXPECT_EQ(firstCharacters("€𐐀x", 2), "€𐐀");
+    EXPECT_EQ(firstCharacters("äö", 2), "äö");
+    EXPECT_EQ(firstCharacters("äö", 9), "äö");
+    EXPECT_EQ(firstCharacters("äö", 0), "");
+    EXPECT_EQ(firstCharacters("", 3), "");
+}
+
+TEST(NarrowText, isMadeOfWideText) {
+    EXPECT_EQ(toNarrow(L"usageCounter"), "usageCounter");
+    EXPECT_EQ(toNarrow(L"ä€"), "ä€");
+    EXPECT_EQ(toNarrow(L""), "");
+}
+
+}
