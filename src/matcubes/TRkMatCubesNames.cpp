@@ -50,7 +50,7 @@ bool TRkMatCubes::MakeFilename(char const* stem, int& cubenr, int& p, int& m, in
         readDecimalName(text, numbers);
         return true;
     }
-    if (text.size() != 2 * parts) return false;
+    if (text.size() != std::size_t{2} * parts) return false;
     readBase40Name(stem, numbers);
     return true;
 }

@@ -1,7 +1,6 @@
-#include <cubes/core/TRkCubesException.h>
-#include <cubes/text/TRkBase.h>
-#include <cubes/text/TRkException.h>
-#include <cubes/text/TRkObject.h>
+#include <cubes/cubes.h>
+
+#include "support/TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +12,15 @@ class Sketch : public TRkBase {};
 namespace {
 
 class Keeper : public TRkObject {};
+
+class CountingDictionary : public TRkDBDataDictionary {
+public:
+    CountedPtr<Rktable::TRkTableProxy> BuildTable(char const* table, AnsiString const& schema) override {
+        ++calls;
+        return TRkDBDataDictionary::BuildTable(table, schema);
+    }
+    int calls = 0;
+};
 
 class Refuser : public TRkVisitor {
 public:
@@ -46,13 +54,46 @@ TEST(LibraryBorder, letsAnExceptionPassThroughTheLibrary) {
     EXPECT_THROW(sketch.Accept(refuser), std::exception);
 }
 
+TEST(LibraryBorder, throwsExceptionsThatTheApplicationKnows) {
+    cubes::test::TempDir const directory;
+    EXPECT_THROW(cubes::Project::open(directory.file("none")), TRkProjectException);
+    EXPECT_THROW(TRkMatrix::inMemory(0, 3), TRkMatrixException);
+    EXPECT_THROW(ProjectUtils::toSqlSchemaName("", ""), TRkException);
+    cubes::ProjectOptions elsewhere;
+    elsewhere.database = "sqlite:" + directory.file("none/cubes.db");
+    EXPECT_THROW(cubes::Project::create(directory.file("delta"), elsewhere), TRkDatabaseException);
+}
+
 TEST(LibraryBorder, tellsItsExceptionsApart) {
-    auto const fail = [] { throw TRkCubesException(TRkCubesException::ecCubeExists); };
     try {
-        fail();
+        TRkBaseCubes::ShortTo40T(-1);
         FAIL() << "nothing was thrown";
     } catch (TRkException const& error) {
         EXPECT_NE(nullptr, dynamic_cast<TRkCubesException const*>(&error));
-        EXPECT_STREQ("Cube already exists", error.what());
+        EXPECT_EQ(nullptr, dynamic_cast<TRkDatabaseException const*>(&error));
+        EXPECT_STREQ("IntTo40T> Only 2 positions reserved! Maximum value is 1599", error.what());
     }
+}
+
+TEST(LibraryBorder, callsTheApplicationsOwnDictionary) {
+    cubes::test::TempDir const directory;
+    cubes::Project project = cubes::Project::create(directory.file("delta"));
+    CountingDictionary dictionary;
+    project.settings()->Set("RkLib.DataDictionary", &dictionary);
+    TRkMatCubes cubes(project.settings(), ".odm", false);
+    ASSERT_TRUE(cubes.Add("Base"));
+    EXPECT_TRUE(cubes.Check("Base"));
+    EXPECT_GE(dictionary.calls, 2);
+}
+
+TEST(LibraryBorder, handsOverMatricesThatTheApplicationFrees) {
+    cubes::test::TempDir const directory;
+    cubes::Project project = cubes::Project::create(directory.file("delta"));
+    TRkMatCubes cubes(project.settings(), ".odm", false);
+    TRkMatrix matrix = TRkMatrix::inMemory(2, 3);
+    matrix.RowAt(1, 8)[2] = 12.5F;
+    ASSERT_TRUE(cubes.Set("Base", 1, 1, 1, 1, matrix, RkLockState(0), false));
+    std::unique_ptr<TRkMatrix> const read(cubes.Get("Base", 1, 1, 1, 1, RkLockState(0), false));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(12.5F, read->RowAt(1, 8)[2]);
 }

@@ -33,7 +33,7 @@ struct Type {
     long long greatest;
 };
 
-constexpr Type types[] = {
+constexpr Type typeNames[] = {
     {"int2", ColumnType::number, 32767},
     {"int4", ColumnType::number, 2147483647},
     {"int8", ColumnType::number, std::numeric_limits<long long>::max()},
@@ -45,7 +45,7 @@ constexpr Type types[] = {
 // `modifier`: for texts the declared size and 4, the length of a header; -1 without a limit.
 Column columnOf(std::string const& name, std::string const& typeName, long long modifier) {
     Column column{name};
-    for (Type const& type : types) {
+    for (Type const& type : typeNames) {
         if (typeName != type.name) continue;
         column.type = type.type;
         column.greatest = type.greatest;
