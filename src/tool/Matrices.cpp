@@ -38,4 +38,8 @@ Statistics statisticsOf(TRkMatrix const& matrix) {
     return statisticsOf(matrix.Rows(), matrix.Columns(), [&](int row) { return rowOf(matrix, row); });
 }
 
+std::int64_t cellsIn(Statistics const& figures) {
+    return std::int64_t{figures.rows} * figures.columns - figures.zeros;
+}
+
 }

@@ -11,5 +11,7 @@ namespace cubes::tool {
 TRkMatrix matrixOf(TripTable const& table);
 TripTable tableOf(TRkMatrix const& matrix);
 Statistics statisticsOf(TRkMatrix const& matrix);
+/// The number of cells that a matrix with these figures sums up.
+std::int64_t cellsIn(Statistics const& figures);
 
 }

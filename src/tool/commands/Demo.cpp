@@ -2,7 +2,6 @@
 #include "tool/CityReport.h"
 #include "tool/Errors.h"
 #include "tool/Matrices.h"
-#include "tool/Numbers.h"
 #include "tool/Progress.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
@@ -98,7 +97,7 @@ private:
         made.add("project", "project", root);
         made.add("zones", "zones", city.zones.size());
         made.add("matrices", "matrices", matrices.size());
-        made.add("imbalance", "", trusted(imbalance));
+        made.add("imbalance", "", imbalance);
         made.add("entries", "", listed(matrices).asJson());
         output.show(made);
     }
