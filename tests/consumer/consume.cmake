@@ -1,8 +1,23 @@
 # Installs the library into a fresh prefix, moves that away, and builds and runs the project
-# against it: with find_package, and with pkg-config.
+# against it: with find_package, and with pkg-config. The program is the example of the README.
 function(must_run)
   execute_process(COMMAND ${ARGN} COMMAND_ECHO STDOUT COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
+
+# Runs the built program, which stores one cell and prints it as it was read back.
+function(must_print_the_cell program directory)
+  execute_process(COMMAND ${program} ${directory} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT output STREQUAL "12.5\n")
+    message(FATAL_ERROR "${program} printed: ${output}")
+  endif()
+endfunction()
+
+file(READ ${readme} readme_text)
+file(READ ${project}/main.cpp example)
+string(FIND "${readme_text}" "```cpp\n${example}```" at)
+if(at EQUAL -1)
+  message(FATAL_ERROR "the example of README.md is not tests/consumer/project/main.cpp")
+endif()
 
 file(REMOVE_RECURSE ${work})
 file(MAKE_DIRECTORY ${work})
@@ -12,7 +27,7 @@ file(RENAME ${work}/elsewhere ${work}/prefix)
 must_run(${CMAKE_COMMAND} -S ${project} -B ${work}/cmake -G Ninja
   -D CMAKE_CXX_COMPILER=${compiler} -D CMAKE_PREFIX_PATH=${work}/prefix -D CMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON)
 must_run(${CMAKE_COMMAND} --build ${work}/cmake)
-must_run(${work}/cmake/consumer ${work}/project-by-cmake)
+must_print_the_cell(${work}/cmake/consumer ${work}/project-by-cmake)
 
 file(GLOB_RECURSE package ${work}/prefix/*/cubes.pc)
 cmake_path(GET package PARENT_PATH package_directory)
@@ -26,7 +41,7 @@ endforeach()
 execute_process(COMMAND ${pkg_config} --variable=libdir cubes
   OUTPUT_VARIABLE libdir OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 must_run(${compiler} -std=c++20 ${cflags} ${project}/main.cpp -o ${work}/consumer ${libs} -Wl,-rpath,${libdir})
-must_run(${work}/consumer ${work}/project-by-pkg-config)
+must_print_the_cell(${work}/consumer ${work}/project-by-pkg-config)
 
 # The tool runs from where it was installed.
 if(EXISTS ${work}/prefix/bin/cubes)

@@ -16,14 +16,21 @@ namespace {
 constexpr std::size_t firstBatch = 32;
 constexpr std::size_t walkingBatch = 2048;
 
+// Errors of the statement itself rather than of the data, the connection or other users: the
+// table may have been dropped or changed since it was described.
+bool doubtsTheTable(std::string const& sqlState) {
+    for (char const* const kind : {"42", "0A", "HY"})
+        if (sqlState.starts_with(kind)) return true;
+    return false;
+}
+
 }
 
 std::size_t Cursor::run(Statement& statement, std::span<Value const> values, Cells& cells) {
     try {
         return statement.run(values, cells);
     } catch (TRkDatabaseException const& error) {
-        // The table may have been dropped or changed meanwhile; refused data say nothing of that.
-        if (!error.SqlState().starts_with("23")) session_.catalog().forget(*table_);
+        if (doubtsTheTable(error.SqlState())) session_.catalog().forget(*table_);
         throw;
     }
 }

@@ -3,6 +3,7 @@
 #include "host/matrix/OmxWriter.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <vector>
@@ -26,7 +27,7 @@ public:
 private:
     bool const shuffles_;
     std::unique_ptr<libdeflate_compressor, void (*)(libdeflate_compressor*)> compressor_;
-    std::vector<std::byte> shuffled_;
+    std::vector<std::uint8_t> shuffled_;
 };
 
 class BlockDecoder {
@@ -43,7 +44,7 @@ public:
 private:
     bool const shuffles_;
     std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> decompressor_;
-    std::vector<std::byte> shuffled_;
+    std::vector<std::uint8_t> shuffled_;
 };
 
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <span>
 #include <stdexcept>
 #include <vector>
@@ -76,15 +77,23 @@ Filters chooseFilters(Bands const& bands) {
     return Filters::deflate;
 }
 
+// The stored forms of some bands; empty for zeros.
+std::vector<std::vector<std::byte>> encodeBands(
+    Bands const& bands, std::size_t first, std::size_t count, Filters filters) {
+    std::vector<std::vector<std::byte>> stored(count);
+    platform::inParallel(count, [&] {
+        auto const encoder = std::make_shared<BlockEncoder>(filters);
+        return [&, encoder](std::size_t i) {
+            auto const elements = bands.elements(first + i);
+            if (!isZero(elements)) stored[i] = encodeWhole(*encoder, elements, bands.size());
+        };
+    });
+    return stored;
+}
+
 void writeBands(OmxWriter& writer, Bands const& bands, Filters filters) {
     for (std::size_t first = 0; first < bands.count(); first += bandsAtATime) {
-        std::vector<std::vector<std::byte>> stored(std::min(bandsAtATime, bands.count() - first));
-        platform::inParallel(stored.size(), [&](std::size_t i) {
-            auto const elements = bands.elements(first + i);
-            if (isZero(elements)) return;
-            BlockEncoder encoder(filters);
-            stored[i] = encodeWhole(encoder, elements, bands.size());
-        });
+        auto const stored = encodeBands(bands, first, std::min(bandsAtATime, bands.count() - first), filters);
         for (std::size_t i = 0; i < stored.size(); ++i)
             if (!stored[i].empty()) writer.writeChunk(bands.firstRow(first + i), stored[i]);
     }

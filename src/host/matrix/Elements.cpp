@@ -2,7 +2,7 @@
 
 #include "host/matrix/Failure.h"
 
-#include <algorithm>
+#include <stdexcept>
 
 namespace cubes::matrix {
 
@@ -26,33 +26,26 @@ ViewedElements::ViewedElements(platform::FileView view, FileIndex const& index)
 
 TableElements::TableElements(OmxTable table) : table_(std::move(table)) {}
 
-float* TableElements::row(int row) {
-    int const band = row / table_.bandRows();
-    if (complete_ || band == firstBand_) return memory_->row(row);
-    if (memory_) return all() + static_cast<std::size_t>(row) * static_cast<std::size_t>(table_.header().columns);
-    auto memory = std::make_unique<MemoryElements>(table_.header().rows, table_.header().columns);
-    table_.readBand(band * table_.bandRows(), memory->all());
-    memory_ = std::move(memory);
-    firstBand_ = band;
-    return memory_->row(row);
+MemoryElements& TableElements::memory() {
+    if (!memory_) memory_ = std::make_unique<MemoryElements>(table_.header().rows, table_.header().columns);
+    return *memory_;
 }
 
+float* TableElements::row(int row) {
+    int const first = row - row % table_.bandRows();
+    if (complete_ || first == firstRow_) return memory().row(row);
+    if (firstRow_ >= 0)
+        return all() + static_cast<std::size_t>(row) * static_cast<std::size_t>(table_.header().columns);
+    table_.readBand(first, memory().all());
+    firstRow_ = first;
+    return memory().row(row);
+}
+
+// Rows already handed out stay where they are, and keep what was written to them.
 float* TableElements::all() {
-    if (complete_) return memory_->all();
-    // Rows already handed out stay where they are, and keep what was written to them.
-    int const columns = table_.header().columns;
-    auto all = std::make_unique<MemoryElements>(table_.header().rows, columns);
-    table_.readAll(all->all());
-    if (!memory_) {
-        memory_ = std::move(all);
-    } else {
-        int const first = firstBand_ * table_.bandRows();
-        int const behind = std::min(first + table_.bandRows(), table_.header().rows);
-        std::copy(all->row(0), all->row(first), memory_->row(0));
-        std::copy(all->row(behind), all->row(table_.header().rows), memory_->row(behind));
-    }
+    if (!complete_) table_.readAllBut(firstRow_, memory().all());
     complete_ = true;
-    return memory_->all();
+    return memory().all();
 }
 
 OpenedFile openMatrixFile(std::string const& path) {

@@ -59,9 +59,12 @@ public:
     float* all() override;
 
 private:
+    MemoryElements& memory();
+
     OmxTable table_;
     std::unique_ptr<MemoryElements> memory_;
-    int firstBand_ = -1;
+    // Where the band begins that was read alone.
+    int firstRow_ = -1;
     bool complete_ = false;
 };
 

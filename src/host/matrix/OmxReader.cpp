@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <stdexcept>
 
 namespace cubes::matrix {
@@ -16,6 +17,11 @@ using hdf5::check;
 using hdf5::Handle;
 
 namespace {
+
+constexpr std::size_t largestNumber = 16;
+// Deflate makes nothing smaller than about a thousandth.
+constexpr std::size_t mostInflation = 1024;
+constexpr std::size_t alwaysFits = std::size_t{1} << 26;
 
 template <typename Number>
 std::optional<Number> readNumber(hid_t object, char const* name, hid_t type) {
@@ -52,13 +58,19 @@ std::array<hsize_t, 2> sizeOf(hid_t dataset) {
 void requireNumbers(hid_t dataset) {
     Handle const type(H5Dget_type(dataset), H5Tclose, "read the type of the elements");
     H5T_class_t const kind = H5Tget_class(type.get());
-    if (kind != H5T_INTEGER && kind != H5T_FLOAT) throw std::runtime_error("the table's elements are not numbers");
+    // HDF5 itself trusts the size that a damaged file gives an element.
+    if ((kind != H5T_INTEGER && kind != H5T_FLOAT) || H5Tget_size(type.get()) > largestNumber)
+        throw std::runtime_error("the table's elements are not numbers");
 }
 
-void requireStorage(hid_t file, hid_t dataset) {
+// Only a table of ours may be large and all but empty: elsewhere that is a sign of damage, and
+// reading it would take very long.
+void requireStorage(hid_t file, hid_t dataset, std::size_t elements) {
     hsize_t size = 0;
     check(H5Fget_filesize(file, &size), "read the size of the file");
-    if (H5Dget_storage_size(dataset) > size) throw std::runtime_error("the table is larger than the file");
+    bool const isOurs = H5Aexists(dataset, omx::checksum) > 0;
+    bool const fits = elements / mostInflation <= size || elements <= alwaysFits || isOurs;
+    if (H5Dget_storage_size(dataset) > size || !fits) throw std::runtime_error("the table is larger than the file");
 }
 
 bool fillsWithZero(hid_t properties) {
@@ -97,8 +109,7 @@ OmxTable::OmxTable(Handle file, Handle dataset) : file_(std::move(file)), datase
     hid_t const id = dataset_.get();
     requireNumbers(id);
     auto const size = sizeOf(id);
-    elementCount(size[0], size[1]);
-    requireStorage(file_.get(), id);
+    requireStorage(file_.get(), id, elementCount(size[0], size[1]));
     header_.rows = static_cast<int>(size[0]);
     header_.columns = static_cast<int>(size[1]);
     if (auto const type = readNumber<std::int32_t>(id, omx::type, H5T_NATIVE_INT32))
@@ -131,23 +142,46 @@ std::optional<std::uint64_t> OmxTable::checksum() const {
     return readNumber<std::uint64_t>(dataset_.get(), omx::checksum, H5T_NATIVE_UINT64);
 }
 
-void OmxTable::readRows(int first, int count, float* elements) const {
+// The rows from `first` up to, not including, `behind`, to their place among all elements.
+void OmxTable::readRows(int first, int behind, float* elements) const {
+    if (first == behind) return;
     hdf5::Session const session;
     auto const columns = static_cast<hsize_t>(header_.columns);
     std::array<hsize_t, 2> const start = {static_cast<hsize_t>(first), 0};
-    std::array<hsize_t, 2> const size = {static_cast<hsize_t>(count), columns};
+    std::array<hsize_t, 2> const size = {static_cast<hsize_t>(behind - first), columns};
     Handle const selected(H5Dget_space(dataset_.get()), H5Sclose, "select rows");
     check(H5Sselect_hyperslab(selected.get(), H5S_SELECT_SET, start.data(), nullptr, size.data(), nullptr),
         "select rows");
     Handle const target(H5Screate_simple(2, size.data(), nullptr), H5Sclose, "select rows");
-    check(H5Dread(dataset_.get(), H5T_NATIVE_FLOAT, target.get(), selected.get(), H5P_DEFAULT, elements),
-        "read the elements");
+    float* const to = elements + static_cast<std::size_t>(first) * static_cast<std::size_t>(columns);
+    check(
+        H5Dread(dataset_.get(), H5T_NATIVE_FLOAT, target.get(), selected.get(), H5P_DEFAULT, to), "read the elements");
+}
+
+void OmxTable::readBand(int firstRow, float* elements) const {
+    if (!ownCodec_) return readRows(firstRow, std::min(firstRow + bandRows_, header_.rows), elements);
+    BlockDecoder decoder(filters_);
+    inflateBand(decoder, firstRow, elements);
 }
 
 void OmxTable::readAll(float* elements) const {
-    if (!ownCodec_) return readRows(0, header_.rows, elements);
+    readAllBut(-1, elements);
+}
+
+void OmxTable::readAllBut(int firstRow, float* elements) const {
+    if (!ownCodec_ && firstRow < 0) return readRows(0, header_.rows, elements);
+    if (!ownCodec_) {
+        readRows(0, firstRow, elements);
+        return readRows(std::min(firstRow + bandRows_, header_.rows), header_.rows, elements);
+    }
     auto const bands = static_cast<std::size_t>((header_.rows - 1) / bandRows_ + 1);
-    platform::inParallel(bands, [&](std::size_t band) { inflateBand(static_cast<int>(band) * bandRows_, elements); });
+    platform::inParallel(bands, [&] {
+        auto const decoder = std::make_shared<BlockDecoder>(filters_);
+        return [&, decoder](std::size_t band) {
+            int const first = static_cast<int>(band) * bandRows_;
+            if (first != firstRow) inflateBand(*decoder, first, elements);
+        };
+    });
 }
 
 // The stored bytes of a chunk; none when it was never written.
@@ -169,20 +203,12 @@ OmxTable::StoredChunk OmxTable::storedChunk(int firstRow) const {
     return chunk;
 }
 
-void OmxTable::readBand(int firstRow, float* elements) const {
-    if (ownCodec_) return inflateBand(firstRow, elements);
-    auto const columns = static_cast<std::size_t>(header_.columns);
-    readRows(firstRow, std::min(bandRows_, header_.rows - firstRow),
-        elements + static_cast<std::size_t>(firstRow) * columns);
-}
-
-void OmxTable::inflateBand(int firstRow, float* elements) const {
+void OmxTable::inflateBand(BlockDecoder& decoder, int firstRow, float* elements) const {
     auto const chunk = storedChunk(firstRow);
     if (chunk.bytes.empty()) return;
     auto const columns = static_cast<std::size_t>(header_.columns);
     auto const wholeSize = columns * static_cast<std::size_t>(bandRows_);
     float* const target = elements + static_cast<std::size_t>(firstRow) * columns;
-    BlockDecoder decoder(filters_);
     if (header_.rows - firstRow >= bandRows_) return decoder.decode(chunk.bytes, chunk.skipped, {target, wholeSize});
     std::vector<float> whole(wholeSize);
     decoder.decode(chunk.bytes, chunk.skipped, whole);

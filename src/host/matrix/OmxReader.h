@@ -10,6 +10,8 @@
 
 namespace cubes::matrix {
 
+class BlockDecoder;
+
 /// One table of an OMX file, of whatever layout and numeric type. Keeps the file open.
 class OmxTable {
 public:
@@ -25,13 +27,15 @@ public:
     void readBand(int firstRow, float* elements) const;
     /// Reads all, on all cores where the file allows that. REQUIRES: all `elements` are 0.
     void readAll(float* elements) const;
+    /// The same, leaving the band that begins with a row alone.
+    void readAllBut(int firstRow, float* elements) const;
 
 private:
     struct StoredChunk;
     void readLayout();
     StoredChunk storedChunk(int firstRow) const;
-    void readRows(int first, int count, float* elements) const;
-    void inflateBand(int firstRow, float* elements) const;
+    void readRows(int first, int behind, float* elements) const;
+    void inflateBand(BlockDecoder& decoder, int firstRow, float* elements) const;
 
     FileHeader header_;
     hdf5::Handle file_;

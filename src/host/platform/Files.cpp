@@ -2,12 +2,29 @@
 
 #include "host/platform/Paths.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 namespace cubes::platform {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+// The path in the one form that is the same for all texts that name it; a directory's ends in no delimiter.
+fs::path comparable(std::string const& path) {
+    fs::path const normal = toPath(foldCase(absolutePath(withNativeDelimiters(path))));
+    return normal.has_filename() ? normal : normal.parent_path();
+}
+
+bool isInside(std::string const& path, std::string const& directory) {
+    fs::path const outer = comparable(directory);
+    fs::path const inner = comparable(path);
+    return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
+}
+
+}
 
 bool exists(std::string const& path) {
     std::error_code ignored;
@@ -47,7 +64,7 @@ bool removeFile(std::string const& path) {
 }
 
 bool copy(std::string const& source, std::string const& target, bool overwrite) {
-    if (isSamePath(source, target)) return false;
+    if (source.empty() || target.empty() || isInside(target, source)) return false;
     auto const existing = overwrite ? fs::copy_options::overwrite_existing : fs::copy_options::none;
     std::error_code error;
     fs::copy(toPath(source), toPath(target), existing | fs::copy_options::recursive, error);
@@ -73,9 +90,7 @@ std::string absolutePath(std::string const& path) {
 }
 
 bool isSamePath(std::string const& first, std::string const& second) {
-    if (first.empty() || second.empty()) return false;
-    auto const normal = [](std::string const& path) { return foldCase(absolutePath(withNativeDelimiters(path))); };
-    return normal(first) == normal(second);
+    return !first.empty() && !second.empty() && comparable(first) == comparable(second);
 }
 
 }

@@ -14,7 +14,7 @@ bool createDirectories(std::string const& path);
 bool removeDirectory(std::string const& path, bool withContent);
 /// Removes a regular file and nothing else.
 bool removeFile(std::string const& path);
-/// Copies a file or a directory with its content.
+/// Copies a file or a directory with its content. False also for one into itself.
 bool copy(std::string const& source, std::string const& target, bool overwrite);
 /// Copies a regular file over the target: it is written beside the target and takes its place when
 /// complete. False when that fails, for a directory, and for a file onto itself.

@@ -14,11 +14,12 @@ namespace {
 
 class Crew {
 public:
-    Crew(std::size_t count, std::function<void(std::size_t)> const& work) : count_(count), work_(work) {}
+    Crew(std::size_t count, std::function<Worker()> const& newWorker) : count_(count), newWorker_(newWorker) {}
 
     void takePart() noexcept {
         try {
-            for (std::size_t item = next_++; item < count_; item = next_++) work_(item);
+            Worker const work = newWorker_();
+            for (std::size_t item = next_++; item < count_; item = next_++) work(item);
         } catch (...) {
             next_ = count_;
             std::lock_guard const lock(mutex_);
@@ -32,7 +33,7 @@ public:
 
 private:
     std::size_t const count_;
-    std::function<void(std::size_t)> const& work_;
+    std::function<Worker()> const& newWorker_;
     std::atomic<std::size_t> next_ = 0;
     std::mutex mutex_;
     std::exception_ptr failure_;
@@ -40,8 +41,8 @@ private:
 
 }
 
-void inParallel(std::size_t count, std::function<void(std::size_t)> const& work) {
-    Crew crew(count, work);
+void inParallel(std::size_t count, std::function<Worker()> const& newWorker) {
+    Crew crew(count, newWorker);
     std::size_t const cores = std::max(1u, std::thread::hardware_concurrency());
     {
         std::vector<std::jthread> helpers;

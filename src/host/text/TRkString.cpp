@@ -7,7 +7,7 @@ TRkString::TRkString(char const* text) : text_(text ? text : "") {}
 
 TRkString::TRkString(std::string text) : text_(std::move(text)) {}
 
-TRkString::TRkString(AnsiString const& text) : text_(text.c_str()) {}
+TRkString::TRkString(AnsiString const& text) : text_(text.c_str(), static_cast<std::size_t>(text.Length())) {}
 
 char TRkString::operator[](int position) const noexcept {
     bool const inside = position >= 0 && position < Length();

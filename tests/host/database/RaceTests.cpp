@@ -2,6 +2,8 @@
 #include "host/database/TableTest.h"
 #include "support/Forked.h"
 
+#include <functional>
+
 namespace {
 
 using cubes::database::ExclusiveAccess;
@@ -31,7 +33,15 @@ void addNext(TRkTableProxy& table, std::string const& name) {
     access.commit();
 }
 
-class Race : public cubes::test::TableTest {};
+class Race : public cubes::test::TableTest {
+protected:
+    // An open SQLite file must not be carried into another process.
+    int inProcessesOfTheirOwn(std::function<void(int)> const& work) {
+        table.SetConnection(nullptr);
+        connection.reset();
+        return inProcesses(4, work);
+    }
+};
 CUBES_BOTH_BACKENDS(Race);
 
 TEST_P(Race, losesNoRaiseOfACounter) {
@@ -49,7 +59,7 @@ TEST_P(Race, losesNoRaiseOfACounter) {
 }
 
 TEST_P(Race, letsOneOfTwoEqualRowsIn) {
-    int const winners = inProcesses(4, [this](int number) {
+    int const winners = inProcessesOfTheirOwn([this](int number) {
         Opened opened(database->url());
         opened.table.Append();
         opened.table.FieldByName("cubenr")->SetAsInteger(1);

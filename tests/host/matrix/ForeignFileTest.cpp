@@ -218,6 +218,7 @@ TEST(ForeignFile, whatIsNoMatrixIsRefusedWithAReason) {
         Case{"f['data/t'] = np.zeros((2, 2), [('a', 'f4'), ('b', 'i4')])", "not numbers"},
         Case{"f.create_dataset('data/t', (0, 5))", "0 x 5"},
         Case{"f.create_dataset('data/t', (2**40, 2), chunks=(1, 2))", "is not possible"},
+        Case{"f.create_dataset('data/t', (10**5, 10**5), 'f4', chunks=(100, 100))", "larger than the file"},
         Case{"f['data/t'] = h5py.SoftLink('/nowhere')", "no table under /data"},
         Case{"f.create_dataset('data/t', (4, 4), chunks=(2, 2), compression='lzf')", "filter 32000"},
     };

@@ -152,6 +152,31 @@ TEST(PlainStorage, hasKnownBytesAtAKnownPlace) {
     EXPECT_EQ(bytes.substr(4096 + 120, 4), "\xcd\xcc\xcc\x3d");
 }
 
+// The example of docs/matrix-file.md.
+TEST(PlainStorage, isLaidOutAsTheDocumentationShows) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    {
+        TRkMatrix source = TRkMatrix::inMemory(2, 2);
+        float const values[] = {1, -2.5f, 0.1f, 0};
+        std::memcpy(source.RowAt(0, 0), values, sizeof values);
+        source.SetZones({101, 102});
+        TRkMatrix target = created(file, 2, 2, 0, "Base [1,2,3,4]");
+        target.AssignFrom(source);
+    }
+    std::string const bytes = readFile(file);
+    ASSERT_EQ(bytes.size(), 0xdd0u);
+    EXPECT_EQ(bytes.substr(0xbb8, 8), "CUBEIDX1");
+    EXPECT_EQ(bytes.substr(0xbc8, 64), std::string("\xd0\x0d\0\0\0\0\0\0\xb8\x0d\0\0\0\0\0\0"
+                                                   "\xc8\x0d\0\0\0\0\0\0\x02\0\0\0\x02\0\0\0"
+                                                   "\x07\0\0\0\0\0\0\0\x0e\0\0\0\0\0\0\0"
+                                                   "Base [1,2,3,4]\0\0",
+                                           64));
+    EXPECT_EQ(bytes.substr(0xdb8), std::string("\0\0\x80\x3f\0\0\x20\xc0\xcd\xcc\xcc\x3d\0\0\0\0"
+                                               "\x65\0\0\0\x66\0\0\0",
+                                       24));
+}
+
 TEST(PlainStorage, hasAnIndexThatAgreesWithHdf5) {
     TempDir const directory;
     std::string ours;

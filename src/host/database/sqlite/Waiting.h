@@ -17,7 +17,7 @@ int waitForOthers(void* context, int attempt) noexcept;
 /// Gives the last result.
 template <typename Operation>
 int retryWhileBusy(Operation const& operation) {
-    constexpr int busy = 5;
+    constexpr int busy = 5; // SQLITE_BUSY
     for (int attempt = 0;; ++attempt) {
         int const code = operation();
         if ((code & 0xFF) != busy || !waitForOthers(nullptr, attempt)) return code;

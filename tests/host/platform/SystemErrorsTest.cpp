@@ -1,0 +1,29 @@
+#include "host/platform/SystemErrors.h"
+
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+using cubes::platform::errorText;
+using cubes::platform::lastError;
+
+TEST(SystemErrors, haveTheSystemsOwnText) {
+    auto const text = errorText(2);
+    ASSERT_TRUE(text);
+    EXPECT_TRUE(text->starts_with("No such file") || text->starts_with("The system cannot find")) << *text;
+}
+
+TEST(SystemErrors, haveNoTextForNumbersThatTheSystemDoesNotKnow) {
+    EXPECT_FALSE(errorText(0x1FFFFFFF));
+    EXPECT_FALSE(errorText(0xFFFFFFFE));
+}
+
+TEST(SystemErrors, tellWhatFailedLast) {
+    cubes::test::TempDir const directory;
+    std::FILE* const missing = std::fopen(directory.file("none").c_str(), "rb");
+    std::uint32_t const error = lastError();
+    EXPECT_EQ(nullptr, missing);
+    EXPECT_EQ(2U, error);
+}
