@@ -1,6 +1,6 @@
 #include "tool/CityReport.h"
+#include "tool/MatrixFacts.h"
 
-#include "tool/Matrices.h"
 #include "tool/Numbers.h"
 
 #include <cmath>

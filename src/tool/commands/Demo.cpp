@@ -1,10 +1,10 @@
 #include "tool/Catalogue.h"
 #include "tool/CityReport.h"
 #include "tool/Errors.h"
-#include "tool/Matrices.h"
 #include "tool/Progress.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
+#include "tool/formats/MatrixTable.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

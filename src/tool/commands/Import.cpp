@@ -1,12 +1,12 @@
 #include "tool/Catalogue.h"
 #include "tool/MatrixFacts.h"
-#include "tool/Matrices.h"
 #include "tool/Messages.h"
 #include "tool/Numbers.h"
 #include "tool/Progress.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
 #include "tool/formats/Formats.h"
+#include "tool/formats/MatrixTable.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,6 +1,5 @@
 #include "tool/Catalogue.h"
 #include "tool/MatrixFacts.h"
-#include "tool/Matrices.h"
 #include "tool/Numbers.h"
 #include "tool/commands/Commands.h"
 
