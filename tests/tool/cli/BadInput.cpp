@@ -166,7 +166,8 @@ TEST_P(BadInput, ofProjectsIsToldAndChangesNothing) {
 
 // Files are read before any database is asked: one database is enough.
 class BadFile : public BadInput {};
-INSTANTIATE_TEST_SUITE_P(, BadFile, testing::Values(Backend::sqlite));
+INSTANTIATE_TEST_SUITE_P(
+    , BadFile, testing::Values(Backend::sqlite), [](auto const& parameter) { return backendName(parameter.param); });
 
 TEST_P(BadFile, isToldAndChangesNothing) {
     refuse(fileCases);
