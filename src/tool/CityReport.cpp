@@ -1,7 +1,7 @@
 #include "tool/CityReport.h"
+#include "tool/MatrixFacts.h"
 
 #include "tool/Numbers.h"
-#include "tool/statistics/Statistics.h"
 
 #include <cmath>
 
@@ -65,8 +65,8 @@ Table listed(std::vector<CityMatrix> const& matrices) {
     for (auto const& matrix : matrices) {
         auto const figures = figuresOf(*matrix.table);
         table.add({matrix.entry.cube.text + "/" + textOf(matrix.entry.key),
-            matrix.purpose.empty() ? Json() : Json(matrix.purpose), matrix.mode, matrix.period, trusted(figures.total),
-            trusted(figures.mean)});
+            matrix.purpose.empty() ? Json() : Json(matrix.purpose), matrix.mode, matrix.period,
+            trusted(figures.total, cellsIn(figures)), trusted(figures.mean, cellsIn(figures))});
     }
     return table;
 }

@@ -9,6 +9,7 @@ add_library(cubes_tool_parts STATIC
   formats/CsvWriter.cpp
   formats/FormatError.cpp
   formats/Formats.cpp
+  formats/MatrixTable.cpp
   formats/NumberText.cpp
   formats/Omx.cpp
   formats/TntpReader.cpp

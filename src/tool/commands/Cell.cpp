@@ -7,10 +7,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 
 namespace cubes::tool {
 
 namespace {
+
+int zoneNumber(char const* what, std::string const& text) {
+    int number = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error == std::errc() && end == text.data() + text.size()) return number;
+    throw UsageError(fmt::format("{} must be the number of a zone, not \"{}\"", what, text));
+}
 
 /// The index of a zone: by its number where the matrix knows zone numbers, else by position from 1.
 int indexOf(int zone, std::vector<std::int32_t> const& zones, int size) {
@@ -40,28 +48,27 @@ public:
 
     void run(Surroundings const& surroundings, Output& output) override {
         auto const word = parseEntry(entry_);
+        int const origin = zoneNumber("ORIGIN", origin_);
+        int const destination = zoneNumber("DESTINATION", destination_);
         auto const catalogue = Catalogue::open(surroundings);
         auto const entry = catalogue.entry(word);
         auto const matrix = catalogue.matrix(entry);
-        int const row = indexOf(origin_, matrix->Zones(), matrix->Rows());
-        int const column = indexOf(destination_, matrix->Zones(), matrix->Columns());
-        show(entry, shortest(matrix->RowAt(row, 0)[column]), output);
-    }
-
-private:
-    void show(Entry const& entry, double value, Output& output) const {
+        int const row = indexOf(origin, matrix->Zones(), matrix->Rows());
+        int const column = indexOf(destination, matrix->Zones(), matrix->Columns());
+        double const value = shortest(matrix->RowAt(row, 0)[column]);
         if (output.form() == Form::text) return output.add(fmt::format("{}\n", value));
         Record cell;
         cell.add("entry", "", entry.text());
-        cell.add("origin", "", origin_);
-        cell.add("destination", "", destination_);
+        cell.add("origin", "", origin);
+        cell.add("destination", "", destination);
         cell.add("value", "", value);
         output.show(cell);
     }
 
+private:
     std::string entry_;
-    int origin_ = 0;
-    int destination_ = 0;
+    std::string origin_;
+    std::string destination_;
 };
 
 }

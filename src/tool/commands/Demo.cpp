@@ -1,11 +1,10 @@
 #include "tool/Catalogue.h"
 #include "tool/CityReport.h"
 #include "tool/Errors.h"
-#include "tool/Matrices.h"
-#include "tool/Numbers.h"
 #include "tool/Progress.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
+#include "tool/formats/MatrixTable.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -98,7 +97,7 @@ private:
         made.add("project", "project", root);
         made.add("zones", "zones", city.zones.size());
         made.add("matrices", "matrices", matrices.size());
-        made.add("imbalance", "", trusted(imbalance));
+        made.add("imbalance", "", imbalance);
         made.add("entries", "", listed(matrices).asJson());
         output.show(made);
     }

@@ -1,8 +1,8 @@
 #include "tool/Catalogue.h"
-#include "tool/Matrices.h"
 #include "tool/Progress.h"
 #include "tool/commands/Commands.h"
 #include "tool/formats/Formats.h"
+#include "tool/formats/MatrixTable.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,11 +1,12 @@
 #include "tool/Catalogue.h"
-#include "tool/Matrices.h"
+#include "tool/MatrixFacts.h"
 #include "tool/Messages.h"
 #include "tool/Numbers.h"
 #include "tool/Progress.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
 #include "tool/formats/Formats.h"
+#include "tool/formats/MatrixTable.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -34,8 +35,10 @@ public:
         Catalogue catalogue(directory);
         auto const matrix = matrixOf(trips);
         auto const entry = catalogue.store(word, matrix);
+        auto const figures = statisticsOf(matrix);
         for (auto const& warning : trips.warnings) tellWarning(warning);
-        show(entry, matrix, catalogue.path(entry), output);
+        tellOfStrangeCells(figures);
+        show(entry, matrix, figures, catalogue.path(entry), output);
     }
 
 private:
@@ -44,14 +47,22 @@ private:
         return readTripTable(file_, table_, [&](double share) { progress.reached(share); });
     }
 
-    static void show(Entry const& entry, TRkMatrix const& matrix, std::string const& path, Output& output) {
+    static void tellOfStrangeCells(Statistics const& figures) {
+        std::pair<std::int64_t, char const*> const strange[] = {
+            {figures.nans, "no number (NaN)"}, {figures.infinities, "infinite"}, {figures.negatives, "negative"}};
+        for (auto const& [count, what] : strange)
+            if (count > 0) tellWarning(fmt::format("cells that are {}: {}", what, count));
+    }
+
+    static void show(Entry const& entry, TRkMatrix const& matrix, Statistics const& figures, std::string const& path,
+        Output& output) {
         Record stored;
         stored.add("entry", "entry", entry.text());
         stored.add("cube", "", entry.cube.number);
-        stored.add("zones", "zones", matrix.Zones().size());
+        stored.add("zones", "zones", zoneCount(matrix));
         stored.add("rows", "rows", matrix.Rows());
         stored.add("columns", "columns", matrix.Columns());
-        stored.add("total", "total", trusted(statisticsOf(matrix).total));
+        stored.add("total", "total", trusted(figures.total, cellsIn(figures)));
         stored.add("file", "file", path);
         output.show(stored);
     }

@@ -1,13 +1,18 @@
 #include "tool/Catalogue.h"
-#include "tool/Matrices.h"
+#include "tool/MatrixFacts.h"
 #include "tool/Numbers.h"
 #include "tool/commands/Commands.h"
 
 #include <CLI/CLI.hpp>
 
+#include <limits>
+
 namespace cubes::tool {
 
 namespace {
+
+/// Of a share of counted cells.
+constexpr auto exactly = std::numeric_limits<std::int64_t>::max();
 
 /// A cell's value, which the statistics give widened.
 double cellValue(double value) {
@@ -19,23 +24,24 @@ void addShape(Record& record, TRkMatrix const& matrix) {
     bool const isNumbered = !zones.empty();
     record.add("rows", "rows", matrix.Rows());
     record.add("columns", "columns", matrix.Columns());
-    record.add("zones", "zones", matrix.Rows() == matrix.Columns() ? Json(matrix.Rows()) : Json());
+    record.add("zones", "zones", zoneCount(matrix));
     record.add("firstZone", "first zone", isNumbered ? Json(zones.front()) : Json());
     record.add("lastZone", "last zone", isNumbered ? Json(zones.back()) : Json());
 }
 
 void addSums(Record& record, Statistics const& figures) {
-    record.add("total", "total", trusted(figures.total));
-    record.add("intrazonal", "intrazonal", trusted(figures.intrazonal));
-    record.add("intrazonalShare", "intrazonal share", trusted(figures.intrazonalShare));
+    auto const cells = cellsIn(figures);
+    record.add("total", "total", trusted(figures.total, cells));
+    record.add("intrazonal", "intrazonal", trusted(figures.intrazonal, figures.rows));
+    record.add("intrazonalShare", "intrazonal share", trusted(figures.intrazonalShare, cells));
     record.add("zeros", "zeros", figures.zeros);
-    record.add("nonZeroShare", "non-zero share", trusted(figures.nonZeroShare));
+    record.add("nonZeroShare", "non-zero share", trusted(figures.nonZeroShare, exactly));
 }
 
 void addValues(Record& record, Statistics const& figures) {
     record.add("min", "min", cellValue(figures.minimum));
     record.add("max", "max", cellValue(figures.maximum));
-    record.add("mean", "mean", trusted(figures.mean));
+    record.add("mean", "mean", trusted(figures.mean, cellsIn(figures)));
     record.add("median", "median", cellValue(figures.median));
     record.add("nan", "NaN", figures.nans);
     record.add("infinite", "infinite", figures.infinities);

@@ -1,6 +1,7 @@
 #include "tool/formats/Omx.h"
 
 #include "tool/formats/FormatError.h"
+#include "tool/formats/MatrixTable.h"
 
 #include <cubes/matrix/OmxFile.h>
 
@@ -11,8 +12,6 @@
 namespace cubes::tool {
 
 namespace {
-
-constexpr int anyAccess = 0;
 
 std::string listed(std::vector<std::string> const& names) {
     return fmt::format("{}", fmt::join(names, ", "));
@@ -30,30 +29,6 @@ std::string chosenTable(
     if (std::find(tables.begin(), tables.end(), *name) != tables.end()) return *name;
     if (tables.empty()) throw FormatError(path, fmt::format("holds no table, '{}' was asked for", *name));
     throw FormatError(path, fmt::format("holds no table '{}', expected one of {}", *name, listed(tables)));
-}
-
-TripTable tableOf(TRkMatrix const& matrix) {
-    TripTable table;
-    table.rows = matrix.Rows();
-    table.columns = matrix.Columns();
-    table.zones = matrix.Zones();
-    auto const width = static_cast<std::size_t>(table.columns);
-    table.cells.reserve(static_cast<std::size_t>(table.rows) * width);
-    for (int row = 0; row < table.rows; ++row) {
-        float const* const values = matrix.RowAt(row, anyAccess);
-        table.cells.insert(table.cells.end(), values, values + width);
-    }
-    return table;
-}
-
-TRkMatrix matrixOf(TripTable const& table) {
-    auto matrix = TRkMatrix::inMemory(table.rows, table.columns);
-    for (int row = 0; row < table.rows; ++row) {
-        auto const values = table.row(row);
-        std::copy(values.begin(), values.end(), matrix.RowAt(row, anyAccess));
-    }
-    matrix.SetZones(table.zones);
-    return matrix;
 }
 
 }

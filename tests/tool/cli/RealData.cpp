@@ -54,7 +54,7 @@ TEST_P(RealData, ofSiouxFallsSurvivesEveryFormat) {
     succeeds("cubes import trips.omx Base/1/1/1/4");
     std::string const everything = "zones, [row.tobytes().hex() for row in cells.astype('<f4')]";
     auto const first = asReadByH5py("1-1-1-1-1.odm", everything);
-    EXPECT_EQ(first.substr(0, 12), "([1, 2, 3, 4");
+    EXPECT_TRUE(first.starts_with("[1, 2, 3, 4")) << first;
     for (auto const* copy : {"1-1-1-1-2.odm", "1-1-1-1-3.odm", "1-1-1-1-4.odm"})
         EXPECT_EQ(asReadByH5py(copy, everything), first) << copy;
 }
@@ -75,7 +75,7 @@ TEST_P(RealData, ofAnOmxFileIsImportedByTable) {
     CUBES_REQUIRE_DATA("omx/example.omx");
     auto const refused = session->run("cubes import \"$DATA/omx/example.omx\" Base/1/1/1/1");
     EXPECT_NE(refused.exitCode, 0);
-    EXPECT_NE(refused.errors.find("--table"), std::string::npos) << refused.errors;
+    EXPECT_NE(refused.errors.find("TRANSFERS"), std::string::npos) << refused.errors;
     auto const tables =
         runPython("import h5py, sys\nprint(*h5py.File(sys.argv[1], 'r')['data'])", {sharedData("omx/example.omx")});
     auto const name = tables.output.substr(0, tables.output.find(' '));

@@ -40,6 +40,11 @@ std::string contentOf(fs::path const& file) {
     return fs::is_regular_file(file) && (kind == ".odm" || kind == ".toml") ? readFile(file.string()) : "";
 }
 
+// The superuser may read every file.
+char const* const withoutPrivileges =
+    "AS_ANYBODY=; [ $(id -u) != 0 ] || "
+    "AS_ANYBODY='setpriv --bounding-set=-dac_override,-dac_read_search --inh-caps=-dac_override,-dac_read_search'; ";
+
 }
 
 ToolSession::ToolSession(Backend backend) : database_(backend) {}
@@ -48,7 +53,7 @@ ProcessResult ToolSession::run(std::string const& line) const {
     auto const tools = fs::path(CUBES_TOOL).parent_path().string();
     return test::run({"env", "-u", "CUBES_DATABASE", "DATABASE=" + database_.url(), "DATA=" + sharedData(""),
         "SERVER_PORT=" + (database_.backend() == Backend::postgres ? postgresPort() : std::string()), "sh", "-c",
-        "PATH='" + tools + "':$PATH; cd '" + directory_.str() + "' && " + line});
+        withoutPrivileges + std::string("PATH='") + tools + "':$PATH; cd '" + directory_.str() + "' && " + line});
 }
 
 std::string ToolSession::shown(std::string const& line) const {
@@ -67,9 +72,10 @@ void ToolSession::makeProject() const {
 std::string ToolSession::state() const {
     std::string text = listing(directory_.str());
     for (auto const& entry : fs::recursive_directory_iterator(directory_.str())) text += contentOf(entry.path());
-    text += textOf(database_.sql("SELECT * FROM " + database_.table("", "cube") + " ORDER BY 1"));
-    return text +
-           textOf(database_.sql("SELECT * FROM " + database_.table("public", "cube4data1") + " ORDER BY 1,2,3,4,5"));
+    return text + textOf(database_.sql(
+                      "SELECT cubenr, 0, 0, 0, 0, 0, name FROM " + database_.table("", "cube") +
+                      " UNION ALL SELECT cubenr, purpose, mode, time, \"user\", \"usageCounter\", filename FROM " +
+                      database_.table("public", "cube4data1") + " ORDER BY 1, 2, 3, 4, 5, 6, 7"));
 }
 
 }

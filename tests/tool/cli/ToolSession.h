@@ -14,7 +14,8 @@ public:
     explicit ToolSession(Backend backend);
 
     /// Runs a line of the shell in the working directory. "cubes" is the tool, $DATABASE the
-    /// database's URL, $DATA the directory of real data.
+    /// database's URL, $DATA the directory of real data, $SERVER_PORT the port where the server
+    /// asks for passwords, $AS_ANYBODY what takes the rights of the superuser from a command.
     ProcessResult run(std::string const& line) const;
     /// The same, and shown as a transcript shows it: results, then messages headed by "! ", then
     /// the exit code in brackets unless it is 0. What differs from run to run is named <DIR> and

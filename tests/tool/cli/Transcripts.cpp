@@ -20,7 +20,7 @@ std::vector<std::string> transcripts() {
 }
 
 bool isRemark(std::string const& line) {
-    return line.empty() || line.front() == '#';
+    return line.starts_with("#");
 }
 
 /// The transcript with what the tool prints now in place of what it printed then.
@@ -49,7 +49,7 @@ TEST_P(Transcript, isWhatTheToolPrints) {
     ToolSession const session(backend);
     auto const now = played(written, session);
     if (std::getenv("CUBES_REWRITE_TRANSCRIPTS")) writeFile(path.string(), now);
-    EXPECT_EQ(written, now);
+    EXPECT_EQ(now, written);
 }
 
 INSTANTIATE_TEST_SUITE_P(, Transcript,

@@ -1,4 +1,4 @@
-#include "tool/Matrices.h"
+#include "tool/formats/MatrixTable.h"
 
 #include <algorithm>
 
@@ -7,10 +7,6 @@ namespace cubes::tool {
 namespace {
 
 constexpr int anyAccess = 0;
-
-std::span<float const> rowOf(TRkMatrix const& matrix, int row) {
-    return {matrix.RowAt(row, anyAccess), static_cast<std::size_t>(matrix.Columns())};
-}
 
 }
 
@@ -26,16 +22,13 @@ TripTable tableOf(TRkMatrix const& matrix) {
     table.rows = matrix.Rows();
     table.columns = matrix.Columns();
     table.zones = matrix.Zones();
-    table.cells.reserve(static_cast<std::size_t>(table.rows) * static_cast<std::size_t>(table.columns));
+    auto const width = static_cast<std::size_t>(table.columns);
+    table.cells.reserve(static_cast<std::size_t>(table.rows) * width);
     for (int row = 0; row < table.rows; ++row) {
-        auto const cells = rowOf(matrix, row);
-        table.cells.insert(table.cells.end(), cells.begin(), cells.end());
+        float const* const cells = matrix.RowAt(row, anyAccess);
+        table.cells.insert(table.cells.end(), cells, cells + width);
     }
     return table;
-}
-
-Statistics statisticsOf(TRkMatrix const& matrix) {
-    return statisticsOf(matrix.Rows(), matrix.Columns(), [&](int row) { return rowOf(matrix, row); });
 }
 
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "tool/formats/TripTable.h"
-#include "tool/statistics/Statistics.h"
 
 #include <cubes/matrix/TRkMatrix.h>
 
@@ -9,7 +8,7 @@ namespace cubes::tool {
 
 /// A matrix in memory with the table's cells and zone numbers.
 TRkMatrix matrixOf(TripTable const& table);
+/// The matrix's cells and zone numbers.
 TripTable tableOf(TRkMatrix const& matrix);
-Statistics statisticsOf(TRkMatrix const& matrix);
 
 }
