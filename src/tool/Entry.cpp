@@ -34,7 +34,7 @@ std::optional<short> shortOf(std::string_view text) {
 short parsePart(char const* name, std::string const& text) {
     auto const number = shortOf(text);
     if (!number || *number < 1)
-        throw UsageError(fmt::format("{} must be a number from 1 to {}, not \"{}\"", name, greatest, text));
+        throw Refusal(fmt::format("{} must be a number from 1 to {}, not \"{}\"", name, greatest, text));
     return *number;
 }
 
@@ -52,7 +52,7 @@ CubeWord parseCube(std::string const& text) {
     if (text.empty()) throw UsageError("the name of the cube is empty");
     if (!looksLikeNumber(text)) return {text, std::nullopt};
     auto const number = shortOf(text);
-    if (!number) throw UsageError(fmt::format("the cube's number {} is beyond 16 bits", text));
+    if (!number) throw Refusal(fmt::format("the cube's number {} is beyond 16 bits", text));
     return {text, number};
 }
 

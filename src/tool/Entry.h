@@ -26,8 +26,9 @@ struct EntryWord {
 
 /// Whether the text is made as an entry, not as a cube: at least four slashes.
 bool isEntry(std::string const& text);
-/// Both throw UsageError, which names the part that is wrong. The key is split off from the
-/// right, so that the cube's name may hold slashes.
+/// Both throw UsageError for a text that is no cube or entry, Refusal for a number that no key can
+/// hold; each names the part that is wrong. The key is split off from the right, so that the
+/// cube's name may hold slashes.
 CubeWord parseCube(std::string const& text);
 EntryWord parseEntry(std::string const& text);
 

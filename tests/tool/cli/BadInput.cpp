@@ -71,8 +71,8 @@ std::vector<Case> const fileCases = {
 std::vector<Case> const projectCases = {
     {"an unknown number", "cubes import good.csv 77/1/1/1/1", 1, {"there is no cube 77"}},
     {"an entry in use", "cubes import good.csv Base/1/1/1/2", 1, {"in use"}},
-    {"a key beyond 16 bits", "cubes import good.csv Base/1/1/1/40000", 2, {"user", "40000"}},
-    {"a key that is no number", "cubes import good.csv Base/1/two/1/1", 2, {"mode", "\"two\""}},
+    {"a key beyond 16 bits", "cubes import good.csv Base/1/1/1/40000", 1, {"user", "40000"}},
+    {"a key that is no number", "cubes import good.csv Base/1/two/1/1", 1, {"mode", "\"two\""}},
     {"an unknown cube", "cubes show Unknown/1/1/1/1", 1, {"there is no cube Unknown"}},
     {"an unknown key", "cubes show Base/9/1/1/1", 1, {"cube Base has no entry 9/1/1/1"}},
     {"a file that is gone", "cubes show Base/1/1/1/3", 3, {"1-1-1-1-3.odm"}},
