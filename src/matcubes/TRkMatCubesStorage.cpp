@@ -26,11 +26,11 @@ void requireColumn(TRkMatrix const& matrix, int column) {
 }
 
 // Reads one element and releases the matrix. The object itself stays: that is how callers know it.
-double readElement(TRkMatrix* matrix, int row, int column) {
+double readElement(std::unique_ptr<TRkMatrix> matrix, int row, int column) {
     if (!matrix) return -1.0;
     requireColumn(*matrix, column);
     double const element = matrix->RowAt(row, rowAccess)[column];
-    matrix->Release();
+    matrix.release()->Release();
     return element;
 }
 
@@ -70,7 +70,7 @@ TRkMatrix* TRkMatCubes::Get(
 
 double TRkMatCubes::Get(
     short cubenr, short p, short m, short t, short u, int i, int j, RkLockState lock, bool zeroBased) const {
-    return readElement(Get(cubenr, p, m, t, u, lock, zeroBased), i, j);
+    return readElement(std::unique_ptr<TRkMatrix>(Get(cubenr, p, m, t, u, lock, zeroBased)), i, j);
 }
 
 double TRkMatCubes::Get(
