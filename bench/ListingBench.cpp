@@ -29,10 +29,9 @@ int walk(TRkMatCubes const& cubes) {
 
 // Mebibytes, in the columns of times: "bare" is the limit itself.
 Result walkMemory(std::string const& backend, TRkMatCubes const& cubes) {
-    double const before = memory();
-    double const peakBefore = peakMemory();
+    double const before = resetPeakMemory();
     require(walk(cubes));
-    double const growth = std::max(peakMemory() - std::max(before, peakBefore), memory() - before) / mebibyte;
+    double const growth = (peakMemory() - before) / mebibyte;
     return {fmt::format("{} walk, {} entries: MiB against the limit", backend, entries), walkLimit,
         std::max(growth, 0.0), 1.0, 0};
 }
@@ -43,7 +42,6 @@ void compareAt(std::vector<Result>& results, std::string const& url) {
     std::string const database = url.empty() ? "sqlite:" + work.path("bench.db") : url;
     auto const project = projectWithEntries(work.path("project"), database, entries);
     TRkMatCubes const cubes(project.settings(), ".odm", true);
-    // First, while the peak of the process is still low.
     results.push_back(walkMemory(backend, cubes));
     auto const bare = bareLookUp(database);
     auto const ours = [&] {

@@ -37,7 +37,6 @@ Results measure() {
     if (postgres.empty()) fmt::print("no CUBES_BENCH_POSTGRES: the figures over PostgreSQL are left out\n");
     fmt::print("{:<58} {:>12} {:>12} {:>7} {:>6}\n", "medians in microseconds", "bare", "ours", "ratio", "bar");
     Results all;
-    // Listings first: they watch the peak of this process's memory.
     for (auto const& part : {bench::listings(postgres), bench::lookUps(postgres), bench::matrices()}) {
         print(part);
         all.insert(all.end(), part.begin(), part.end());

@@ -1,11 +1,9 @@
 #include "Measure.h"
 
-#include <sys/resource.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <fstream>
+#include <string>
 
 namespace bench {
 
@@ -37,18 +35,19 @@ Result compare(Contest const& contest) {
     return {contest.name, median(bare), median(ours), contest.bar, contest.allowance};
 }
 
-double peakMemory() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) * 1024;
+double resetPeakMemory() {
+    std::ofstream("/proc/self/clear_refs") << "5";
+    return peakMemory();
 }
 
-double memory() {
-    std::ifstream statm("/proc/self/statm");
-    double total = 0;
-    double resident = 0;
-    statm >> total >> resident;
-    return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
+double peakMemory() {
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word)
+        if (word == "VmHWM:") break;
+    double kibibytes = 0;
+    status >> kibibytes;
+    return kibibytes * 1024;
 }
 
 }

@@ -33,9 +33,9 @@ struct Contest {
 /// Runs both sides in turn, so that what disturbs one disturbs the other, and takes the medians.
 Result compare(Contest const& contest);
 
-/// Peak resident memory of this process so far, in bytes.
+/// Begins a new peak of this process's resident memory; gives what is resident now, in bytes.
+double resetPeakMemory();
+/// The peak since then, in bytes.
 double peakMemory();
-/// Resident memory of this process now, in bytes.
-double memory();
 
 }

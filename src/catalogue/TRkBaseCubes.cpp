@@ -5,6 +5,7 @@
 #include <cubes/database/TRkDBDataDictionary.h>
 #include <cubes/project/TRkGlobalSettings.h>
 
+#include "catalogue/MissingTable.h"
 #include "core/Base40.h"
 #include "host/text/Utf8.h"
 
@@ -112,7 +113,7 @@ bool TRkBaseCubes::Close(CountedPtr<Rktable::TRkTableProxy>& table) const {
 }
 
 bool TRkBaseCubes::LookUp(CountedPtr<Rktable::TRkTableProxy> table, short cubenr) const {
-    return table && table->Locate("cubenr", cubenr);
+    return table && cubes::falseWithoutTable([&] { return table->Locate("cubenr", cubenr); });
 }
 
 bool TRkBaseCubes::LookUp(CountedPtr<Rktable::TRkTableProxy> table, char const* name) const {
@@ -120,7 +121,8 @@ bool TRkBaseCubes::LookUp(CountedPtr<Rktable::TRkTableProxy> table, char const* 
     // A name longer than the column stands there cut, so it is searched cut.
     int const size = table->FieldByName("name")->Size();
     std::string const stored = size > 0 ? cubes::text::firstCharacters(name, size) : name;
-    return table->Locate("name", stored, Rktable::LocateOptions::ignoringCase());
+    return cubes::falseWithoutTable(
+        [&] { return table->Locate("name", stored, Rktable::LocateOptions::ignoringCase()); });
 }
 
 bool TRkBaseCubes::LookUp(short cubenr) const {

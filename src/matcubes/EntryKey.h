@@ -2,6 +2,7 @@
 
 #include <cubes/database/Value.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,8 @@ struct EntryKey {
 inline constexpr char const* keyColumns = "cubenr;purpose;mode;time;user";
 
 /// The stored form of a caller's key: zero-based parts are raised by 1, the cube number never.
-EntryKey storedKey(short cubenr, short p, short m, short t, short u, bool zeroBased);
+/// Nothing for a part that has no successor in 16 bits.
+std::optional<EntryKey> storedKey(short cubenr, short p, short m, short t, short u, bool zeroBased);
 
 std::vector<Rktable::Value> valuesOf(EntryKey const& key);
 

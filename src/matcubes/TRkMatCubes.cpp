@@ -4,8 +4,11 @@
 #include <cubes/database/TRkDatabaseException.h>
 #include <cubes/project/TRkGlobalSettings.h>
 
+#include "catalogue/MissingTable.h"
 #include "catalogue/StoredName.h"
 #include "matcubes/EntryKey.h"
+
+#include <optional>
 
 using cubes::matcubes::EntryKey;
 using cubes::matcubes::storedKey;
@@ -24,15 +27,6 @@ void setKey(Rktable::TRkTableProxy& table, EntryKey const& key) {
     setNumber(table, "mode", key.mode);
     setNumber(table, "time", key.time);
     setNumber(table, "user", key.user);
-}
-
-// An entry that another process adds at the same moment is as good as ours.
-void postUnlessTaken(Rktable::TRkTableProxy& table) {
-    try {
-        table.Post();
-    } catch (TRkDatabaseException const& error) {
-        if (!error.IsDuplicateKey()) throw;
-    }
 }
 
 }
@@ -75,7 +69,7 @@ CountedPtr<Rktable::TRkTableProxy> TRkMatCubes::Open() const {
     std::vector<CountedPtr<Rktable::TRkTableProxy>> tables;
     if (!dictionary->BuildDataTables(ObjectName, tables, getMatrixSchema())) return {};
     for (auto const& table : tables) {
-        if (table->GetAliasPropertyWrapper().AsString().ToLower() != cubeAliasName()) continue;
+        if (!table || table->GetAliasPropertyWrapper().AsString().ToLower() != cubeAliasName()) continue;
         table->SetConnection(GetConnection());
         table->Open();
         return table;
@@ -86,22 +80,29 @@ CountedPtr<Rktable::TRkTableProxy> TRkMatCubes::Open() const {
 bool TRkMatCubes::LookUp(
     CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t, short u, bool zeroBased) const {
     if (!table) return false;
-    EntryKey const key = storedKey(cubenr, p, m, t, u, zeroBased);
-    return table->Locate(cubes::matcubes::keyColumns, valuesOf(key));
+    std::optional<EntryKey> const key = storedKey(cubenr, p, m, t, u, zeroBased);
+    if (!key) return false;
+    return cubes::falseWithoutTable([&] { return table->Locate(cubes::matcubes::keyColumns, valuesOf(*key)); });
 }
 
 bool TRkMatCubes::Add(
     CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t, short u, bool zeroBased) const {
     if (!table) return false;
     if (LookUp(table, cubenr, p, m, t, u, zeroBased)) return true;
-    EntryKey const key = storedKey(cubenr, p, m, t, u, zeroBased);
+    std::optional<EntryKey> const key = storedKey(cubenr, p, m, t, u, zeroBased);
+    if (!key) return false;
     // Made before the row is begun: a number that the name cannot hold leaves no half-made row.
-    TRkString const name = MakeFilename(key.cubenr, key.purpose, key.mode, key.time, key.user) + extension_;
+    TRkString const name = MakeFilename(key->cubenr, key->purpose, key->mode, key->time, key->user) + extension_;
     table->Append();
-    setKey(*table, key);
+    setKey(*table, *key);
     if (auto* const filename = table->FindField("filename")) filename->SetAsString(name.c_str());
     if (auto* const counter = table->FindField("usageCounter")) counter->SetAsInteger(0);
-    postUnlessTaken(*table);
+    try {
+        table->Post();
+    } catch (TRkDatabaseException const& error) {
+        // An entry that another process added at the same moment is as good as ours.
+        if (!error.IsDuplicateKey() || !LookUp(table, cubenr, p, m, t, u, zeroBased)) throw;
+    }
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
+#include "catalogue/MissingTable.h"
 #include "catalogue/StoredName.h"
 
 namespace {
@@ -44,10 +45,12 @@ bool TRkMatCubes::Remove(char const* cubeName, short p, short m, short t, short 
 
 bool TRkMatCubes::Clear(short cubenr) const {
     auto table = Open();
-    if (!table) return false;
-    while (table->Locate("cubenr", cubenr)) removeCurrentEntry(*table, matrixDirectory_);
+    bool const cleared = table && cubes::falseWithoutTable([&] {
+        while (table->Locate("cubenr", cubenr)) removeCurrentEntry(*table, matrixDirectory_);
+        return true;
+    });
     Close(table);
-    return true;
+    return cleared;
 }
 
 bool TRkMatCubes::Clear(char const* cubeName) const {

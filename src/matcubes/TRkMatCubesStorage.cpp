@@ -3,14 +3,18 @@
 #include <cubes/matrix/TRkMatrix.h>
 #include <cubes/matrix/TRkMatrixException.h>
 
+#include "host/matrix/WriteLock.h"
 #include "host/platform/Files.h"
 #include "matcubes/EntryKey.h"
 
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 
 using cubes::matcubes::EntryKey;
 using cubes::matcubes::storedKey;
+using cubes::matrix::WriteLock;
 
 namespace {
 
@@ -18,11 +22,26 @@ constexpr int rowAccess = 8;
 // Kinds above this one belong to the matrix itself and outlive its saving.
 constexpr unsigned lastCubeKind = 31;
 
+TRkString stemOf(EntryKey const& key) {
+    return TRkMatCubes::MakeFilename(key.cubenr, key.purpose, key.mode, key.time, key.user);
+}
+
 void requireColumn(TRkMatrix const& matrix, int column) {
     if (column >= 0 && column < matrix.Columns()) return;
     throw TRkMatrixException("cannot read column " + std::to_string(column) + " of " + matrix.FileName() + ": it has " +
                                  std::to_string(matrix.Columns()) + " columns",
         matrix.FileName());
+}
+
+// A file that someone else holds for writing is left alone.
+void copyUnderLock(std::string const& source, std::string const& target, RkLockState lock) {
+    try {
+        std::optional<WriteLock> held;
+        if (lock & lsWrite) held.emplace(target, WriteLock::Purpose::create);
+        cubes::platform::copyFile(source, target);
+    } catch (std::runtime_error const&) {
+        // Refused, or no lock can be had there.
+    }
 }
 
 // Reads one element and releases the matrix. The object itself stays: that is how callers know it.
@@ -58,7 +77,7 @@ bool TRkMatCubes::Check(char const* cubeName, short p, short m, short t, short u
 TRkMatrix* TRkMatCubes::Get(short cubenr, short p, short m, short t, short u, RkLockState lock, bool zeroBased) const {
     TRkString const file = FileName(cubenr, p, m, t, u, zeroBased);
     if (file.IsEmpty()) return nullptr;
-    TRkString const name = CubeNrToName(cubenr) + " " + displayKey(storedKey(cubenr, p, m, t, u, zeroBased));
+    TRkString const name = CubeNrToName(cubenr) + " " + displayKey(*storedKey(cubenr, p, m, t, u, zeroBased));
     auto matrix = std::make_unique<TRkMatrix>(file.c_str(), 1, name.c_str(), true, mkDefault, lock, 0);
     return matrix->IsValid() ? matrix.release() : nullptr;
 }
@@ -91,7 +110,11 @@ bool TRkMatCubes::Set(
 
 bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, TRkMatrix const& matrix,
     RkLockState lock, bool zeroBased) {
-    if (Check(cubeName, p, m, t, u, zeroBased)) Clear(cubeName, p, m, t, u, zeroBased);
+    if (Check(cubeName, p, m, t, u, zeroBased)) {
+        // A number that the file's name cannot hold throws here, before anything is lost.
+        stemOf(*storedKey(CubeNameToNr(cubeName), p, m, t, u, zeroBased));
+        Clear(cubeName, p, m, t, u, zeroBased);
+    }
     if (!Add(cubeName, p, m, t, u, zeroBased)) return false;
     short const cubenr = CubeNameToNr(cubeName);
     return cubenr != 0 && SaveMatrix(matrix, cubenr, p, m, t, u, lock, zeroBased);
@@ -99,15 +122,15 @@ bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, 
 
 bool TRkMatCubes::SaveMatrix(
     TRkMatrix const& matrix, short cubenr, short p, short m, short t, short u, RkLockState lock, bool zeroBased) {
-    EntryKey const key = storedKey(cubenr, p, m, t, u, zeroBased);
-    TRkFString const target(
-        TRkString(matrixDirectory_) + MakeFilename(key.cubenr, key.purpose, key.mode, key.time, key.user) + extension_);
+    std::optional<EntryKey> const key = storedKey(cubenr, p, m, t, u, zeroBased);
+    if (!key) return false;
+    TRkFString const target(TRkString(matrixDirectory_) + stemOf(*key) + extension_);
     matrix.Prepare();
     TRkFString const source(matrix.FileName());
     if (source.IsSameFile(target) && matrix.StateCode() != lsChanged) return false;
     if (matrix.StateCode() == lsUnchanged && source.Exists()) {
-        // The file is as good as the matrix; callers know the false result of this case.
-        cubes::platform::copyFile(source.str(), target.str());
+        // The file is as good as the matrix. False although it was written: the result is fixed so.
+        copyUnderLock(source.str(), target.str(), lock);
         return false;
     }
     unsigned const sourceKind = matrix.Header().Kind();

@@ -122,7 +122,8 @@ Entry Catalogue::store(EntryWord const& word, TRkMatrix const& matrix) {
     try {
         storeAt(entry, matrix);
     } catch (...) {
-        if (isNew) remove(entry.cube);
+        // Others may have stored into the new cube meanwhile.
+        if (isNew && entriesOf(entry.cube).empty()) remove(entry.cube);
         throw;
     }
     return entry;
@@ -139,7 +140,8 @@ void Catalogue::storeAt(Entry const& entry, TRkMatrix const& matrix) {
     try {
         write(entry, matrix);
     } catch (...) {
-        remove(entry);
+        // With a file it is the entry of someone who stored it at the same moment.
+        if (!std::filesystem::exists(path(entry))) remove(entry);
         throw;
     }
 }

@@ -152,4 +152,9 @@ public:
     bool decUsage(short cubenr, short p, short m, short t, short u);
     /// Whether the entry exists and nobody uses it (its counter is null or 0, or not kept).
     bool isCorrect(short cubenr, short p, short m, short t, short u) const;
+
+private:
+    // These only check and register cubes; on cubes with entries they would be taken for more.
+    using TRkBaseCubes::Copy;
+    using TRkBaseCubes::Move;
 };

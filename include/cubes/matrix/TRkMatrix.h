@@ -70,9 +70,9 @@ public:
     /// a matrix opened from a file, or to a new one after AssignFrom, changes this object alone. Throws
     /// TRkMatrixException for a row outside the matrix or an object that is not valid. `access` means nothing here.
     virtual float* RowAt(int row, int access);
-    /// Closes the file and frees what was read from it; what was written to rows read from the file
-    /// is lost. A later RowAt opens the file again, in the state it has then, and throws when that
-    /// has other dimensions. Does nothing to a matrix in memory or to a new file that is being filled.
+    /// Closes the file, gives up its write lock and frees what was read from it; what was written to rows read from the
+    /// file is lost. A later RowAt opens the file again, in the state it has then, and throws when that has other
+    /// dimensions. Does nothing to a matrix in memory or to a new file that is being filled.
     virtual void Release();
     /// Called on a matrix before its file name is asked for when it is saved.
     virtual void Prepare() const;

@@ -55,7 +55,9 @@ void Cursor::insertDraft() {
     std::vector<Value> values;
     for (std::size_t const column : columns) values.push_back(draft_[column]);
     Cells posted;
-    run(table_->statement(sql.insert(columns), sql.types(columns)), values, posted);
+    if (run(table_->statement(sql.insert(columns), sql.types(columns)), values, posted) == 0)
+        throw TRkDatabaseException(
+            "table " + description().quotedName + ": the database did not take the new row", "02000");
     row_ = std::move(posted);
     place_ = Place::onRow;
 }

@@ -177,7 +177,10 @@ float const* TRkMatrix::Elements() const {
 }
 
 void TRkMatrix::Release() {
-    if (IsValid()) state_->body->release();
+    if (!IsValid()) return;
+    state_->body->release();
+    // The lock of a new file is needed until that file is finished; an opened one is let go.
+    if (dynamic_cast<FileBody const*>(state_->body.get())) state_->writeLock.reset();
 }
 
 void TRkMatrix::Prepare() const {}

@@ -1,8 +1,10 @@
 #include "host/platform/Files.h"
 
 #include "host/platform/Paths.h"
+#include "host/platform/TemporaryFile.h"
 
 #include <algorithm>
+#include <exception>
 #include <filesystem>
 #include <system_error>
 
@@ -65,6 +67,8 @@ bool removeFile(std::string const& path) {
 
 bool copy(std::string const& source, std::string const& target, bool overwrite) {
     if (source.empty() || target.empty() || isInside(target, source)) return false;
+    if (isRegularFile(source) && !isDirectory(target))
+        return (overwrite || !exists(target)) && copyFile(source, target);
     auto const existing = overwrite ? fs::copy_options::overwrite_existing : fs::copy_options::none;
     std::error_code error;
     fs::copy(toPath(source), toPath(target), existing | fs::copy_options::recursive, error);
@@ -73,14 +77,15 @@ bool copy(std::string const& source, std::string const& target, bool overwrite) 
 
 bool copyFile(std::string const& source, std::string const& target) {
     if (!isRegularFile(source) || isDirectory(target) || isSamePath(source, target)) return false;
-    fs::path const beside = toPath(target + ".copy");
-    std::error_code error;
-    fs::copy_file(toPath(source), beside, fs::copy_options::overwrite_existing, error);
-    if (!error) fs::rename(beside, toPath(target), error);
-    if (!error) return true;
-    std::error_code ignored;
-    fs::remove(beside, ignored);
-    return false;
+    try {
+        TemporaryFile beside(target);
+        fs::copy_file(toPath(source), toPath(beside.path()), fs::copy_options::overwrite_existing);
+        beside.file().flush();
+        beside.publish();
+        return true;
+    } catch (std::exception const&) {
+        return false;
+    }
 }
 
 std::string absolutePath(std::string const& path) {

@@ -19,7 +19,7 @@ public:
     std::string task() const override { return "add the cube " + name_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        if (parseCube(name_).number) throw UsageError("a name of digits alone would be read as the number of a cube");
+        if (parseCube(name_).number) throw Refusal("a name of digits alone would be read as the number of a cube");
         auto catalogue = Catalogue::open(surroundings);
         if (catalogue.has(parseCube(name_))) throw Refusal("there is a cube of that name already");
         auto const cube = catalogue.add(name_);

@@ -7,6 +7,7 @@
 #include "host/platform/Paths.h"
 
 #include <sqlite3.h>
+#include <string_view>
 
 #include <filesystem>
 
@@ -117,7 +118,8 @@ TRkDatabaseException Handle::failure(std::string const& statement) const {
     int const code = sqlite3_extended_errcode(database_);
     std::string message = "SQLite database '" + path_ + "': " + reason(code, database_);
     if (!statement.empty()) message += ", in: " + statement;
-    return {message, sqlStateOf(code), statement};
+    bool const noTable = std::string_view(sqlite3_errmsg(database_)).starts_with("no such table");
+    return {message, noTable ? "42P01" : sqlStateOf(code), statement};
 }
 
 void Handle::execute(std::string const& sql) const {
