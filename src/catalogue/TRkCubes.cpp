@@ -14,7 +14,7 @@ void appendUnlessTaken(Rktable::TRkTableProxy& table, RkCubeTypes cubenr, char c
     try {
         table.Post();
     } catch (TRkDatabaseException const& error) {
-        if (!error.IsDuplicateKey() || !table.Locate("cubenr", cubenr)) throw;
+        if (!error.IsDuplicateKey() || !table.Locate("cubenr", static_cast<int>(cubenr))) throw;
     }
 }
 

@@ -1,3 +1,4 @@
+#include <cubes/core/TRkCubesException.h>
 #include <cubes/matrix/TRkMatrixException.h>
 
 #include <filesystem>
@@ -121,6 +122,34 @@ TEST_P(EntryStorage, readsOneElement) {
     EXPECT_EQ(cubes().Get("Base", 1, 1, 1, 1, 1, 1, lsRead, false), 12.0);
     EXPECT_EQ(cubes().Get(1, 1, 1, 1, 2, 0, 0, lsRead, false), -1.0);
     EXPECT_EQ(cubes().Get("Other", 1, 1, 1, 1, 0, 0, lsRead, false), -1.0);
+}
+
+TEST_P(EntryStorage, readsAnElementUnderAWriteLockAndLetsItGo) {
+    storeBase();
+    EXPECT_EQ(cubes().Get(1, 1, 1, 1, 1, 0, 0, lsReadWrite, false), 1.0);
+    EXPECT_EQ(cubes().Get(1, 1, 1, 1, 1, 0, 0, lsReadWrite, false), 1.0);
+    EXPECT_NE(open(lsReadWrite), nullptr);
+}
+
+TEST_P(EntryStorage, byNameClearsNothingWhenTheNewNameCannotBeMade) {
+    ASSERT_TRUE(cubes().Set("Base", 2000, 1, 1, 1, matrix(1), lsReadWrite, false));
+    TRkBaseCubes::Version = 3;
+    EXPECT_THROW(cubes().Set("Base", 2000, 1, 1, 1, matrix(2), lsReadWrite, false), TRkCubesException);
+    TRkBaseCubes::Version = 4;
+    EXPECT_EQ(rows(), "1|2000|1|1|1|0|1-2000-1-1-1.odm\n");
+    EXPECT_EQ(firstElement(1, 2000, 1, 1, 1), 1.0);
+}
+
+TEST_P(EntryStorage, leavesAFileAloneThatAnotherObjectIsWriting) {
+    storeBase();
+    ASSERT_TRUE(cubes().Set("Base", 1, 1, 1, 2, matrix(2), lsReadWrite, false));
+    std::string const before = readFile(pathOf("1-1-1-1-2.odm"));
+    auto const source = open(lsUnchanged);
+    TRkMatrix const writer(
+        2, 3, mtMatrixCube, pathOf("1-1-1-1-2.odm").c_str(), 1, "", "", true, mkDefault, lsReadWrite);
+    ASSERT_TRUE(writer.IsValid());
+    EXPECT_FALSE(cubes().SaveMatrix(*source, 1, 1, 1, 1, 2, lsReadWrite, false));
+    EXPECT_EQ(readFile(pathOf("1-1-1-1-2.odm")), before);
 }
 
 TEST_P(EntryStorage, refusesAnElementOutsideTheMatrix) {

@@ -250,6 +250,33 @@ TEST_P(EntryTable, worksWithoutFileNameAndCounterColumns) {
     EXPECT_TRUE(cubes().Clear(1, 1, 1, 1, 1, false));
 }
 
+TEST_P(EntryTable, isMissingAlsoWhenOthersDropItWhileItIsInUse) {
+    cubes().Add("Base", 1, 1, 1, 1, false);
+    auto entries = cubes().Open();
+    ASSERT_TRUE(entries);
+    project().execute("drop table " + table());
+    EXPECT_FALSE(cubes().LookUp(entries, 1, 1, 1, 1, 1, false));
+    EXPECT_FALSE(cubes().Delete(short(1)));
+    EXPECT_FALSE(cubes().Check(1, 1, 1, 1, 1, false));
+    EXPECT_EQ(cubeRows(), "1|Base\n");
+}
+
+TEST_P(EntryTable, hasNoEntryBeyondSixteenBits) {
+    auto entries = cubes().Open();
+    EXPECT_FALSE(cubes().Add(entries, 1, 32767, 0, 0, 0, true));
+    EXPECT_FALSE(cubes().LookUp(entries, 1, 0, 0, 0, 32767, true));
+    EXPECT_TRUE(cubes().Add(entries, 1, 32767, 1, 1, 1, false));
+    EXPECT_EQ(rows(), "1|32767|1|1|1|0|1-32767-1-1-1.odm\n");
+}
+
+TEST_P(EntryTable, passesOnARefusalThatIsNoRace) {
+    project().project().connection()->Execute("create unique index one_file on " + table() + " (filename)");
+    cubes().Add("Base", 1, 1, 1, 1, false);
+    project().execute("update " + table() + " set filename = '1-1-1-1-2.odm'");
+    EXPECT_THROW(cubes().Add("Base", 1, 1, 1, 2, false), TRkDatabaseException);
+    EXPECT_FALSE(cubes().Check(1, 1, 1, 1, 2, false));
+}
+
 TEST_P(EntryTable, passesADatabaseErrorOn) {
     project().project().connection()->Execute("alter table " + table() + " rename column mode to way");
     EXPECT_THROW(cubes().Check(1, 1, 1, 1, 1, false), TRkDatabaseException);
