@@ -23,6 +23,13 @@ Handle newProperties(hid_t kind) {
     return Handle(H5Pcreate(kind), H5Pclose, "prepare the structure");
 }
 
+// Without times, so that equal matrices make equal files.
+Handle untimedProperties(hid_t kind) {
+    Handle properties = newProperties(kind);
+    check(H5Pset_obj_track_times(properties.get(), false), "prepare the structure");
+    return properties;
+}
+
 Handle scalar() {
     return Handle(H5Screate(H5S_SCALAR), H5Sclose, "prepare an attribute");
 }
@@ -59,7 +66,7 @@ void markForPyTables(hid_t dataset, char const* kind, char const* version) {
 
 // The node that tells where chunks lie has room for many by default; unfiltered ones are few.
 Handle fileProperties(Filters filters) {
-    Handle properties = newProperties(H5P_FILE_CREATE);
+    Handle properties = untimedProperties(H5P_FILE_CREATE);
     if (filters == Filters::none) check(H5Pset_istore_k(properties.get(), 1), "prepare the structure");
     return properties;
 }
@@ -77,14 +84,8 @@ Handle createFile(std::string const& path, Filters filters) {
 }
 
 Handle createGroup(hid_t parent, char const* name) {
-    return Handle(H5Gcreate2(parent, name, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), H5Gclose, "create a group");
-}
-
-// Without times, so that equal matrices make equal files.
-Handle datasetProperties() {
-    Handle properties = newProperties(H5P_DATASET_CREATE);
-    check(H5Pset_obj_track_times(properties.get(), false), "prepare a dataset");
-    return properties;
+    Handle const properties = untimedProperties(H5P_GROUP_CREATE);
+    return Handle(H5Gcreate2(parent, name, H5P_DEFAULT, properties.get(), H5P_DEFAULT), H5Gclose, "create a group");
 }
 
 void setFilters(hid_t properties, Filters filters) {
@@ -119,8 +120,8 @@ OmxWriter::OmxWriter(std::string const& path, std::string const& table, FileHead
 void OmxWriter::writeIndexPlace() {
     std::array<hsize_t, 1> const size = {FileIndex::bytes};
     std::array<std::byte, FileIndex::bytes> const empty{};
-    Handle const place =
-        createDataset(file_.get(), omx::index, H5T_STD_U8LE, simple(size).get(), datasetProperties().get());
+    Handle const place = createDataset(
+        file_.get(), omx::index, H5T_STD_U8LE, simple(size).get(), untimedProperties(H5P_DATASET_CREATE).get());
     check(H5Dwrite(place.get(), H5T_STD_U8LE, H5S_ALL, H5S_ALL, H5P_DEFAULT, empty.data()), "write the index");
     indexOffset_ = H5Dget_offset(place.get());
 }
@@ -130,7 +131,7 @@ void OmxWriter::createTable(std::string const& table, FileHeader const& header, 
     auto const columns = static_cast<hsize_t>(header.columns);
     std::array<hsize_t, 2> const size = {static_cast<hsize_t>(header.rows), columns};
     std::array<hsize_t, 2> const chunk = {static_cast<hsize_t>(layout.rows), columns};
-    Handle const properties = datasetProperties();
+    Handle const properties = untimedProperties(H5P_DATASET_CREATE);
     check(H5Pset_chunk(properties.get(), 2, chunk.data()), "set the chunk size");
     setFilters(properties.get(), layout.filters);
     table_ = createDataset(group.get(), table, H5T_IEEE_F32LE, simple(size).get(), properties.get());
@@ -144,8 +145,8 @@ void OmxWriter::writeZones(std::vector<std::int32_t> const& zones) {
     Handle const group = createGroup(file_.get(), omx::lookups);
     if (zones.empty()) return;
     std::array<hsize_t, 1> const size = {zones.size()};
-    Handle const dataset =
-        createDataset(group.get(), omx::zones, H5T_STD_I32LE, simple(size).get(), datasetProperties().get());
+    Handle const dataset = createDataset(
+        group.get(), omx::zones, H5T_STD_I32LE, simple(size).get(), untimedProperties(H5P_DATASET_CREATE).get());
     check(H5Dwrite(dataset.get(), H5T_NATIVE_INT32, H5S_ALL, H5S_ALL, H5P_DEFAULT, zones.data()), "write the zones");
     markForPyTables(dataset.get(), "ARRAY", "2.4");
     zonesOffset_ = H5Dget_offset(dataset.get());
