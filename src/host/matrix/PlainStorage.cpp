@@ -18,8 +18,10 @@ namespace {
 constexpr std::uint64_t largestChunk = 0xFFFFFFFF;
 // Whole chunks of this many rows are whole pages, so that one chunk follows another without a gap.
 constexpr std::uint64_t rowsOfWholePages = 1024;
-// Elements are checksummed in pieces that are still in the processor's cache when they are written.
-constexpr std::size_t piece = std::size_t{1} << 20;
+// The system keeps what one call writes in larger pages the larger the call, and a view of larger
+// pages is read faster (100 MB: 7.4 ms, against 9.0 after writes of 1 MiB). Flushing begins between
+// the pieces.
+constexpr std::size_t piece = std::size_t{16} << 20;
 
 int plainChunkRows(FileHeader const& header, std::uint64_t limit) {
     auto const rowBytes = static_cast<std::uint64_t>(header.columns) * sizeof(float);
