@@ -17,7 +17,7 @@ int zoneNumber(char const* what, std::string const& text) {
     int number = 0;
     auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error == std::errc() && end == text.data() + text.size()) return number;
-    throw UsageError(fmt::format("{} must be the number of a zone, not \"{}\"", what, text));
+    throw Refusal(fmt::format("{} must be the number of a zone, not \"{}\"", what, text));
 }
 
 /// The index of a zone: by its number where the matrix knows zone numbers, else by position from 1.

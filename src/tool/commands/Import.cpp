@@ -5,11 +5,14 @@
 #include "tool/Progress.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
+#include "tool/formats/FormatError.h"
 #include "tool/formats/Formats.h"
 #include "tool/formats/MatrixTable.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace cubes::tool {
 
@@ -23,6 +26,7 @@ public:
         line.add_option("FILE", file_, "The file; its extension tells the format: .omx, .csv or .tntp")->required();
         line.add_option("ENTRY", entry_, "CUBE/purpose/mode/time/user; a cube of a new name is added")->required();
         line.add_option("--table", table_, "Table of an OMX file that holds several")->type_name("NAME");
+        line.add_flag("--allow-negative", allowNegative_, "Store negative cells too, which no trip table has");
     }
 
     std::string task() const override { return fmt::format("import {} into {}", file_, entry_); }
@@ -32,6 +36,7 @@ public:
         auto const word = parseEntry(entry_);
         auto const directory = findProject(surroundings.project);
         auto const trips = read();
+        if (!allowNegative_) refuseNegative(trips);
         Catalogue catalogue(directory);
         auto const matrix = matrixOf(trips);
         auto const entry = catalogue.store(word, matrix);
@@ -45,6 +50,21 @@ private:
     TripTable read() const {
         Progress progress("reading " + file_);
         return readTripTable(file_, table_, [&](double share) { progress.reached(share); });
+    }
+
+    void refuseNegative(TripTable const& trips) const {
+        auto const isNegative = [](float value) { return value < 0; };
+        auto const first = std::find_if(trips.cells.begin(), trips.cells.end(), isNegative);
+        if (first == trips.cells.end()) return;
+        auto const index = static_cast<int>(first - trips.cells.begin());
+        auto const zone = [&](int position) {
+            return trips.zones.empty() ? position + 1 : trips.zones[static_cast<std::size_t>(position)];
+        };
+        throw FormatError(
+            file_, fmt::format("found {} from zone {} to zone {}, expected cells that are not negative ({} are); "
+                               "--allow-negative stores them",
+                       *first, zone(index / trips.columns), zone(index % trips.columns),
+                       std::count_if(first, trips.cells.end(), isNegative)));
     }
 
     static void tellOfStrangeCells(Statistics const& figures) {
@@ -70,6 +90,7 @@ private:
     std::string file_;
     std::string entry_;
     std::optional<std::string> table_;
+    bool allowNegative_ = false;
 };
 
 }

@@ -66,7 +66,6 @@ float cellValue(std::string_view text, Place const& place) {
     auto const read = readCell(text);
     if (read.reading == Reading::notANumber) unexpected(place, text, "a number");
     if (read.reading == Reading::outOfRange) unexpected(place, text, "a number within the range of a cell (3.4e38)");
-    if (read.value < 0) unexpected(place, text, "a number that is not negative");
     return read.value;
 }
 

@@ -13,8 +13,8 @@ namespace cubes::tool {
 bool isZoneNumber(std::string_view text);
 std::int32_t zoneNumber(std::string_view text, Place const& place);
 
-/// A cell's value: a number that is not negative, or "nan" or "inf". A number too small for a
-/// cell is 0; one too large is an error.
+/// A cell's value: a number, "nan" or "inf". A number too small for a cell is 0; one too large is
+/// an error.
 float cellValue(std::string_view text, Place const& place);
 
 /// A finite number.
