@@ -1,38 +1,19 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
 #include <cubes/matrix/TRkMatrix.h>
-#include <cubes/matrix/TRkMatrixException.h>
 
-#include "host/platform/Files.h"
-#include "matcubes/EntryKey.h"
-
+#include <array>
 #include <memory>
-#include <string>
+#include <span>
 
-using cubes::matcubes::EntryKey;
-using cubes::matcubes::storedKey;
+#include "catalogue/EntryKey.h"
+#include "catalogue/MatrixReading.h"
+#include "host/platform/Files.h"
 
 namespace {
 
-constexpr int rowAccess = 8;
 // Kinds above this one belong to the matrix itself and outlive its saving.
 constexpr unsigned lastCubeKind = 31;
-
-void requireColumn(TRkMatrix const& matrix, int column) {
-    if (column >= 0 && column < matrix.Columns()) return;
-    throw TRkMatrixException("cannot read column " + std::to_string(column) + " of " + matrix.FileName() + ": it has " +
-                                 std::to_string(matrix.Columns()) + " columns",
-        matrix.FileName());
-}
-
-// Reads one element and releases the matrix. The object itself stays: that is how callers know it.
-double readElement(TRkMatrix* matrix, int row, int column) {
-    if (!matrix) return -1.0;
-    requireColumn(*matrix, column);
-    double const element = matrix->RowAt(row, rowAccess)[column];
-    matrix->Release();
-    return element;
-}
 
 }
 
@@ -58,7 +39,8 @@ bool TRkMatCubes::Check(char const* cubeName, short p, short m, short t, short u
 TRkMatrix* TRkMatCubes::Get(short cubenr, short p, short m, short t, short u, RkLockState lock, bool zeroBased) const {
     TRkString const file = FileName(cubenr, p, m, t, u, zeroBased);
     if (file.IsEmpty()) return nullptr;
-    TRkString const name = CubeNrToName(cubenr) + " " + displayKey(storedKey(cubenr, p, m, t, u, zeroBased));
+    auto const key = cubes::storedKey(std::array{cubenr, p, m, t, u}, zeroBased);
+    TRkString const name = CubeNrToName(cubenr) + " " + cubes::displayKey(std::span(key).subspan(1));
     auto matrix = std::make_unique<TRkMatrix>(file.c_str(), 1, name.c_str(), true, mkDefault, lock, 0);
     return matrix->IsValid() ? matrix.release() : nullptr;
 }
@@ -70,7 +52,7 @@ TRkMatrix* TRkMatCubes::Get(
 
 double TRkMatCubes::Get(
     short cubenr, short p, short m, short t, short u, int i, int j, RkLockState lock, bool zeroBased) const {
-    return readElement(Get(cubenr, p, m, t, u, lock, zeroBased), i, j);
+    return cubes::readElement(Get(cubenr, p, m, t, u, lock, zeroBased), i, j);
 }
 
 double TRkMatCubes::Get(
@@ -80,8 +62,7 @@ double TRkMatCubes::Get(
 
 TRkMatrixHeader const* TRkMatCubes::GetHeader(
     char const* cubeName, short p, short m, short t, short u, bool zeroBased) const {
-    TRkString const file = FileName(cubeName, p, m, t, u, zeroBased);
-    return file.IsEmpty() ? nullptr : TRkMatrix().GetHeader(file.c_str());
+    return cubes::readHeader(FileName(cubeName, p, m, t, u, zeroBased));
 }
 
 bool TRkMatCubes::Set(
@@ -99,9 +80,8 @@ bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, 
 
 bool TRkMatCubes::SaveMatrix(
     TRkMatrix const& matrix, short cubenr, short p, short m, short t, short u, RkLockState lock, bool zeroBased) {
-    EntryKey const key = storedKey(cubenr, p, m, t, u, zeroBased);
-    TRkFString const target(
-        TRkString(matrixDirectory_) + MakeFilename(key.cubenr, key.purpose, key.mode, key.time, key.user) + extension_);
+    auto const key = cubes::storedKey(std::array{cubenr, p, m, t, u}, zeroBased);
+    TRkFString const target(TRkString(matrixDirectory_) + cubes::fileStem(key) + extension_);
     matrix.Prepare();
     TRkFString const source(matrix.FileName());
     if (source.IsSameFile(target) && matrix.StateCode() != lsChanged) return false;
