@@ -6,11 +6,15 @@
 
 #include <cstddef>
 
+namespace cubes::database {
+class Cursor;
+}
+
 namespace Rktable {
 
-class TRkTableProxy;
-
-/// One column of a cursor's current row. Belongs to its cursor and follows it from row to row.
+/// One column of a cursor's current row. Belongs to its cursor and follows it
+/// from row to row, until the cursor is closed. Reading throws TRkDatabaseException where the
+/// cursor stands on no row.
 class CUBES_API TRkField {
 public:
     /// The value as a whole number: 0 for null; a text by the number it begins with.
@@ -33,10 +37,10 @@ public:
     std::string const& Name() const noexcept;
 
 private:
-    friend class TRkTableProxy;
-    TRkField(TRkTableProxy& table, std::size_t column) : table_(&table), column_(column) {}
+    friend class cubes::database::Cursor;
+    TRkField(cubes::database::Cursor& cursor, std::size_t column) : cursor_(&cursor), column_(column) {}
 
-    TRkTableProxy* table_;
+    cubes::database::Cursor* cursor_;
     std::size_t column_;
 };
 

@@ -17,6 +17,7 @@ class TPgConnection;
 
 namespace cubes::database {
 class Cursor;
+class ExclusiveAccess;
 }
 
 namespace Rktable {
@@ -104,7 +105,8 @@ public:
     AliasProperty GetAliasPropertyWrapper() const;
 
 private:
-    friend class TRkField;
+    friend class cubes::database::ExclusiveAccess;
+    cubes::database::Cursor& cursor() const;
 
     std::string table_;
     std::string schema_;

@@ -1,0 +1,66 @@
+#include "host/database/Conversion.h"
+
+#include "host/platform/NarrowText.h"
+
+#include <cubes/database/TRkDatabaseException.h>
+
+#include <charconv>
+
+namespace cubes::database {
+
+namespace {
+
+std::optional<long long> wholeNumber(std::string const& text) noexcept {
+    long long number = 0;
+    char const* const end = text.data() + text.size();
+    auto const result = std::from_chars(text.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+[[noreturn]] void refuse(Column const& column, std::string const& value, char const* sqlState) {
+    throw TRkDatabaseException("column '" + column.name + "' cannot hold " + value, sqlState);
+}
+
+Value storableNumber(Value value, Column const& column) {
+    auto const number = value.IsText() ? wholeNumber(value.Text()) : value.Number();
+    if (!number) refuse(column, "'" + value.Text() + "', which is no whole number", "22P02");
+    if (*number > column.greatest || *number < -column.greatest - 1) refuse(column, std::to_string(*number), "22003");
+    return *number;
+}
+
+Value storableText(Value value, Column const& column) {
+    if (value.IsNumber()) value = std::to_string(value.Number());
+    // A text has at least as many bytes as characters.
+    if (column.size == 0 || value.Text().size() <= column.size) return value;
+    return std::string(platform::firstCharacters(value.Text(), column.size));
+}
+
+}
+
+long long leadingNumber(std::string const& text) noexcept {
+    char const* first = text.data();
+    char const* const end = first + text.size();
+    if (first != end && *first == '+') ++first;
+    long long number = 0;
+    std::from_chars(first, end, number);
+    return number;
+}
+
+bool suits(Value const& value, ColumnType type) noexcept {
+    return type == ColumnType::number ? value.IsNumber() : value.IsText();
+}
+
+std::optional<Value> comparable(Value const& value, ColumnType type) {
+    if (suits(value, type)) return value;
+    if (value.IsNumber()) return Value(std::to_string(value.Number()));
+    auto const number = wholeNumber(value.Text());
+    return number ? std::optional(Value(*number)) : std::nullopt;
+}
+
+Value storable(Value value, Column const& column) {
+    if (value.IsNull()) return value;
+    return column.type == ColumnType::number ? storableNumber(std::move(value), column)
+                                             : storableText(std::move(value), column);
+}
+
+}

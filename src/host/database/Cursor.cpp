@@ -1,0 +1,175 @@
+#include "host/database/Cursor.h"
+
+#include "host/database/Conversion.h"
+#include "host/database/Session.h"
+#include "host/database/Sql.h"
+
+#include <cubes/database/TRkDatabaseException.h>
+
+#include <algorithm>
+
+namespace cubes::database {
+
+namespace {
+
+// Most cursors are asked for a few rows only; who goes on is walking.
+constexpr std::size_t firstBatch = 32;
+constexpr std::size_t walkingBatch = 2048;
+
+}
+
+std::size_t Cursor::run(Statement& statement, std::span<Value const> values, Cells& cells) {
+    try {
+        return statement.run(values, cells);
+    } catch (TRkDatabaseException const& error) {
+        // The table may have been dropped or changed meanwhile; refused data say nothing of that.
+        if (!error.SqlState().starts_with("23")) session_.catalog().forget(*table_);
+        throw;
+    }
+}
+
+// Statements with a filter are not kept: there are as many as there are filters.
+std::size_t Cursor::run(
+    std::string const& sql, std::vector<ColumnType> const& types, std::span<Value const> values, Cells& cells) {
+    if (filter_.empty()) return run(table_->statement(sql, types), values, cells);
+    return run(*session_.prepareOnce(sql, types), values, cells);
+}
+
+Rktable::TRkField* Cursor::findField(std::string_view name) {
+    std::size_t const column = table_->find(name);
+    if (column >= description().declaredColumns()) return nullptr;
+    if (fields_.empty()) {
+        fields_.reserve(description().columns.size());
+        for (std::size_t i = 0; i < description().columns.size(); ++i) fields_.push_back(Rktable::TRkField(*this, i));
+    }
+    return &fields_[column];
+}
+
+Rktable::TRkField* Cursor::field(std::string_view name) {
+    Rktable::TRkField* const found = findField(name);
+    if (!found) table_->column(name);
+    return found;
+}
+
+void Cursor::goTo(Place place) noexcept {
+    place_ = place;
+    change_ = Change::none;
+}
+
+void Cursor::first() {
+    behind_.clear();
+    isLastBatch_ = false;
+    batchRows_ = 0;
+    goTo(Place::ahead);
+}
+
+void Cursor::next() {
+    if (atEnd()) return;
+    if (place_ == Place::onRow) {
+        behind_ = keyOf(current());
+        isLastBatch_ = false;
+        batchRows_ = 0;
+        return goTo(Place::ahead);
+    }
+    goTo(Place::inBatch);
+    if (++index_ < batchRows_) return;
+    goTo(isLastBatch_ ? Place::atEnd : Place::ahead);
+}
+
+bool Cursor::atEnd() {
+    if (place_ == Place::ahead) fetch();
+    return place_ == Place::atEnd;
+}
+
+void Cursor::fetch() {
+    std::size_t const limit = batchRows_ == 0 ? firstBatch : walkingBatch;
+    batch_.clear();
+    index_ = 0;
+    batchRows_ = fetchInto(batch_, limit);
+    isLastBatch_ = batchRows_ < limit;
+    place_ = batchRows_ == 0 ? Place::atEnd : Place::inBatch;
+    if (!isLastBatch_) behind_ = keyOf(batch_.row(batchRows_ - 1, description().columns.size()));
+}
+
+std::size_t Cursor::fetchInto(Cells& cells, std::size_t limit) {
+    Sql const sql(description(), session_.dialect());
+    if (behind_.empty()) return run(sql.firstRows(filter_, limit), {}, {}, cells);
+    auto const types = sql.types(description().key);
+    std::size_t rows = 0;
+    if (behind_.size() > 1) rows = run(sql.rowsOfSameGroup(filter_, limit), types, behind_, cells);
+    if (rows == limit) return rows;
+    return rows + run(sql.rowsOfLaterGroups(filter_, limit - rows), {types[0]}, std::span(behind_).first(1), cells);
+}
+
+Match Cursor::matchFor(std::span<Value const> values, Rktable::LocateOptions options) const {
+    if (!options.caseInsensitive) return Match::exact;
+    Match match = Match::ignoringAsciiCase;
+    for (Value const& value : values)
+        if (value.IsText()) match = std::max(match, session_.dialect().ignoringCase(value.Text()));
+    return match;
+}
+
+bool Cursor::locate(std::string_view keys, std::span<Value const> values, Rktable::LocateOptions options) {
+    goTo(Place::atEnd);
+    if (runLookUp(keys, values, matchFor(values, options)) == 0) return false;
+    place_ = Place::onRow;
+    return true;
+}
+
+std::size_t Cursor::runLookUp(std::string_view keys, std::span<Value const> values, Match match) {
+    row_.clear();
+    LookUp const& lookUp = table_->lookUp(keys, match);
+    if (lookUp.columns.size() != values.size())
+        throw TRkDatabaseException("look-up in table " + description().quotedName + ": the keys '" + lookUp.keys +
+                                   "' need " + std::to_string(lookUp.columns.size()) + " values, not " +
+                                   std::to_string(values.size()));
+    bool suitable = filter_.empty();
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (values[i].IsNull()) return 0;
+        suitable = suitable && suits(values[i], column(lookUp.columns[i]).type);
+    }
+    if (suitable) return run(*lookUp.statement, values, row_);
+
+    std::vector<Value> converted;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        auto value = comparable(values[i], column(lookUp.columns[i]).type);
+        if (!value) return 0;
+        converted.push_back(std::move(*value));
+    }
+    Sql const sql(description(), session_.dialect());
+    return run(sql.lookUp(lookUp.columns, match, filter_), sql.types(lookUp.columns), converted, row_);
+}
+
+void Cursor::filter(std::string const& condition) {
+    filter_ = condition;
+    first();
+}
+
+std::optional<long long> Cursor::greatest(std::string_view name) {
+    std::size_t const column = table_->column(name);
+    Cells cells;
+    run(Sql(description(), session_.dialect()).greatest(column, filter_), {}, {}, cells);
+    Value const& value = cells.row(0, 1)[0];
+    if (value.IsNull()) return std::nullopt;
+    return value.IsNumber() ? value.Number() : leadingNumber(value.Text());
+}
+
+std::vector<Value> Cursor::keyOf(std::span<Value const> row) const {
+    std::vector<Value> key;
+    key.reserve(description().key.size());
+    for (std::size_t const column : description().key) key.push_back(row[column]);
+    return key;
+}
+
+std::span<Value> Cursor::current() {
+    if (atEnd())
+        throw TRkDatabaseException("table " + description().quotedName + ": the cursor stands on no row", "24000");
+    std::size_t const width = description().columns.size();
+    return place_ == Place::onRow ? row_.row(0, width) : batch_.row(index_, width);
+}
+
+Value const& Cursor::value(std::size_t column) {
+    return change_ == Change::none ? current()[column] : draft_[column];
+}
+
+}

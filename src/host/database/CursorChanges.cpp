@@ -1,0 +1,107 @@
+#include "host/database/Conversion.h"
+#include "host/database/Cursor.h"
+#include "host/database/Session.h"
+#include "host/database/Sql.h"
+
+#include <cubes/database/TRkDatabaseException.h>
+
+#include <algorithm>
+
+namespace cubes::database {
+
+void Cursor::append() {
+    change_ = Change::append;
+    draft_.assign(description().columns.size(), Value());
+    isSet_.assign(draft_.size(), false);
+}
+
+void Cursor::edit() {
+    auto const row = current();
+    change_ = Change::edit;
+    draft_.assign(row.begin(), row.end());
+    isSet_.assign(draft_.size(), false);
+}
+
+void Cursor::setValue(std::size_t column, Value value) {
+    if (change_ == Change::none)
+        throw TRkDatabaseException("table " + description().quotedName + ": column '" + this->column(column).name +
+                                       "' was set, but no row is being changed",
+            "24000");
+    draft_[column] = storable(std::move(value), this->column(column));
+    isSet_[column] = true;
+}
+
+std::vector<std::size_t> Cursor::changedColumns() const {
+    std::vector<std::size_t> columns;
+    for (std::size_t i = 0; i < isSet_.size(); ++i)
+        if (isSet_[i]) columns.push_back(i);
+    return columns;
+}
+
+void Cursor::post() {
+    if (change_ == Change::none)
+        throw TRkDatabaseException("table " + description().quotedName + ": no row is being changed", "24000");
+    if (change_ == Change::append)
+        insertDraft();
+    else
+        updateDraft();
+    change_ = Change::none;
+}
+
+// A refused row stays as it was filled in, to be corrected or given up.
+void Cursor::insertDraft() {
+    auto const columns = changedColumns();
+    Sql const sql(description(), session_.dialect());
+    std::vector<Value> values;
+    for (std::size_t const column : columns) values.push_back(draft_[column]);
+    Cells posted;
+    run(table_->statement(sql.insert(columns), sql.types(columns)), values, posted);
+    row_ = std::move(posted);
+    place_ = Place::onRow;
+}
+
+void Cursor::updateDraft() {
+    auto const columns = changedColumns();
+    if (columns.empty()) return;
+    Sql const sql(description(), session_.dialect());
+    std::vector<Value> values;
+    for (std::size_t const column : columns) values.push_back(draft_[column]);
+    for (Value& value : keyOf(current())) values.push_back(std::move(value));
+    Cells posted;
+    if (run(table_->statement(sql.update(columns), sql.typesWithKey(columns)), values, posted) == 0)
+        throw TRkDatabaseException(
+            "table " + description().quotedName + ": the row to be changed is no longer there", "02000");
+    standOn(posted.row(0, description().columns.size()));
+}
+
+// What the current row now is, in its place in the walk.
+void Cursor::standOn(std::span<Value const> row) {
+    std::copy(row.begin(), row.end(), current().begin());
+}
+
+void Cursor::remove() {
+    auto const key = keyOf(current());
+    Sql const sql(description(), session_.dialect());
+    Cells nothing;
+    run(table_->statement(sql.remove(), sql.types(description().key)), key, nothing);
+    next();
+}
+
+bool Cursor::changeInPlace(std::string const& sql) {
+    auto const key = keyOf(current());
+    auto const types = Sql(description(), session_.dialect()).types(description().key);
+    Cells changed;
+    if (run(table_->statement(sql, types), key, changed) == 0) return false;
+    standOn(changed.row(0, description().columns.size()));
+    return true;
+}
+
+bool Cursor::raise(std::string_view column) {
+    return changeInPlace(Sql(description(), session_.dialect()).raise(table_->column(column)));
+}
+
+bool Cursor::lower(std::string_view column) {
+    return changeInPlace(Sql(description(), session_.dialect()).lower(table_->column(column)));
+}
+
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+/// The texts that name a database: "sqlite:PATH" and "postgresql://...".
+namespace cubes::database {
+
+bool isSqliteUrl(std::string const& url);
+bool isPostgresUrl(std::string const& url);
+/// REQUIRES: isSqliteUrl(url).
+std::string sqlitePath(std::string const& url);
+std::string sqliteUrl(std::string const& path);
+
+/// The URL fit to be shown and stored: passwords are left out, in the user part and among the
+/// parameters. Errs on the side of leaving out too much.
+std::string withoutPassword(std::string const& url);
+
+}

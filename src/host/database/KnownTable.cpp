@@ -1,0 +1,70 @@
+#include "host/database/KnownTable.h"
+
+#include "host/database/Session.h"
+#include "host/database/Sql.h"
+
+#include <cubes/database/TRkDatabaseException.h>
+
+#include <algorithm>
+
+namespace cubes::database {
+
+namespace {
+
+char small(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool equalsIgnoringCase(std::string_view first, std::string_view second) {
+    return std::equal(
+        first.begin(), first.end(), second.begin(), second.end(), [](char a, char b) { return small(a) == small(b); });
+}
+
+}
+
+std::size_t KnownTable::find(std::string_view name) const noexcept {
+    std::size_t const count = description_.declaredColumns();
+    for (std::size_t i = 0; i < count; ++i)
+        if (description_.columns[i].name == name) return i;
+    std::size_t match = count;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!equalsIgnoringCase(description_.columns[i].name, name)) continue;
+        if (match != count) return count;
+        match = i;
+    }
+    return match;
+}
+
+std::size_t KnownTable::column(std::string_view name) const {
+    std::size_t const column = find(name);
+    if (column < description_.declaredColumns()) return column;
+    throw TRkDatabaseException(
+        "table " + description_.quotedName + " has no column '" + std::string(name) + "'", "42703");
+}
+
+std::vector<std::size_t> KnownTable::columns(std::string_view names) const {
+    std::vector<std::size_t> result;
+    for (std::size_t start = 0; start <= names.size();) {
+        std::size_t const end = std::min(names.find(';', start), names.size());
+        result.push_back(column(names.substr(start, end - start)));
+        start = end + 1;
+    }
+    return result;
+}
+
+LookUp const& KnownTable::lookUp(std::string_view keys, Match match) {
+    for (auto const& known : lookUps_)
+        if (known->match == match && known->keys == keys) return *known;
+    auto made = std::make_unique<LookUp>(LookUp{std::string(keys), match, columns(keys), nullptr});
+    Sql const sql(description_, session_.dialect());
+    made->statement = &statement(sql.lookUp(made->columns, match, {}), sql.types(made->columns));
+    return *lookUps_.emplace_back(std::move(made));
+}
+
+Statement& KnownTable::statement(std::string const& sql, std::vector<ColumnType> const& types) {
+    auto& statement = statements_[sql];
+    if (!statement) statement = session_.prepare(sql, types);
+    return *statement;
+}
+
+}

@@ -1,0 +1,52 @@
+#include "host/database/Session.h"
+
+#include "host/database/DatabaseUrl.h"
+#include "host/database/postgres/Session.h"
+#include "host/database/sqlite/Session.h"
+
+#include <cubes/database/TRkDatabaseException.h>
+
+namespace cubes::database {
+
+std::unique_ptr<Session> Session::open(std::string const& url) {
+    if (isSqliteUrl(url)) return std::make_unique<sqlite::Session>(url);
+    if (isPostgresUrl(url)) return std::make_unique<postgres::Session>(url);
+    throw TRkDatabaseException(
+        "the database URL '" + withoutPassword(url) + "' is neither \"sqlite:PATH\" nor \"postgresql://...\"");
+}
+
+void Session::begin(std::string const& sql) {
+    if (inTransaction_) throw TRkDatabaseException(url_ + ": a transaction is under way already", "25001", sql);
+    try {
+        execute(sql);
+        inTransaction_ = true;
+    } catch (TRkDatabaseException const&) {
+        giveUp();
+        throw;
+    }
+}
+
+void Session::commit() {
+    try {
+        execute("COMMIT");
+        inTransaction_ = false;
+    } catch (TRkDatabaseException const&) {
+        rollback();
+        throw;
+    }
+}
+
+void Session::rollback() noexcept {
+    if (inTransaction_) giveUp();
+    inTransaction_ = false;
+}
+
+void Session::giveUp() noexcept {
+    try {
+        execute("ROLLBACK");
+    } catch (TRkDatabaseException const&) {
+        // A database that is out of reach gives up the transaction by itself.
+    }
+}
+
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "host/database/Catalog.h"
+#include "host/database/Dialect.h"
+#include "host/database/Statement.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cubes::database {
+
+/// The types of a statement's values, in their order.
+using ValueTypes = std::vector<ColumnType>;
+
+/// A backend's side of a connection.
+class Session {
+public:
+    explicit Session(std::string url) : url_(std::move(url)), catalog_(*this) {}
+    virtual ~Session() = default;
+    Session(Session const&) = delete;
+    Session& operator=(Session const&) = delete;
+
+    /// Opens the database that a URL names.
+    static std::unique_ptr<Session> open(std::string const& url);
+
+    /// Without a password.
+    std::string const& url() const noexcept { return url_; }
+    Catalog& catalog() noexcept { return catalog_; }
+
+    virtual Dialect const& dialect() const = 0;
+    /// A statement that is kept for many runs.
+    virtual std::unique_ptr<Statement> prepare(std::string sql, ValueTypes types) = 0;
+    /// A statement that is run once or a few times and then gone.
+    virtual std::unique_ptr<Statement> prepareOnce(std::string sql, ValueTypes types) = 0;
+    /// What the database says of a table; nothing when there is none.
+    virtual std::optional<Table> describe(std::string const& schema, std::string const& name) = 0;
+    /// Runs SQL text as it stands.
+    virtual void execute(std::string const& sql) = 0;
+    /// Makes the schema unless it is there, where the backend knows schemas.
+    virtual void createSchema(std::string const& schema) = 0;
+
+    /// Transactions do not nest; a second one throws.
+    void begin(std::string const& sql);
+    void commit();
+    /// Gives up what the transaction did. Without a transaction it does nothing.
+    void rollback() noexcept;
+    bool inTransaction() const noexcept { return inTransaction_; }
+
+private:
+    void giveUp() noexcept;
+
+    std::string url_;
+    Catalog catalog_;
+    bool inTransaction_ = false;
+};
+
+}

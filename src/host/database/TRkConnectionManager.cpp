@@ -1,0 +1,6 @@
+#include <cubes/database/TRkConnectionManager.h>
+
+TRkConnectionManager& getConnectionManagerInstance() {
+    static TRkConnectionManager manager;
+    return manager;
+}

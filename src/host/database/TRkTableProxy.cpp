@@ -1,0 +1,112 @@
+#include <cubes/database/TRkTableProxy.h>
+
+#include "host/database/Cursor.h"
+#include "host/database/Session.h"
+
+#include <cubes/database/TPgConnection.h>
+#include <cubes/database/TRkDatabaseException.h>
+
+namespace Rktable {
+
+using cubes::database::Cursor;
+
+TRkTableProxy::TRkTableProxy(std::string table, std::string schema, std::string alias)
+    : table_(std::move(table)), schema_(std::move(schema)), alias_(std::move(alias)) {}
+
+TRkTableProxy::~TRkTableProxy() = default;
+
+Cursor& TRkTableProxy::cursor() const {
+    if (!cursor_) throw TRkDatabaseException("table \"" + table_ + "\" is not open", "24000");
+    return *cursor_;
+}
+
+void TRkTableProxy::SetConnection(Pgaccess::TPgConnection* connection) {
+    Close();
+    connection_ = connection;
+}
+
+void TRkTableProxy::Open() {
+    if (!connection_)
+        throw TRkDatabaseException("table \"" + table_ + "\" cannot be opened without a connection", "08003");
+    auto& session = connection_->Backend();
+    auto known = session.catalog().find(schema_, table_);
+    if (!known)
+        throw TRkDatabaseException(
+            session.url() + ": there is no table " + session.dialect().qualifiedName(schema_, table_), "42P01");
+    cursor_ = std::make_unique<Cursor>(session, std::move(known));
+}
+
+void TRkTableProxy::Close() {
+    cursor_.reset();
+}
+
+void TRkTableProxy::First() {
+    cursor().first();
+}
+
+void TRkTableProxy::Next() {
+    cursor().next();
+}
+
+bool TRkTableProxy::GetEof() {
+    return cursor().atEnd();
+}
+
+TRkField* TRkTableProxy::FieldByName(ColumnName const& name) {
+    return cursor().field(name.str());
+}
+
+TRkField* TRkTableProxy::FindField(ColumnName const& name) {
+    return cursor().findField(name.str());
+}
+
+bool TRkTableProxy::Locate(ColumnName const& keys, Value const& value, LocateOptions options) {
+    return cursor().locate(keys.str(), std::span(&value, 1), options);
+}
+
+bool TRkTableProxy::Locate(ColumnName const& keys, std::vector<Value> const& values, LocateOptions options) {
+    return cursor().locate(keys.str(), values, options);
+}
+
+void TRkTableProxy::SetFilterSQL(std::string const& condition) {
+    cursor().filter(condition);
+}
+
+void TRkTableProxy::Append() {
+    cursor().append();
+}
+
+void TRkTableProxy::Edit() {
+    cursor().edit();
+}
+
+void TRkTableProxy::Post() {
+    cursor().post();
+}
+
+void TRkTableProxy::Delete() {
+    cursor().remove();
+}
+
+bool TRkTableProxy::Raise(ColumnName const& column) {
+    return cursor().raise(column.str());
+}
+
+bool TRkTableProxy::Lower(ColumnName const& column) {
+    return cursor().lower(column.str());
+}
+
+std::optional<long> TRkTableProxy::Greatest(ColumnName const& column) {
+    auto const greatest = cursor().greatest(column.str());
+    return greatest ? std::optional(static_cast<long>(*greatest)) : std::nullopt;
+}
+
+TRkString TRkTableProxy::GetTableName() const {
+    return TRkString(table_);
+}
+
+AliasProperty TRkTableProxy::GetAliasPropertyWrapper() const {
+    return {TRkString(alias_)};
+}
+
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "host/database/Session.h"
+
+namespace cubes::database {
+
+/// A transaction that is given up unless it is committed. Neither copyable nor nestable.
+class Transaction {
+public:
+    /// `begin`: the SQL that starts it. Throws TRkDatabaseException.
+    Transaction(Session& session, std::string const& begin) : session_(session) { session_.begin(begin); }
+    ~Transaction() {
+        if (isOpen_) session_.rollback();
+    }
+    Transaction(Transaction const&) = delete;
+    Transaction& operator=(Transaction const&) = delete;
+
+    /// Makes the changes last. Throws TRkDatabaseException when they are lost.
+    void commit() {
+        isOpen_ = false;
+        session_.commit();
+    }
+
+private:
+    Session& session_;
+    bool isOpen_ = true;
+};
+
+}

@@ -1,0 +1,46 @@
+#include "host/database/postgres/Dialect.h"
+
+namespace cubes::database::postgres {
+
+std::string Dialect::placeholder(std::size_t number) const {
+    return "$" + std::to_string(number);
+}
+
+std::string Dialect::qualifiedName(std::string const& schema, std::string const& table) const {
+    return schema.empty() ? quoted(table) : quoted(schema) + "." + quoted(table);
+}
+
+Match Dialect::ignoringCase(std::string const& /*text*/) const {
+    return Match::ignoringCase;
+}
+
+// Which letters lower() knows depends on the collation, and a database made with "C" knows ASCII
+// only. The result is compared by its bytes.
+std::string Dialect::lower(std::string const& text) const {
+    std::string const collated = collation_.empty() ? text : text + " COLLATE " + collation_;
+    return "(lower(" + collated + ") COLLATE \"C\")";
+}
+
+std::string Dialect::textEquals(std::string const& column, std::string const& place, Match match) const {
+    return match == Match::exact ? column + " = " + place : lower(column) + " = " + lower(place);
+}
+
+std::string Dialect::tableOptions() const {
+    return {};
+}
+
+std::string Dialect::caseIgnoringIndex(
+    std::string const& table, std::string const& column, std::string const& key) const {
+    return "CREATE INDEX ON " + quoted(table) + " (" + lower(quoted(column)) + ", " + quoted(key) + ")";
+}
+
+// "IF NOT EXISTS" alone fails when two processes pass it at once.
+std::string Dialect::beginDefinitions() const {
+    return "BEGIN ISOLATION LEVEL READ COMMITTED; SELECT pg_advisory_xact_lock(hashtext('cubes: table definitions'))";
+}
+
+std::string Dialect::beginExclusive(std::string const& quotedTable) const {
+    return "BEGIN ISOLATION LEVEL READ COMMITTED; LOCK TABLE " + quotedTable + " IN SHARE ROW EXCLUSIVE MODE";
+}
+
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "host/database/Dialect.h"
+
+namespace cubes::database::postgres {
+
+class Dialect final : public database::Dialect {
+public:
+    /// `collation`: the quoted name of one under which lower() knows all letters; empty when the
+    /// server has none but the database's own.
+    void setCollation(std::string collation) { collation_ = std::move(collation); }
+
+    std::string placeholder(std::size_t number) const override;
+    std::string qualifiedName(std::string const& schema, std::string const& table) const override;
+    Match ignoringCase(std::string const& text) const override;
+    std::string textEquals(std::string const& column, std::string const& place, Match match) const override;
+    std::string tableOptions() const override;
+    std::string caseIgnoringIndex(
+        std::string const& table, std::string const& column, std::string const& key) const override;
+    std::string beginDefinitions() const override;
+    std::string beginExclusive(std::string const& quotedTable) const override;
+
+private:
+    std::string lower(std::string const& text) const;
+
+    std::string collation_;
+};
+
+}

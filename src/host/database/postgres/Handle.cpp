@@ -1,0 +1,105 @@
+#include "host/database/postgres/Handle.h"
+
+#include "host/database/DatabaseUrl.h"
+#include "host/platform/NarrowText.h"
+
+#include <libpq-fe.h>
+
+#include <cstring>
+
+namespace cubes::database::postgres {
+
+namespace {
+
+// Throws unless libpq can read the URL. Its reason quotes the URL, so that it is told only where
+// there is nothing to hide.
+void requireReadable(std::string const& url) {
+    char* reason = nullptr;
+    PQconninfoOption* const options = PQconninfoParse(url.c_str(), &reason);
+    std::string const detail = reason ? trimmed(reason) : "out of memory";
+    PQfreemem(reason);
+    if (!options) {
+        std::string const shown = withoutPassword(url);
+        throw TRkDatabaseException(
+            "the database URL '" + shown + "' cannot be read" + (shown == url ? ": " + detail : std::string()),
+            "08001");
+    }
+    PQconninfoFree(options);
+}
+
+void ignoreNotice(void* /*context*/, PGresult const* /*notice*/) {}
+
+std::string textOf(char const* text) {
+    return text ? text : "";
+}
+
+}
+
+std::string trimmed(char const* text) {
+    std::string result = textOf(text);
+    while (!result.empty() && (result.back() == '\n' || result.back() == ' ')) result.pop_back();
+    return result;
+}
+
+void ClearResult::operator()(pg_result* result) const noexcept {
+    PQclear(result);
+}
+
+Handle::Handle(std::string const& url) {
+    requireReadable(url);
+    std::string const encoding = platform::narrowEncoding();
+    // What the URL says stands last and wins; the encoding is not for it to say.
+    char const* const keys[] = {"connect_timeout", "fallback_application_name", "dbname", "client_encoding", nullptr};
+    char const* const values[] = {"10", "cubes", url.c_str(), encoding.c_str(), nullptr};
+    connection_ = PQconnectdbParams(keys, values, 1);
+    if (PQstatus(connection_) != CONNECTION_OK) {
+        TRkDatabaseException const error(
+            where() + " cannot be reached: " + trimmed(PQerrorMessage(connection_)), "08001");
+        PQfinish(connection_);
+        throw error;
+    }
+    PQsetNoticeReceiver(connection_, ignoreNotice, nullptr);
+}
+
+Handle::~Handle() {
+    PQfinish(connection_);
+}
+
+bool Handle::isLost() const noexcept {
+    return PQstatus(connection_) != CONNECTION_OK;
+}
+
+std::string Handle::where() const {
+    std::string const host = textOf(PQhost(connection_));
+    std::string const port = textOf(PQport(connection_));
+    return "PostgreSQL server '" + host + (port.empty() ? "" : ":" + port) + "', database '" +
+           textOf(PQdb(connection_)) + "'";
+}
+
+TRkDatabaseException Handle::failure(pg_result const* result, std::string const& statement) const {
+    if (isLost())
+        return {where() + ": the connection is lost: " + trimmed(PQerrorMessage(connection_)), "08006", statement};
+    std::string reason = textOf(PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY));
+    if (reason.empty()) reason = trimmed(PQerrorMessage(connection_));
+    std::string const detail = textOf(PQresultErrorField(result, PG_DIAG_MESSAGE_DETAIL));
+    if (!detail.empty()) reason += " (" + detail + ")";
+    return {where() + ": " + reason + ", in: " + statement, textOf(PQresultErrorField(result, PG_DIAG_SQLSTATE)),
+        statement};
+}
+
+Result Handle::checked(pg_result* raw, std::string const& statement) const {
+    Result result(raw);
+    auto const status = PQresultStatus(raw);
+    if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK) return result;
+    throw failure(raw, statement);
+}
+
+Result Handle::execute(std::string const& sql) const {
+    Result result = checked(PQexec(connection_, sql.c_str()), sql);
+    // A transaction in which something failed answers so, and calls it no error.
+    if (sql == "COMMIT" && std::strcmp(PQcmdStatus(result.get()), "ROLLBACK") == 0)
+        throw TRkDatabaseException(where() + ": the transaction could not be committed", "25P02", sql);
+    return result;
+}
+
+}

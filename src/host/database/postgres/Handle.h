@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cubes/database/TRkDatabaseException.h>
+
+#include <memory>
+#include <string>
+
+struct pg_conn;
+struct pg_result;
+
+namespace cubes::database::postgres {
+
+struct ClearResult {
+    void operator()(pg_result* result) const noexcept;
+};
+using Result = std::unique_ptr<pg_result, ClearResult>;
+
+/// A connection to a PostgreSQL server.
+class Handle {
+public:
+    /// Connects. `url` may hold a password; no message shows it. Throws TRkDatabaseException.
+    explicit Handle(std::string const& url);
+    ~Handle();
+    Handle(Handle const&) = delete;
+    Handle& operator=(Handle const&) = delete;
+
+    pg_conn* get() const noexcept { return connection_; }
+    bool isLost() const noexcept;
+    /// The result when it is a success. Throws TRkDatabaseException.
+    Result checked(pg_result* result, std::string const& statement) const;
+    Result execute(std::string const& sql) const;
+
+private:
+    std::string where() const;
+    TRkDatabaseException failure(pg_result const* result, std::string const& statement) const;
+
+    pg_conn* connection_ = nullptr;
+};
+
+/// The texts of libpq without the line ends around them.
+std::string trimmed(char const* text);
+
+}

@@ -1,0 +1,123 @@
+#include "host/database/postgres/Session.h"
+
+#include "host/database/DatabaseUrl.h"
+#include "host/database/postgres/Statement.h"
+
+#include <libpq-fe.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace cubes::database::postgres {
+
+namespace {
+
+// A look-up's plan does not depend on its values, so that planning once is enough. The answer
+// tells whether there is a collation that knows the letters of all languages.
+constexpr char const* introduction =
+    "SET plan_cache_mode = force_generic_plan;"
+    "SELECT EXISTS (SELECT FROM pg_catalog.pg_collation WHERE collname = 'und-x-icu'"
+    " AND collnamespace = 'pg_catalog'::regnamespace) AND getdatabaseencoding() = 'UTF8'";
+
+constexpr char const* description =
+    "SELECT a.attname, t.typname, a.atttypmod, array_position(i.indkey::int2[], a.attnum)"
+    " FROM pg_catalog.pg_class c"
+    " JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped"
+    " JOIN pg_catalog.pg_type t ON t.oid = a.atttypid"
+    " LEFT JOIN pg_catalog.pg_index i ON i.indrelid = c.oid AND i.indisprimary"
+    " WHERE c.oid = to_regclass($1) AND c.relkind IN ('r', 'p') ORDER BY a.attnum";
+
+struct Type {
+    char const* name;
+    ColumnType type;
+    long long greatest;
+};
+
+constexpr Type types[] = {
+    {"int2", ColumnType::number, 32767},
+    {"int4", ColumnType::number, 2147483647},
+    {"int8", ColumnType::number, std::numeric_limits<long long>::max()},
+    {"varchar", ColumnType::text, 0},
+    {"bpchar", ColumnType::text, 0},
+    {"text", ColumnType::text, 0},
+};
+
+// `modifier`: for texts the declared size and 4, the length of a header; -1 without a limit.
+Column columnOf(std::string const& name, std::string const& typeName, long long modifier) {
+    Column column{name};
+    for (Type const& type : types) {
+        if (typeName != type.name) continue;
+        column.type = type.type;
+        column.greatest = type.greatest;
+        if (type.type == ColumnType::text && modifier > 4) column.size = static_cast<std::size_t>(modifier - 4);
+    }
+    return column;
+}
+
+}
+
+Session::Session(std::string const& url) : database::Session(withoutPassword(url)), fullUrl_(url) {
+    connect();
+}
+
+void Session::connect() {
+    server_.reset();
+    server_ = std::make_unique<Handle>(fullUrl_);
+    ++connectionNumber_;
+    Result const answer = server_->execute(introduction);
+    bool const knowsLetters = std::strcmp(PQgetvalue(answer.get(), 0, 0), "t") == 0;
+    dialect_.setCollation(knowsLetters ? "pg_catalog.\"und-x-icu\"" : "");
+}
+
+Handle const& Session::connected() {
+    if (server_ && !server_->isLost()) return *server_;
+    if (inTransaction())
+        throw TRkDatabaseException(url() + ": the connection was lost, and with it what the transaction did", "08007");
+    connect();
+    return *server_;
+}
+
+std::unique_ptr<database::Statement> Session::prepare(std::string sql, ValueTypes types) {
+    return std::make_unique<Statement>(*this, std::move(sql), types, "cubes_" + std::to_string(++statements_));
+}
+
+std::unique_ptr<database::Statement> Session::prepareOnce(std::string sql, ValueTypes types) {
+    return std::make_unique<Statement>(*this, std::move(sql), types, "");
+}
+
+std::optional<Table> Session::describe(std::string const& schema, std::string const& name) {
+    std::string const quotedName = dialect_.qualifiedName(schema, name);
+    Value const argument(quotedName);
+    Cells cells;
+    std::size_t const count = prepareOnce(description, {ColumnType::text})->run(std::span(&argument, 1), cells);
+    if (count == 0) return std::nullopt;
+
+    Table table{schema, name, quotedName, {}, {}, false};
+    std::vector<std::pair<long long, std::size_t>> key;
+    for (std::size_t i = 0; i < count; ++i) {
+        auto const row = cells.row(i, 4);
+        table.columns.push_back(columnOf(row[0].Text(), row[1].Text(), row[2].Number()));
+        if (!row[3].IsNull()) key.emplace_back(row[3].Number(), i);
+    }
+    std::sort(key.begin(), key.end());
+    for (auto const& [rank, column] : key) table.key.push_back(column);
+    if (!table.key.empty()) return table;
+    table.hasRowNumbers = true;
+    table.key = {count};
+    table.columns.push_back({"ctid", ColumnType::other});
+    return table;
+}
+
+void Session::execute(std::string const& sql) {
+    connected().execute(sql);
+}
+
+void Session::createSchema(std::string const& schema) {
+    Value const argument(quoted(schema));
+    Cells cells;
+    std::string const question = "SELECT 1 WHERE to_regnamespace($1) IS NOT NULL";
+    if (prepareOnce(question, {ColumnType::text})->run(std::span(&argument, 1), cells) == 0)
+        execute("CREATE SCHEMA " + quoted(schema));
+}
+
+}

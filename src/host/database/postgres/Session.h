@@ -1,0 +1,39 @@
+#pragma once
+
+#include "host/database/Session.h"
+#include "host/database/postgres/Dialect.h"
+#include "host/database/postgres/Handle.h"
+
+#include <memory>
+
+namespace cubes::database::postgres {
+
+class Session final : public database::Session {
+public:
+    explicit Session(std::string const& url);
+
+    Dialect const& dialect() const override { return dialect_; }
+    std::unique_ptr<database::Statement> prepare(std::string sql, ValueTypes types) override;
+    std::unique_ptr<database::Statement> prepareOnce(std::string sql, ValueTypes types) override;
+    std::optional<Table> describe(std::string const& schema, std::string const& name) override;
+    void execute(std::string const& sql) override;
+    void createSchema(std::string const& schema) override;
+
+    /// The server, connected anew when the connection was lost. A transaction does not survive
+    /// that: inside one it throws.
+    Handle const& connected();
+    /// Which of the connections made one after the other is the present one.
+    unsigned long connectionNumber() const noexcept { return connectionNumber_; }
+
+private:
+    void connect();
+
+    // With its password, for connecting again.
+    std::string fullUrl_;
+    Dialect dialect_;
+    std::unique_ptr<Handle> server_;
+    unsigned long connectionNumber_ = 0;
+    unsigned long statements_ = 0;
+};
+
+}

@@ -1,0 +1,55 @@
+#include "host/database/sqlite/Dialect.h"
+
+#include <algorithm>
+
+namespace cubes::database::sqlite {
+
+std::string Dialect::placeholder(std::size_t number) const {
+    return "?" + std::to_string(number);
+}
+
+// A database file has no schemas; the schema is part of the table's name.
+std::string Dialect::qualifiedName(std::string const& schema, std::string const& table) const {
+    return quoted(schema.empty() ? table : schema + "." + table);
+}
+
+// An index on a function of ours would keep other programs from writing to the table, so the
+// index knows ASCII only and the rest is searched through.
+Match Dialect::ignoringCase(std::string const& text) const {
+    bool const isAscii = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
+    return isAscii ? Match::ignoringAsciiCase : Match::ignoringCase;
+}
+
+std::string Dialect::textEquals(std::string const& column, std::string const& place, Match match) const {
+    std::string const function = lowerCaseFunction;
+    switch (match) {
+    case Match::exact:
+        break;
+    case Match::ignoringAsciiCase:
+        return column + " = " + place + " COLLATE NOCASE";
+    case Match::ignoringCase:
+        return function + "(" + column + ") = " + function + "(" + place + ")";
+    }
+    return column + " = " + place;
+}
+
+std::string Dialect::tableOptions() const {
+    return " WITHOUT ROWID";
+}
+
+std::string Dialect::caseIgnoringIndex(
+    std::string const& table, std::string const& column, std::string const& key) const {
+    return "CREATE INDEX " + quoted(table + "_" + column) + " ON " + quoted(table) + " (" + quoted(column) +
+           " COLLATE NOCASE, " + quoted(key) + ")";
+}
+
+std::string Dialect::beginDefinitions() const {
+    return "BEGIN IMMEDIATE";
+}
+
+// The whole database has one writer at a time.
+std::string Dialect::beginExclusive(std::string const& /*quotedTable*/) const {
+    return "BEGIN IMMEDIATE";
+}
+
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "host/database/Dialect.h"
+
+namespace cubes::database::sqlite {
+
+/// The name of the function that makes letters small beyond ASCII, which our connections bring.
+inline constexpr char const* lowerCaseFunction = "cubes_lower";
+
+class Dialect final : public database::Dialect {
+public:
+    std::string placeholder(std::size_t number) const override;
+    std::string qualifiedName(std::string const& schema, std::string const& table) const override;
+    Match ignoringCase(std::string const& text) const override;
+    std::string textEquals(std::string const& column, std::string const& place, Match match) const override;
+    std::string tableOptions() const override;
+    std::string caseIgnoringIndex(
+        std::string const& table, std::string const& column, std::string const& key) const override;
+    std::string beginDefinitions() const override;
+    std::string beginExclusive(std::string const& quotedTable) const override;
+};
+
+}

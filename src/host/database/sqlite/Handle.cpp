@@ -1,0 +1,117 @@
+#include "host/database/sqlite/Handle.h"
+
+#include "host/database/sqlite/Dialect.h"
+#include "host/database/sqlite/Waiting.h"
+#include "host/platform/Files.h"
+#include "host/platform/NarrowText.h"
+
+#include <sqlite3.h>
+
+#include <filesystem>
+
+namespace cubes::database::sqlite {
+
+namespace {
+
+struct State {
+    int code;
+    char const* sqlState;
+};
+
+// SQLite's codes under the names of the standard, where callers may want to tell them apart.
+constexpr State states[] = {
+    {SQLITE_CONSTRAINT_PRIMARYKEY, "23505"},
+    {SQLITE_CONSTRAINT_UNIQUE, "23505"},
+    {SQLITE_CONSTRAINT_ROWID, "23505"},
+    {SQLITE_CONSTRAINT_NOTNULL, "23502"},
+    {SQLITE_CONSTRAINT_CHECK, "23514"},
+    {SQLITE_CONSTRAINT_FOREIGNKEY, "23503"},
+    {SQLITE_CONSTRAINT_TRIGGER, "P0001"},
+    {SQLITE_BUSY, "55P03"},
+    {SQLITE_LOCKED, "55P03"},
+    {SQLITE_READONLY, "25006"},
+    {SQLITE_FULL, "53100"},
+    {SQLITE_CORRUPT, "XX001"},
+    {SQLITE_NOTADB, "XX001"},
+    {SQLITE_IOERR, "58030"},
+    {SQLITE_CANTOPEN, "58030"},
+};
+
+char const* sqlStateOf(int code) {
+    for (State const& state : states)
+        if (state.code == code || state.code == (code & 0xFF)) return state.sqlState;
+    return "HY000";
+}
+
+std::string reason(int code, sqlite3* database) {
+    if ((code & 0xFF) == SQLITE_BUSY)
+        return "another process has been writing to it for more than " + std::to_string(longestWait.count()) + " s";
+    return platform::fromUtf8(sqlite3_errmsg(database));
+}
+
+std::string whyNotOpened(std::string const& path, std::string const& reason) {
+    if (platform::isDirectory(path)) return "it is a directory";
+    auto const directory = std::filesystem::path(platform::absolutePath(path)).parent_path().string();
+    if (!platform::isDirectory(directory)) return "the directory '" + directory + "' does not exist";
+    return reason;
+}
+
+void lowerCase(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+    auto const* const text = reinterpret_cast<char const*>(sqlite3_value_text(values[0]));
+    if (!text) return sqlite3_result_null(context);
+    try {
+        std::string const lower = platform::lowerCase({text, static_cast<std::size_t>(sqlite3_value_bytes(values[0]))});
+        sqlite3_result_text(context, lower.data(), static_cast<int>(lower.size()), SQLITE_TRANSIENT);
+    } catch (std::bad_alloc const&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+}
+
+Handle::Handle(std::string path) : path_(std::move(path)) {
+    int const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+    int const code = sqlite3_open_v2(platform::toUtf8(path_).c_str(), &database_, flags, nullptr);
+    try {
+        if (code != SQLITE_OK)
+            throw TRkDatabaseException(
+                "SQLite database '" + path_ + "' cannot be opened: " + whyNotOpened(path_, reason(code, database_)),
+                sqlStateOf(code));
+        prepareForUse();
+    } catch (...) {
+        sqlite3_close_v2(database_);
+        throw;
+    }
+}
+
+// Statements that a cursor still holds keep what they need until they are gone.
+Handle::~Handle() {
+    sqlite3_close_v2(database_);
+}
+
+void Handle::prepareForUse() const {
+    sqlite3_busy_handler(database_, waitForOthers, nullptr);
+    sqlite3_create_function(
+        database_, lowerCaseFunction, 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, lowerCase, nullptr, nullptr);
+    // The first question that reads the file finds out whether it is a database at all.
+    execute("PRAGMA schema_version");
+    if (sqlite3_db_readonly(database_, "main") == 1) return;
+    // With a log beside it, the file can be read while another process writes, and a commit
+    // flushes once. Where the file system does not let the log be shared SQLite does without.
+    retryWhileBusy([this] { return sqlite3_exec(database_, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr); });
+    execute("PRAGMA synchronous = FULL");
+}
+
+TRkDatabaseException Handle::failure(std::string const& statement) const {
+    int const code = sqlite3_extended_errcode(database_);
+    std::string message = "SQLite database '" + path_ + "': " + reason(code, database_);
+    if (!statement.empty()) message += ", in: " + statement;
+    return {message, sqlStateOf(code), statement};
+}
+
+void Handle::execute(std::string const& sql) const {
+    if (sqlite3_exec(database_, platform::toUtf8(sql).c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw failure(sql);
+}
+
+}

@@ -1,0 +1,173 @@
+#include <cubes/project/Project.h>
+
+#include "host/database/DatabaseUrl.h"
+#include "host/database/Definitions.h"
+#include "host/database/Transaction.h"
+#include "host/platform/Environment.h"
+#include "host/platform/Files.h"
+#include "host/platform/Paths.h"
+#include "host/project/CreatedPaths.h"
+#include "host/project/ProjectFile.h"
+
+#include <cubes/database/TPgConnection.h>
+#include <cubes/database/TRkConnectionManager.h>
+#include <cubes/database/TRkDBDataDictionary.h>
+#include <cubes/database/TRkDatabaseException.h>
+#include <cubes/project/ProjectUtils.h>
+#include <cubes/project/TRkGlobalSettings.h>
+#include <cubes/project/TRkProjectException.h>
+
+#include <algorithm>
+
+namespace cubes {
+
+namespace {
+
+using project::CreatedPaths;
+using project::ProjectFile;
+
+std::string absoluteDirectory(std::string const& directory) {
+    if (directory.empty()) throw TRkProjectException("a project needs a directory", directory);
+    std::string path = platform::absolutePath(directory);
+    while (path.size() > 1 && (path.back() == '/' || path.back() == '\\')) path.pop_back();
+    return path;
+}
+
+// A path of "cubes.toml" as the system takes it.
+std::string resolved(std::string const& root, std::string const& path) {
+    return platform::absolutePath(platform::fromPath(platform::toPath(root) / platform::toPath(path)));
+}
+
+std::string resolvedUrl(std::string const& root, std::string const& url) {
+    return database::isSqliteUrl(url) ? database::sqliteUrl(resolved(root, database::sqlitePath(url))) : url;
+}
+
+// The name first proposed, else with the first number under which no other project has tables.
+std::string freeSchema(database::Session& session, std::string const& root) {
+    std::string const proposal = ProjectUtils::toSqlSchemaName(AnsiString(root), {}).c_str();
+    std::string schema = proposal;
+    for (int number = 2; database::belongsToProject(session, schema); ++number) {
+        std::string const tail = "_" + std::to_string(number);
+        schema = proposal.substr(0, 63 - tail.size()) + tail;
+    }
+    return schema;
+}
+
+// SQLite makes the file that it is asked to open, and an empty database in the place of one that
+// is lost would be taken for a project without cubes.
+void requireDatabaseFile(std::string const& url) {
+    if (!database::isSqliteUrl(url)) return;
+    std::string const path = database::sqlitePath(url);
+    if (!platform::exists(path))
+        throw TRkDatabaseException("the project's SQLite database '" + path + "' does not exist", "58P01");
+}
+
+}
+
+struct Project::Parts {
+    Parts(std::string directory, ProjectFile const& description, std::string const& url)
+        : root(std::move(directory)), connection(url),
+          settings(TRkFString::Directory(resolved(root, description.matrixDirectory)),
+              TRkFString::Directory(resolved(root, description.workingDirectory))) {
+        settings.Set("RkLib.DataDictionary", &dictionary);
+        setMatrixStorage(settings.MatrixDirectory().str(), description.storage);
+        setMatrixStorage(settings.WorkingDirectory().str(), description.storage);
+    }
+    ~Parts();
+
+    void makeCurrent();
+
+    std::string root;
+    std::string schema;
+    Pgaccess::TPgConnection connection;
+    TRkDBDataDictionary dictionary;
+    TRkGlobalSettings settings;
+
+    // The live projects; the last one is the current one.
+    static std::vector<Parts*> live;
+};
+
+std::vector<Project::Parts*> Project::Parts::live;
+
+Project::Parts::~Parts() {
+    std::erase(live, this);
+    auto& manager = getConnectionManagerInstance();
+    if (manager.CurrentConnection() == &connection)
+        manager.SetCurrentConnection(live.empty() ? nullptr : &live.back()->connection);
+}
+
+void Project::Parts::makeCurrent() {
+    std::erase(live, this);
+    live.push_back(this);
+    getConnectionManagerInstance().SetCurrentConnection(&connection);
+}
+
+Project Project::create(std::string const& directory, ProjectOptions const& options) {
+    std::string const root = absoluteDirectory(directory);
+    if (project::isProject(root)) throw TRkProjectException("'" + root + "' already is a project", root);
+    ProjectFile file = project::projectFileFor(options, root);
+    if (options.database.empty()) file.database = platform::environment("CUBES_DATABASE").value_or(file.database);
+
+    CreatedPaths created;
+    created.makeDirectory(root);
+    created.makeDirectory(resolved(root, file.matrixDirectory));
+    created.makeDirectory(resolved(root, file.workingDirectory));
+    std::string const url = resolvedUrl(root, file.database);
+    if (database::isSqliteUrl(url)) created.expectFile(database::sqlitePath(url));
+
+    auto parts = std::make_unique<Parts>(root, file, url);
+    auto& session = parts->connection.Backend();
+    database::Transaction transaction(session, session.dialect().beginDefinitions());
+    parts->schema = file.schema = freeSchema(session, root);
+    database::makeMissingTables(session, file.schema);
+    created.expectFile(project::projectFilePath(root));
+    project::writeProjectFile(file, root);
+    transaction.commit();
+    created.keep();
+    parts->makeCurrent();
+    return Project(std::move(parts));
+}
+
+Project Project::open(std::string const& directory) {
+    std::string const root = absoluteDirectory(directory);
+    if (!project::isProject(root))
+        throw TRkProjectException("'" + root + "' is no project: it has no \"cubes.toml\"", root);
+    ProjectFile const file = project::readProjectFile(root);
+    auto const otherDatabase = platform::environment("CUBES_DATABASE");
+    std::string const url = resolvedUrl(root, otherDatabase.value_or(file.database));
+    if (!otherDatabase) requireDatabaseFile(url);
+
+    auto parts = std::make_unique<Parts>(root, file, url);
+    parts->schema = file.schema.empty() ? ProjectUtils::toSqlSchemaName(AnsiString(root), {}).c_str() : file.schema;
+    database::makeMissingTables(parts->connection.Backend(), parts->schema);
+    parts->makeCurrent();
+    return Project(std::move(parts));
+}
+
+Project::Project(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
+
+Project::Project(Project&&) noexcept = default;
+Project& Project::operator=(Project&&) noexcept = default;
+Project::~Project() = default;
+
+TRkGlobalSettings* Project::settings() const noexcept {
+    return &parts_->settings;
+}
+
+Pgaccess::TPgConnection* Project::connection() const noexcept {
+    return &parts_->connection;
+}
+
+std::string const& Project::root() const noexcept {
+    return parts_->root;
+}
+
+std::string const& Project::schema() const noexcept {
+    return parts_->schema;
+}
+
+void Project::makeCurrent() {
+    parts_->makeCurrent();
+}
+
+}
