@@ -14,6 +14,8 @@ char pathDelimiter();
 /// The path a narrow text names. Texts are in the platform's narrow encoding.
 std::filesystem::path toPath(std::string_view text);
 std::string fromPath(std::filesystem::path const& path);
+/// The text for libraries that take UTF-8 paths on every platform.
+std::string toUtf8(std::string const& text);
 
 /// The text with the delimiters of other platforms made native. Windows takes both as they are.
 std::string withNativeDelimiters(std::string text);

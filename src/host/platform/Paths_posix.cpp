@@ -16,6 +16,10 @@ std::string fromPath(std::filesystem::path const& path) {
     return path.string();
 }
 
+std::string toUtf8(std::string const& text) {
+    return text;
+}
+
 std::string withNativeDelimiters(std::string text) {
     std::replace(text.begin(), text.end(), '\\', '/');
     return text;

@@ -25,6 +25,11 @@ std::string fromPath(std::filesystem::path const& path) {
     return text;
 }
 
+std::string toUtf8(std::string const& text) {
+    std::u8string const utf8 = toPath(text).u8string();
+    return {utf8.begin(), utf8.end()};
+}
+
 std::string withNativeDelimiters(std::string text) {
     return text;
 }

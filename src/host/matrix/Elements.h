@@ -1,0 +1,77 @@
+#pragma once
+
+#include "host/matrix/FileIndex.h"
+#include "host/matrix/OmxReader.h"
+#include "host/platform/FileView.h"
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+namespace cubes::matrix {
+
+/// The elements of a matrix, row by row in one piece once they are all there. Writing to them
+/// changes nothing outside the object. Pointers are valid as long as the object.
+class Elements {
+public:
+    Elements() = default;
+    Elements(Elements const&) = delete;
+    Elements& operator=(Elements const&) = delete;
+    virtual ~Elements() = default;
+
+    virtual float* row(int row) = 0;
+    virtual float* all() = 0;
+};
+
+/// Elements in memory, 0 at first.
+class MemoryElements : public Elements {
+public:
+    /// Throws std::length_error or std::bad_alloc.
+    MemoryElements(int rows, int columns);
+    float* row(int row) override { return elements_.get() + static_cast<std::size_t>(row) * columns_; }
+    float* all() override { return elements_.get(); }
+
+private:
+    std::size_t columns_;
+    // From calloc: a large piece costs nothing until it is touched.
+    std::unique_ptr<float, decltype(&std::free)> elements_;
+};
+
+/// The elements of a plain file, read as they are touched.
+class ViewedElements : public Elements {
+public:
+    ViewedElements(platform::FileView view, FileIndex const& index);
+    float* row(int row) override { return elements_ + static_cast<std::size_t>(row) * columns_; }
+    float* all() override { return elements_; }
+
+private:
+    platform::FileView view_;
+    std::size_t columns_;
+    float* elements_;
+};
+
+/// The elements of a table that must be inflated or converted: a single row reads its band alone,
+/// a row of a second band reads all.
+class TableElements : public Elements {
+public:
+    explicit TableElements(OmxTable table);
+    float* row(int row) override;
+    float* all() override;
+
+private:
+    OmxTable table_;
+    std::unique_ptr<MemoryElements> memory_;
+    int firstBand_ = -1;
+    bool complete_ = false;
+};
+
+/// An opened matrix file.
+struct OpenedFile {
+    FileHeader header;
+    std::unique_ptr<Elements> elements;
+};
+
+/// Opens a matrix file of whatever kind. Throws TRkMatrixException with the file and the reason.
+OpenedFile openMatrixFile(std::string const& path);
+
+}

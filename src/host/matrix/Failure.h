@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cubes/matrix/TRkMatrixException.h>
+
+#include <exception>
+#include <new>
+#include <string>
+#include <system_error>
+
+namespace cubes::matrix {
+
+/// Does `work`; what goes wrong in it becomes a TRkMatrixException: "cannot open matrix file
+/// /data/a.skm: it is empty".
+template <typename Work>
+auto describingFailure(char const* action, std::string const& file, Work const& work) -> decltype(work()) {
+    std::string const what = std::string(action) + " " + file + ": ";
+    try {
+        return work();
+    } catch (TRkMatrixException const&) {
+        throw;
+    } catch (std::bad_alloc const&) {
+        throw TRkMatrixException(what + "not enough memory", file);
+    } catch (std::exception const& error) {
+        throw TRkMatrixException(what + error.what(), file);
+    }
+}
+
+}

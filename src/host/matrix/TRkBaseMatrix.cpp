@@ -1,0 +1,3 @@
+#include <cubes/matrix/TRkBaseMatrix.h>
+
+TRkBaseMatrix::~TRkBaseMatrix() = default;

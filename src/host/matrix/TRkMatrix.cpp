@@ -1,0 +1,229 @@
+#include <cubes/matrix/TRkMatrix.h>
+
+#include "host/matrix/Body.h"
+#include "host/matrix/Failure.h"
+#include "host/matrix/NewFileBody.h"
+#include "host/matrix/WriteLock.h"
+
+#include <optional>
+
+using cubes::matrix::describingFailure;
+using cubes::matrix::FileBody;
+using cubes::matrix::FileHeader;
+using cubes::matrix::MemoryBody;
+using cubes::matrix::NewFileBody;
+using cubes::matrix::OpenedFile;
+using cubes::matrix::WriteLock;
+
+struct TRkMatrix::State {
+    TRkMatrixHeader header;
+    std::string file;
+    RkLockState lock = lsNone;
+    std::string reason;
+    // Given up last: what the body finishes at its end is written under the lock.
+    std::optional<WriteLock> writeLock;
+    std::unique_ptr<cubes::matrix::Body> body;
+
+    void takeLock(WriteLock::Purpose purpose) {
+        if (lock & lsWrite) writeLock.emplace(file, purpose);
+    }
+    void fail(std::string why) {
+        reason = std::move(why);
+        body.reset();
+        writeLock.reset();
+    }
+    void open(char const* name, RkMatrixKind kind) {
+        takeLock(WriteLock::Purpose::open);
+        OpenedFile opened = cubes::matrix::openMatrixFile(file);
+        take(opened.header, kind);
+        if (name && *name) header.name_ = TRkString(name);
+        body = std::make_unique<FileBody>(file, std::move(opened));
+    }
+    void take(FileHeader const& stored, RkMatrixKind kind) {
+        header = TRkMatrixHeader(
+            stored.rows, stored.columns, stored.type.value_or(mtMatrixCube), stored.kind.value_or(kind));
+        header.name_ = TRkString(stored.name);
+        header.zones_ = stored.zones;
+    }
+    cubes::matrix::Body& bodyWithRow(int row) const {
+        if (!body) throw TRkMatrixException("cannot use a matrix that is not valid: " + reason, file);
+        if (row < 0 || row >= header.Rows())
+            throw TRkMatrixException("there is no row " + std::to_string(row) + " in a matrix of " +
+                                         std::to_string(header.Rows()) + " rows" + (file.empty() ? "" : ", " + file),
+                file);
+        return *body;
+    }
+};
+
+namespace {
+
+std::string const noMatrix = "the object is bound to no matrix";
+
+template <typename State>
+State& required(std::unique_ptr<State> const& state) {
+    if (!state) throw TRkMatrixException("cannot use a matrix that is not valid: " + noMatrix, {});
+    return *state;
+}
+
+}
+
+TRkMatrix::TRkMatrix() = default;
+
+TRkMatrix::TRkMatrix(char const* fileName, int, char const* name, bool, RkMatrixKind kind, RkLockState lock, int)
+    : state_(std::make_unique<State>()) {
+    state_->file = fileName ? fileName : "";
+    state_->lock = lock;
+    try {
+        describingFailure("cannot open matrix file", state_->file, [&] { state_->open(name, kind); });
+    } catch (TRkMatrixException const& error) {
+        state_->fail(error.what());
+    }
+}
+
+TRkMatrix::TRkMatrix(int rows, int columns, RkMatrixType type, char const* fileName, int, char const* name, char const*,
+    bool, RkMatrixKind kind, RkLockState lock)
+    : state_(std::make_unique<State>()) {
+    state_->file = fileName ? fileName : "";
+    state_->lock = lock;
+    state_->header = TRkMatrixHeader(rows, columns, type, kind);
+    state_->header.name_ = TRkString(name);
+    try {
+        describingFailure("cannot create matrix file", state_->file, [&] {
+            state_->takeLock(WriteLock::Purpose::create);
+            state_->body = std::make_unique<NewFileBody>(state_->file, rows, columns);
+        });
+    } catch (TRkMatrixException const& error) {
+        state_->fail(error.what());
+    }
+}
+
+TRkMatrix::TRkMatrix(TRkMatrix&&) noexcept = default;
+
+TRkMatrix& TRkMatrix::operator=(TRkMatrix&& other) noexcept {
+    if (this == &other) return *this;
+    // What this object held is finished as at its destruction.
+    TRkMatrix const former(std::move(*this));
+    state_ = std::move(other.state_);
+    return *this;
+}
+
+TRkMatrix TRkMatrix::inMemory(int rows, int columns) {
+    TRkMatrix matrix;
+    matrix.state_ = std::make_unique<State>();
+    matrix.state_->header = TRkMatrixHeader(rows, columns, mtMatrixCube, mkDefault);
+    std::string const size = std::to_string(rows) + " x " + std::to_string(columns);
+    describingFailure(("cannot make a matrix of " + size + " elements").c_str(), {},
+        [&] { matrix.state_->body = std::make_unique<MemoryBody>(rows, columns); });
+    return matrix;
+}
+
+TRkMatrix::~TRkMatrix() {
+    if (!state_ || !state_->body) return;
+    try {
+        state_->body->finish(state_->header);
+    } catch (std::exception const&) {
+        // A destructor has no one to tell; the old file is still there.
+    }
+}
+
+bool TRkMatrix::IsValid() const {
+    return Body() != nullptr;
+}
+
+int TRkMatrix::StateCode() const {
+    return state_ ? state_->lock : lsNone;
+}
+
+char const* TRkMatrix::FileName() const {
+    return state_ ? state_->file.c_str() : "";
+}
+
+void TRkMatrix::AssignFrom(TRkMatrix const& source) {
+    if (!IsValid()) throw TRkMatrixException("cannot assign to a matrix that is not valid: " + Reason(), FileName());
+    if (!source.IsValid())
+        throw TRkMatrixException("cannot assign a matrix that is not valid: " + source.Reason(), FileName());
+    if (source.Rows() != Rows() || source.Columns() != Columns())
+        throw TRkMatrixException("cannot assign a matrix of other dimensions", FileName());
+    try {
+        state_->header.zones_ = source.Zones();
+        state_->body->assign(state_->header, source.state_->body->all());
+    } catch (std::exception const& error) {
+        state_->fail(error.what());
+    }
+}
+
+int TRkMatrix::Columns() const {
+    return Header().Columns();
+}
+
+int TRkMatrix::Rows() const {
+    return Header().Rows();
+}
+
+float* TRkMatrix::RowAt(int row, int) {
+    return required(state_).bodyWithRow(row).writableRow(row);
+}
+
+float const* TRkMatrix::RowAt(int row, int) const {
+    return required(state_).bodyWithRow(row).row(row);
+}
+
+void TRkMatrix::Release() {
+    if (IsValid()) state_->body->release();
+}
+
+void TRkMatrix::Prepare() const {}
+
+TRkMatrixHeader const* TRkMatrix::GetHeader(char const* fileName) {
+    thread_local TRkMatrixHeader last;
+    State read;
+    try {
+        read.take(cubes::matrix::openMatrixFile(fileName ? fileName : "").header, mkDefault);
+    } catch (TRkMatrixException const&) {
+        return nullptr;
+    }
+    last = std::move(read.header);
+    return &last;
+}
+
+TRkMatrixHeader const& TRkMatrix::Header() const noexcept {
+    static TRkMatrixHeader const none;
+    return state_ ? state_->header : none;
+}
+
+RkMatrixType TRkMatrix::Type() const noexcept {
+    return Header().Type();
+}
+
+RkMatrixKind TRkMatrix::MatrixKind() const noexcept {
+    return Header().kind_;
+}
+
+void TRkMatrix::MatrixKind(RkMatrixKind kind) {
+    required(state_).header.kind_ = kind;
+}
+
+TRkString const& TRkMatrix::Name() const noexcept {
+    return Header().Name();
+}
+
+std::vector<std::int32_t> const& TRkMatrix::Zones() const noexcept {
+    return Header().Zones();
+}
+
+void TRkMatrix::SetZones(std::vector<std::int32_t> zones) {
+    bool const fits = Rows() == Columns() && zones.size() == static_cast<std::size_t>(Rows());
+    if (!zones.empty() && !fits)
+        throw TRkMatrixException("cannot give " + std::to_string(zones.size()) + " zone numbers to a matrix of " +
+                                     std::to_string(Rows()) + " x " + std::to_string(Columns()) + " elements",
+            FileName());
+    required(state_).header.zones_ = std::move(zones);
+}
+
+TRkBaseMatrix const* TRkMatrix::Body() const noexcept {
+    return state_ ? state_->body.get() : nullptr;
+}
+
+std::string const& TRkMatrix::Reason() const noexcept {
+    return state_ ? state_->reason : noMatrix;
+}

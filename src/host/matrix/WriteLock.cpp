@@ -1,0 +1,101 @@
+#include "host/matrix/WriteLock.h"
+
+#include "host/platform/ByteLock.h"
+#include "host/platform/Paths.h"
+
+#include <xxhash.h>
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+
+namespace cubes::matrix {
+
+namespace {
+
+constexpr char lockName[] = ".cubes-lock";
+
+// The directory without links, so that the same file has the same key by whatever path.
+std::string keyOf(std::string const& path) {
+    auto const file = std::filesystem::absolute(platform::toPath(path));
+    std::error_code unresolved;
+    auto const directory = std::filesystem::canonical(file.parent_path(), unresolved);
+    auto const resolved = unresolved ? file.lexically_normal() : directory / file.filename();
+    return platform::foldCase(platform::fromPath(resolved));
+}
+
+std::string lockFileBeside(std::string const& path) {
+    return platform::fromPath(std::filesystem::absolute(platform::toPath(path)).parent_path() / lockName);
+}
+
+// Positions in a file are signed numbers.
+std::uint64_t positionOf(std::string const& key) {
+    std::string const name = platform::fromPath(platform::toPath(key).filename());
+    return XXH3_64bits(name.data(), name.size()) >> 1;
+}
+
+}
+
+// What this process holds of one file.
+struct WriteLock::Held {
+    platform::ByteLock lock;
+    std::uint64_t process;
+    bool opened = false;
+    bool created = false;
+
+    bool& flag(Purpose purpose) { return purpose == Purpose::open ? opened : created; }
+};
+
+namespace {
+
+template <typename Held>
+struct Register {
+    std::mutex mutex;
+    std::map<std::string, std::weak_ptr<Held>> byKey;
+
+    static Register& instance() {
+        static Register only;
+        return only;
+    }
+};
+
+[[noreturn]] void refuse() {
+    throw std::runtime_error("it is locked by someone else who writes it");
+}
+
+}
+
+WriteLock::WriteLock(std::string const& path, Purpose purpose) : key_(keyOf(path)), purpose_(purpose) {
+    auto& known = Register<Held>::instance();
+    std::lock_guard const guard(known.mutex);
+    held_ = known.byKey[key_].lock();
+    // A forked process has its parent's objects but not its parent's rights.
+    if (held_ && held_->process != platform::processId()) held_.reset();
+    if (held_ && (purpose == Purpose::open || held_->created)) {
+        held_.reset();
+        refuse();
+    }
+    if (!held_) {
+        auto lock = platform::ByteLock::tryTake(lockFileBeside(path), positionOf(key_));
+        if (!lock) refuse();
+        held_ = std::make_shared<Held>(Held{std::move(*lock), platform::processId()});
+        known.byKey[key_] = held_;
+    }
+    held_->flag(purpose) = true;
+}
+
+WriteLock::~WriteLock() {
+    auto& known = Register<Held>::instance();
+    std::lock_guard const guard(known.mutex);
+    held_->flag(purpose_) = false;
+    held_.reset();
+    auto const entry = known.byKey.find(key_);
+    if (entry != known.byKey.end() && entry->second.expired()) known.byKey.erase(entry);
+}
+
+bool isLockName(std::string const& name) {
+    return name == lockName;
+}
+
+}
