@@ -1,0 +1,91 @@
+#include <cubes/varcubes/TRkVarCubes.h>
+
+#include "catalogue/CubeNames.h"
+#include "varcubes/EntryRow.h"
+
+using cubes::varcubes::EntryRow;
+
+namespace {
+
+using Keys = TRkAutoListT<TRkVarCubes::TKey>;
+
+// Throws TRkDatabaseException for a table that lacks a column of the key.
+EntryRow requiredRow(Rktable::TRkTableProxy& table) {
+    for (char const* const column : cubes::varcubes::keyColumns) table.FieldByName(column);
+    return EntryRow(table);
+}
+
+// Rows come in the order of their keys, save from a table that was defined elsewhere.
+void sortIfNeeded(Keys& list) {
+    for (int i = 1; i < list.Count(); ++i)
+        if (TRkVarCubes::TKeySortCompare(list[i - 1], list[i]) > 0) return list.Sort(TRkVarCubes::TKeySortCompare);
+}
+
+void appendFreeEntries(Rktable::TRkTableProxy& table, EntryRow const& row, Keys& list) {
+    for (; !table.GetEof(); table.Next())
+        if (!row.isUsed()) list.Add(row.read().release());
+    sortIfNeeded(list);
+}
+
+// Whether the last key's cube is known.
+bool nameCubes(CountedPtr<Rktable::TRkTableProxy> const& catalogue, Keys& list) {
+    cubes::CubeNames names(catalogue);
+    bool isKnown = true;
+    for (int i = 0; i < list.Count(); ++i) {
+        TRkString const* const name = names.find(list[i]->cubenr);
+        isKnown = name != nullptr;
+        list[i]->filename = isKnown ? *name : TRkString();
+    }
+    return isKnown;
+}
+
+}
+
+bool TRkVarCubes::Get(TRkAutoListT<TRkBaseCubes::TKey>& list) const {
+    return TRkBaseCubes::Get(list);
+}
+
+bool TRkVarCubes::Get(TRkAutoListT<TKey>& list) const {
+    list.Clear();
+    auto table = Open();
+    if (!table) return false;
+    EntryRow const row = requiredRow(*table);
+    table->SetFilterSQL(row.isOfCube(CubeNumber()));
+    for (; !table->GetEof(); table->Next()) {
+        auto key = row.read();
+        key->filename = row.filename();
+        list.Add(key.release());
+    }
+    Close(table);
+    sortIfNeeded(list);
+    return true;
+}
+
+bool TRkVarCubes::GetAllCubes(TRkAutoListT<TKey>& list) const {
+    list.Clear();
+    auto table = Open();
+    if (!table) return false;
+    appendFreeEntries(*table, requiredRow(*table), list);
+    Close(table);
+    auto catalogue = TRkBaseCubes::Open();
+    bool const isKnown = nameCubes(catalogue, list);
+    Close(catalogue);
+    return isKnown;
+}
+
+// The children are what GetAllCubes lists, less all entries of another parent: the database leaves
+// those out, which reads a few rows instead of all.
+void TRkVarCubes::GetPmturis(
+    short parentcubenr, short pp, short pm, short pt, short pu, short pr, short pi, TRkAutoListT<TKey>& list) const {
+    auto table = Open();
+    if (!table) return;
+    Keys children;
+    EntryRow const row = requiredRow(*table);
+    table->SetFilterSQL(row.isChildOf({parentcubenr, pp, pm, pt, pu, pr, pi}));
+    appendFreeEntries(*table, row, children);
+    Close(table);
+    auto catalogue = TRkBaseCubes::Open();
+    nameCubes(catalogue, children);
+    Close(catalogue);
+    for (int i = 0; i < children.Count(); ++i) list.Add(new TKey(*children[i]));
+}
