@@ -17,6 +17,7 @@
 #include <cubes/database/Value.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 #include <cubes/matrix/MatrixStorage.h>
+#include <cubes/matrix/OmxFile.h>
 #include <cubes/matrix/RkLockState.h>
 #include <cubes/matrix/RkMatrixKind.h>
 #include <cubes/matrix/RkMatrixType.h>

@@ -13,6 +13,10 @@
 #include <string>
 #include <vector>
 
+namespace cubes {
+class OmxFile;
+}
+
 /// A matrix of single-precision values: rows are origins, columns are destinations, both
 /// zero-based. Bound to one file, or in memory. Movable, not copyable.
 ///
@@ -26,16 +30,17 @@ public:
     TRkMatrix();
     /// Opens the file of a matrix. IsValid() tells whether that worked and Reason() why not: a
     /// file that is missing, damaged, truncated or foreign, or whose lock is refused.
-    /// The kind stored in the file wins over `kind`. `name` is the display name (null: none).
+    /// The kind stored in the file wins over `kind`. `name` is the display name (null or empty: the
+    /// one stored in the file).
     /// With the bit of value 2 in `lock` the file is locked against all others that write;
-    /// opening for reading takes no lock. The unnamed arguments are stored and mean nothing here.
+    /// opening for reading takes no lock. The unnamed arguments mean nothing here.
     TRkMatrix(char const* fileName, int, char const* name, bool, RkMatrixKind kind, RkLockState lock, int);
     /// Makes a matrix for a new file: `rows` x `columns` zeros. Nothing is seen of the file until
     /// AssignFrom has filled the matrix, or until a matrix filled by rows is destroyed; then it
     /// takes the place of an old one. When nothing was written no file appears and an old one
     /// stays. The directory must exist. Not valid when the file cannot be made, its write lock is
     /// refused or a dimension is below 1. The first text is the display name; the other texts and
-    /// the unnamed arguments are stored and mean nothing here.
+    /// the unnamed arguments mean nothing here.
     TRkMatrix(int rows, int columns, RkMatrixType type, char const* fileName, int, char const*, char const*, bool,
         RkMatrixKind kind, RkLockState lock);
     TRkMatrix(TRkMatrix&&) noexcept;
@@ -62,11 +67,12 @@ public:
     /// The first dimension: number of origins.
     virtual int Rows() const;
     /// The `Columns()` values of a row, valid until Release or the end of the object. Writing to
-    /// a matrix opened from a file changes this object alone. Throws TRkMatrixException for a row
-    /// outside the matrix or an object that is not valid. `access` means nothing here.
+    /// a matrix opened from a file, or to a new one after AssignFrom, changes this object alone. Throws
+    /// TRkMatrixException for a row outside the matrix or an object that is not valid. `access` means nothing here.
     virtual float* RowAt(int row, int access);
-    /// Frees row buffers and closes the file. A later RowAt opens it again, on the same state
-    /// when the platform still holds it.
+    /// Closes the file and frees what was read from it; what was written to rows read from the file
+    /// is lost. A later RowAt opens the file again, in the state it has then, and throws when that
+    /// has other dimensions. Does nothing to a matrix in memory or to a new file that is being filled.
     virtual void Release();
     /// Called on a matrix before its file name is asked for when it is saved.
     virtual void Prepare() const;
@@ -94,6 +100,10 @@ public:
     std::string const& Reason() const noexcept;
 
 private:
+    friend class cubes::OmxFile;
+    /// All elements in one piece.
+    float const* Elements() const;
+
     struct State;
     std::unique_ptr<State> state_;
 };

@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 namespace cubes::matrix {
@@ -20,6 +21,10 @@ auto describingFailure(char const* action, std::string const& file, Work const& 
         throw;
     } catch (std::bad_alloc const&) {
         throw TRkMatrixException(what + "not enough memory", file);
+    } catch (std::system_error const& error) {
+        // The system's words alone where they are about this very file.
+        bool const sameFile = std::string_view(error.what()).find(" " + file + ":") != std::string_view::npos;
+        throw TRkMatrixException(what + (sameFile ? error.code().message() : error.what()), file);
     } catch (std::exception const& error) {
         throw TRkMatrixException(what + error.what(), file);
     }

@@ -48,7 +48,7 @@ bool lies(std::uint64_t offset, std::uint64_t length, std::uint64_t size) {
 }
 
 bool placesHold(Record const& record, std::uint64_t size) {
-    return record.rows > 0 && record.columns > 0 && record.fileSize == size &&
+    return record.rows > 0 && record.columns > 0 && record.fileSize == size && record.elements % alignof(float) == 0 &&
            lies(record.elements, elementsBytes(record), size) && lies(record.zones, zonesBytes(record), size) &&
            record.nameLength <= record.name.size();
 }

@@ -12,6 +12,7 @@ namespace cubes::matrix {
 NewFileBody::NewFileBody(std::string file, int rows, int columns)
     : Body(std::move(file)), rows_(rows), columns_(columns) {
     elementCount(static_cast<std::uint64_t>(rows), static_cast<std::uint64_t>(columns));
+    if (this->file().empty()) throw std::runtime_error("there is no file name");
     if (platform::isDirectory(this->file())) throw std::runtime_error("it is a directory");
     temporary_.emplace(this->file());
 }

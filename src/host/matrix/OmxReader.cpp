@@ -3,6 +3,7 @@
 #include "host/matrix/BlockCodec.h"
 #include "host/matrix/OmxLookups.h"
 #include "host/matrix/OmxNames.h"
+#include "host/platform/File.h"
 #include "host/platform/Parallel.h"
 
 #include <algorithm>
@@ -181,6 +182,8 @@ void OmxTable::inflateBand(int firstRow, float* elements) const {
 }
 
 OmxReader::OmxReader(std::string const& path) {
+    // Missing, unreadable and empty files in plainer words than HDF5's.
+    if (platform::File::openForReading(path).size() == 0) throw std::runtime_error("it is empty");
     hdf5::Session const session;
     file_ = hdf5::openFile(path);
 }

@@ -57,7 +57,14 @@ void markForPyTables(hid_t dataset, char const* kind, char const* version) {
     writeText(dataset, "TITLE", "");
 }
 
-Handle createFile(std::string const& path) {
+// The node that tells where chunks lie has room for many by default; unfiltered ones are few.
+Handle fileProperties(Filters filters) {
+    Handle properties = newProperties(H5P_FILE_CREATE);
+    if (filters == Filters::none) check(H5Pset_istore_k(properties.get(), 1), "prepare the structure");
+    return properties;
+}
+
+Handle createFile(std::string const& path, Filters filters) {
     Handle const access = hdf5::fileAccess();
     // The format of HDF5 1.8: the oldest whose structure has checksums.
     check(H5Pset_libver_bounds(access.get(), H5F_LIBVER_V18, H5F_LIBVER_V18), "choose the format");
@@ -65,7 +72,8 @@ Handle createFile(std::string const& path) {
     check(H5Pset_meta_block_size(access.get(), structureBytes), "prepare the structure");
     check(H5Pset_small_data_block_size(access.get(), smallDataBytes), "prepare the structure");
     std::string const name = platform::toUtf8(path);
-    return Handle(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, access.get()), H5Fclose, "create an HDF5 file");
+    return Handle(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, fileProperties(filters).get(), access.get()), H5Fclose,
+        "create an HDF5 file");
 }
 
 Handle createGroup(hid_t parent, char const* name) {
@@ -98,7 +106,7 @@ Handle createDataset(hid_t parent, std::string const& name, hid_t type, hid_t sp
 
 OmxWriter::OmxWriter(std::string const& path, std::string const& table, FileHeader const& header, ChunkLayout layout) {
     hdf5::Session const session;
-    file_ = createFile(path);
+    file_ = createFile(path, layout.filters);
     writeText(file_.get(), omx::version, "0.2");
     std::array<hsize_t, 1> const two = {2};
     std::array<std::int32_t, 2> const shape = {header.rows, header.columns};

@@ -70,6 +70,7 @@ std::uint64_t writeRuns(platform::File& file, std::vector<Run> const& runs) {
             auto const bytes = run.bytes.subspan(done, std::min(piece, run.bytes.size() - done));
             checksum.add(bytes);
             file.writeAt(run.offset + done, bytes);
+            file.beginFlush(run.offset + done, bytes.size());
         }
     return checksum.value();
 }

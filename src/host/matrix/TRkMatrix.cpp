@@ -45,13 +45,17 @@ struct TRkMatrix::State {
         header.name_ = TRkString(stored.name);
         header.zones_ = stored.zones;
     }
-    cubes::matrix::Body& bodyWithRow(int row) const {
+    cubes::matrix::Body& usableBody() const {
         if (!body) throw TRkMatrixException("cannot use a matrix that is not valid: " + reason, file);
+        return *body;
+    }
+    cubes::matrix::Body& bodyWithRow(int row) const {
+        cubes::matrix::Body& usable = usableBody();
         if (row < 0 || row >= header.Rows())
             throw TRkMatrixException("there is no row " + std::to_string(row) + " in a matrix of " +
                                          std::to_string(header.Rows()) + " rows" + (file.empty() ? "" : ", " + file),
                 file);
-        return *body;
+        return usable;
     }
 };
 
@@ -146,7 +150,7 @@ void TRkMatrix::AssignFrom(TRkMatrix const& source) {
         throw TRkMatrixException("cannot assign a matrix of other dimensions", FileName());
     try {
         state_->header.zones_ = source.Zones();
-        state_->body->assign(state_->header, source.state_->body->all());
+        state_->body->assign(state_->header, source.Elements());
     } catch (std::exception const& error) {
         state_->fail(error.what());
     }
@@ -166,6 +170,10 @@ float* TRkMatrix::RowAt(int row, int) {
 
 float const* TRkMatrix::RowAt(int row, int) const {
     return required(state_).bodyWithRow(row).row(row);
+}
+
+float const* TRkMatrix::Elements() const {
+    return required(state_).usableBody().all();
 }
 
 void TRkMatrix::Release() {

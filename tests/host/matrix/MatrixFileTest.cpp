@@ -1,44 +1,283 @@
-#include <cubes/matrix/MatrixStorage.h>
-#include <cubes/matrix/TRkMatrix.h>
+#include "host/matrix/Samples.h"
 
-#include "support/Process.h"
-#include "support/TempDir.h"
+#include <cubes/matrix/MatrixStorage.h>
+#include <cubes/matrix/TRkMatrixException.h>
 
 #include <gtest/gtest.h>
 
-using cubes::test::TempDir;
+using namespace cubes::test;
 
 namespace {
 
-TRkMatrix numbered(int rows, int columns) {
-    TRkMatrix matrix = TRkMatrix::inMemory(rows, columns);
-    for (int i = 0; i < rows; ++i)
-        for (int j = 0; j < columns; ++j) matrix.RowAt(i, 0)[j] = static_cast<float>(i * 1000 + j);
-    return matrix;
-}
+class EachStorage : public testing::TestWithParam<cubes::Storage> {
+protected:
+    EachStorage() { cubes::setMatrixStorage(directory.str(), {GetParam(), cubes::Durability::full}); }
 
-bool save(std::string const& file, TRkMatrix const& matrix) {
-    TRkMatrix target(matrix.Rows(), matrix.Columns(), mtMatrixCube, file.c_str(), 1, "", "", true, mkDefault, lsNone);
-    if (target.IsValid()) target.AssignFrom(matrix);
-    EXPECT_EQ(target.Reason(), "");
-    return target.IsValid();
-}
-
-TRkMatrix opened(std::string const& file) {
-    return TRkMatrix(file.c_str(), 1, "", true, mkDefault, lsNone, 0);
-}
-
-}
-
-TEST(MatrixFile, givesBackWhatWasSaved) {
     TempDir const directory;
-    for (auto storage : {cubes::Storage::plain, cubes::Storage::deflate}) {
-        cubes::setMatrixStorage(directory.str(), {storage, cubes::Durability::full});
-        ASSERT_TRUE(save(directory.file("a.omx"), numbered(3, 5)));
-        TRkMatrix const read = opened(directory.file("a.omx"));
-        ASSERT_TRUE(read.IsValid()) << read.Reason();
-        for (int i = 0; i < 3; ++i)
-            for (int j = 0; j < 5; ++j) EXPECT_EQ(read.RowAt(i, 8)[j], static_cast<float>(i * 1000 + j));
-        EXPECT_EQ(cubes::test::listing(directory.str()), "a.omx\n");
+    std::string const file = directory.file("a.skm");
+};
+
+struct Size {
+    int rows;
+    int columns;
+};
+
+}
+
+TEST_P(EachStorage, givesBackWhatWasSaved) {
+    for (auto const [rows, columns] : {Size{1, 1}, {3, 5}, {5, 3}, {1, 2000}, {2000, 1}, {31, 33}, {400, 700}}) {
+        TRkMatrix const source = times(rows, columns);
+        ASSERT_TRUE(save(source, file));
+        EXPECT_EQ(difference(opened(file), source), "") << rows << " x " << columns;
+        EXPECT_EQ(listing(directory.str()), "a.skm\n");
     }
+}
+
+TEST_P(EachStorage, givesBackAnyRowAlone) {
+    TRkMatrix const source = times(700, 400);
+    ASSERT_TRUE(save(source, file));
+    for (int row : {0, 163, 164, 350, 699}) EXPECT_EQ(opened(file).RowAt(row, 8)[399], source.RowAt(row, 8)[399]);
+}
+
+TEST_P(EachStorage, keepsRowsThatWereHandedOutAndWhatWasWrittenToThem) {
+    ASSERT_TRUE(save(times(700, 400), file));
+    TRkMatrix matrix = opened(file);
+    float* const early = matrix.RowAt(350, 8);
+    early[7] = -1;
+    matrix.RowAt(0, 8);
+    matrix.RowAt(699, 8);
+    EXPECT_EQ(matrix.RowAt(350, 8), early);
+    EXPECT_EQ(early[7], -1);
+}
+
+TEST_P(EachStorage, writingToAnOpenedMatrixIsPrivate) {
+    ASSERT_TRUE(save(numbered(3, 4), file));
+    {
+        TRkMatrix matrix = opened(file, lsReadWrite);
+        matrix.RowAt(1, 0)[2] = 77;
+        EXPECT_EQ(matrix.RowAt(1, 8)[2], 77);
+        matrix.AssignFrom(times(3, 4));
+        EXPECT_EQ(difference(matrix, times(3, 4)), "");
+    }
+    EXPECT_EQ(difference(opened(file), numbered(3, 4)), "");
+}
+
+TEST_P(EachStorage, keepsTypeKindNameAndZones) {
+    {
+        TRkMatrix target(2, 2, static_cast<RkMatrixType>(23), file.c_str(), 1, "Täglich [1,2]", "", true,
+            static_cast<RkMatrixKind>(40), lsNone);
+        TRkMatrix source = numbered(2, 2);
+        source.SetZones({7, -3});
+        target.AssignFrom(source);
+    }
+    TRkMatrix const read = opened(file, 0, 5);
+    EXPECT_EQ(read.Type(), 23);
+    EXPECT_EQ(read.MatrixKind(), 40);
+    EXPECT_EQ(read.Header().Kind(), 40u);
+    EXPECT_EQ(read.Zones(), (std::vector<std::int32_t>{7, -3}));
+    EXPECT_STREQ(read.Name().c_str(), "Täglich [1,2]");
+    EXPECT_STREQ(opened(file, 0, 0, "Base [1,2,3,4]").Name().c_str(), "Base [1,2,3,4]");
+}
+
+TEST_P(EachStorage, anOpenedMatrixKeepsItsStateWhenTheFileIsReplacedOrRemoved) {
+    ASSERT_TRUE(save(numbered(300, 300), file));
+    TRkMatrix const before = opened(file);
+    ASSERT_TRUE(save(times(300, 300), file));
+    EXPECT_EQ(difference(before, numbered(300, 300)), "");
+    TRkMatrix const after = opened(file);
+    ASSERT_TRUE(std::filesystem::remove(file));
+    EXPECT_EQ(difference(after, times(300, 300)), "");
+}
+
+TEST_P(EachStorage, aMatrixCanBeSavedOntoTheFileItIsReadFrom) {
+    ASSERT_TRUE(save(numbered(300, 300), file));
+    TRkMatrix source = opened(file);
+    source.RowAt(2, 0)[1] = -5;
+    ASSERT_TRUE(save(source, file));
+    EXPECT_EQ(difference(opened(file), source), "");
+    EXPECT_EQ(opened(file).RowAt(2, 8)[1], -5);
+}
+
+TEST_P(EachStorage, rowsThatWereFilledArePublishedAtTheEnd) {
+    {
+        TRkMatrix target = created(file, 3, 2);
+        target.RowAt(2, 0)[1] = 4;
+        EXPECT_FALSE(std::filesystem::exists(file));
+        target.Release();
+        EXPECT_EQ(target.RowAt(2, 0)[1], 4);
+    }
+    TRkMatrix const read = opened(file);
+    EXPECT_EQ(read.RowAt(2, 8)[1], 4);
+    EXPECT_EQ(read.RowAt(0, 8)[0], 0);
+}
+
+TEST_P(EachStorage, aNewMatrixCanBeReadAfterAssigning) {
+    TRkMatrix target = created(file, 3, 4);
+    target.RowAt(1, 0)[1] = 9;
+    float const* const early = target.RowAt(1, 8);
+    target.AssignFrom(numbered(3, 4));
+    EXPECT_EQ(early[1], 1001);
+    EXPECT_EQ(difference(target, numbered(3, 4)), "");
+    target.Release();
+    EXPECT_EQ(difference(target, numbered(3, 4)), "");
+}
+
+TEST_P(EachStorage, aSecondAssignmentReplacesTheFirst) {
+    TRkMatrix target = created(file, 3, 4);
+    target.AssignFrom(numbered(3, 4));
+    target.AssignFrom(times(3, 4));
+    EXPECT_EQ(difference(opened(file), times(3, 4)), "");
+}
+
+TEST_P(EachStorage, equalMatricesMakeEqualFiles) {
+    ASSERT_TRUE(save(times(300, 300), file));
+    ASSERT_TRUE(save(times(300, 300), directory.file("b.skm")));
+    EXPECT_TRUE(readFile(file) == readFile(directory.file("b.skm")));
+}
+
+INSTANTIATE_TEST_SUITE_P(MatrixFile, EachStorage, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
+    [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+
+TEST(MatrixFile, nothingAppearsWhenNothingWasWritten) {
+    TempDir const directory;
+    std::string const file = directory.file("a.skm");
+    created(file, 3, 3);
+    EXPECT_EQ(listing(directory.str()), "");
+    ASSERT_TRUE(save(numbered(2, 2), file));
+    {
+        TRkMatrix const target = created(file, 3, 3);
+        EXPECT_EQ(target.RowAt(1, 8)[1], 0);
+    }
+    EXPECT_EQ(difference(opened(file), numbered(2, 2)), "");
+    EXPECT_EQ(listing(directory.str()), "a.skm\n");
+}
+
+TEST(MatrixFile, releaseClosesTheFileAndRowsOpenItAgain) {
+    TempDir const directory;
+    std::string const file = directory.file("a.skm");
+    ASSERT_TRUE(save(numbered(3, 3), file));
+    TRkMatrix matrix = opened(file);
+    matrix.RowAt(0, 0)[0] = 5;
+    matrix.Release();
+    EXPECT_EQ(difference(matrix, numbered(3, 3)), "");
+    matrix.Release();
+    ASSERT_TRUE(save(times(4, 4), file));
+    EXPECT_THROW(matrix.RowAt(0, 8), TRkMatrixException);
+    std::filesystem::remove(file);
+    EXPECT_THROW(matrix.RowAt(0, 8), TRkMatrixException);
+}
+
+TEST(MatrixFile, movingLeavesAnObjectThatIsNotValidAndSafe) {
+    TempDir const directory;
+    TRkMatrix first = created(directory.file("a.skm"), 2, 2);
+    first.RowAt(0, 0)[0] = 1;
+    TRkMatrix second = std::move(first);
+    EXPECT_FALSE(first.IsValid());
+    EXPECT_EQ(first.Rows(), 0);
+    EXPECT_STREQ(first.FileName(), "");
+    EXPECT_EQ(first.StateCode(), 0);
+    EXPECT_FALSE(first.Reason().empty());
+    EXPECT_THROW(first.RowAt(0, 0), TRkMatrixException);
+    EXPECT_THROW(first.AssignFrom(second), TRkMatrixException);
+    first.Release();
+    EXPECT_EQ(listing(directory.str()).find("a.skm\n"), std::string::npos);
+    second = numbered(2, 2);
+    EXPECT_EQ(listing(directory.str()), "a.skm\n");
+}
+
+TEST(MatrixFile, theHeaderIsReadWithoutAnObject) {
+    TempDir const directory;
+    std::string const file = directory.file("a.skm");
+    {
+        TRkMatrix target = created(file, 2, 3, 0, "Base [1,1,1,1]");
+        target.AssignFrom(numbered(2, 3));
+    }
+    TRkMatrixHeader const* const header = TRkMatrix().GetHeader(file.c_str());
+    ASSERT_NE(header, nullptr);
+    EXPECT_EQ(header->Rows(), 2);
+    EXPECT_EQ(header->Columns(), 3);
+    EXPECT_EQ(header->Type(), mtMatrixCube);
+    EXPECT_STREQ(header->Name().c_str(), "Base [1,1,1,1]");
+    EXPECT_EQ(TRkMatrix().GetHeader(directory.file("none").c_str()), nullptr);
+    EXPECT_EQ(TRkMatrix().GetHeader(nullptr), nullptr);
+    EXPECT_EQ(header->Rows(), 2);
+}
+
+TEST(MatrixFile, theStateCodeIsTheLockState) {
+    TempDir const directory;
+    std::string const file = directory.file("a.skm");
+    ASSERT_TRUE(save(numbered(2, 2), file));
+    for (int lock : {0, 1, 4, 8, 3, 11, 2, 64})
+        EXPECT_EQ(opened(file, lock).StateCode(), lock) << opened(file, lock).Reason();
+    EXPECT_EQ(created(file, 2, 2, 11).StateCode(), 11);
+    EXPECT_EQ(numbered(2, 2).StateCode(), 0);
+    EXPECT_STREQ(numbered(2, 2).FileName(), "");
+    EXPECT_STREQ(opened(file).FileName(), file.c_str());
+    EXPECT_STREQ(opened(file).Body()->FileName(), file.c_str());
+}
+
+TEST(MatrixFile, whatCanNotBeCreatedIsNotValid) {
+    TempDir const directory;
+    std::filesystem::create_directory(directory.file("d"));
+    struct Case {
+        std::string file;
+        int rows, columns;
+        std::string reason;
+    };
+    for (auto const& [file, rows, columns, reason] : {
+             Case{directory.file("none/a.skm"), 2, 2, "No such file or directory"},
+             Case{directory.file("d"), 2, 2, "it is a directory"},
+             Case{"", 2, 2, ""},
+             Case{directory.file("a.skm"), 0, 2, "0 x 2"},
+             Case{directory.file("a.skm"), 2, -1, "is not possible"},
+         }) {
+        TRkMatrix const matrix = created(file, rows, columns);
+        EXPECT_FALSE(matrix.IsValid()) << file;
+        EXPECT_NE(matrix.Reason().find(reason), std::string::npos) << matrix.Reason();
+        EXPECT_NE(matrix.Reason().find(file), std::string::npos) << matrix.Reason();
+    }
+    EXPECT_EQ(listing(directory.str()), "d\n");
+}
+
+TEST(Matrix, inMemoryIsZeroAndRefusesImpossibleDimensions) {
+    TRkMatrix const matrix = TRkMatrix::inMemory(2, 3);
+    EXPECT_TRUE(matrix.IsValid());
+    EXPECT_EQ(matrix.Reason(), "");
+    for (int j = 0; j < 3; ++j) EXPECT_EQ(matrix.RowAt(1, 0)[j], 0);
+    constexpr int largest = 2147483647;
+    EXPECT_THROW(TRkMatrix::inMemory(0, 3), TRkMatrixException);
+    EXPECT_THROW(TRkMatrix::inMemory(3, -1), TRkMatrixException);
+    EXPECT_THROW(TRkMatrix::inMemory(largest, largest), TRkMatrixException);
+    EXPECT_THROW(matrix.RowAt(2, 0), TRkMatrixException);
+    EXPECT_THROW(matrix.RowAt(-1, 0), TRkMatrixException);
+}
+
+TEST(Matrix, zonesMustFitASquareMatrix) {
+    TRkMatrix square = numbered(3, 3);
+    EXPECT_THROW(square.SetZones({1, 2}), TRkMatrixException);
+    square.SetZones({3, 1, 2});
+    square.SetZones({});
+    EXPECT_TRUE(square.Zones().empty());
+    EXPECT_THROW(numbered(2, 3).SetZones({1, 2}), TRkMatrixException);
+}
+
+TEST(Matrix, assignmentCopiesElementsAndZonesAndRefusesOtherDimensions) {
+    TRkMatrix source = numbered(2, 2);
+    source.SetZones({5, 6});
+    TRkMatrix target = TRkMatrix::inMemory(2, 2);
+    target.AssignFrom(source);
+    EXPECT_EQ(difference(target, source), "");
+    EXPECT_EQ(target.Zones(), source.Zones());
+    EXPECT_THROW(target.AssignFrom(numbered(2, 3)), TRkMatrixException);
+    EXPECT_THROW(target.AssignFrom(TRkMatrix()), TRkMatrixException);
+    EXPECT_TRUE(target.IsValid());
+    target.AssignFrom(target);
+    EXPECT_EQ(difference(target, source), "");
+}
+
+TEST(Matrix, theKindCanBeChanged) {
+    TRkMatrix matrix = numbered(1, 1);
+    matrix.MatrixKind(mkTransit);
+    EXPECT_EQ(matrix.MatrixKind(), mkTransit);
+    EXPECT_EQ(matrix.Header().Kind(), 6u);
 }

@@ -1,0 +1,87 @@
+#include <cubes/matrix/OmxFile.h>
+
+#include "host/matrix/Elements.h"
+#include "host/matrix/Failure.h"
+#include "host/matrix/MatrixFileWriter.h"
+#include "host/matrix/OmxReader.h"
+#include "host/platform/Files.h"
+
+#include <xxhash.h>
+
+#include <stdexcept>
+
+namespace cubes {
+
+using matrix::describingFailure;
+using matrix::OmxReader;
+using matrix::OmxTable;
+
+namespace {
+
+template <typename Work>
+auto reading(std::string const& path, Work const& work) {
+    return describingFailure("cannot read OMX file", path, work);
+}
+
+void requireTableName(std::string const& name) {
+    if (name.empty() || name == "." || name.find('/') != std::string::npos)
+        throw std::runtime_error("\"" + name + "\" can't be the name of a table");
+}
+
+}
+
+OmxFile::OmxFile(std::string path, std::unique_ptr<OmxReader> reader)
+    : path_(std::move(path)), reader_(std::move(reader)) {}
+
+OmxFile::OmxFile(OmxFile&&) noexcept = default;
+OmxFile& OmxFile::operator=(OmxFile&&) noexcept = default;
+OmxFile::~OmxFile() = default;
+
+OmxFile OmxFile::open(std::string const& path) {
+    return reading(path, [&] { return OmxFile(path, std::make_unique<OmxReader>(path)); });
+}
+
+std::vector<std::string> OmxFile::tables() const {
+    return reading(path_, [this] { return reader_->tables(); });
+}
+
+std::vector<std::string> OmxFile::lookups() const {
+    return reading(path_, [this] { return reader_->lookups(); });
+}
+
+TRkMatrix OmxFile::read(std::string const& table) const {
+    return reading(path_, [&] {
+        OmxTable const source = reader_->table(table);
+        TRkMatrix result = TRkMatrix::inMemory(source.header().rows, source.header().columns);
+        source.readAll(result.RowAt(0, 0));
+        result.MatrixKind(source.header().kind.value_or(mkDefault));
+        result.SetZones(source.header().zones);
+        return result;
+    });
+}
+
+bool OmxFile::isIntact(std::string const& table) const {
+    return reading(path_, [&] {
+        OmxTable const source = reader_->table(table);
+        auto const recorded = source.checksum();
+        if (!recorded) return true;
+        auto const& header = source.header();
+        matrix::MemoryElements elements(header.rows, header.columns);
+        source.readAll(elements.all());
+        auto const count =
+            matrix::elementCount(static_cast<std::uint64_t>(header.rows), static_cast<std::uint64_t>(header.columns));
+        return XXH3_64bits(elements.all(), count * sizeof(float)) == *recorded;
+    });
+}
+
+void OmxFile::write(std::string const& path, std::string const& table, TRkMatrix const& matrix) {
+    describingFailure("cannot write OMX file", path, [&] {
+        requireTableName(table);
+        float const* const elements = matrix.Elements();
+        if (platform::isDirectory(path)) throw std::runtime_error("it is a directory");
+        platform::TemporaryFile temporary(path);
+        matrix::writeMatrixFile(temporary, path, table, matrix::fileHeader(matrix.Header()), elements);
+    });
+}
+
+}

@@ -1,0 +1,234 @@
+#include "host/matrix/Samples.h"
+
+#include "host/matrix/FileIndex.h"
+#include "host/matrix/PlainStorage.h"
+#include "host/platform/FileView.h"
+#include "support/Process.h"
+
+#include <cubes/matrix/MatrixStorage.h>
+#include <cubes/matrix/OmxFile.h>
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+using namespace cubes::test;
+
+namespace {
+
+std::string python(std::string const& program, std::string const& file) {
+    auto const result = runPython("import sys, h5py, numpy as np\nfile = sys.argv[1]\n" + program, {file});
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
+    return result.output;
+}
+
+// 2 rows of 3, with every kind of number that a float can be.
+TRkMatrix special() {
+    using Limits = std::numeric_limits<float>;
+    TRkMatrix matrix = TRkMatrix::inMemory(2, 3);
+    float const values[] = {
+        Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), -0.0f, Limits::denorm_min(), Limits::max()};
+    std::memcpy(matrix.RowAt(0, 0), values, sizeof values);
+    return matrix;
+}
+
+void saveWithEverything(std::string const& file) {
+    TRkMatrix source = times(50, 50);
+    std::vector<std::int32_t> zones;
+    for (int i = 0; i < 50; ++i) zones.push_back(1000 - i);
+    source.SetZones(zones);
+    TRkMatrix target(50, 50, mtFare, file.c_str(), 1, "Base [1,2,3,4]", "", true, mkTransit, lsNone);
+    target.AssignFrom(source);
+    ASSERT_TRUE(target.IsValid()) << target.Reason();
+}
+
+class EachStorageRead : public testing::TestWithParam<cubes::Storage> {
+protected:
+    EachStorageRead() { cubes::setMatrixStorage(directory.str(), {GetParam(), cubes::Durability::process}); }
+
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+};
+
+}
+
+TEST_P(EachStorageRead, h5pyReadsEveryElementBitByBit) {
+    ASSERT_TRUE(save(special(), file));
+    EXPECT_EQ(python("print(h5py.File(file)['data/matrix'][:].view('<u4').tolist())", file),
+        "[[2143289344, 2139095040, 4286578688], [2147483648, 1, 2139095039]]\n");
+    ASSERT_TRUE(save(numbered(700, 300), file));
+    EXPECT_EQ(python("m = h5py.File(file)['data/matrix'][:]\n"
+                     "e = 1000.0 * np.arange(700)[:, None] + np.arange(300)\n"
+                     "print(m.shape, m.dtype, (m == e).all())",
+                  file),
+        "(700, 300) float32 True\n");
+}
+
+TEST_P(EachStorageRead, h5pyFindsWhatOmxAsksForAndWhatWeAdd) {
+    saveWithEverything(file);
+    EXPECT_EQ(python(R"(
+f = h5py.File(file)
+d = f['data/matrix']
+print(f.attrs['OMX_VERSION'].decode(), f.attrs['SHAPE'].tolist(), f.attrs['SHAPE'].dtype)
+print(sorted(f['data']), sorted(f['lookup']), d.dtype.str, d.chunks is not None)
+print(f['lookup/zone'].dtype, f['lookup/zone'][:3].tolist(), len(f['lookup/zone']))
+print(d.attrs['CLASS'].decode(), d.attrs['cubes_type'], d.attrs['cubes_kind'], d.attrs['cubes_name'].decode())
+print(d.attrs['cubes_checksum'].dtype)
+)",
+                  file),
+        "0.2 [50, 50] int32\n['matrix'] ['zone'] <f4 True\nint32 [1000, 999, 998] 50\n"
+        "CARRAY 23 6 Base [1,2,3,4]\nuint64\n");
+}
+
+TEST_P(EachStorageRead, pyTablesListsTheMatrixAsOmxToolsDo) {
+    saveWithEverything(file);
+    EXPECT_EQ(python(R"(
+import warnings
+warnings.simplefilter('error')
+import tables
+f = tables.open_file(file)
+for node in f.walk_nodes(): node._v_attrs._f_list('all')
+print([n.name for n in f.list_nodes(f.root.data, 'CArray')], [n.name for n in f.list_nodes(f.root.lookup)])
+print(f.root._v_attrs['SHAPE'].tolist(), str(f.root._v_attrs['OMX_VERSION']), f.root.data.matrix[3, 4] > 5)
+f.close()
+)",
+                  file),
+        "['matrix'] ['zone']\n[50, 50] 0.2 True\n");
+}
+
+TEST_P(EachStorageRead, aMatrixOfZerosIsReadAsZeros) {
+    ASSERT_TRUE(save(TRkMatrix::inMemory(600, 600), file));
+    EXPECT_EQ(python("m = h5py.File(file)['data/matrix'][:]; print(m.shape, abs(m).sum())", file), "(600, 600) 0.0\n");
+}
+
+TEST_P(EachStorageRead, whatAnotherProgramChangesInTheFileIsSeen) {
+    saveWithEverything(file);
+    python("f = h5py.File(file, 'r+'); f['data/matrix'][1, 2] = 99; f['data/matrix'].attrs['cubes_kind'] = 31", file);
+    EXPECT_EQ(opened(file).RowAt(1, 8)[2], 99);
+    EXPECT_EQ(opened(file).MatrixKind(), 31);
+    EXPECT_FALSE(cubes::OmxFile::open(file).isIntact("matrix"));
+    python("f = h5py.File(file, 'r+'); f['data/other'] = np.ones((2, 2)); f['lookup/zone'][0] = -1", file);
+    EXPECT_EQ(opened(file).RowAt(1, 8)[2], 99);
+    EXPECT_EQ(opened(file).Zones().front(), -1);
+    python("f = h5py.File(file, 'r+'); del f['data/matrix']; f['data/matrix'] = np.arange(6.0).reshape(2, 3)", file);
+    EXPECT_EQ(opened(file).RowAt(1, 8)[2], 5);
+    EXPECT_EQ(opened(file).Columns(), 3);
+}
+
+INSTANTIATE_TEST_SUITE_P(IndependentReader, EachStorageRead,
+    testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
+    [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+
+TEST(PlainStorage, isOneUnfilteredChunkOnAPageBorder) {
+    TempDir const directory;
+    ASSERT_TRUE(save(times(300, 200), directory.file("a.omx")));
+    EXPECT_EQ(python(R"(
+d = h5py.File(file)['data/matrix']
+chunk = d.id.get_chunk_info(0)
+print(d.chunks, d.compression, d.shuffle, d.id.get_num_chunks(), chunk.byte_offset % 4096, chunk.size)
+raw = open(file, 'rb').read()[chunk.byte_offset:]
+print((np.frombuffer(raw, '<f4').reshape(300, 200) == d[:]).all())
+)",
+                  directory.file("a.omx")),
+        "(300, 200) None False 1 0 240000\nTrue\n");
+}
+
+TEST(PlainStorage, hasKnownBytesAtAKnownPlace) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    TRkMatrix matrix = TRkMatrix::inMemory(40, 30);
+    matrix.RowAt(0, 0)[0] = 1.0f;
+    matrix.RowAt(0, 0)[1] = -2.5f;
+    matrix.RowAt(1, 0)[0] = 0.1f;
+    ASSERT_TRUE(save(matrix, file));
+    std::string const bytes = readFile(file);
+    EXPECT_EQ(bytes.size(), 4096u + 40 * 30 * 4);
+    EXPECT_EQ(bytes.substr(0, 8), "\x89HDF\r\n\x1a\n");
+    EXPECT_EQ(bytes.substr(4096, 8), std::string("\x00\x00\x80\x3f\x00\x00\x20\xc0", 8));
+    EXPECT_EQ(bytes.substr(4096 + 120, 4), "\xcd\xcc\xcc\x3d");
+}
+
+TEST(PlainStorage, hasAnIndexThatAgreesWithHdf5) {
+    TempDir const directory;
+    for (int size : {1, 5, 31, 32, 33, 500, 1200}) {
+        std::string const file = directory.file(std::to_string(size));
+        TRkMatrix matrix = numbered(size, size);
+        matrix.SetZones(std::vector<std::int32_t>(static_cast<std::size_t>(size), 4));
+        ASSERT_TRUE(save(matrix, file));
+        auto const view = cubes::platform::FileView::open(file);
+        auto const index = cubes::matrix::findIndex(view.bytes());
+        ASSERT_TRUE(index) << size;
+        EXPECT_EQ(python("f = h5py.File(file); print(f['data/matrix'].id.get_chunk_info(0).byte_offset, "
+                         "f['lookup/zone'].id.get_offset(), f['cubes_index'].id.get_offset())",
+                      file),
+            std::to_string(index->places.elements) + " " + std::to_string(index->places.zones) + " " +
+                std::to_string(index->places.index) + "\n");
+    }
+}
+
+TEST(PlainStorage, aNameTooLongForTheIndexIsStillRead) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    std::string const name(5000, 'n');
+    {
+        TRkMatrix target = created(file, 30, 40, 0, name.c_str());
+        target.AssignFrom(numbered(30, 40));
+        ASSERT_TRUE(target.IsValid()) << target.Reason();
+    }
+    EXPECT_EQ(opened(file).Name().str(), name);
+    EXPECT_EQ(difference(opened(file), numbered(30, 40)), "");
+    EXPECT_EQ(python("print((h5py.File(file)['data/matrix'][29, 39]))", file), "29039.0\n");
+}
+
+TEST(PlainStorage, matricesBeyondTheChunkLimitLieInOnePieceAllTheSame) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    TRkMatrix const matrix = numbered(2500, 7);
+    {
+        auto target = cubes::platform::File::createNew(file);
+        cubes::matrix::writePlainInChunks(target, "matrix", {2500, 7, {}, {}, "", {}}, matrix.RowAt(0, 0), 40000);
+    }
+    EXPECT_EQ(python("d = h5py.File(file)['data/matrix']\nprint(d.chunks, d.id.get_num_chunks(), d[2499, 6])", file),
+        "(1024, 7) 3 2499006.0\n");
+    EXPECT_TRUE(cubes::matrix::findIndex(cubes::platform::FileView::open(file).bytes()));
+    EXPECT_EQ(difference(opened(file), matrix), "");
+}
+
+TEST(DeflateStorage, isSmallAndLeavesZerosOut) {
+    TempDir const directory;
+    cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::process});
+    TRkMatrix sparse = TRkMatrix::inMemory(1000, 1000);
+    sparse.RowAt(999, 0)[999] = -0.0f;
+    sparse.RowAt(400, 0)[3] = 7;
+    ASSERT_TRUE(save(sparse, directory.file("sparse.omx")));
+    EXPECT_EQ(python("d = h5py.File(file)['data/matrix']\n"
+                     "print(d.chunks, d.compression, d.shuffle, d.id.get_num_chunks(), d[400, 3], "
+                     "np.signbit(d[999, 999]))",
+                  directory.file("sparse.omx")),
+        "(65, 1000) gzip False 2 7.0 True\n");
+    ASSERT_TRUE(save(times(500, 500), directory.file("dense.omx")));
+    EXPECT_EQ(python("d = h5py.File(file)['data/matrix']; print(d.compression, d.compression_opts, d.shuffle)",
+                  directory.file("dense.omx")),
+        "gzip 1 True\n");
+    EXPECT_LT(std::filesystem::file_size(directory.file("sparse.omx")), 20000u);
+    EXPECT_LT(std::filesystem::file_size(directory.file("dense.omx")), 600000u);
+}
+
+TEST(MatrixFile, theChecksumIsThatOfTheElementsBytes) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    for (auto storage : {cubes::Storage::plain, cubes::Storage::deflate}) {
+        cubes::setMatrixStorage(directory.str(), {storage, cubes::Durability::process});
+        // XXH3 (64 bits) of the 8 bytes 00 00 80 3f 00 00 00 40.
+        TRkMatrix matrix = TRkMatrix::inMemory(1, 2);
+        matrix.RowAt(0, 0)[0] = 1;
+        matrix.RowAt(0, 0)[1] = 2;
+        ASSERT_TRUE(save(matrix, file));
+        EXPECT_EQ(python("print('%016x' % h5py.File(file)['data/matrix'].attrs['cubes_checksum'])", file), "4de8d78f7134f4b7\n");
+        EXPECT_TRUE(cubes::OmxFile::open(file).isIntact("matrix"));
+    }
+}
