@@ -38,8 +38,16 @@ Elements& FileBody::opened() {
     return *elements_;
 }
 
+float* FileBody::row(int row) {
+    return describingFailure("cannot read matrix file", file(), [&] { return opened().row(row); });
+}
+
+float* FileBody::all() {
+    return describingFailure("cannot read matrix file", file(), [&] { return opened().all(); });
+}
+
 void FileBody::assign(TRkMatrixHeader const& header, float const* elements) {
-    copyElements(header, elements, opened().all());
+    copyElements(header, elements, all());
 }
 
 }

@@ -53,8 +53,8 @@ public:
     FileBody(std::string file, OpenedFile opened);
     /// For a file that is opened when elements are first asked for.
     FileBody(std::string file, int rows, int columns);
-    float* row(int row) override { return opened().row(row); }
-    float* all() override { return opened().all(); }
+    float* row(int row) override;
+    float* all() override;
     void assign(TRkMatrixHeader const& header, float const* elements) override;
     void release() override { elements_.reset(); }
 

@@ -6,8 +6,11 @@ namespace cubes::matrix::hdf5 {
 
 namespace {
 
+// At its end a process has HDF5 close what is open. Ours is closed by its owners; but damaged
+// files can leave things behind in HDF5 that it then complains of on the terminal.
 std::recursive_mutex& mutex() {
     static std::recursive_mutex instance;
+    [[maybe_unused]] static herr_t const quietEnd = H5dont_atexit();
     return instance;
 }
 

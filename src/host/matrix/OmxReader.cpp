@@ -79,6 +79,13 @@ std::vector<H5Z_filter_t> filtersOf(hid_t properties) {
     return filters;
 }
 
+void requireFilters(std::vector<H5Z_filter_t> const& filters) {
+    for (H5Z_filter_t const filter : filters)
+        if (H5Zfilter_avail(filter) <= 0)
+            throw std::runtime_error(
+                "its elements are stored with filter " + std::to_string(filter) + ", which is not available here");
+}
+
 bool isSinglePrecision(hid_t dataset) {
     Handle const type(H5Dget_type(dataset), H5Tclose, "read the type of the elements");
     return H5Tequal(type.get(), H5T_IEEE_F32LE) > 0;
@@ -110,6 +117,7 @@ void OmxTable::readLayout() {
     check(H5Pget_chunk(properties.get(), 2, chunk.data()), "read the layout");
     bandRows_ = static_cast<int>(std::clamp<hsize_t>(chunk[0], 1, static_cast<hsize_t>(header_.rows)));
     auto const filters = filtersOf(properties.get());
+    requireFilters(filters);
     if (filters == std::vector<H5Z_filter_t>{H5Z_FILTER_DEFLATE}) filters_ = Filters::deflate;
     if (filters == std::vector<H5Z_filter_t>{H5Z_FILTER_SHUFFLE, H5Z_FILTER_DEFLATE})
         filters_ = Filters::shuffleAndDeflate;

@@ -1,0 +1,117 @@
+#include "host/matrix/Samples.h"
+
+#include <cubes/matrix/MatrixStorage.h>
+#include <cubes/matrix/OmxFile.h>
+#include <cubes/matrix/TRkMatrixException.h>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace cubes::test;
+
+namespace {
+
+class EachDamagedStorage : public testing::TestWithParam<cubes::Storage> {
+protected:
+    void SetUp() override {
+        cubes::setMatrixStorage(directory.str(), {GetParam(), cubes::Durability::process});
+        TRkMatrix matrix = times(60, 60);
+        matrix.SetZones(std::vector<std::int32_t>(60, 1));
+        ASSERT_TRUE(save(matrix, good));
+        bytes = readFile(good);
+    }
+
+    // A damaged file either gives a matrix of the right size or says what is wrong with it.
+    void expectNoCrash(std::string const& damaged, std::size_t place) {
+        writeFile(file, damaged);
+        TRkMatrix const matrix = opened(file);
+        if (!matrix.IsValid()) {
+            EXPECT_NE(matrix.Reason().find(file), std::string::npos) << matrix.Reason();
+            EXPECT_EQ(TRkMatrix().GetHeader(file.c_str()), nullptr);
+            return;
+        }
+        float sum = 0;
+        try {
+            for (int row = 0; row < matrix.Rows(); row += 17) sum += matrix.RowAt(row, 8)[matrix.Columns() - 1];
+        } catch (TRkMatrixException const& error) {
+            EXPECT_NE(std::string(error.what()).find(file), std::string::npos) << place << ": " << error.what();
+        }
+    }
+
+    TempDir const directory;
+    std::string const good = directory.file("good.omx");
+    std::string const file = directory.file("bad.omx");
+    std::string bytes;
+};
+
+}
+
+TEST_P(EachDamagedStorage, aFileCutShortIsNotValid) {
+    std::mt19937 random(7);
+    std::vector<std::size_t> lengths = {1, 7, 8, 47, 48, 96, 512, 2048, 3000, 3512, 4096, 4097, bytes.size() - 1};
+    for (int i = 0; i < 40; ++i) lengths.push_back(1 + random() % (bytes.size() - 1));
+    for (std::size_t const length : lengths) {
+        if (length >= bytes.size()) continue;
+        writeFile(file, bytes.substr(0, length));
+        TRkMatrix const matrix = opened(file);
+        EXPECT_FALSE(matrix.IsValid()) << length;
+        EXPECT_NE(matrix.Reason().find(file), std::string::npos) << matrix.Reason();
+    }
+}
+
+TEST_P(EachDamagedStorage, aChangedByteInTheStructureNeverCrashes) {
+    std::mt19937 random(11);
+    std::size_t const structure = std::min<std::size_t>(bytes.size(), 4096);
+    for (int i = 0; i < 200; ++i) {
+        std::string damaged = bytes;
+        std::size_t const place = random() % structure;
+        damaged[place] = static_cast<char>(random());
+        expectNoCrash(damaged, place);
+    }
+}
+
+TEST_P(EachDamagedStorage, aFileOfNoiseOrZerosIsNotValid) {
+    std::mt19937 random(13);
+    for (std::size_t kept : {8u, 48u, 300u, 1000u, 2000u}) {
+        std::string damaged = bytes;
+        for (std::size_t i = kept; i < damaged.size(); ++i) damaged[i] = static_cast<char>(random());
+        expectNoCrash(damaged, kept);
+        std::fill(damaged.begin() + static_cast<std::ptrdiff_t>(kept), damaged.end(), '\0');
+        expectNoCrash(damaged, kept);
+    }
+}
+
+TEST_P(EachDamagedStorage, aChangedElementIsFoundByTheChecksum) {
+    EXPECT_TRUE(cubes::OmxFile::open(good).isIntact("matrix"));
+    std::string damaged = bytes;
+    std::size_t const place = damaged.size() - 2000;
+    damaged[place] = static_cast<char>(damaged[place] ^ 4);
+    writeFile(file, damaged);
+    bool intact = true;
+    try {
+        intact = cubes::OmxFile::open(file).isIntact("matrix");
+    } catch (TRkMatrixException const&) {
+        intact = false;
+    }
+    EXPECT_FALSE(intact);
+}
+
+TEST_P(EachDamagedStorage, bytesBehindTheEndDoNoHarm) {
+    writeFile(file, bytes + "more");
+    EXPECT_EQ(difference(opened(file), opened(good)), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(DamagedFile, EachDamagedStorage,
+    testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
+    [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+
+TEST(DamagedFile, namesAndReasonsOfThingsThatAreNoFiles) {
+    TempDir const directory;
+    TRkMatrix const none(nullptr, 1, nullptr, true, mkDefault, lsNone, 0);
+    EXPECT_FALSE(none.IsValid());
+    EXPECT_FALSE(none.Reason().empty());
+    TRkMatrix const device("/dev/null", 1, "", true, mkDefault, lsNone, 0);
+    EXPECT_FALSE(device.IsValid());
+    EXPECT_NE(device.Reason().find("/dev/null"), std::string::npos);
+}

@@ -1,0 +1,93 @@
+#include "host/matrix/FailingSystem.h"
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+// The C library's functions under their own names: a program's own definition is found before the
+// library's, by the libraries it uses as well.
+
+namespace {
+
+bool armed = false;
+int callsLeft = 0;
+int errorGiven = 0;
+bool failed = false;
+
+bool mustFail() {
+    if (!armed) return false;
+    if (!failed && --callsLeft == 0) failed = true;
+    if (failed) errno = errorGiven;
+    return failed;
+}
+
+template <typename Function>
+Function systems(char const* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+}
+
+#define CUBES_VISIBLE extern "C" __attribute__((visibility("default")))
+
+CUBES_VISIBLE ssize_t pwrite(int file, void const* bytes, size_t count, off_t offset) {
+    static auto const real = systems<ssize_t (*)(int, void const*, size_t, off_t)>("pwrite");
+    return mustFail() ? -1 : real(file, bytes, count, offset);
+}
+
+CUBES_VISIBLE ssize_t pwrite64(int file, void const* bytes, size_t count, off64_t offset) {
+    static auto const real = systems<ssize_t (*)(int, void const*, size_t, off64_t)>("pwrite64");
+    return mustFail() ? -1 : real(file, bytes, count, offset);
+}
+
+CUBES_VISIBLE int fsync(int file) {
+    static auto const real = systems<int (*)(int)>("fsync");
+    return mustFail() ? -1 : real(file);
+}
+
+CUBES_VISIBLE int ftruncate64(int file, off64_t size) noexcept {
+    static auto const real = systems<int (*)(int, off64_t)>("ftruncate64");
+    return mustFail() ? -1 : real(file, size);
+}
+
+CUBES_VISIBLE int ftruncate(int file, off_t size) noexcept {
+    static auto const real = systems<int (*)(int, off_t)>("ftruncate");
+    return mustFail() ? -1 : real(file, size);
+}
+
+CUBES_VISIBLE int rename(char const* from, char const* to) noexcept {
+    static auto const real = systems<int (*)(char const*, char const*)>("rename");
+    return mustFail() ? -1 : real(from, to);
+}
+
+CUBES_VISIBLE int open(char const* path, int flags, ...) {
+    static auto const real = systems<int (*)(char const*, int, ...)>("open");
+    va_list arguments;
+    va_start(arguments, flags);
+    mode_t const mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return (flags & O_CREAT) && mustFail() ? -1 : real(path, flags, mode);
+}
+
+namespace cubes::test {
+
+FailingSystem::FailingSystem(int nth, int error) {
+    callsLeft = nth;
+    errorGiven = error;
+    failed = false;
+    armed = true;
+}
+
+FailingSystem::~FailingSystem() {
+    armed = false;
+}
+
+bool FailingSystem::hasFailed() const {
+    return failed;
+}
+
+}

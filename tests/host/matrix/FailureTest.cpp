@@ -1,0 +1,193 @@
+#include "host/matrix/FailingSystem.h"
+#include "host/matrix/Samples.h"
+
+#include "host/platform/TemporaryFile.h"
+
+#include <cubes/matrix/MatrixStorage.h>
+#include <cubes/matrix/TRkMatrixException.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace cubes::test;
+
+namespace {
+
+class EachFailure : public testing::TestWithParam<cubes::Storage> {
+protected:
+    void SetUp() override {
+        cubes::setMatrixStorage(directory.str(), {GetParam(), cubes::Durability::full});
+        ASSERT_TRUE(save(numbered(80, 80), file));
+    }
+
+    // The old state or the new one, and nothing else in the directory.
+    void expectOldOrNew(bool isNew) const {
+        EXPECT_EQ(difference(opened(file), isNew ? times(90, 90) : numbered(80, 80)), "");
+        EXPECT_EQ(listing(directory.str()), "a.skm\n");
+    }
+
+    TempDir const directory;
+    std::string const file = directory.file("a.skm");
+};
+
+// Mounts a small file system in memory for one test; needs the rights for that.
+class SmallDisk {
+public:
+    SmallDisk(std::string directory, char const* options) : directory_(std::move(directory)) {
+        mounted_ = mount("tmpfs", directory_.c_str(), "tmpfs", 0, options) == 0;
+    }
+    ~SmallDisk() {
+        if (mounted_) umount2(directory_.c_str(), MNT_DETACH);
+    }
+    SmallDisk(SmallDisk const&) = delete;
+    SmallDisk& operator=(SmallDisk const&) = delete;
+
+    bool isMounted() const { return mounted_; }
+    bool makeReadOnly() const {
+        return mount(nullptr, directory_.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+    }
+
+private:
+    std::string directory_;
+    bool mounted_ = false;
+};
+
+}
+
+#define CUBES_REQUIRE_MOUNT(disk)                                                                                      \
+    if (!(disk).isMounted()) GTEST_SKIP() << "SKIPPED: mounting a small disk is not permitted here"
+
+TEST_P(EachFailure, everyFailingStepLeavesTheOldFileOrTheNewOne) {
+    TRkMatrix const source = times(90, 90);
+    int steps = 0;
+    for (bool failed = true; failed; ++steps) {
+        ASSERT_LT(steps, 200);
+        std::string reason;
+        bool saved = false;
+        {
+            FailingSystem const system(steps + 1, ENOSPC);
+            TRkMatrix target = created(file, 90, 90);
+            if (target.IsValid()) target.AssignFrom(source);
+            saved = target.IsValid();
+            reason = target.Reason();
+            failed = system.hasFailed();
+        }
+        bool const isNew = opened(file).Rows() == 90;
+        expectOldOrNew(isNew);
+        EXPECT_EQ(saved, !failed) << "step " << steps + 1;
+        EXPECT_TRUE(!failed || reason.find(file) != std::string::npos) << reason;
+        EXPECT_TRUE(!saved || isNew);
+        ASSERT_TRUE(save(numbered(80, 80), file));
+    }
+    // Making, structure, elements, flush, rename at the least.
+    EXPECT_GT(steps, 6);
+}
+
+TEST_P(EachFailure, everyFailingStepAtTheEndOfAMatrixFilledByRowsIsSilent) {
+    TRkMatrix const source = times(90, 90);
+    int steps = 0;
+    for (bool failed = true; failed; ++steps) {
+        ASSERT_LT(steps, 200);
+        auto target = std::make_unique<TRkMatrix>(created(file, 90, 90));
+        for (int row = 0; row < 90; ++row) std::memcpy(target->RowAt(row, 0), source.RowAt(row, 8), 90 * sizeof(float));
+        {
+            FailingSystem const system(steps + 1, EIO);
+            target.reset();
+            failed = system.hasFailed();
+        }
+        bool const isNew = opened(file).Rows() == 90;
+        expectOldOrNew(isNew);
+        EXPECT_TRUE(failed || isNew);
+        ASSERT_TRUE(save(numbered(80, 80), file));
+    }
+    EXPECT_GT(steps, 5);
+}
+
+TEST_P(EachFailure, theReasonNamesTheFileAndTheSystemsWords) {
+    FailingSystem const system(4, ENOSPC);
+    TRkMatrix target = created(file, 90, 90);
+    target.AssignFrom(times(90, 90));
+    EXPECT_FALSE(target.IsValid());
+    EXPECT_EQ(target.Reason().find("cannot write matrix file " + file), 0u) << target.Reason();
+    EXPECT_NE(target.Reason().find("No space left"), std::string::npos) << target.Reason();
+    EXPECT_THROW(target.RowAt(0, 0), TRkMatrixException);
+    EXPECT_EQ(target.Body(), nullptr);
+}
+
+TEST_P(EachFailure, aFullDiskLeavesTheOldFile) {
+    std::string const mountPoint = directory.file("disk");
+    std::filesystem::create_directory(mountPoint);
+    SmallDisk const disk(mountPoint, "size=256k");
+    CUBES_REQUIRE_MOUNT(disk);
+    cubes::setMatrixStorage(mountPoint, {GetParam(), cubes::Durability::full});
+    std::string const target = mountPoint + "/a.skm";
+    ASSERT_TRUE(save(numbered(50, 50), target));
+    TRkMatrix large = created(target, 700, 700);
+    ASSERT_TRUE(large.IsValid()) << large.Reason();
+    large.AssignFrom(times(700, 700));
+    EXPECT_FALSE(large.IsValid());
+    EXPECT_NE(large.Reason().find(target), std::string::npos) << large.Reason();
+    EXPECT_EQ(difference(opened(target), numbered(50, 50)), "");
+    EXPECT_EQ(listing(mountPoint), "a.skm\n");
+    EXPECT_TRUE(save(times(50, 50), target));
+}
+
+TEST_P(EachFailure, aReadOnlyDiskIsReadAndRefusedForWriting) {
+    std::string const mountPoint = directory.file("disk");
+    std::filesystem::create_directory(mountPoint);
+    SmallDisk const disk(mountPoint, "size=1m");
+    CUBES_REQUIRE_MOUNT(disk);
+    std::string const target = mountPoint + "/a.skm";
+    ASSERT_TRUE(save(numbered(50, 50), target));
+    ASSERT_TRUE(disk.makeReadOnly());
+    EXPECT_EQ(difference(opened(target), numbered(50, 50)), "");
+    TRkMatrix const refused[] = {created(target, 2, 2), opened(target, lsReadWrite)};
+    for (TRkMatrix const& matrix : refused) {
+        EXPECT_FALSE(matrix.IsValid());
+        EXPECT_NE(matrix.Reason().find("Read-only file system"), std::string::npos) << matrix.Reason();
+        EXPECT_NE(matrix.Reason().find(target), std::string::npos) << matrix.Reason();
+    }
+}
+
+TEST_P(EachFailure, aProcessThatIsKilledLeavesTheOldFileAndANameThatTellsWhatItIs) {
+    pid_t const child = fork();
+    if (child == 0) {
+        TRkMatrix target = created(file, 90, 90);
+        target.RowAt(1, 0)[1] = 5;
+        raise(SIGKILL);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(difference(opened(file), numbered(80, 80)), "");
+    std::vector<std::string> leftOver;
+    for (auto const& entry : std::filesystem::directory_iterator(directory.str()))
+        if (entry.path() != file) leftOver.push_back(entry.path().filename().string());
+    ASSERT_EQ(leftOver.size(), 1u);
+    EXPECT_TRUE(cubes::platform::isTemporaryName(leftOver[0])) << leftOver[0];
+    EXPECT_EQ(leftOver[0].find(".a.skm." + std::to_string(child) + "-"), 0u) << leftOver[0];
+}
+
+INSTANTIATE_TEST_SUITE_P(Failure, EachFailure, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
+    [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+
+TEST(Failure, aSourceThatCanNotBeReadAnyMoreLeavesTheOldFile) {
+    TempDir const directory;
+    std::string const file = directory.file("a.skm");
+    ASSERT_TRUE(save(numbered(3, 3), file));
+    ASSERT_TRUE(save(times(3, 3), directory.file("source.skm")));
+    TRkMatrix source = opened(directory.file("source.skm"));
+    source.Release();
+    std::filesystem::remove(directory.file("source.skm"));
+    TRkMatrix target = created(file, 3, 3);
+    target.AssignFrom(source);
+    EXPECT_FALSE(target.IsValid());
+    EXPECT_NE(target.Reason().find("source.skm"), std::string::npos) << target.Reason();
+    EXPECT_EQ(difference(opened(file), numbered(3, 3)), "");
+    EXPECT_EQ(listing(directory.str()), "a.skm\n");
+}

@@ -1,0 +1,272 @@
+#include "host/matrix/Samples.h"
+
+#include "support/Process.h"
+#include "support/SharedData.h"
+
+#include <cubes/matrix/OmxFile.h>
+#include <cubes/matrix/TRkMatrixException.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <sstream>
+
+using cubes::OmxFile;
+using namespace cubes::test;
+
+namespace {
+
+// Makes one file with h5py for each program text, "0", "1", ... in the directory.
+void makeAllWithH5py(std::vector<std::string> const& programs, TempDir const& directory) {
+    std::string all = "import sys, h5py, zlib, numpy as np\n";
+    for (std::size_t i = 0; i < programs.size(); ++i)
+        all += "f = h5py.File(sys.argv[1] + '/" + std::to_string(i) + "', 'w')\n" + programs[i] + "\nf.close()\n";
+    auto const result = runPython(all, {directory.str()});
+    ASSERT_EQ(result.exitCode, 0) << result.errors;
+}
+
+std::string makeWithH5py(std::string const& program, TempDir const& directory) {
+    makeAllWithH5py({program}, directory);
+    return directory.file("0");
+}
+
+std::string reasonOf(std::string const& file) {
+    TRkMatrix const matrix = opened(file);
+    EXPECT_FALSE(matrix.IsValid());
+    EXPECT_NE(matrix.Reason().find(file), std::string::npos) << matrix.Reason();
+    return matrix.Reason();
+}
+
+}
+
+TEST(ForeignFile, everyTableOfARealFileIsReadAsH5pyReadsIt) {
+    CUBES_REQUIRE_DATA("omx/example.omx");
+    std::string const path = sharedData("omx/example.omx");
+    TempDir const directory;
+    auto const dump = runPython(R"(
+import sys, h5py
+f = h5py.File(sys.argv[1])
+for name in sorted(f['data']):
+    f['data'][name][:].astype('<f4').tofile(sys.argv[2] + '/' + name)
+    print(name)
+)",
+        {path, directory.str()});
+    ASSERT_EQ(dump.exitCode, 0) << dump.errors;
+    OmxFile const file = OmxFile::open(path);
+    std::string names;
+    for (auto const& name : file.tables()) {
+        names += name + "\n";
+        TRkMatrix const matrix = file.read(name);
+        ASSERT_EQ(matrix.Rows(), 485);
+        ASSERT_EQ(matrix.Columns(), 485);
+        std::string const bytes(reinterpret_cast<char const*>(matrix.RowAt(0, 0)), 485 * 485 * sizeof(float));
+        EXPECT_TRUE(bytes == readFile(directory.file(name))) << name;
+        EXPECT_TRUE(file.isIntact(name));
+    }
+    EXPECT_EQ(names, dump.output);
+    EXPECT_FALSE(names.empty());
+}
+
+TEST(ForeignFile, anyLayoutAndNumericTypeIsRead) {
+    TempDir const directory;
+    std::string const all = R"(
+import sys, h5py, numpy as np
+e = 1000 * np.arange(40)[:, None] + np.arange(30)
+def make(name, **how):
+    with h5py.File(sys.argv[1] + '/' + name, 'w') as f:
+        f.create_dataset('data/trips', **how)
+make('int32', data=e.astype('<i4'))
+make('int64be', data=e.astype('>i8'))
+make('uint16', data=(e % 1000).astype('<u2') + 0)
+make('float32be', data=e.astype('>f4'), chunks=(7, 9))
+make('float64', data=e.astype('<f8'))
+make('half', data=(e % 1000).astype('<f2'), chunks=(40, 30))
+make('chunked', data=e.astype('<f4'), chunks=(7, 9))
+make('gzip', data=e.astype('<f8'), chunks=(7, 9), compression='gzip', shuffle=True, fletcher32=True)
+make('bands', data=e.astype('<f4'), chunks=(7, 30), compression='gzip', shuffle=True)
+make('bandsplain', data=e.astype('<f4'), chunks=(7, 30), compression='gzip', compression_opts=9)
+make('resizable', data=e.astype('<f4'), chunks=(64, 30), maxshape=(None, 30), compression='gzip')
+with h5py.File(sys.argv[1] + '/compact', 'w') as f:
+    p = h5py.h5p.create(h5py.h5p.DATASET_CREATE)
+    p.set_layout(h5py.h5d.COMPACT)
+    d = h5py.h5d.create(f.create_group('data').id, b'trips', h5py.h5t.IEEE_F64BE, h5py.h5s.create_simple((40, 30)), p)
+    d.write(h5py.h5s.ALL, h5py.h5s.ALL, e.astype('f8'))
+with h5py.File(sys.argv[1] + '/userblock', 'w', userblock_size=512) as f: f['data/trips'] = e
+with h5py.File(sys.argv[1] + '/latest', 'w', libver='latest') as f:
+    f.create_dataset('data/trips', data=e, chunks=(7, 9), compression='gzip')
+)";
+    ASSERT_EQ(runPython(all, {directory.str()}).errors, "");
+    TRkMatrix const expected = numbered(40, 30);
+    TRkMatrix small = TRkMatrix::inMemory(40, 30);
+    for (int i = 0; i < 40; ++i)
+        for (int j = 0; j < 30; ++j) small.RowAt(i, 0)[j] = static_cast<float>(j);
+    int files = 0;
+    for (auto const& entry : std::filesystem::directory_iterator(directory.str())) {
+        bool const isSmall = entry.path().filename() == "uint16" || entry.path().filename() == "half";
+        TRkMatrix const matrix = opened(entry.path().string(), 0, 5);
+        ASSERT_TRUE(matrix.IsValid()) << matrix.Reason();
+        EXPECT_EQ(difference(matrix, isSmall ? small : expected), "") << entry.path();
+        EXPECT_EQ(opened(entry.path().string()).RowAt(39, 8)[29], isSmall ? 29 : 39029) << entry.path();
+        EXPECT_EQ(matrix.MatrixKind(), 5);
+        ++files;
+    }
+    EXPECT_EQ(files, 14);
+}
+
+TEST(ForeignFile, numbersOutsideSinglePrecisionPassAsTheyAre) {
+    TempDir const directory;
+    std::string const file =
+        makeWithH5py("f['data/t'] = np.array([[1e300, -1e300, np.nan, 1e-300, -0.0, np.inf]])", directory);
+    TRkMatrix const matrix = opened(file);
+    float const* const row = matrix.RowAt(0, 8);
+    EXPECT_EQ(row[0], std::numeric_limits<float>::infinity());
+    EXPECT_EQ(row[1], -std::numeric_limits<float>::infinity());
+    EXPECT_TRUE(std::isnan(row[2]));
+    EXPECT_EQ(row[3], 0.0f);
+    EXPECT_TRUE(std::signbit(row[4]));
+    EXPECT_EQ(row[5], std::numeric_limits<float>::infinity());
+}
+
+TEST(ForeignFile, aFillValueStandsForChunksThatWereNeverWritten) {
+    TempDir const directory;
+    std::string const file = makeWithH5py(
+        "d = f.create_dataset('data/t', (20, 10), 'f4', chunks=(5, 10), compression='gzip', fillvalue=-1)\n"
+        "d[7, 3] = 4",
+        directory);
+    TRkMatrix const matrix = opened(file);
+    EXPECT_EQ(matrix.RowAt(19, 8)[0], -1);
+    EXPECT_EQ(matrix.RowAt(7, 8)[3], 4);
+    EXPECT_EQ(matrix.RowAt(7, 8)[4], -1);
+}
+
+TEST(ForeignFile, aFilterThatWasSkippedForAChunkIsNotUndone) {
+    TempDir const directory;
+    std::string const file = makeWithH5py(R"(
+e = np.arange(40, dtype='<f4').reshape(4, 10)
+d = f.create_dataset('data/t', (4, 10), '<f4', chunks=(2, 10), compression='gzip', shuffle=True)
+d.id.write_direct_chunk((0, 0), zlib.compress(e[:2].tobytes()), filter_mask=1)
+d.id.write_direct_chunk((2, 0), e[2:].tobytes(), filter_mask=3)
+)",
+        directory);
+    TRkMatrix const matrix = opened(file);
+    for (int i = 0; i < 40; ++i) EXPECT_EQ(matrix.RowAt(i / 10, 8)[i % 10], static_cast<float>(i));
+}
+
+TEST(ForeignFile, zoneNumbersComeFromALookupOfDistinctWholeNumbers) {
+    TempDir const directory;
+    using Zones = std::vector<std::int32_t>;
+    struct Case {
+        char const* lookups;
+        Zones zones;
+    };
+    std::vector<Case> const cases = {
+        Case{"", {}},
+        Case{"f['lookup/districts'] = [30, 10, 20]", {30, 10, 20}},
+        Case{"f['lookup/a'] = [1, 2, 3]; f['lookup/b'] = [4, 5, 6]", {}},
+        Case{"f['lookup/a'] = [1, 2, 3]; f['lookup/TAZ'] = [4, 5, 6]", {4, 5, 6}},
+        Case{"f['lookup/NO'] = np.array([4, 5, 6], '>f8')", {4, 5, 6}},
+        Case{"f['lookup/NO'] = [4.5, 5, 6]", {}},
+        Case{"f['lookup/NO'] = [4, 5, 4]", {}},
+        Case{"f['lookup/NO'] = [4, 5]", {}},
+        Case{"f['lookup/NO'] = [4, 5, 3000000000]", {}},
+        Case{"f['lookup/NO'] = [np.nan, 5, 6]", {}},
+        Case{"f['lookup/NO'] = [b'x', b'y', b'z']", {}},
+        Case{"f['lookup/NO'] = [[1, 2, 3]]", {}},
+    };
+    std::vector<std::string> programs;
+    for (auto const& [lookups, zones] : cases) programs.push_back(std::string("f['data/t'] = np.eye(3)\n") + lookups);
+    programs.push_back("f['data/t'] = np.ones((3, 2)); f['lookup/NO'] = [1, 2, 3]");
+    makeAllWithH5py(programs, directory);
+    for (std::size_t i = 0; i < cases.size(); ++i)
+        EXPECT_EQ(opened(directory.file(std::to_string(i))).Zones(), cases[i].zones) << cases[i].lookups;
+    EXPECT_TRUE(opened(directory.file(std::to_string(cases.size()))).Zones().empty());
+}
+
+TEST(ForeignFile, aTableIsChosenByNameWhereThereAreSeveral) {
+    TempDir const directory;
+    makeAllWithH5py({"f['data/b'] = np.eye(3); f['data/a'] = np.ones((2, 2)); f['data/list'] = [1, 2]\n"
+                     "f['data/sub/x'] = np.eye(2); f['lookup/z'] = [1, 2, 3]",
+                        "f['data/matrix'] = 7 * np.eye(3); f['data/a'] = np.ones((2, 2))"},
+        directory);
+    std::string const file = directory.file("0");
+    EXPECT_NE(reasonOf(file).find("2 tables"), std::string::npos);
+    OmxFile const omx = OmxFile::open(file);
+    EXPECT_EQ(omx.tables(), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(omx.lookups(), std::vector<std::string>{"z"});
+    EXPECT_EQ(omx.read("b").RowAt(1, 0)[1], 1);
+    EXPECT_EQ(omx.read("b").Zones(), (std::vector<std::int32_t>{1, 2, 3}));
+    EXPECT_THROW(omx.read("c"), TRkMatrixException);
+    EXPECT_THROW(omx.read("list"), TRkMatrixException);
+    EXPECT_THROW(omx.read("sub/x"), TRkMatrixException);
+    EXPECT_THROW(omx.read(""), TRkMatrixException);
+    EXPECT_EQ(opened(directory.file("1")).RowAt(2, 8)[2], 7);
+}
+
+TEST(ForeignFile, whatIsNoMatrixIsRefusedWithAReason) {
+    TempDir const directory;
+    struct Case {
+        std::string program;
+        char const* reason;
+    };
+    std::vector<Case> const cases = {
+        Case{"", "no table under /data"},
+        Case{"f['data'] = np.eye(3)", "cannot open a group"},
+        Case{"f['data/t'] = np.ones(3)", "no table under /data"},
+        Case{"f['data/t'] = np.ones((2, 2, 2))", "no table under /data"},
+        Case{"f['data/t'] = np.array([[b'a', b'b']])", "not numbers"},
+        Case{"f['data/t'] = np.zeros((2, 2), [('a', 'f4'), ('b', 'i4')])", "not numbers"},
+        Case{"f.create_dataset('data/t', (0, 5))", "0 x 5"},
+        Case{"f.create_dataset('data/t', (2**40, 2), chunks=(1, 2))", "is not possible"},
+        Case{"f['data/t'] = h5py.SoftLink('/nowhere')", "no table under /data"},
+        Case{"f.create_dataset('data/t', (4, 4), chunks=(2, 2), compression='lzf')", "filter 32000"},
+    };
+    std::vector<std::string> programs;
+    for (auto const& [program, reason] : cases) programs.push_back(program);
+    makeAllWithH5py(programs, directory);
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        std::string const reason = reasonOf(directory.file(std::to_string(i)));
+        EXPECT_NE(reason.find(cases[i].reason), std::string::npos) << cases[i].program << ": " << reason;
+    }
+}
+
+TEST(OmxFile, writesATableOfAnyNameWithZones) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    TRkMatrix matrix = numbered(3, 3);
+    matrix.SetZones({10, 20, 40});
+    OmxFile::write(file, "car trips", matrix);
+    OmxFile const omx = OmxFile::open(file);
+    EXPECT_EQ(omx.tables(), std::vector<std::string>{"car trips"});
+    EXPECT_EQ(difference(omx.read("car trips"), matrix), "");
+    EXPECT_EQ(omx.read("car trips").Zones(), matrix.Zones());
+    EXPECT_EQ(difference(opened(file), matrix), "");
+    for (char const* name : {"", ".", "a/b"}) EXPECT_THROW(OmxFile::write(file, name, matrix), TRkMatrixException);
+    EXPECT_THROW(OmxFile::write(directory.file("none/a.omx"), "t", matrix), TRkMatrixException);
+    EXPECT_THROW(OmxFile::write(directory.str(), "t", matrix), TRkMatrixException);
+    EXPECT_EQ(difference(opened(file), matrix), "");
+    EXPECT_EQ(listing(directory.str()), "a.omx\n");
+}
+
+TEST(OmxFile, aFileThatCanNotBeOpenedIsNamedWithTheReason) {
+    TempDir const directory;
+    writeFile(directory.file("empty"), "");
+    writeFile(directory.file("text"), "origin,destination,value\n");
+    std::filesystem::create_directory(directory.file("directory"));
+    struct Case {
+        char const* name;
+        char const* reason;
+    };
+    for (auto const& [name, reason] : {Case{"none", "No such file"}, Case{"empty", "is empty"}, Case{"text", "as HDF5"},
+             Case{"directory", "directory"}}) {
+        std::string const file = directory.file(name);
+        EXPECT_NE(reasonOf(file).find(reason), std::string::npos) << reasonOf(file);
+        try {
+            OmxFile::open(file);
+            ADD_FAILURE() << name;
+        } catch (TRkMatrixException const& error) {
+            EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
+            EXPECT_EQ(error.File(), file);
+        }
+    }
+}
