@@ -70,6 +70,7 @@ struct Project::Parts {
         : root(std::move(directory)), connection(url),
           settings(TRkFString::Directory(resolved(root, description.matrixDirectory)),
               TRkFString::Directory(resolved(root, description.workingDirectory))) {
+        dictionary.SetConnection(&connection);
         settings.Set("RkLib.DataDictionary", &dictionary);
         settings.Set(project::schemaKey, &schema);
         setMatrixStorage(settings.MatrixDirectory().str(), description.storage);
