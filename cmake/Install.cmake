@@ -1,6 +1,27 @@
+# What an installation holds: the library, its headers, a CMake package and a pkg-config file.
+# (The tool installs itself.) Nothing in it names the place where it was built or is installed.
+include(CMakePackageConfigHelpers)
+
+set(cubes_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cubes)
+set(cubes_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH cubes_prefix_from_pkgconfig
+  ${CMAKE_INSTALL_PREFIX}/${cubes_pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
+
 install(TARGETS cubes EXPORT cubes
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/cubes DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES ${CMAKE_BINARY_DIR}/generated/cubes/Export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cubes)
+install(FILES ${PROJECT_BINARY_DIR}/generated/cubes/Export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cubes)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+install(EXPORT cubes NAMESPACE cubes:: FILE cubesTargets.cmake DESTINATION ${cubes_cmake_dir})
+configure_package_config_file(cmake/cubesConfig.cmake.in ${PROJECT_BINARY_DIR}/cubesConfig.cmake
+  INSTALL_DESTINATION ${cubes_cmake_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/cubesConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/cubesConfig.cmake ${PROJECT_BINARY_DIR}/cubesConfigVersion.cmake
+  DESTINATION ${cubes_cmake_dir})
+
+configure_file(cmake/cubes.pc.in ${PROJECT_BINARY_DIR}/cubes.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/cubes.pc DESTINATION ${cubes_pkgconfig_dir})

@@ -85,10 +85,10 @@ std::string postgresUrl(std::string const& database) {
     return "postgresql://cubes@/" + database + "?host=" + serverDirectory() + "&port=" + postgresPort();
 }
 
-TestDatabase::TestDatabase(Backend backend)
+TestDatabase::TestDatabase(Backend backend, std::string const& options)
     : backend_(backend), name_(backend == Backend::sqlite ? directory_.file("cubes.db") : uniqueName()),
       url_(backend == Backend::sqlite ? "sqlite:" + name_ : postgresUrl(name_)) {
-    if (backend == Backend::postgres) askPostgres(postgresUrl("postgres"), "CREATE DATABASE " + name_);
+    if (backend == Backend::postgres) askPostgres(postgresUrl("postgres"), "CREATE DATABASE " + name_ + " " + options);
 }
 
 TestDatabase::~TestDatabase() {

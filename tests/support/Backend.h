@@ -29,7 +29,8 @@ std::string joined(Rows const& rows);
 /// the private PostgreSQL server. Gone at the end.
 class TestDatabase {
 public:
-    explicit TestDatabase(Backend backend);
+    /// `options`: what CREATE DATABASE is told besides the name.
+    explicit TestDatabase(Backend backend, std::string const& options = {});
     ~TestDatabase();
     TestDatabase(TestDatabase const&) = delete;
     TestDatabase& operator=(TestDatabase const&) = delete;

@@ -22,7 +22,9 @@ public:
     virtual CountedPtr<Rktable::TRkTableProxy> BuildTable(char const* table, AnsiString const& schema);
 
     /// Fills `tables` with a cursor for every data table of that object in that schema: for
-    /// "cube" those aliased "cube4data1" and "cube5data1". False when there is none.
+    /// "cube" those aliased "cube4data1" and "cube5data1". False when there is none. Which of them
+    /// are there is remembered by the connection once there is one; a table that is dropped is
+    /// noticed by the operation that misses it.
     virtual bool BuildDataTables(
         char const* table, std::vector<CountedPtr<Rktable::TRkTableProxy>>& tables, AnsiString const& schema);
 

@@ -15,7 +15,9 @@ namespace cubes {
 /// What a new project differs in from the default. Empty texts mean the default. Relative paths
 /// are taken from the project's directory.
 struct ProjectOptions {
-    /// "sqlite:PATH" or "postgresql://..."; default "sqlite:cubes.db".
+    /// "sqlite:PATH" or "postgresql://..."; default what CUBES_DATABASE says in the environment,
+    /// else "sqlite:cubes.db". A password in it serves to connect and is not stored: whoever opens
+    /// the project later gives it by the ways of libpq (a password file, a service, PGPASSWORD).
     std::string database;
     /// Where the matrix files of four-key cubes lie; default "matrices".
     std::string matrixDirectory;
@@ -40,7 +42,8 @@ public:
     /// TRkDatabaseException when the database cannot be opened; nothing is left behind then.
     static Project create(std::string const& directory, ProjectOptions const& options = {});
     /// Opens the project in `directory`. Tables that are missing are created, existing ones are
-    /// never altered. CUBES_DATABASE in the environment overrides the database of "cubes.toml".
+    /// never altered. CUBES_DATABASE in the environment overrides the database of "cubes.toml";
+    /// an SQLite file is made when it is missing only if it is named there.
     /// Throws TRkProjectException when there is no project or its "cubes.toml" makes no sense,
     /// TRkDatabaseException when the database cannot be opened.
     static Project open(std::string const& directory);

@@ -68,6 +68,12 @@ std::string sqliteUrl(std::string const& path) {
     return std::string(sqliteScheme) + path;
 }
 
+bool isAmbiguous(std::string const& url) {
+    std::vector<Span> spans;
+    addUserPassword(url, spans);
+    return !spans.empty() && url.substr(spans[0].start, spans[0].length).find_first_of("/@") != std::string::npos;
+}
+
 std::string withoutPassword(std::string const& url) {
     std::string text = url;
     auto const spans = passwords(url);

@@ -1,5 +1,7 @@
 #include "host/database/Sql.h"
 
+#include <algorithm>
+
 namespace cubes::database {
 
 namespace {
@@ -47,12 +49,21 @@ std::string Sql::rows(std::string const& condition, std::string const& filter, s
            std::to_string(limit);
 }
 
+bool Sql::coversKey(Columns const& columns) const {
+    return std::all_of(table_.key.begin(), table_.key.end(),
+        [&](std::size_t column) { return std::find(columns.begin(), columns.end(), column) != columns.end(); });
+}
+
 std::string Sql::lookUp(Columns const& columns, Match match, std::string const& filter) const {
     auto const equals = [&](std::size_t i) {
         bool const isText = table_.columns[columns[i]].type == ColumnType::text;
         return dialect_.textEquals(name(columns[i]), dialect_.placeholder(i + 1), isText ? match : Match::exact);
     };
-    return rows(joined(columns.size(), " AND ", equals), filter, 1);
+    std::string const condition = joined(columns.size(), " AND ", equals);
+    // A whole key has one row: there is nothing to sort and to cut off.
+    if (match == Match::exact && coversKey(columns))
+        return "SELECT " + allColumns() + " FROM " + table_.quotedName + where(condition, filter);
+    return rows(condition, filter, 1);
 }
 
 std::string Sql::firstRows(std::string const& filter, std::size_t limit) const {

@@ -45,6 +45,7 @@ private:
     std::string keyOrder() const { return " ORDER BY " + names(table_.key); }
     std::string places(std::size_t first, std::size_t count) const;
     std::string isAtKey(std::size_t firstPlace) const;
+    bool coversKey(Columns const& columns) const;
     std::string rows(std::string const& condition, std::string const& filter, std::size_t limit) const;
     std::string change(std::string const& assignments, std::size_t firstPlace) const;
     std::string returning() const { return " RETURNING " + allColumns(); }

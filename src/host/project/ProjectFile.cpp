@@ -72,9 +72,8 @@ private:
 std::string contentOf(std::string const& directory) {
     std::string const path = projectFilePath(directory);
     std::ifstream stream(platform::toPath(path), std::ios::binary);
-    std::string content(std::istreambuf_iterator<char>(stream), {});
-    if (!stream || platform::isDirectory(path)) throw TRkProjectException(path + " cannot be read", directory);
-    return content;
+    if (!stream || !platform::isRegularFile(path)) throw TRkProjectException(path + " cannot be read", directory);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 toml::table parsed(std::string const& directory) {

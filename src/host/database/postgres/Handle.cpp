@@ -14,6 +14,10 @@ namespace {
 // Throws unless libpq can read the URL. Its reason quotes the URL, so that it is told only where
 // there is nothing to hide.
 void requireReadable(std::string const& url) {
+    if (isAmbiguous(url))
+        throw TRkDatabaseException("the database URL '" + withoutPassword(url) +
+                                       "' cannot be read: \"/\" and \"@\" in a password are written %2F and %40",
+            "08001");
     char* reason = nullptr;
     PQconninfoOption* const options = PQconninfoParse(url.c_str(), &reason);
     std::string const detail = reason ? trimmed(reason) : "out of memory";

@@ -4,6 +4,7 @@
 #include "host/database/sqlite/Waiting.h"
 #include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
+#include "host/platform/Paths.h"
 
 #include <sqlite3.h>
 
@@ -45,13 +46,13 @@ char const* sqlStateOf(int code) {
 
 std::string reason(int code, sqlite3* database) {
     if ((code & 0xFF) == SQLITE_BUSY)
-        return "another process has been writing to it for more than " + std::to_string(longestWait.count()) + " s";
+        return "another process has been writing to it for more than " + std::to_string(longestWait.count()) + " ms";
     return platform::fromUtf8(sqlite3_errmsg(database));
 }
 
 std::string whyNotOpened(std::string const& path, std::string const& reason) {
     if (platform::isDirectory(path)) return "it is a directory";
-    auto const directory = std::filesystem::path(platform::absolutePath(path)).parent_path().string();
+    auto const directory = platform::fromPath(platform::toPath(platform::absolutePath(path)).parent_path());
     if (!platform::isDirectory(directory)) return "the directory '" + directory + "' does not exist";
     return reason;
 }
@@ -67,9 +68,19 @@ void lowerCase(sqlite3_context* context, int /*count*/, sqlite3_value** values) 
     }
 }
 
+// SQLite takes a file of one byte for an empty one and writes over it.
+void refuseFragment(std::string const& path) {
+    constexpr std::uintmax_t header = 100;
+    std::error_code error;
+    auto const size = std::filesystem::file_size(platform::toPath(path), error);
+    if (!error && size > 0 && size < header)
+        throw TRkDatabaseException("SQLite database '" + path + "': file is not a database", "XX001");
+}
+
 }
 
 Handle::Handle(std::string path) : path_(std::move(path)) {
+    refuseFragment(path_);
     int const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
     int const code = sqlite3_open_v2(platform::toUtf8(path_).c_str(), &database_, flags, nullptr);
     try {

@@ -5,6 +5,8 @@
 
 namespace cubes::database::sqlite {
 
+std::chrono::milliseconds longestWait{10000};
+
 namespace {
 
 using Clock = std::chrono::steady_clock;

@@ -5,7 +5,8 @@
 namespace cubes::database::sqlite {
 
 /// How long one operation waits for other processes that write.
-inline constexpr std::chrono::seconds longestWait{10};
+/// Tests make it shorter.
+extern std::chrono::milliseconds longestWait;
 
 /// A busy handler for SQLite: waits a moment and gives 1 to try again, 0 to give up. A commit
 /// takes a few hundred microseconds, so the waits are of that size; SQLite's own handler soon

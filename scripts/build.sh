@@ -1,0 +1,12 @@
+# For the other scripts to source: builds what users run.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build=$root/build/release
+
+# build_release [CMake option]...: configures and builds the preset "release". Warnings of a compiler
+# that we do not know are no reason to refuse a user; they are errors where changes are checked.
+build_release() {
+    local strict=OFF
+    [ "${CI:-}" != true ] || strict=ON
+    (cd "$root" && cmake --preset release -DCUBES_WARNINGS_AS_ERRORS=$strict "$@" && cmake --build --preset release)
+}

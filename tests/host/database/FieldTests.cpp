@@ -1,0 +1,88 @@
+#include "host/database/TableTest.h"
+
+namespace {
+
+using cubes::test::Rows;
+using cubes::test::sqlStateOf;
+
+class Field : public cubes::test::TableTest {};
+CUBES_BOTH_BACKENDS(Field);
+
+TEST_P(Field, isFoundByNarrowAndWideNames) {
+    EXPECT_EQ(table.FieldByName("name")->Name(), "name");
+    EXPECT_EQ(table.FieldByName(L"name"), table.FieldByName("name"));
+    EXPECT_EQ(table.FindField(std::wstring(L"cubenr")), table.FindField(std::string("cubenr")));
+}
+
+TEST_P(Field, isNullOrAnErrorForAnUnknownName) {
+    for (char const* const name : {"", "nam", "names", "rowid", "ctid", "name;cubenr"}) {
+        EXPECT_EQ(table.FindField(name), nullptr) << name;
+        EXPECT_EQ(sqlStateOf([&] { table.FieldByName(name); }), "42703") << name;
+    }
+}
+
+TEST_P(Field, isFoundBySingleMatchWithoutLetterCase) {
+    EXPECT_EQ(table.FieldByName("USAGEcounter")->Name(), "usageCounter");
+}
+
+TEST_P(Field, knowsItsDeclaredSize) {
+    EXPECT_EQ(table.FieldByName("name")->Size(), 8);
+    EXPECT_EQ(table.FieldByName("cubenr")->Size(), 0);
+}
+
+TEST_P(Field, readsNumbersAndTextsAsEither) {
+    database->execute("INSERT INTO \"cube\" VALUES (-4, '12 x', NULL)");
+    ASSERT_TRUE(table.Locate("cubenr", -4));
+    EXPECT_EQ(table.FieldByName("cubenr")->AsString(), "-4");
+    EXPECT_EQ(table.FieldByName("name")->AsInteger(), 12);
+    EXPECT_TRUE(table.FieldByName("usageCounter")->IsNull());
+    EXPECT_EQ(table.FieldByName("usageCounter")->AsInteger(), 0);
+    EXPECT_EQ(table.FieldByName("usageCounter")->AsString(), "");
+}
+
+TEST_P(Field, cutsATextToItsSizeInCharacters) {
+    add(1, "123456789");
+    add(2, "äöüÄÖÜß€x");
+    add(3, "12345678");
+    EXPECT_EQ(rows(), (Rows{{"1", "12345678", "NULL"}, {"2", "äöüÄÖÜß€", "NULL"}, {"3", "12345678", "NULL"}}));
+}
+
+TEST_P(Field, showsWhatWasSetBeforeItIsPosted) {
+    add(1, "one");
+    table.Edit();
+    table.FieldByName("name")->SetAsString("123456789");
+    EXPECT_EQ(table.FieldByName("name")->AsString(), "12345678");
+    table.FieldByName("usageCounter")->SetAsInteger(5);
+    EXPECT_EQ(table.FieldByName("usageCounter")->AsInteger(), 5);
+    EXPECT_EQ(rows(), (Rows{{"1", "one", "NULL"}}));
+}
+
+TEST_P(Field, canBeMadeNull) {
+    database->execute("INSERT INTO \"cube\" VALUES (1, 'one', 5), (2, 'two', 5)");
+    ASSERT_TRUE(table.Locate("cubenr", 1));
+    table.Edit();
+    table.FieldByName("name")->Clear();
+    table.FieldByName("usageCounter")->SetAsString(nullptr);
+    table.Post();
+    EXPECT_EQ(rows(), (Rows{{"1", "NULL", "NULL"}, {"2", "two", "5"}}));
+}
+
+TEST_P(Field, takesNumbersAndTextsEachForTheOther) {
+    table.Append();
+    table.FieldByName("cubenr")->SetAsString("17");
+    table.FieldByName("name")->SetAsInteger(-3);
+    table.Post();
+    EXPECT_EQ(rows(), (Rows{{"17", "-3", "NULL"}}));
+}
+
+TEST_P(Field, refusesWhatTheColumnCannotHold) {
+    table.Append();
+    EXPECT_EQ(sqlStateOf([&] { table.FieldByName("cubenr")->SetAsInteger(32768); }), "22003");
+    EXPECT_EQ(sqlStateOf([&] { table.FieldByName("cubenr")->SetAsInteger(-32769); }), "22003");
+    EXPECT_EQ(sqlStateOf([&] { table.FieldByName("cubenr")->SetAsString("1x"); }), "22P02");
+    table.FieldByName("cubenr")->SetAsInteger(-32768);
+    table.Post();
+    EXPECT_EQ(rows(), (Rows{{"-32768", "NULL", "NULL"}}));
+}
+
+}

@@ -1,0 +1,119 @@
+#include "host/database/ExclusiveAccess.h"
+#include "host/database/TableTest.h"
+#include "support/Forked.h"
+
+namespace {
+
+using cubes::database::ExclusiveAccess;
+using cubes::test::inProcesses;
+using cubes::test::Rows;
+using cubes::test::sqlStateOf;
+using Rktable::TRkTableProxy;
+
+// What each process opens for itself.
+struct Opened {
+    explicit Opened(std::string const& url) : connection(url) {
+        table.SetConnection(&connection);
+        table.Open();
+    }
+    Pgaccess::TPgConnection connection;
+    TRkTableProxy table{"cube", "", "cube"};
+};
+
+// Adds a row under the highest number and one.
+void addNext(TRkTableProxy& table, std::string const& name) {
+    ExclusiveAccess access(table);
+    long const number = table.Greatest("cubenr").value_or(0) + 1;
+    table.Append();
+    table.FieldByName("cubenr")->SetAsInteger(number);
+    table.FieldByName("name")->SetAsString(name.c_str());
+    table.Post();
+    access.commit();
+}
+
+class Race : public cubes::test::TableTest {};
+CUBES_BOTH_BACKENDS(Race);
+
+TEST_P(Race, losesNoRaiseOfACounter) {
+    fill(1);
+    EXPECT_EQ(inProcesses(4,
+                  [this](int) {
+                      Opened opened(database->url());
+                      for (int i = 0; i < 50; ++i) {
+                          if (!opened.table.Locate("cubenr", 1) || !opened.table.Raise("usageCounter"))
+                              throw std::runtime_error("row not found");
+                      }
+                  }),
+        4);
+    EXPECT_EQ(rows(), (Rows{{"1", "n1", "202"}}));
+}
+
+TEST_P(Race, letsOneOfTwoEqualRowsIn) {
+    int const winners = inProcesses(4, [this](int number) {
+        Opened opened(database->url());
+        opened.table.Append();
+        opened.table.FieldByName("cubenr")->SetAsInteger(1);
+        opened.table.FieldByName("name")->SetAsString(("p" + std::to_string(number)).c_str());
+        std::string const state = sqlStateOf([&] { opened.table.Post(); });
+        if (state != "none" && state != "23505") throw std::runtime_error("unexpected: " + state);
+        if (!opened.table.Locate("cubenr", 1)) throw std::runtime_error("row not found");
+    });
+    EXPECT_EQ(winners, 4);
+    EXPECT_EQ(rows().size(), 1u);
+}
+
+TEST_P(Race, givesDifferentNumbersToThoseWhoAddExclusively) {
+    EXPECT_EQ(inProcesses(4,
+                  [this](int process) {
+                      Opened opened(database->url());
+                      for (int i = 0; i < 20; ++i)
+                          addNext(opened.table, std::to_string(process) + "-" + std::to_string(i));
+                  }),
+        4);
+    EXPECT_EQ(database->sql("SELECT count(*), count(DISTINCT \"name\"), max(\"cubenr\") FROM \"cube\""),
+        (Rows{{"80", "80", "80"}}));
+}
+
+class Exclusive : public cubes::test::TableTest {};
+CUBES_BOTH_BACKENDS(Exclusive);
+
+TEST_P(Exclusive, accessGivesUpWhatIsNotCommitted) {
+    {
+        ExclusiveAccess access(table);
+        add(1, "one");
+    }
+    EXPECT_EQ(rows(), Rows());
+    addNext(table, "one");
+    EXPECT_EQ(rows(), (Rows{{"1", "one", "NULL"}}));
+}
+
+TEST_P(Exclusive, accessDoesNotDisturbReaders) {
+    fill(1);
+    Opened other(database->url());
+    ExclusiveAccess access(table);
+    add(2, "two");
+    EXPECT_TRUE(other.table.Locate("cubenr", 1));
+    EXPECT_FALSE(other.table.Locate("cubenr", 2));
+    access.commit();
+    EXPECT_TRUE(other.table.Locate("cubenr", 2));
+}
+
+TEST_P(Exclusive, accessDoesNotNest) {
+    ExclusiveAccess access(table);
+    EXPECT_EQ(sqlStateOf([&] { ExclusiveAccess{table}; }), "25001");
+    add(1, "one");
+    access.commit();
+    EXPECT_EQ(rows().size(), 1u);
+}
+
+TEST_P(Exclusive, accessIsOverAfterAnErrorInside) {
+    add(1, "one");
+    {
+        ExclusiveAccess access(table);
+        EXPECT_EQ(sqlStateOf([&] { add(1, "again"); }), "23505");
+    }
+    add(2, "two");
+    EXPECT_EQ(rows().size(), 2u);
+}
+
+}
