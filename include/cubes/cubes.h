@@ -25,6 +25,7 @@
 #include <cubes/matrix/TRkMatrix.h>
 #include <cubes/matrix/TRkMatrixException.h>
 #include <cubes/matrix/TRkMatrixHeader.h>
+#include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/ProjectPathHelpers.h>
 #include <cubes/project/ProjectUtils.h>

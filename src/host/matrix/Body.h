@@ -11,7 +11,7 @@
 namespace cubes::matrix {
 
 /// What a TRkMatrix holds: elements, and where they belong.
-class Body : public TRkBaseMatrix {
+class Body : public virtual TRkBaseMatrix {
 public:
     explicit Body(std::string file) : file_(std::move(file)) {}
     char const* FileName() const noexcept override { return file_.c_str(); }
