@@ -1,3 +1,4 @@
+#include <functional>
 #include <vector>
 
 #include "varcubes/VarCubesTest.h"
@@ -67,6 +68,20 @@ public:
     mutable std::vector<std::string> calls;
 };
 
+// A cube to which somebody else adds each new entry a moment before it does.
+class Overtaken : public TRkSkimCube {
+public:
+    Overtaken(TRkGlobalSettings* settings, std::function<void()> other)
+        : TRkSkimCube(settings, true), other_(std::move(other)) {}
+    TRkString createFilename(short p, short m, short t, short u, short r, short i) const override {
+        other_();
+        return TRkSkimCube::createFilename(p, m, t, u, r, i);
+    }
+
+private:
+    std::function<void()> other_;
+};
+
 class ResultOverrides : public VarCubesTest {
 protected:
     Noting noting() { return {project().settings(), ".not", RkCubeTypes(-20), mtSkim, mkSkim, true}; }
@@ -106,6 +121,17 @@ TEST_P(ResultOverrides, areCalledByStoringInAFixedOrder) {
     EXPECT_EQ(cube.taken(), "Check Open LookUp Clear Open LookUp Add Open AddRow LookUp createFilename SaveMatrix");
     // The file is named by the key alone.
     EXPECT_EQ(files(), "1-1-1-1-1-1.not\n");
+}
+
+TEST_P(ResultOverrides, showThatAnEntryAddedByAnotherMeanwhileIsAsGood) {
+    Overtaken cube(project().settings(), [&] {
+        project().execute("insert into " + table() +
+                          " (cubenr, purpose, mode, time, \"user\", result, iteration, \"usageCounter\", filename)"
+                          " values (-1, 1, 1, 1, 1, 1, 1, 3, 'theirs.skm')");
+    });
+    EXPECT_TRUE(cube.Add(1, 1, 1, 1, 1, 1, -6, 1, 2, 3, 4, 5, 6, false));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|theirs.skm\n");
+    EXPECT_EQ(parents(), "-6|1|2|3|4|5|6\n");
 }
 
 TEST_P(ResultOverrides, areCalledByCopying) {

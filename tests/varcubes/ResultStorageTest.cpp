@@ -1,5 +1,4 @@
 #include <cubes/matrix/TRkMatrixException.h>
-#include <cubes/varcubes/TRkSelectedLinkCube.h>
 
 #include <filesystem>
 
@@ -230,18 +229,20 @@ TEST_P(ResultStorage, isFalseWhenTheFileCannotBeMade) {
     EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
 }
 
-TEST_P(ResultStorage, ofSelectedLinkCubesIsLockedWhateverTheCallersLock) {
-    TRkSelectedLinkCube links(project().settings(), true);
-    ASSERT_TRUE(store(links, 1, 1));
-    ASSERT_TRUE(store(skims(), 1, 1));
-    auto const linkWriter = open(links, 1, lsReadWrite);
-    auto const skimWriter = open(skims(), 1, lsReadWrite);
-    ASSERT_TRUE(linkWriter);
-    ASSERT_TRUE(skimWriter);
-    // A new file without the write bit asks for no lock; here the lock state becomes 3.
-    EXPECT_TRUE(skims().SaveMatrix(matrix(2), 1, 1, 1, 1, 1, 1, lsRead, false));
-    EXPECT_EQ(links.SaveMatrix(matrix(2), 1, 1, 1, 1, 1, 1, lsRead, false),
-        links.SaveMatrix(matrix(2), 1, 1, 1, 1, 1, 1, lsReadWrite, false));
+// A file made without the write bit asks for no lock; in these cubes the lock state becomes 3.
+TEST_P(ResultStorage, ofSelectedLinksAndScreenLinesTakesTheWriteLockWhateverTheCallersState) {
+    struct {
+        RkCubeTypes cubeType;
+        bool saved;
+    } const cases[] = {
+        {ctSkim, true}, {ctCordon, true}, {ctPath, true}, {ctSelectedLink, false}, {ctScreenLine, false}};
+    TRkMatrix const writer(2, 3, mtSkim, pathOf("1-1-1-1-1-1.mat").c_str(), 1, "", "", true, mkDefault, lsReadWrite);
+    ASSERT_TRUE(writer.IsValid());
+    for (auto const& c : cases) {
+        TRkVarCubes cube = plainCube(project().settings(), c.cubeType, mtSkim);
+        EXPECT_EQ(cube.SaveMatrix(matrix(2), 1, 1, 1, 1, 1, 1, lsRead, false), c.saved) << c.cubeType;
+        EXPECT_FALSE(cube.SaveMatrix(matrix(2), 1, 1, 1, 1, 1, 1, lsReadWrite, false)) << c.cubeType;
+    }
 }
 
 }
