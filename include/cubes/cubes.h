@@ -25,6 +25,7 @@
 #include <cubes/matrix/TRkMatrix.h>
 #include <cubes/matrix/TRkMatrixException.h>
 #include <cubes/matrix/TRkMatrixHeader.h>
+#include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/ProjectPathHelpers.h>
 #include <cubes/project/ProjectUtils.h>
@@ -39,3 +40,12 @@
 #include <cubes/text/TRkObject.h>
 #include <cubes/text/TRkString.h>
 #include <cubes/text/VclOrStdException.h>
+#include <cubes/varcubes/CubeDataInterface.h>
+#include <cubes/varcubes/TRkCordonCube.h>
+#include <cubes/varcubes/TRkPathCube.h>
+#include <cubes/varcubes/TRkScreenCube.h>
+#include <cubes/varcubes/TRkSelectedLinkCube.h>
+#include <cubes/varcubes/TRkSkimCube.h>
+#include <cubes/varcubes/TRkStop2StopCube.h>
+#include <cubes/varcubes/TRkTransitCube.h>
+#include <cubes/varcubes/TRkVarCubes.h>

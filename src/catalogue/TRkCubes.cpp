@@ -1,21 +1,16 @@
 #include <cubes/catalogue/TRkCubes.h>
 
-#include <cubes/database/TRkDatabaseException.h>
-
 #include <iterator>
+
+#include "catalogue/EntryTable.h"
 
 namespace {
 
-// A row that another process adds at the same moment is as good as ours.
 void appendUnlessTaken(Rktable::TRkTableProxy& table, RkCubeTypes cubenr, char const* name) {
     table.Append();
     table.FieldByName("cubenr")->SetAsInteger(cubenr);
     table.FieldByName("name")->SetAsString(name);
-    try {
-        table.Post();
-    } catch (TRkDatabaseException const& error) {
-        if (!error.IsDuplicateKey() || !table.Locate("cubenr", static_cast<int>(cubenr))) throw;
-    }
+    cubes::postUnlessTaken(table, [&] { return table.Locate("cubenr", static_cast<int>(cubenr)); });
 }
 
 }

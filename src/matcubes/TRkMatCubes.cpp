@@ -1,33 +1,20 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
 #include <cubes/database/TRkDBDataDictionary.h>
-#include <cubes/database/TRkDatabaseException.h>
 #include <cubes/project/TRkGlobalSettings.h>
 
+#include <array>
+
+#include "catalogue/EntryKey.h"
+#include "catalogue/EntryTable.h"
 #include "catalogue/MissingTable.h"
-#include "catalogue/StoredName.h"
-#include "matcubes/EntryKey.h"
-
-#include <optional>
-
-using cubes::matcubes::EntryKey;
-using cubes::matcubes::storedKey;
 
 namespace {
 
 constexpr char const* matrixCubeSchema = "public";
 
-void setNumber(Rktable::TRkTableProxy& table, char const* column, long number) {
-    table.FieldByName(column)->SetAsInteger(number);
-}
-
-void setKey(Rktable::TRkTableProxy& table, EntryKey const& key) {
-    setNumber(table, "cubenr", key.cubenr);
-    setNumber(table, "purpose", key.purpose);
-    setNumber(table, "mode", key.mode);
-    setNumber(table, "time", key.time);
-    setNumber(table, "user", key.user);
-}
+constexpr char const* keyList = "cubenr;purpose;mode;time;user";
+constexpr std::array keyColumns = {"cubenr", "purpose", "mode", "time", "user"};
 
 }
 
@@ -66,43 +53,33 @@ bool TRkMatCubes::FindMatrixSchema() {
 CountedPtr<Rktable::TRkTableProxy> TRkMatCubes::Open() const {
     TRkDBDataDictionary* const dictionary = DataDictionary();
     if (!dictionary) return {};
-    std::vector<CountedPtr<Rktable::TRkTableProxy>> tables;
-    if (!dictionary->BuildDataTables(ObjectName, tables, getMatrixSchema())) return {};
-    for (auto const& table : tables) {
-        if (!table || table->GetAliasPropertyWrapper().AsString().ToLower() != cubeAliasName()) continue;
-        table->SetConnection(GetConnection());
-        table->Open();
-        return table;
-    }
-    return {};
+    auto table = cubes::buildEntryTable(*dictionary, getMatrixSchema(), cubeAliasName());
+    if (!table) return {};
+    table->SetConnection(GetConnection());
+    table->Open();
+    return table;
 }
 
 bool TRkMatCubes::LookUp(
     CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t, short u, bool zeroBased) const {
     if (!table) return false;
-    std::optional<EntryKey> const key = storedKey(cubenr, p, m, t, u, zeroBased);
-    if (!key) return false;
-    return cubes::falseWithoutTable([&] { return table->Locate(cubes::matcubes::keyColumns, valuesOf(*key)); });
+    auto const key = cubes::storedKey(std::array{cubenr, p, m, t, u}, zeroBased);
+    return key && cubes::falseWithoutTable([&] { return table->Locate(keyList, cubes::valuesOf(*key)); });
 }
 
 bool TRkMatCubes::Add(
     CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t, short u, bool zeroBased) const {
     if (!table) return false;
     if (LookUp(table, cubenr, p, m, t, u, zeroBased)) return true;
-    std::optional<EntryKey> const key = storedKey(cubenr, p, m, t, u, zeroBased);
+    auto const key = cubes::storedKey(std::array{cubenr, p, m, t, u}, zeroBased);
     if (!key) return false;
     // Made before the row is begun: a number that the name cannot hold leaves no half-made row.
-    TRkString const name = MakeFilename(key->cubenr, key->purpose, key->mode, key->time, key->user) + extension_;
+    TRkString const name = cubes::fileStem(*key) + extension_;
     table->Append();
-    setKey(*table, *key);
+    for (std::size_t i = 0; i < key->size(); ++i) table->FieldByName(keyColumns[i])->SetAsInteger((*key)[i]);
     if (auto* const filename = table->FindField("filename")) filename->SetAsString(name.c_str());
-    if (auto* const counter = table->FindField("usageCounter")) counter->SetAsInteger(0);
-    try {
-        table->Post();
-    } catch (TRkDatabaseException const& error) {
-        // An entry that another process added at the same moment is as good as ours.
-        if (!error.IsDuplicateKey() || !LookUp(table, cubenr, p, m, t, u, zeroBased)) throw;
-    }
+    if (auto* const counter = table->FindField(cubes::usageColumn)) counter->SetAsInteger(0);
+    cubes::postUnlessTaken(*table, [&] { return LookUp(table, cubenr, p, m, t, u, zeroBased); });
     return true;
 }
 
@@ -124,9 +101,7 @@ bool TRkMatCubes::Add(char const* cubeName) const {
 TRkString TRkMatCubes::FileName(
     CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t, short u, bool zeroBased) const {
     if (!LookUp(table, cubenr, p, m, t, u, zeroBased)) return {};
-    auto* const filename = table->FindField("filename");
-    if (!filename) return {};
-    return cubes::storedPath(matrixDirectory_.str(), filename->AsString().str());
+    return cubes::fileOfRow(*table, matrixDirectory_.str());
 }
 
 TRkString TRkMatCubes::FileName(short cubenr, short p, short m, short t, short u, bool zeroBased) const {

@@ -1,31 +1,10 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
-#include <unordered_map>
+#include "catalogue/CubeNames.h"
 
 namespace {
 
 constexpr int keyParts = 5;
-
-// The name of each cube, looked up once however many entries it has.
-class CubeNames {
-public:
-    explicit CubeNames(Rktable::TRkTableProxy& catalogue) : catalogue_(catalogue) {}
-
-    TRkString const& of(short cubenr) {
-        auto const known = names_.find(cubenr);
-        if (known != names_.end()) return known->second;
-        return names_.emplace(cubenr, read(cubenr)).first->second;
-    }
-
-private:
-    TRkString read(short cubenr) const {
-        if (!catalogue_.Locate("cubenr", cubenr)) return {};
-        return catalogue_.FieldByName("name")->AsString();
-    }
-
-    Rktable::TRkTableProxy& catalogue_;
-    std::unordered_map<short, TRkString> names_;
-};
 
 short readShort(Rktable::TRkField const* field) {
     return static_cast<short>(field->AsInteger());
@@ -68,7 +47,7 @@ bool TRkMatCubes::Get(CountedPtr<Rktable::TRkTableProxy> table, TRkAutoListT<TKe
 
 bool TRkMatCubes::GetNames(CountedPtr<Rktable::TRkTableProxy> catalogue, TRkAutoListT<TKey> list) const {
     if (!catalogue) return false;
-    CubeNames names(*catalogue);
+    cubes::CubeNames names(catalogue);
     for (int i = 0; i < list.Count(); ++i) list[i]->name = names.of(list[i]->cubenr);
     return true;
 }

@@ -1,26 +1,13 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
+#include <array>
 #include <string>
+
+#include "catalogue/EntryKey.h"
 
 namespace {
 
-constexpr int lastBase40Version = 3;
 constexpr int parts = 5;
-
-TRkString decimalName(short const (&numbers)[parts]) {
-    TRkString name;
-    for (short const number : numbers) {
-        if (!name.IsEmpty()) name += '-';
-        name += number;
-    }
-    return name;
-}
-
-TRkString base40Name(short const (&numbers)[parts]) {
-    TRkString name;
-    for (short const number : numbers) name += TRkBaseCubes::ShortTo40T(number);
-    return name;
-}
 
 // A leading minus belongs to the cube number; it is made a plus so that it does not separate.
 void readDecimalName(std::string text, int* const (&numbers)[parts]) {
@@ -31,15 +18,10 @@ void readDecimalName(std::string text, int* const (&numbers)[parts]) {
     if (text.front() == '+') *numbers[0] = -*numbers[0];
 }
 
-void readBase40Name(char const* text, int* const (&numbers)[parts]) {
-    for (int i = 0; i < parts; ++i) *numbers[i] = TRkBaseCubes::cnvrt40TToShort(text, 2 * i, 2);
-}
-
 }
 
 TRkString TRkMatCubes::MakeFilename(short cubenr, short p, short m, short t, short u) {
-    short const numbers[parts] = {cubenr, p, m, t, u};
-    return Version > lastBase40Version ? decimalName(numbers) : base40Name(numbers);
+    return cubes::fileStem(std::array{cubenr, p, m, t, u});
 }
 
 bool TRkMatCubes::MakeFilename(char const* stem, int& cubenr, int& p, int& m, int& t, int& u) {
@@ -51,6 +33,6 @@ bool TRkMatCubes::MakeFilename(char const* stem, int& cubenr, int& p, int& m, in
         return true;
     }
     if (text.size() != std::size_t{2} * parts) return false;
-    readBase40Name(stem, numbers);
+    cubes::readBase40Stem(stem, numbers);
     return true;
 }

@@ -1,16 +1,12 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
+#include "catalogue/EntryTable.h"
 #include "catalogue/MissingTable.h"
-#include "catalogue/StoredName.h"
 
 namespace {
 
-// The row goes first: a file without a row is harmless, a row without its file is not.
-void removeCurrentEntry(Rktable::TRkTableProxy& table, TRkFString const& directory) {
-    auto const* const filename = table.FindField("filename");
-    TRkFString const file(cubes::storedPath(directory.str(), filename ? filename->AsString().str() : std::string()));
-    table.Delete();
-    file.RmFile();
+void removeEntry(Rktable::TRkTableProxy& table, TRkFString const& directory) {
+    TRkFString(cubes::deleteRow(table, directory.str())).RmFile();
 }
 
 }
@@ -18,7 +14,7 @@ void removeCurrentEntry(Rktable::TRkTableProxy& table, TRkFString const& directo
 bool TRkMatCubes::Clear(short cubenr, short p, short m, short t, short u, bool zeroBased) const {
     auto table = Open();
     bool const found = LookUp(table, cubenr, p, m, t, u, zeroBased);
-    if (found) removeCurrentEntry(*table, matrixDirectory_);
+    if (found) removeEntry(*table, matrixDirectory_);
     Close(table);
     return found;
 }
@@ -46,7 +42,7 @@ bool TRkMatCubes::Remove(char const* cubeName, short p, short m, short t, short 
 bool TRkMatCubes::Clear(short cubenr) const {
     auto table = Open();
     bool const cleared = table && cubes::falseWithoutTable([&] {
-        while (table->Locate("cubenr", cubenr)) removeCurrentEntry(*table, matrixDirectory_);
+        while (table->Locate("cubenr", cubenr)) removeEntry(*table, matrixDirectory_);
         return true;
     });
     Close(table);

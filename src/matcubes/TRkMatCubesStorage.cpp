@@ -1,57 +1,18 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
 #include <cubes/matrix/TRkMatrix.h>
-#include <cubes/matrix/TRkMatrixException.h>
 
-#include "host/matrix/WriteLock.h"
-#include "host/platform/Files.h"
-#include "matcubes/EntryKey.h"
-
+#include <array>
 #include <memory>
-#include <optional>
-#include <stdexcept>
-#include <string>
+#include <span>
 
-using cubes::matcubes::EntryKey;
-using cubes::matcubes::storedKey;
-using cubes::matrix::WriteLock;
+#include "catalogue/EntryKey.h"
+#include "catalogue/MatrixReading.h"
 
 namespace {
 
-constexpr int rowAccess = 8;
 // Kinds above this one belong to the matrix itself and outlive its saving.
 constexpr unsigned lastCubeKind = 31;
-
-TRkString stemOf(EntryKey const& key) {
-    return TRkMatCubes::MakeFilename(key.cubenr, key.purpose, key.mode, key.time, key.user);
-}
-
-void requireColumn(TRkMatrix const& matrix, int column) {
-    if (column >= 0 && column < matrix.Columns()) return;
-    throw TRkMatrixException("cannot read column " + std::to_string(column) + " of " + matrix.FileName() + ": it has " +
-                                 std::to_string(matrix.Columns()) + " columns",
-        matrix.FileName());
-}
-
-// A file that someone else holds for writing is left alone.
-void copyUnderLock(std::string const& source, std::string const& target, RkLockState lock) {
-    try {
-        std::optional<WriteLock> held;
-        if (lock & lsWrite) held.emplace(target, WriteLock::Purpose::create);
-        cubes::platform::copyFile(source, target);
-    } catch (std::runtime_error const&) {
-        // Refused, or no lock can be had there.
-    }
-}
-
-// Reads one element and releases the matrix. The object itself stays: that is how callers know it.
-double readElement(std::unique_ptr<TRkMatrix> matrix, int row, int column) {
-    if (!matrix) return -1.0;
-    requireColumn(*matrix, column);
-    double const element = matrix->RowAt(row, rowAccess)[column];
-    matrix.release()->Release();
-    return element;
-}
 
 }
 
@@ -77,7 +38,8 @@ bool TRkMatCubes::Check(char const* cubeName, short p, short m, short t, short u
 TRkMatrix* TRkMatCubes::Get(short cubenr, short p, short m, short t, short u, RkLockState lock, bool zeroBased) const {
     TRkString const file = FileName(cubenr, p, m, t, u, zeroBased);
     if (file.IsEmpty()) return nullptr;
-    TRkString const name = CubeNrToName(cubenr) + " " + displayKey(*storedKey(cubenr, p, m, t, u, zeroBased));
+    auto const key = cubes::storedKey(std::array{cubenr, p, m, t, u}, zeroBased);
+    TRkString const name = CubeNrToName(cubenr) + " " + cubes::displayKey(std::span(*key).subspan(1));
     auto matrix = std::make_unique<TRkMatrix>(file.c_str(), 1, name.c_str(), true, mkDefault, lock, 0);
     return matrix->IsValid() ? matrix.release() : nullptr;
 }
@@ -89,7 +51,7 @@ TRkMatrix* TRkMatCubes::Get(
 
 double TRkMatCubes::Get(
     short cubenr, short p, short m, short t, short u, int i, int j, RkLockState lock, bool zeroBased) const {
-    return readElement(std::unique_ptr<TRkMatrix>(Get(cubenr, p, m, t, u, lock, zeroBased)), i, j);
+    return cubes::readElement(std::unique_ptr<TRkMatrix>(Get(cubenr, p, m, t, u, lock, zeroBased)), i, j);
 }
 
 double TRkMatCubes::Get(
@@ -99,8 +61,7 @@ double TRkMatCubes::Get(
 
 TRkMatrixHeader const* TRkMatCubes::GetHeader(
     char const* cubeName, short p, short m, short t, short u, bool zeroBased) const {
-    TRkString const file = FileName(cubeName, p, m, t, u, zeroBased);
-    return file.IsEmpty() ? nullptr : TRkMatrix().GetHeader(file.c_str());
+    return cubes::readHeader(FileName(cubeName, p, m, t, u, zeroBased));
 }
 
 bool TRkMatCubes::Set(
@@ -112,7 +73,7 @@ bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, 
     RkLockState lock, bool zeroBased) {
     if (Check(cubeName, p, m, t, u, zeroBased)) {
         // A number that the file's name cannot hold throws here, before anything is lost.
-        stemOf(*storedKey(CubeNameToNr(cubeName), p, m, t, u, zeroBased));
+        cubes::fileStem(*cubes::storedKey(std::array{CubeNameToNr(cubeName), p, m, t, u}, zeroBased));
         Clear(cubeName, p, m, t, u, zeroBased);
     }
     if (!Add(cubeName, p, m, t, u, zeroBased)) return false;
@@ -122,15 +83,15 @@ bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, 
 
 bool TRkMatCubes::SaveMatrix(
     TRkMatrix const& matrix, short cubenr, short p, short m, short t, short u, RkLockState lock, bool zeroBased) {
-    std::optional<EntryKey> const key = storedKey(cubenr, p, m, t, u, zeroBased);
+    auto const key = cubes::storedKey(std::array{cubenr, p, m, t, u}, zeroBased);
     if (!key) return false;
-    TRkFString const target(TRkString(matrixDirectory_) + stemOf(*key) + extension_);
+    TRkFString const target(TRkString(matrixDirectory_) + cubes::fileStem(*key) + extension_);
     matrix.Prepare();
     TRkFString const source(matrix.FileName());
     if (source.IsSameFile(target) && matrix.StateCode() != lsChanged) return false;
     if (matrix.StateCode() == lsUnchanged && source.Exists()) {
         // The file is as good as the matrix. False although it was written: the result is fixed so.
-        copyUnderLock(source.str(), target.str(), lock);
+        cubes::copyMatrixFile(source.str(), target.str(), lock);
         return false;
     }
     unsigned const sourceKind = matrix.Header().Kind();

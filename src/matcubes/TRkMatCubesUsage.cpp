@@ -1,37 +1,28 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
-namespace {
+#include "catalogue/EntryTable.h"
 
-constexpr char const* counterColumn = "usageCounter";
-
-bool keepsCounter(CountedPtr<Rktable::TRkTableProxy> const& table) {
-    return table && table->FindField(counterColumn);
-}
-
-bool isFree(Rktable::TRkTableProxy& table) {
-    auto const* const counter = table.FindField(counterColumn);
-    return !counter || counter->IsNull() || counter->AsInteger() == 0;
-}
-
-}
+using cubes::usageColumn;
 
 bool TRkMatCubes::incUsage(short cubenr, short p, short m, short t, short u) {
     auto table = Open();
-    bool const raised = keepsCounter(table) && LookUp(table, cubenr, p, m, t, u, false) && table->Raise(counterColumn);
+    bool const raised =
+        cubes::countsUsers(table) && LookUp(table, cubenr, p, m, t, u, false) && table->Raise(usageColumn);
     Close(table);
     return raised;
 }
 
 bool TRkMatCubes::decUsage(short cubenr, short p, short m, short t, short u) {
     auto table = Open();
-    bool const lowered = keepsCounter(table) && LookUp(table, cubenr, p, m, t, u, false) && table->Lower(counterColumn);
+    bool const lowered =
+        cubes::countsUsers(table) && LookUp(table, cubenr, p, m, t, u, false) && table->Lower(usageColumn);
     Close(table);
     return lowered;
 }
 
 bool TRkMatCubes::isCorrect(short cubenr, short p, short m, short t, short u) const {
     auto table = Open();
-    bool const correct = LookUp(table, cubenr, p, m, t, u, false) && isFree(*table);
+    bool const correct = LookUp(table, cubenr, p, m, t, u, false) && cubes::isFree(*table);
     Close(table);
     return correct;
 }

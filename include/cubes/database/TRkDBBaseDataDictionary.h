@@ -12,6 +12,10 @@ class CUBES_API TRkDBBaseDataDictionary {
 public:
     virtual ~TRkDBBaseDataDictionary();
 
+    /// The database that data tables are searched in, so that a project finds its own while
+    /// another one is current. Null, as constructed: the current one.
+    void SetConnection(Pgaccess::TPgConnection* connection) noexcept { connection_ = connection; }
+
     /// A cursor on a table, not yet opened and without a connection; empty when the dictionary
     /// knows no such table or the current database has none in that schema. An empty schema
     /// leaves the table name as it is. A null table name gives an empty pointer.
@@ -23,4 +27,7 @@ public:
     /// noticed by the operation that misses it.
     virtual bool BuildDataTables(
         char const* table, std::vector<CountedPtr<Rktable::TRkTableProxy>>& tables, AnsiString const& schema);
+
+private:
+    Pgaccess::TPgConnection* connection_ = nullptr;
 };

@@ -50,6 +50,11 @@ public:
     /// more elements than memory can hold.
     static TRkMatrix inMemory(int rows, int columns);
 
+    /// A selected-link matrix, all elements 0: its body is a TRkVLSelectedLinkMatrix. `file`: where
+    /// it is to live; null or empty for memory alone. Throws TRkMatrixException like inMemory; not
+    /// valid when the file cannot be made.
+    static TRkMatrix selectedLink(int rows, int columns, char const* file);
+
     /// Finishes the file of a new matrix that was filled by rows; a failure leaves the old file.
     virtual ~TRkMatrix();
     /// Whether the object is usable.
@@ -96,6 +101,7 @@ public:
     void SetZones(std::vector<std::int32_t> zones);
     /// The body that holds the elements; null when the object is not valid.
     TRkBaseMatrix const* Body() const noexcept;
+    TRkBaseMatrix* Body() noexcept;
     /// Why the object is not valid; empty while it is.
     std::string const& Reason() const noexcept;
 

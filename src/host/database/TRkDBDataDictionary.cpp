@@ -10,9 +10,12 @@ using Rktable::TRkTableProxy;
 
 namespace {
 
-Session* currentSession() {
-    auto* const connection = getConnectionManagerInstance().CurrentConnection();
+Session* sessionOf(Pgaccess::TPgConnection* connection) {
     return connection ? &connection->Backend() : nullptr;
+}
+
+Session* currentSession() {
+    return sessionOf(getConnectionManagerInstance().CurrentConnection());
 }
 
 CountedPtr<TRkTableProxy> cursorOn(std::string const& table, std::string const& schema) {
@@ -31,7 +34,7 @@ CountedPtr<TRkTableProxy> TRkDBBaseDataDictionary::BuildTable(char const* table,
 
 bool TRkDBBaseDataDictionary::BuildDataTables(
     char const* table, std::vector<CountedPtr<TRkTableProxy>>& tables, AnsiString const& schema) {
-    Session* const session = currentSession();
+    Session* const session = connection_ ? sessionOf(connection_) : currentSession();
     if (!session || !table) return false;
     auto const& found = session->catalog().dataTables(schema.c_str(), table);
     tables.reserve(tables.size() + found.size());

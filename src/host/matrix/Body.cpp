@@ -46,6 +46,11 @@ float* FileBody::all() {
     return describingFailure("cannot read matrix file", file(), [&] { return opened().all(); });
 }
 
+bool FileBody::release() {
+    elements_.reset();
+    return true;
+}
+
 void FileBody::assign(TRkMatrixHeader const& header, float const* elements) {
     copyElements(header, elements, all());
 }

@@ -11,7 +11,7 @@
 namespace cubes::matrix {
 
 /// What a TRkMatrix holds: elements, and where they belong.
-class Body : public TRkBaseMatrix {
+class Body : public virtual TRkBaseMatrix {
 public:
     explicit Body(std::string file) : file_(std::move(file)) {}
     char const* FileName() const noexcept override { return file_.c_str(); }
@@ -24,8 +24,8 @@ public:
     virtual float* all() = 0;
     /// Takes over all elements; `header` is that of this matrix.
     virtual void assign(TRkMatrixHeader const& header, float const* elements) = 0;
-    /// Frees what can be had again.
-    virtual void release() {}
+    /// Frees what can be had again. Whether nothing is left that belongs into the file.
+    virtual bool release() { return false; }
     /// Brings to the file what was written and is not there yet.
     virtual void finish(TRkMatrixHeader const&) {}
 
@@ -56,7 +56,7 @@ public:
     float* row(int row) override;
     float* all() override;
     void assign(TRkMatrixHeader const& header, float const* elements) override;
-    void release() override { elements_.reset(); }
+    bool release() override;
 
 private:
     Elements& opened();

@@ -19,6 +19,8 @@ struct FileHeader {
     std::optional<RkMatrixKind> kind;
     std::string name;
     std::vector<std::int32_t> zones;
+    /// Whether it is a selected-link matrix. Only compressed files keep this.
+    bool selectedLink = false;
 };
 
 /// Throws std::length_error when a dimension is below 1 or the elements pass what can be addressed.

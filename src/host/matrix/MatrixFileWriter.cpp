@@ -32,7 +32,7 @@ void writeMatrixFile(platform::TemporaryFile& temporary, std::string const& targ
     describingFailure("cannot write matrix file", target, [&] {
         std::string const directory = directoryOf(target);
         MatrixStorage const rule = matrixStorage(directory);
-        writerOf(rule.storage)(temporary.file(), table, header, elements);
+        writerOf(header.selectedLink ? Storage::deflate : rule.storage)(temporary.file(), table, header, elements);
         if (rule.durability == Durability::full) temporary.file().flush();
         temporary.publish();
         if (rule.durability == Durability::full) platform::flushDirectory(directory);

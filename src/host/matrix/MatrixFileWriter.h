@@ -9,8 +9,9 @@
 
 namespace cubes::matrix {
 
-/// Writes a complete matrix file under the rule of its directory and puts it in place. Throws
-/// TRkMatrixException; then the place is as it was before.
+/// Writes a complete matrix file under the rule of its directory and puts it in place; a
+/// selected-link matrix, which is mostly zeros, is always compressed. Throws TRkMatrixException;
+/// then the place is as it was before.
 void writeMatrixFile(platform::TemporaryFile& temporary, std::string const& target, std::string const& table,
     FileHeader const& header, float const* elements);
 

@@ -49,10 +49,12 @@ void NewFileBody::publish(TRkMatrixHeader const& header, float const* elements) 
     published_.emplace(file(), rows_, columns_);
 }
 
-void NewFileBody::release() {
-    if (!published_) return;
+// More may be assigned to a new file, so that it never counts as finished.
+bool NewFileBody::release() {
+    if (!published_) return false;
     memory_.reset();
     published_->release();
+    return false;
 }
 
 void NewFileBody::finish(TRkMatrixHeader const& header) {

@@ -20,7 +20,7 @@ public:
     float* writableRow(int row) override;
     float* all() override;
     void assign(TRkMatrixHeader const& header, float const* elements) override;
-    void release() override;
+    bool release() override;
     void finish(TRkMatrixHeader const& header) override;
 
 private:

@@ -14,6 +14,7 @@ inline constexpr char index[] = "cubes_index";
 inline constexpr char type[] = "cubes_type";
 inline constexpr char kind[] = "cubes_kind";
 inline constexpr char name[] = "cubes_name";
+inline constexpr char selectedLink[] = "cubes_selected_link";
 inline constexpr char checksum[] = "cubes_checksum";
 
 }

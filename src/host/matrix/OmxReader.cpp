@@ -117,6 +117,7 @@ OmxTable::OmxTable(Handle file, Handle dataset) : file_(std::move(file)), datase
     if (auto const kind = readNumber<std::int32_t>(id, omx::kind, H5T_NATIVE_INT32))
         header_.kind = static_cast<RkMatrixKind>(*kind);
     header_.name = readText(id, omx::name);
+    header_.selectedLink = readNumber<std::int32_t>(id, omx::selectedLink, H5T_NATIVE_INT32).value_or(0) != 0;
     if (size[0] == size[1]) header_.zones = readZones(file_.get(), size[0]);
     readLayout();
 }

@@ -138,6 +138,7 @@ void OmxWriter::createTable(std::string const& table, FileHeader const& header, 
     markForPyTables(table_.get(), "CARRAY", "1.1");
     writeNumber(table_.get(), omx::type, header.type.value_or(mtMatrixCube));
     writeNumber(table_.get(), omx::kind, header.kind.value_or(mkDefault));
+    if (header.selectedLink) writeNumber(table_.get(), omx::selectedLink, 1);
     if (!header.name.empty()) writeText(table_.get(), omx::name, header.name);
 }
 

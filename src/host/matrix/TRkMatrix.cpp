@@ -3,6 +3,7 @@
 #include "host/matrix/Body.h"
 #include "host/matrix/Failure.h"
 #include "host/matrix/NewFileBody.h"
+#include "host/matrix/SelectedLinkBody.h"
 #include "host/matrix/WriteLock.h"
 
 #include <optional>
@@ -13,6 +14,7 @@ using cubes::matrix::FileHeader;
 using cubes::matrix::MemoryBody;
 using cubes::matrix::NewFileBody;
 using cubes::matrix::OpenedFile;
+using cubes::matrix::SelectedLinkBody;
 using cubes::matrix::WriteLock;
 
 struct TRkMatrix::State {
@@ -37,7 +39,10 @@ struct TRkMatrix::State {
         OpenedFile opened = cubes::matrix::openMatrixFile(file);
         take(opened.header, kind);
         if (name && *name) header.name_ = TRkString(name);
-        body = std::make_unique<FileBody>(file, std::move(opened));
+        if (opened.header.selectedLink)
+            body = std::make_unique<SelectedLinkBody>(file, header, std::move(opened));
+        else
+            body = std::make_unique<FileBody>(file, std::move(opened));
     }
     void take(FileHeader const& stored, RkMatrixKind kind) {
         header = TRkMatrixHeader(
@@ -121,6 +126,20 @@ TRkMatrix TRkMatrix::inMemory(int rows, int columns) {
     return matrix;
 }
 
+TRkMatrix TRkMatrix::selectedLink(int rows, int columns, char const* file) {
+    TRkMatrix matrix = inMemory(rows, columns);
+    State& state = *matrix.state_;
+    state.file = file ? file : "";
+    state.header = TRkMatrixHeader(rows, columns, mtSelectedLink, mkSelectedLink);
+    try {
+        describingFailure("cannot create matrix file", state.file,
+            [&] { state.body = std::make_unique<SelectedLinkBody>(state.file, state.header); });
+    } catch (TRkMatrixException const& error) {
+        state.fail(error.what());
+    }
+    return matrix;
+}
+
 TRkMatrix::~TRkMatrix() {
     if (!state_ || !state_->body) return;
     try {
@@ -178,9 +197,7 @@ float const* TRkMatrix::Elements() const {
 
 void TRkMatrix::Release() {
     if (!IsValid()) return;
-    state_->body->release();
-    // The lock of a new file is needed until that file is finished; an opened one is let go.
-    if (dynamic_cast<FileBody const*>(state_->body.get())) state_->writeLock.reset();
+    if (state_->body->release()) state_->writeLock.reset();
 }
 
 void TRkMatrix::Prepare() const {}
@@ -232,6 +249,10 @@ void TRkMatrix::SetZones(std::vector<std::int32_t> zones) {
 }
 
 TRkBaseMatrix const* TRkMatrix::Body() const noexcept {
+    return state_ ? state_->body.get() : nullptr;
+}
+
+TRkBaseMatrix* TRkMatrix::Body() noexcept {
     return state_ ? state_->body.get() : nullptr;
 }
 

@@ -8,6 +8,7 @@
 #include "host/platform/Paths.h"
 #include "host/project/CreatedPaths.h"
 #include "host/project/ProjectFile.h"
+#include "host/project/ProjectSchema.h"
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkConnectionManager.h>
@@ -69,7 +70,9 @@ struct Project::Parts {
         : root(std::move(directory)), connection(url),
           settings(TRkFString::Directory(resolved(root, description.matrixDirectory)),
               TRkFString::Directory(resolved(root, description.workingDirectory))) {
+        dictionary.SetConnection(&connection);
         settings.Set("RkLib.DataDictionary", &dictionary);
+        settings.Set(project::schemaKey, &schema);
         setMatrixStorage(settings.MatrixDirectory().str(), description.storage);
         setMatrixStorage(settings.WorkingDirectory().str(), description.storage);
     }
@@ -78,7 +81,7 @@ struct Project::Parts {
     void makeCurrent();
 
     std::string root;
-    std::string schema;
+    project::SchemaName schema;
     Pgaccess::TPgConnection connection;
     TRkDBDataDictionary dictionary;
     TRkGlobalSettings settings;
@@ -118,7 +121,7 @@ Project Project::create(std::string const& directory, ProjectOptions const& opti
     auto parts = std::make_unique<Parts>(root, file, url);
     auto& session = parts->connection.Backend();
     database::Transaction transaction(session, session.dialect().beginDefinitions());
-    parts->schema = file.schema = freeSchema(session, root);
+    parts->schema.text = file.schema = freeSchema(session, root);
     database::makeMissingTables(session, file.schema);
     created.expectFile(project::projectFilePath(root));
     project::writeProjectFile(file, root);
@@ -138,8 +141,9 @@ Project Project::open(std::string const& directory) {
     if (!otherDatabase) requireDatabaseFile(url);
 
     auto parts = std::make_unique<Parts>(root, file, url);
-    parts->schema = file.schema.empty() ? ProjectUtils::toSqlSchemaName(AnsiString(root), {}).c_str() : file.schema;
-    database::makeMissingTables(parts->connection.Backend(), parts->schema);
+    parts->schema.text =
+        file.schema.empty() ? ProjectUtils::toSqlSchemaName(AnsiString(root), {}).c_str() : file.schema;
+    database::makeMissingTables(parts->connection.Backend(), parts->schema.text);
     parts->makeCurrent();
     return Project(std::move(parts));
 }
@@ -163,7 +167,7 @@ std::string const& Project::root() const noexcept {
 }
 
 std::string const& Project::schema() const noexcept {
-    return parts_->schema;
+    return parts_->schema.text;
 }
 
 void Project::makeCurrent() {

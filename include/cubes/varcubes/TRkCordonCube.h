@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/varcubes/TRkVarCubes.h>
+
+/// The cube of cordon results: the trips that cross a closed line.
+class CUBES_API TRkCordonCube : public TRkVarCubes {
+public:
+    static constexpr RkCubeTypes CubeType = ctCordon;
+    static constexpr RkMatrixType MatrixType = mtCordon;
+    /// ".cwm".
+    static char const* const Ext;
+
+    /// Takes the matrix directory from the settings. `flag`: passed to new matrices.
+    TRkCordonCube(TRkGlobalSettings* settings, bool flag);
+    /// An empty directory is taken from the settings.
+    TRkCordonCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
+    /// A text is no flag.
+    TRkCordonCube(TRkGlobalSettings*, char const*) = delete;
+    TRkCordonCube(TRkCordonCube const&);
+    TRkCordonCube& operator=(TRkCordonCube const&);
+    ~TRkCordonCube() override;
+
+    /// "cordoncube".
+    char const* Name() const;
+};

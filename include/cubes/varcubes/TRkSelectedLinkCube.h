@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/varcubes/TRkVarCubes.h>
+
+/// The cube of selected-link results: the trips that pass chosen links.
+class CUBES_API TRkSelectedLinkCube : public TRkVarCubes {
+public:
+    static constexpr RkCubeTypes CubeType = ctSelectedLink;
+    static constexpr RkMatrixType MatrixType = mtSelectedLink;
+    /// ".slm".
+    static char const* const Ext;
+
+    /// Takes the matrix directory from the settings. `flag`: passed to new matrices.
+    TRkSelectedLinkCube(TRkGlobalSettings* settings, bool flag);
+    /// An empty directory is taken from the settings.
+    TRkSelectedLinkCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
+    /// A text is no flag.
+    TRkSelectedLinkCube(TRkGlobalSettings*, char const*) = delete;
+    TRkSelectedLinkCube(TRkSelectedLinkCube const&);
+    TRkSelectedLinkCube& operator=(TRkSelectedLinkCube const&);
+    ~TRkSelectedLinkCube() override;
+
+    /// "selectedlinkcube".
+    char const* Name() const;
+
+    /// A selected-link matrix that lives in a file is copied as a file to the one that the key
+    /// names: true when that worked, false onto its own file. No row is written or asked. Any
+    /// other matrix is saved as in every result cube.
+    bool SaveMatrix(TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i, RkLockState lock,
+        bool zeroBased) override;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/varcubes/TRkVarCubes.h>
+
+/// The cube of skims: what a trip costs between each pair of zones.
+class CUBES_API TRkSkimCube : public TRkVarCubes {
+public:
+    static constexpr RkCubeTypes CubeType = ctSkim;
+    static constexpr RkMatrixType MatrixType = mtSkim;
+    /// ".skm".
+    static char const* const Ext;
+
+    /// Takes the matrix directory from the settings. `flag`: passed to new matrices.
+    TRkSkimCube(TRkGlobalSettings* settings, bool flag);
+    /// An empty directory is taken from the settings.
+    TRkSkimCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
+    /// A text is no flag.
+    TRkSkimCube(TRkGlobalSettings*, char const*) = delete;
+    TRkSkimCube(TRkSkimCube const&);
+    TRkSkimCube& operator=(TRkSkimCube const&);
+    ~TRkSkimCube() override;
+
+    /// "skimcube".
+    char const* Name() const;
+};

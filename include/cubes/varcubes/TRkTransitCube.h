@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/varcubes/TRkVarCubes.h>
+
+/// The cube of transit results.
+class CUBES_API TRkTransitCube : public TRkVarCubes {
+public:
+    static constexpr RkCubeTypes CubeType = ctTransit;
+    static constexpr RkMatrixType MatrixType = mtMatrixCube;
+    /// ".tsm".
+    static char const* const Ext;
+
+    /// Takes the matrix directory from the settings. `flag`: passed to new matrices.
+    TRkTransitCube(TRkGlobalSettings* settings, bool flag);
+    /// An empty directory is taken from the settings.
+    TRkTransitCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
+    /// A text is no flag.
+    TRkTransitCube(TRkGlobalSettings*, char const*) = delete;
+    TRkTransitCube(TRkTransitCube const&);
+    TRkTransitCube& operator=(TRkTransitCube const&);
+    ~TRkTransitCube() override;
+
+    /// "transitcube".
+    char const* Name() const;
+};

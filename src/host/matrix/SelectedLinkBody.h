@@ -1,0 +1,42 @@
+#pragma once
+
+#include "host/matrix/Body.h"
+#include "host/platform/TemporaryFile.h"
+
+#include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
+
+#include <optional>
+#include <string>
+
+namespace cubes::matrix {
+
+/// A selected-link matrix, new or opened from its file.
+class SelectedLinkBody : public Body, public TRkVLSelectedLinkMatrix {
+public:
+    /// For a new file, or for none. Makes the temporary file, so that a place where nothing can be
+    /// written is known at once. REQUIRES: the header outlives this object.
+    SelectedLinkBody(std::string file, TRkMatrixHeader const& header);
+    SelectedLinkBody(std::string file, TRkMatrixHeader const& header, OpenedFile opened);
+
+    char const* FileName() const noexcept override { return Body::FileName(); }
+    void Add(int row, int column, float value) override;
+    void Flush() const override;
+
+    float* row(int row) override { return elements_->row(row); }
+    float* writableRow(int row) override;
+    float* all() override { return elements_->all(); }
+    void assign(TRkMatrixHeader const& header, float const* elements) override;
+    bool release() override;
+    void finish(TRkMatrixHeader const& header) override;
+
+private:
+    void publish() const;
+
+    TRkMatrixHeader const& header_;
+    std::unique_ptr<FileBody> elements_;
+    mutable std::optional<platform::TemporaryFile> temporary_;
+    mutable bool hasFile_;
+    mutable bool isChanged_ = false;
+};
+
+}

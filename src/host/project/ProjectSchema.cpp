@@ -1,0 +1,22 @@
+#include "host/project/ProjectSchema.h"
+
+#include "host/platform/Paths.h"
+#include "host/project/ProjectFile.h"
+
+#include <cubes/project/ProjectPathHelpers.h>
+#include <cubes/project/ProjectUtils.h>
+#include <cubes/project/TRkGlobalSettings.h>
+
+namespace cubes::project {
+
+std::string projectSchema(TRkGlobalSettings const& settings) {
+    if (auto const* const name = dynamic_cast<SchemaName const*>(settings.Get(schemaKey))) return name->text;
+    std::string const root = ProjectPathHelpers::getProjectDirectory(settings.WorkingDirectory().c_str()).c_str();
+    if (isProject(root)) {
+        std::string const written = readProjectFile(root).schema;
+        if (!written.empty()) return written;
+    }
+    return ProjectUtils::toSqlSchemaName(AnsiString(root + platform::pathDelimiter()), {}).c_str();
+}
+
+}

@@ -1,0 +1,121 @@
+// The kinds of result cubes differ in what their entries are, hardly in what they do.
+
+#include <cubes/varcubes/TRkCordonCube.h>
+#include <cubes/varcubes/TRkPathCube.h>
+#include <cubes/varcubes/TRkScreenCube.h>
+#include <cubes/varcubes/TRkSelectedLinkCube.h>
+#include <cubes/varcubes/TRkSkimCube.h>
+#include <cubes/varcubes/TRkStop2StopCube.h>
+#include <cubes/varcubes/TRkTransitCube.h>
+
+char const* const TRkSkimCube::Ext = ".skm";
+
+TRkSkimCube::TRkSkimCube(TRkGlobalSettings* settings, bool flag)
+    : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkSkim, flag) {}
+
+TRkSkimCube::TRkSkimCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
+    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkSkim, flag) {}
+
+TRkSkimCube::TRkSkimCube(TRkSkimCube const&) = default;
+TRkSkimCube& TRkSkimCube::operator=(TRkSkimCube const&) = default;
+TRkSkimCube::~TRkSkimCube() = default;
+
+char const* TRkSkimCube::Name() const {
+    return "skimcube";
+}
+
+char const* const TRkSelectedLinkCube::Ext = ".slm";
+
+TRkSelectedLinkCube::TRkSelectedLinkCube(TRkGlobalSettings* settings, bool flag)
+    : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkSelectedLink, flag) {}
+
+TRkSelectedLinkCube::TRkSelectedLinkCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
+    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkSelectedLink, flag) {}
+
+TRkSelectedLinkCube::TRkSelectedLinkCube(TRkSelectedLinkCube const&) = default;
+TRkSelectedLinkCube& TRkSelectedLinkCube::operator=(TRkSelectedLinkCube const&) = default;
+TRkSelectedLinkCube::~TRkSelectedLinkCube() = default;
+
+char const* TRkSelectedLinkCube::Name() const {
+    return "selectedlinkcube";
+}
+
+char const* const TRkCordonCube::Ext = ".cwm";
+
+TRkCordonCube::TRkCordonCube(TRkGlobalSettings* settings, bool flag)
+    : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkDefault, flag) {}
+
+TRkCordonCube::TRkCordonCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
+    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkDefault, flag) {}
+
+TRkCordonCube::TRkCordonCube(TRkCordonCube const&) = default;
+TRkCordonCube& TRkCordonCube::operator=(TRkCordonCube const&) = default;
+TRkCordonCube::~TRkCordonCube() = default;
+
+char const* TRkCordonCube::Name() const {
+    return "cordoncube";
+}
+
+char const* const TRkScreenCube::Ext = ".crm";
+
+TRkScreenCube::TRkScreenCube(TRkGlobalSettings* settings, bool flag)
+    : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkScreenLine, flag) {}
+
+TRkScreenCube::TRkScreenCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
+    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkScreenLine, flag) {}
+
+TRkScreenCube::TRkScreenCube(TRkScreenCube const&) = default;
+TRkScreenCube& TRkScreenCube::operator=(TRkScreenCube const&) = default;
+TRkScreenCube::~TRkScreenCube() = default;
+
+char const* TRkScreenCube::Name() const {
+    return "screencube";
+}
+
+char const* const TRkTransitCube::Ext = ".tsm";
+
+TRkTransitCube::TRkTransitCube(TRkGlobalSettings* settings, bool flag)
+    : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkTransit, flag) {}
+
+TRkTransitCube::TRkTransitCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
+    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkTransit, flag) {}
+
+TRkTransitCube::TRkTransitCube(TRkTransitCube const&) = default;
+TRkTransitCube& TRkTransitCube::operator=(TRkTransitCube const&) = default;
+TRkTransitCube::~TRkTransitCube() = default;
+
+char const* TRkTransitCube::Name() const {
+    return "transitcube";
+}
+
+char const* const TRkPathCube::Ext = ".ptm";
+
+TRkPathCube::TRkPathCube(TRkGlobalSettings* settings, bool flag)
+    : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkPath, flag) {}
+
+TRkPathCube::TRkPathCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
+    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkPath, flag) {}
+
+TRkPathCube::TRkPathCube(TRkPathCube const&) = default;
+TRkPathCube& TRkPathCube::operator=(TRkPathCube const&) = default;
+TRkPathCube::~TRkPathCube() = default;
+
+char const* TRkPathCube::Name() const {
+    return "pathcube";
+}
+
+char const* const TRkStop2StopCube::Ext = ".s2s";
+
+TRkStop2StopCube::TRkStop2StopCube(TRkGlobalSettings* settings, bool flag)
+    : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkStopToStop, flag) {}
+
+TRkStop2StopCube::TRkStop2StopCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
+    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkStopToStop, flag) {}
+
+TRkStop2StopCube::TRkStop2StopCube(TRkStop2StopCube const&) = default;
+TRkStop2StopCube& TRkStop2StopCube::operator=(TRkStop2StopCube const&) = default;
+TRkStop2StopCube::~TRkStop2StopCube() = default;
+
+char const* TRkStop2StopCube::Name() const {
+    return "stop2stopcube";
+}

@@ -1,0 +1,259 @@
+#include <cubes/core/TRkCubesException.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "varcubes/VarCubesTest.h"
+
+namespace cubes::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ResultTransfer : public VarCubesTest {
+protected:
+    bool copy(short from, short to, bool failIfExists = false, bool zeroBased = false) {
+        return skims().Copy(1, 1, 1, 1, 1, from, 1, 1, 1, 1, 1, to, failIfExists, zeroBased);
+    }
+    bool move(short from, short to, bool failIfExists = false, bool zeroBased = false) {
+        return skims().Move(1, 1, 1, 1, 1, from, 1, 1, 1, 1, 1, to, failIfExists, zeroBased);
+    }
+    bool copyFrom(TRkVarCubes const& other, short from, short to, bool failIfExists = false) {
+        return skims().Copy(other, 1, 1, 1, 1, 1, from, 1, 1, 1, 1, 1, to, failIfExists, false);
+    }
+    bool moveFrom(TRkVarCubes const& other, short from, short to, bool failIfExists = false) {
+        return skims().Move(other, 1, 1, 1, 1, 1, from, 1, 1, 1, 1, 1, to, failIfExists, false);
+    }
+    void name(short iteration, std::string const& filename) {
+        execute(
+            "update " + table() + " set filename = '" + filename + "' where iteration = " + std::to_string(iteration));
+    }
+    static std::string messageOf(std::function<void()> const& call) {
+        try {
+            call();
+        } catch (TRkCubesException const& error) {
+            return error.what();
+        }
+        return "nothing was thrown";
+    }
+};
+
+CUBES_BOTH_BACKENDS(ResultTransfer);
+
+TEST_P(ResultTransfer, copiesRowAndFileWithoutParentAndCounter) {
+    store(skims(), 1, 1);
+    skims().Add(1, 1, 1, 1, 1, 1, -6, 1, 2, 3, 4, 5, 6, false);
+    skims().incUsage(1, 1, 1, 1, 1, 1);
+    EXPECT_TRUE(copy(1, 2));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|1|1-1-1-1-1-1.skm\n-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n");
+    EXPECT_EQ(parents(), "-6|1|2|3|4|5|6\nNULL|NULL|NULL|NULL|NULL|NULL|NULL\n");
+    EXPECT_EQ(readFile(pathOf("1-1-1-1-1-1.skm")), readFile(pathOf("1-1-1-1-1-2.skm")));
+    EXPECT_EQ(firstElement(skims(), 2), 1.0);
+}
+
+TEST_P(ResultTransfer, movesRowAndFile) {
+    store(skims(), 1, 1);
+    EXPECT_TRUE(move(1, 2));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n");
+    EXPECT_EQ(files(), "1-1-1-1-1-2.skm\n");
+    EXPECT_EQ(firstElement(skims(), 2), 1.0);
+}
+
+TEST_P(ResultTransfer, ontoTheSameKeyIsTrueAtOnce) {
+    EXPECT_TRUE(copy(1, 1, true));
+    EXPECT_TRUE(move(1, 1, true));
+    EXPECT_TRUE(copyFrom(TRkSkimCube(skims()), 1, 1, true));
+    EXPECT_EQ(rows(), "");
+    store(skims(), 1, 1);
+    EXPECT_TRUE(move(1, 1));
+    EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
+}
+
+TEST_P(ResultTransfer, overwritesATargetAndClearsItsParent) {
+    for (bool const moves : {false, true}) {
+        store(skims(), 1, 1);
+        store(skims(), 2, 2);
+        skims().Add(1, 1, 1, 1, 1, 2, -6, 1, 2, 3, 4, 5, 6, false);
+        name(2, "mine.skm");
+        writeFile(pathOf("mine.skm"), "old");
+        EXPECT_TRUE(moves ? move(1, 2) : copy(1, 2));
+        EXPECT_EQ(
+            read("select \"usageCounter\", filename from " + table() + " where iteration = 2"), "NULL|mine.skm\n");
+        EXPECT_EQ(read("select parentcubenr from " + table() + " where iteration = 2"), "NULL\n");
+        EXPECT_EQ(firstElement(skims(), 2), 1.0);
+    }
+    EXPECT_FALSE(skims().Check(1, 1, 1, 1, 1, 1, false));
+    EXPECT_FALSE(fs::exists(pathOf("1-1-1-1-1-1.skm")));
+}
+
+// The code of cubes, not of entries: so callers know copies and moves of results.
+TEST_P(ResultTransfer, refusesAnExistingTargetWithTheErrorOfCubes) {
+    store(skims(), 1, 1);
+    store(skims(), 2, 2);
+    std::string const before = rows();
+    EXPECT_EQ(messageOf([&] { copy(1, 2, true); }), "Cube already exists");
+    EXPECT_EQ(messageOf([&] { move(1, 2, true); }), "Cube already exists");
+    TRkPathCube paths(project().settings(), true);
+    EXPECT_TRUE(paths.Copy(skims(), 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, true, false));
+    EXPECT_EQ(messageOf([&] { copyFrom(paths, 1, 2, true); }), "Cube already exists");
+    EXPECT_EQ(messageOf([&] { moveFrom(paths, 1, 2, true); }), "Cube already exists");
+    EXPECT_TRUE(paths.Clear());
+    EXPECT_EQ(rows(), before);
+    EXPECT_EQ(firstElement(skims(), 2), 2.0);
+    EXPECT_TRUE(copy(1, 3, true));
+}
+
+TEST_P(ResultTransfer, ofAMissingSourceIsFalseAndChangesNothing) {
+    store(skims(), 2, 2);
+    std::string const before = rows();
+    EXPECT_FALSE(copy(1, 2));
+    EXPECT_FALSE(move(1, 2));
+    EXPECT_FALSE(copy(1, 2, true));
+    EXPECT_FALSE(copyFrom(TRkPathCube(project().settings(), true), 2, 3));
+    EXPECT_EQ(rows(), before);
+    skims().setMatrixSchema("nowhere");
+    EXPECT_FALSE(copy(2, 3));
+    EXPECT_FALSE(move(2, 3));
+}
+
+TEST_P(ResultTransfer, thatFailsLeavesTheTargetsRow) {
+    add(skims(), 1);
+    EXPECT_FALSE(copy(1, 2));
+    EXPECT_FALSE(move(1, 3));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n"
+                      "-1|1|1|1|1|1|3|0|1-1-1-1-1-3.skm\n");
+    EXPECT_EQ(files(), "");
+}
+
+TEST_P(ResultTransfer, ofAMissingFileLeavesTheTargetsFile) {
+    add(skims(), 1);
+    store(skims(), 2, 2);
+    EXPECT_FALSE(copy(1, 2));
+    EXPECT_FALSE(move(1, 2));
+    EXPECT_TRUE(skims().Check(1, 1, 1, 1, 1, 1, false));
+    EXPECT_EQ(firstElement(skims(), 2), 2.0);
+}
+
+TEST_P(ResultTransfer, neverFollowsANameOutOfTheDirectory) {
+    writeFile(pathOf("../outside.skm"), "precious");
+    store(skims(), 1, 1);
+    store(skims(), 2, 2);
+    for (std::string const& outside : {std::string("../outside.skm"), std::string(), pathOf("../outside.skm")}) {
+        name(1, outside);
+        EXPECT_FALSE(copy(1, 2)) << outside;
+        EXPECT_FALSE(move(1, 2)) << outside;
+        EXPECT_FALSE(copy(2, 1)) << outside;
+        EXPECT_FALSE(move(2, 1)) << outside;
+    }
+    EXPECT_EQ(readFile(pathOf("../outside.skm")), "precious");
+    EXPECT_EQ(firstElement(skims(), 2), 2.0);
+}
+
+// The zero-based flag serves the look-up alone, so the target has the key as it was handed in.
+TEST_P(ResultTransfer, zeroBasedFindsTheSourceOneBasedAndAddsTheTargetAsGiven) {
+    store(skims(), 1, 1);
+    EXPECT_TRUE(skims().Copy(0, 0, 0, 0, 1, 1, 5, 5, 5, 5, 1, 2, false, true));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n-1|5|5|5|5|1|2|0|5-5-5-5-1-2.skm\n");
+    EXPECT_TRUE(skims().Move(0, 0, 0, 0, 1, 1, 6, 6, 6, 6, 1, 2, false, true));
+    EXPECT_EQ(rows(), "-1|5|5|5|5|1|2|0|5-5-5-5-1-2.skm\n-1|6|6|6|6|1|2|0|6-6-6-6-1-2.skm\n");
+    EXPECT_EQ(files(), "5-5-5-5-1-2.skm\n6-6-6-6-1-2.skm\n");
+    // failIfExists looks the target up zero-based as well: 5/5/5/5 stands there for 4/4/4/4.
+    EXPECT_EQ(messageOf([&] { skims().Copy(5, 5, 5, 5, 1, 2, 4, 4, 4, 4, 1, 2, true, true); }), "Cube already exists");
+}
+
+TEST_P(ResultTransfer, zeroBasedOntoItsOwnFileIsFalseAndKeepsIt) {
+    store(skims(), 1, 1);
+    EXPECT_FALSE(skims().Copy(0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, false, true));
+    EXPECT_FALSE(skims().Move(0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, false, true));
+    EXPECT_TRUE(skims().Check(1, 1, 1, 1, 1, 1, false));
+    EXPECT_EQ(firstElement(skims(), 1), 1.0);
+}
+
+TEST_P(ResultTransfer, betweenCubesKeepsTheKeyAndChangesCubeAndExtension) {
+    TRkPathCube paths(project().settings(), true);
+    store(paths, 1, 1);
+    EXPECT_TRUE(copyFrom(paths, 1, 1, true));
+    EXPECT_EQ(rows(), "-6|1|1|1|1|1|1|0|1-1-1-1-1-1.ptm\n-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n");
+    EXPECT_EQ(firstElement(skims(), 1), 1.0);
+    EXPECT_TRUE(moveFrom(paths, 1, 2));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n");
+    EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n1-1-1-1-1-2.skm\n");
+}
+
+TEST_P(ResultTransfer, betweenProjectsWorksInBothTables) {
+    TestProject other(backend());
+    TRkSkimCube theirs(other.settings(), true);
+    store(theirs, 1, 7);
+    store(theirs, 2, 8);
+    EXPECT_TRUE(copyFrom(theirs, 1, 1, true));
+    EXPECT_TRUE(moveFrom(theirs, 2, 2, true));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n");
+    EXPECT_EQ(firstElement(skims(), 1), 7.0);
+    EXPECT_EQ(firstElement(skims(), 2), 8.0);
+    EXPECT_TRUE(theirs.Check(1, 1, 1, 1, 1, 1, false));
+    EXPECT_FALSE(theirs.Check(1, 1, 1, 1, 1, 2, false));
+    EXPECT_EQ(filesIn(theirs.MatrixDirectory().str()), "1-1-1-1-1-1.skm\n");
+}
+
+TEST_P(ResultTransfer, mergesADirectoryIntoAnExistingOne) {
+    for (short const i : {short(1), short(2)}) {
+        add(skims(), i);
+        fs::create_directories(pathOf("1-1-1-1-1-" + std::to_string(i) + ".skm/in"));
+    }
+    writeFile(pathOf("1-1-1-1-1-1.skm/in/a"), "new");
+    writeFile(pathOf("1-1-1-1-1-2.skm/in/a"), "old");
+    writeFile(pathOf("1-1-1-1-1-2.skm/b"), "stays");
+    EXPECT_TRUE(copy(1, 2));
+    EXPECT_EQ(readFile(pathOf("1-1-1-1-1-2.skm/in/a")), "new");
+    EXPECT_EQ(readFile(pathOf("1-1-1-1-1-2.skm/b")), "stays");
+    EXPECT_EQ(readFile(pathOf("1-1-1-1-1-1.skm/in/a")), "new");
+}
+
+TEST_P(ResultTransfer, movesADirectoryInPlaceOfAnother) {
+    for (short const i : {short(1), short(2)}) {
+        add(skims(), i);
+        fs::create_directory(pathOf("1-1-1-1-1-" + std::to_string(i) + ".skm"));
+    }
+    writeFile(pathOf("1-1-1-1-1-1.skm/a"), "new");
+    writeFile(pathOf("1-1-1-1-1-2.skm/b"), "old");
+    EXPECT_TRUE(move(1, 2));
+    EXPECT_EQ(files(), "1-1-1-1-1-2.skm\n1-1-1-1-1-2.skm/a\n");
+    EXPECT_FALSE(skims().Check(1, 1, 1, 1, 1, 1, false));
+}
+
+TEST_P(ResultTransfer, ofADirectoryToAFreeKeyCanBeAMoveButNoCopy) {
+    add(skims(), 1);
+    fs::create_directory(pathOf("1-1-1-1-1-1.skm"));
+    writeFile(pathOf("1-1-1-1-1-1.skm/a"), "x");
+    EXPECT_FALSE(copy(1, 2));
+    EXPECT_FALSE(fs::exists(pathOf("1-1-1-1-1-2.skm")));
+    EXPECT_TRUE(move(1, 3));
+    EXPECT_EQ(files(), "1-1-1-1-1-3.skm\n1-1-1-1-1-3.skm/a\n");
+}
+
+TEST_P(ResultTransfer, ofAFileOntoADirectoryIsFalse) {
+    store(skims(), 1, 1);
+    add(skims(), 2);
+    fs::create_directory(pathOf("1-1-1-1-1-2.skm"));
+    EXPECT_FALSE(copy(1, 2));
+    EXPECT_FALSE(move(1, 2));
+    EXPECT_EQ(firstElement(skims(), 1), 1.0);
+    EXPECT_TRUE(fs::is_directory(pathOf("1-1-1-1-1-2.skm")));
+}
+
+TEST_P(ResultTransfer, ofADirectoryIntoItselfIsFalseAndKeepsIt) {
+    add(skims(), 1);
+    add(skims(), 2);
+    fs::create_directories(pathOf("outer/inner"));
+    writeFile(pathOf("outer/inner/a"), "precious");
+    for (bool const swap : {false, true}) {
+        name(1, swap ? "outer" : "outer\\inner");
+        name(2, swap ? "outer\\inner" : "outer");
+        EXPECT_FALSE(copy(1, 2));
+        EXPECT_FALSE(move(1, 2));
+    }
+    EXPECT_EQ(files(), "outer\nouter/inner\nouter/inner/a\n");
+}
+
+}
+}

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cubes/database/TPgConnection.h>
+#include <cubes/matrix/TRkMatrix.h>
+#include <cubes/project/Project.h>
+#include <cubes/project/TRkGlobalSettings.h>
+#include <cubes/varcubes/TRkPathCube.h>
+#include <cubes/varcubes/TRkSkimCube.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "support/Backend.h"
+#include "support/TempDir.h"
+
+namespace cubes::test {
+
+/// A fresh project of its own on either backend, with a skim cube in it.
+class VarCubesTest : public BackendTest {
+protected:
+    void SetUp() override {
+        BackendTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
+        project_ = std::make_unique<TestProject>(backend());
+        skims_.emplace(project_->settings(), true);
+    }
+
+    TestProject& project() { return *project_; }
+    TRkSkimCube& skims() { return *skims_; }
+
+    void execute(std::string const& statement) { project().project().connection()->Execute(statement); }
+    std::string read(std::string const& query) { return joined(project().sql(query)); }
+    /// The entry table as an independent client sees it: "-1|1|2|3|4|5|6|0|1-2-3-4-5-6.skm" a line.
+    std::string rows() {
+        return read(
+            "select cubenr, purpose, mode, time, \"user\", result, iteration, \"usageCounter\", filename from " +
+            table() + " order by 1, 2, 3, 4, 5, 6, 7");
+    }
+    /// Their parents: "-6|1|2|3|4|5|6" a line.
+    std::string parents() {
+        return read("select parentcubenr, parentpurpose, parentmode, parenttime, parentuser, parentresult, "
+                    "parentiteration from " +
+                    table() + " order by cubenr, purpose, mode, time, \"user\", result, iteration");
+    }
+    std::string table() { return project().database().table(project().project().schema(), "cube5data1"); }
+
+    std::string directory() { return project().settings()->WorkingDirectory().str(); }
+    /// What lies in the matrix directory, the lock file of all writers left out.
+    std::string files() { return filesIn(directory()); }
+    static std::string filesIn(std::string const& path) {
+        std::string names = listing(path);
+        std::string const lock = ".cubes-lock\n";
+        std::size_t const place = names.find(lock);
+        return place == std::string::npos ? names : names.erase(place, lock.size());
+    }
+    std::string pathOf(std::string const& name) { return directory() + name; }
+
+    /// Adds an entry without parent: 1/1/1/1/1/`iteration`.
+    static bool add(TRkVarCubes& cube, short iteration) {
+        return cube.Add(1, 1, 1, 1, 1, iteration, 0, -1, -1, -1, -1, -1, -1, false);
+    }
+    /// Stores 1/1/1/1/1/`iteration` with a matrix that is recognised by its first element.
+    static bool store(TRkVarCubes& cube, short iteration, float first) {
+        return cube.Set(1, 1, 1, 1, 1, iteration, matrix(first), lsReadWrite, false);
+    }
+    static TRkMatrix matrix(float first) {
+        TRkMatrix made = TRkMatrix::inMemory(2, 3);
+        for (int row = 0; row < 2; ++row)
+            for (int column = 0; column < 3; ++column)
+                made.RowAt(row, 8)[column] = first + static_cast<float>(10 * row + column);
+        return made;
+    }
+    static std::unique_ptr<TRkMatrix> open(TRkVarCubes const& cube, short iteration, RkLockState lock) {
+        return std::unique_ptr<TRkMatrix>(cube.Get(1, 1, 1, 1, 1, iteration, lock, false));
+    }
+    /// What a later reader finds in the file of 1/1/1/1/1/`iteration`, or -1 without a matrix.
+    static double firstElement(TRkVarCubes const& cube, short iteration) {
+        auto const found = open(cube, iteration, lsRead);
+        return found ? found->RowAt(0, 8)[0] : -1.0;
+    }
+
+private:
+    std::unique_ptr<TestProject> project_;
+    std::optional<TRkSkimCube> skims_;
+};
+
+}
