@@ -1,40 +1,21 @@
 #pragma once
 
 #include "tool/Command.h"
-#include "tool/Entry.h"
+#include "tool/EntryFamily.h"
 
 #include <cubes/matcubes/TRkMatCubes.h>
 #include <cubes/matrix/TRkMatrix.h>
 #include <cubes/project/Project.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace cubes::tool {
 
-/// A cube of the register.
-struct Cube {
-    short number;
-    std::string name;
-
-    /// Its name, or its number when the register has no name for it.
-    std::string text() const;
-};
-
-/// A place for a matrix: a cube and a key.
-struct Entry {
-    Cube cube;
-    Key key;
-
-    /// "Base/1/2/3/4".
-    std::string text() const;
-    /// The file it is stored in: "1-1-2-3-4.odm".
-    std::string fileName() const;
-};
-
-/// What the commands ask of a project: its cubes and entries. What is asked for and not there is
-/// a Refusal; a matrix that is there and cannot be read, a Failure.
+/// What the commands ask of a project: its cubes and entries, and its results. What is asked for
+/// and not there is a Refusal; a matrix that is there and cannot be read, a Failure.
 class Catalogue {
 public:
     explicit Catalogue(std::string const& directory);
@@ -44,21 +25,26 @@ public:
 
     Project const& project() const noexcept { return project_; }
 
-    /// In the order of their numbers.
+    /// The cubes of the register in the order of their numbers. What the register holds of the
+    /// kinds of results is left out.
     std::vector<Cube> cubes() const;
-    /// In the order of their keys.
+    /// In the order of their keys: those of the cubes, then the results kind by kind.
     std::vector<Entry> entries() const;
     std::vector<Entry> entriesOf(Cube const& cube) const;
     Cube cube(CubeWord const& word) const;
+    /// The cube of that number, whether it is there or not.
+    Cube cubeOf(short number) const;
     Entry entry(EntryWord const& word) const;
 
     bool has(CubeWord const& word) const;
     bool has(Entry const& entry) const;
     /// Whether somebody uses the entry, so that it must stay as it is.
     bool isInUse(Entry const& entry) const;
-    /// Where the entry's matrix is; empty when its row names no file inside the matrix directory.
+    /// Where the entry's matrix is; empty when its row names no file inside its directory.
     std::string path(Entry const& entry) const;
     std::unique_ptr<TRkMatrix> matrix(Entry const& entry) const;
+    /// The number of those who use the entry.
+    long users(Entry const& entry) const;
 
     /// Registers the cube; one of that name stays as it is.
     Cube add(std::string const& name);
@@ -67,14 +53,37 @@ public:
     Entry store(EntryWord const& word, TRkMatrix const& matrix);
     void remove(Cube const& cube);
     void remove(Entry const& entry);
+    /// Raises or lowers the number of users; below 0 is refused.
+    void use(Entry const& entry);
+    void leave(Entry const& entry);
+
+    /// The entries of a kind that have a parent.
+    std::vector<Derived> derivedOf(ResultKind const& kind) const;
+    void setParent(Entry const& entry, ParentNumbers const& parent);
+
+    /// What becomes of an entry that is there already.
+    enum class Existing { replaced, refused };
+    /// Makes the entry of the word what `from` is; a cube given by a new name is registered. An
+    /// entry in use is refused: the target, and the source of a move. Onto itself nothing happens.
+    Entry copy(Entry const& from, EntryWord const& to, Existing existing);
+    Entry move(Entry const& from, EntryWord const& to, Existing existing);
 
 private:
+    EntryFamily& familyOf(Cube const& cube) const;
+    using FilePlacing = bool (EntryFamily::*)(EntryFamily const& source, Entry const& from, Entry const& to);
+    template <typename Action>
+    Entry inCube(EntryWord const& word, Action const& action);
+    void refuseTarget(Entry const& to, Existing existing) const;
+    void place(Entry const& from, Entry const& to, FilePlacing placing);
+    void refuseUse(Entry const& entry) const;
     void storeAt(Entry const& entry, TRkMatrix const& matrix);
     void refuseToReplace(Entry const& entry) const;
     void write(Entry const& entry, TRkMatrix const& matrix);
 
     Project project_;
-    TRkMatCubes cubes_;
+    TRkMatCubes register_;
+    std::unique_ptr<EntryFamily> cubeEntries_;
+    std::map<ResultKind const*, std::unique_ptr<EntryFamily>> results_;
 };
 
 }

@@ -64,9 +64,8 @@ Table listed(std::vector<CityMatrix> const& matrices) {
         {"mean", "mean"}});
     for (auto const& matrix : matrices) {
         auto const figures = figuresOf(*matrix.table);
-        table.add({matrix.entry.cube.text + "/" + textOf(matrix.entry.key),
-            matrix.purpose.empty() ? Json() : Json(matrix.purpose), matrix.mode, matrix.period,
-            trusted(figures.total, cellsIn(figures)), trusted(figures.mean, cellsIn(figures))});
+        table.add({matrix.entry.text(), matrix.purpose.empty() ? Json() : Json(matrix.purpose), matrix.mode,
+            matrix.period, trusted(figures.total, cellsIn(figures)), trusted(figures.mean, cellsIn(figures))});
     }
     return table;
 }

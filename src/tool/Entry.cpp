@@ -1,6 +1,7 @@
 #include "tool/Entry.h"
 
 #include "tool/Errors.h"
+#include "tool/ResultKinds.h"
 
 #include <fmt/format.h>
 
@@ -12,7 +13,15 @@ namespace cubes::tool {
 
 namespace {
 
-constexpr std::array<char const*, 4> partNames = {"purpose", "mode", "time", "user"};
+/// A part of a key and the least number that it can be.
+struct Part {
+    char const* name;
+    short least;
+};
+
+constexpr Part parts[] = {{"purpose", 1}, {"mode", 1}, {"time", 1}, {"user", 1}, {"result", 0}, {"iteration", 0}};
+constexpr std::size_t partsOfCubes = 4;
+constexpr std::size_t partsOfResults = 6;
 constexpr short greatest = std::numeric_limits<short>::max();
 
 bool isDigits(std::string_view text) {
@@ -31,25 +40,46 @@ std::optional<short> shortOf(std::string_view text) {
     return number;
 }
 
-short parsePart(char const* name, std::string const& text) {
+short parsePart(Part const& part, std::string const& text) {
     auto const number = shortOf(text);
-    if (!number || *number < 1)
-        throw Refusal(fmt::format("{} must be a number from 1 to {}, not \"{}\"", name, greatest, text));
+    if (!number || *number < part.least)
+        throw Refusal(
+            fmt::format("{} must be a number from {} to {}, not \"{}\"", part.name, part.least, greatest, text));
     return *number;
+}
+
+std::size_t slashesIn(std::string const& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '/'));
+}
+
+/// Splits the parts of a key off from the right, and leaves what stands in front of them.
+Key takeKey(std::string& text, std::size_t count) {
+    Key key(count);
+    for (std::size_t i = count; i-- > 0;) {
+        auto const slash = text.rfind('/');
+        key[i] = parsePart(parts[i], text.substr(slash + 1));
+        text.resize(slash);
+    }
+    return key;
+}
+
+[[noreturn]] void refuseWord(std::string const& text, std::string const& expected) {
+    throw UsageError(fmt::format("\"{}\" is no entry: expected {}", text, expected));
 }
 
 }
 
 std::string textOf(Key const& key) {
-    return fmt::format("{}/{}/{}/{}", key[0], key[1], key[2], key[3]);
+    return fmt::format("{}", fmt::join(key, "/"));
 }
 
 bool isEntry(std::string const& text) {
-    return std::count(text.begin(), text.end(), '/') >= 4;
+    return slashesIn(text) >= partsOfCubes;
 }
 
 CubeWord parseCube(std::string const& text) {
     if (text.empty()) throw UsageError("the name of the cube is empty");
+    if (auto const* const kind = findResultKind(text)) return {text, kind->number, kind};
     if (!looksLikeNumber(text)) return {text, std::nullopt};
     auto const number = shortOf(text);
     if (!number) throw Refusal(fmt::format("the cube's number {} is beyond 16 bits", text));
@@ -57,16 +87,14 @@ CubeWord parseCube(std::string const& text) {
 }
 
 EntryWord parseEntry(std::string const& text) {
-    if (!isEntry(text)) throw UsageError(fmt::format("\"{}\" is no entry: expected CUBE/purpose/mode/time/user", text));
-    EntryWord entry;
+    auto const* const kind = findResultKind(text.substr(0, text.find('/')));
+    std::size_t const count = kind ? partsOfResults : partsOfCubes;
+    if (kind && slashesIn(text) != count)
+        refuseWord(text, kind->word + std::string("/purpose/mode/time/user/result/iteration"));
+    if (slashesIn(text) < count) refuseWord(text, "CUBE/purpose/mode/time/user");
     std::string rest = text;
-    for (std::size_t part = partNames.size(); part-- > 0;) {
-        auto const slash = rest.rfind('/');
-        entry.key[part] = parsePart(partNames[part], rest.substr(slash + 1));
-        rest.resize(slash);
-    }
-    entry.cube = parseCube(rest);
-    return entry;
+    Key key = takeKey(rest, count);
+    return {parseCube(rest), std::move(key)};
 }
 
 }

@@ -1,27 +1,56 @@
 #pragma once
 
-#include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace cubes::tool {
 
-/// A cube as it was written on the command line: by name, or by number when it is made of digits.
+struct ResultKind;
+
+/// A cube as it was written on the command line: by name, by number when it is made of digits, or
+/// the word for a kind of results.
 struct CubeWord {
     std::string text;
     std::optional<short> number;
+    /// Null for a cube of the register.
+    ResultKind const* results = nullptr;
 };
 
-/// Purpose, mode, time and user, one-based.
-using Key = std::array<short, 4>;
+/// Purpose, mode, time and user, one-based; of a result also result and iteration.
+using Key = std::vector<short>;
 
 /// "1/2/3/4".
 std::string textOf(Key const& key);
 
-/// An entry as it was written: CUBE/purpose/mode/time/user.
+/// An entry as it was written: CUBE/purpose/mode/time/user, or with the word for a kind of results
+/// KIND/purpose/mode/time/user/result/iteration.
 struct EntryWord {
     CubeWord cube;
     Key key;
+
+    std::string text() const { return cube.text + "/" + textOf(key); }
+};
+
+/// A cube of the register, or the results of a kind.
+struct Cube {
+    short number = 0;
+    std::string name;
+    /// Null for a cube of the register.
+    ResultKind const* results = nullptr;
+
+    /// Its name, or its number when the register has no name for it.
+    std::string text() const { return name.empty() ? std::to_string(number) : name; }
+};
+
+/// A place for a matrix: a cube and a key.
+struct Entry {
+    Cube cube;
+    Key key;
+
+    /// "Base/1/2/3/4", "skim/1/2/3/4/1/1".
+    std::string text() const { return cube.text() + "/" + textOf(key); }
+    friend bool operator==(Entry const& a, Entry const& b) { return a.cube.number == b.cube.number && a.key == b.key; }
 };
 
 /// Whether the text is made as an entry, not as a cube: at least four slashes.

@@ -36,6 +36,10 @@ void Output::show(Record const& record) {
     add(textIn(form_, record));
 }
 
+void Output::show(Json const& value) {
+    add(dumped(value));
+}
+
 void Output::write() const {
     if (written(text_) || errno == EPIPE) return;
     throw Failure(fmt::format("standard output: {}", std::strerror(errno)));

@@ -18,6 +18,7 @@ public:
     Form form() const noexcept { return form_; }
     void show(Table const& table);
     void show(Record const& record);
+    void show(Json const& value);
     void add(std::string const& text) { text_ += text; }
 
     /// Writes everything. Throws Failure when the stream refuses; a reader that went away

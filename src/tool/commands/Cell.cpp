@@ -36,7 +36,7 @@ public:
     Cell() : Command("cell", "Print one value of an entry") {}
 
     void declare(CLI::App& line) override {
-        line.add_option("ENTRY", entry_, "CUBE/purpose/mode/time/user")->required();
+        line.add_option("ENTRY", entry_, "The entry")->required();
         line.add_option("ORIGIN", origin_, "Number of the zone of origin; its position from 1 in a matrix without")
             ->required();
         line.add_option("DESTINATION", destination_, "The same of the zone of destination")->required();

@@ -15,6 +15,12 @@ std::unique_ptr<Command> makeImport();
 std::unique_ptr<Command> makeExport();
 std::unique_ptr<Command> makeShow();
 std::unique_ptr<Command> makeCell();
+std::unique_ptr<Command> makeCopy();
+std::unique_ptr<Command> makeMove();
 std::unique_ptr<Command> makeRemove();
+std::unique_ptr<Command> makeParent();
+std::unique_ptr<Command> makeChildren();
+std::unique_ptr<Command> makeTree();
+std::unique_ptr<Command> makeUse();
 
 }

@@ -13,6 +13,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// Purpose, mode, time, user, result, iteration.
+constexpr std::size_t longestKey = 6;
+
 /// The file of an entry as a listing shows it.
 struct FileFacts {
     std::string state = "missing";
@@ -42,7 +45,7 @@ public:
     Entries() : Command("entries", "List the entries of a cube, or of all") {}
 
     void declare(CLI::App& line) override {
-        line.add_option("CUBE", cube_, "Name or number of a cube; else the entries of all cubes");
+        line.add_option("CUBE", cube_, "Name or number of a cube, or a kind of results; else the entries of all");
     }
 
     std::string task() const override { return cube_.empty() ? "list the entries" : "list the entries of " + cube_; }
@@ -51,9 +54,9 @@ public:
         auto const catalogue = Catalogue::open(surroundings);
         auto const entries =
             cube_.empty() ? catalogue.entries() : catalogue.entriesOf(catalogue.cube(parseCube(cube_)));
-        Table table(
-            {{"", "entry"}, {"cube", ""}, {"name", ""}, {"purpose", ""}, {"mode", ""}, {"time", ""}, {"user", ""},
-                {"file", "file"}, {"state", "state"}, {"size", "size"}, {"rows", "rows"}, {"columns", "columns"}});
+        Table table({{"", "entry"}, {"cube", ""}, {"name", ""}, {"purpose", ""}, {"mode", ""}, {"time", ""},
+            {"user", ""}, {"result", ""}, {"iteration", ""}, {"file", "file"}, {"state", "state"}, {"size", "size"},
+            {"rows", "rows"}, {"columns", "columns"}});
         Progress progress("listing");
         for (std::size_t i = 0; i < entries.size(); ++i) {
             table.add(rowOf(entries[i], catalogue.path(entries[i])));
@@ -66,9 +69,13 @@ public:
 private:
     static std::vector<Json> rowOf(Entry const& entry, std::string const& path) {
         auto const facts = factsOf(path);
-        auto const& [p, m, t, u] = entry.key;
-        return {entry.text(), entry.cube.number, entry.cube.name, p, m, t, u, fs::path(path).filename().string(),
-            facts.state, facts.size, facts.rows, facts.columns};
+        std::vector<Json> row = {entry.text(), entry.cube.number, entry.cube.name};
+        for (std::size_t part = 0; part < longestKey; ++part)
+            row.push_back(part < entry.key.size() ? Json(entry.key[part]) : Json());
+        for (auto const& fact :
+            {Json(fs::path(path).filename().string()), Json(facts.state), facts.size, facts.rows, facts.columns})
+            row.push_back(fact);
+        return row;
     }
 
     std::string cube_;

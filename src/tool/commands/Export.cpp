@@ -19,7 +19,7 @@ public:
     Export() : Command("export", "Write the matrix of an entry to a file") {}
 
     void declare(CLI::App& line) override {
-        line.add_option("ENTRY", entry_, "CUBE/purpose/mode/time/user")->required();
+        line.add_option("ENTRY", entry_, "The entry")->required();
         line.add_option("FILE", file_, "The file; its extension tells the format: .omx or .csv")->required();
         line.add_option("--form", form_, "How a .csv file is written: long (default), one line a cell, or wide")
             ->check(CLI::IsMember({"long", "wide"}))

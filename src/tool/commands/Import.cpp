@@ -24,7 +24,7 @@ public:
 
     void declare(CLI::App& line) override {
         line.add_option("FILE", file_, "The file; its extension tells the format: .omx, .csv or .tntp")->required();
-        line.add_option("ENTRY", entry_, "CUBE/purpose/mode/time/user; a cube of a new name is added")->required();
+        line.add_option("ENTRY", entry_, "The entry; a cube of a new name is added")->required();
         line.add_option("--table", table_, "Table of an OMX file that holds several")->type_name("NAME");
         line.add_flag("--allow-negative", allowNegative_, "Store negative cells too, which no trip table has");
     }

@@ -17,7 +17,7 @@ public:
     Remove() : Command("remove", "Remove an entry, or a cube with all its entries") {}
 
     void declare(CLI::App& line) override {
-        line.add_option("WHAT", what_, "CUBE, or ENTRY as CUBE/purpose/mode/time/user")->required();
+        line.add_option("WHAT", what_, "CUBE, or ENTRY; a kind of results stands for all its entries")->required();
     }
 
     std::string task() const override { return "remove " + what_; }

@@ -52,9 +52,7 @@ class Show : public Command {
 public:
     Show() : Command("show", "Print what the matrix of an entry is like") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("ENTRY", entry_, "CUBE/purpose/mode/time/user")->required();
-    }
+    void declare(CLI::App& line) override { line.add_option("ENTRY", entry_, "The entry")->required(); }
 
     std::string task() const override { return "show " + entry_; }
 

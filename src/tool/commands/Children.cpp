@@ -1,0 +1,42 @@
+#include "tool/Catalogue.h"
+#include "tool/Lineage.h"
+#include "tool/Messages.h"
+#include "tool/commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace cubes::tool {
+
+namespace {
+
+class Children : public Command {
+public:
+    Children() : Command("children", "List the results derived from an entry") {}
+
+    void declare(CLI::App& line) override { line.add_option("ENTRY", entry_, "The entry, there or not")->required(); }
+
+    std::string task() const override { return "list the children of " + entry_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const word = parseEntry(entry_);
+        auto const catalogue = Catalogue::open(surroundings);
+        Entry const entry = {catalogue.cube(word.cube), word.key};
+        Table table({{"entry", "entry"}, {"file", "file"}});
+        auto const children = Lineage(catalogue).childrenOf(entry);
+        for (auto const& child : children) table.add({child.text(), catalogue.path(child)});
+        output.show(table);
+        if (children.empty()) tellNote(fmt::format("nothing was derived from {}", entry.text()));
+    }
+
+private:
+    std::string entry_;
+};
+
+}
+
+std::unique_ptr<Command> makeChildren() {
+    return std::make_unique<Children>();
+}
+
+}

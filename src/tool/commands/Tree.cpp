@@ -1,0 +1,48 @@
+#include "tool/Catalogue.h"
+#include "tool/Errors.h"
+#include "tool/LineageReport.h"
+#include "tool/commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace cubes::tool {
+
+namespace {
+
+class Tree : public Command {
+public:
+    Tree() : Command("tree", "Show what an entry was derived from and what was derived from it") {}
+
+    void declare(CLI::App& line) override {
+        line.add_option("ENTRY", entry_, "The entry, there or not")->required();
+        line.add_flag("--dot", dot_, "Print a graph for Graphviz");
+    }
+
+    std::string task() const override { return "show the lineage of " + entry_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const word = parseEntry(entry_);
+        auto const catalogue = Catalogue::open(surroundings);
+        Lineage const lineage(catalogue);
+        Entry const entry = {catalogue.cube(word.cube), word.key};
+        auto const root = lineageOf(entry, lineage, catalogue);
+        if (!catalogue.has(entry) && root.isAsked && root.children.empty())
+            throw Refusal("there is no such entry, and nothing was derived from it");
+        if (dot_) return output.add(asDot(root));
+        if (output.form() == Form::json) return output.show(asJson(root));
+        output.add(asText(root));
+    }
+
+private:
+    std::string entry_;
+    bool dot_ = false;
+};
+
+}
+
+std::unique_ptr<Command> makeTree() {
+    return std::make_unique<Tree>();
+}
+
+}
