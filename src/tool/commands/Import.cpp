@@ -56,14 +56,15 @@ private:
         auto const isNegative = [](float value) { return value < 0; };
         auto const first = std::find_if(trips.cells.begin(), trips.cells.end(), isNegative);
         if (first == trips.cells.end()) return;
-        auto const index = static_cast<int>(first - trips.cells.begin());
-        auto const zone = [&](int position) {
-            return trips.zones.empty() ? position + 1 : trips.zones[static_cast<std::size_t>(position)];
+        auto const index = static_cast<std::size_t>(first - trips.cells.begin());
+        auto const columns = static_cast<std::size_t>(trips.columns);
+        auto const zone = [&](std::size_t position) {
+            return trips.zones.empty() ? static_cast<std::int32_t>(position + 1) : trips.zones[position];
         };
         throw FormatError(
             file_, fmt::format("found {} from zone {} to zone {}, expected cells that are not negative ({} are); "
                                "--allow-negative stores them",
-                       *first, zone(index / trips.columns), zone(index % trips.columns),
+                       *first, zone(index / columns), zone(index % columns),
                        std::count_if(first, trips.cells.end(), isNegative)));
     }
 

@@ -3,19 +3,26 @@
 
 #include "ToolSession.h"
 
+#include <optional>
+
 namespace {
 
 using namespace cubes::test;
 
 class FullDisk : public BackendTest {
 protected:
-    void SetUp() override { mayMount_ = session_.run("unshare --mount mount -t tmpfs none .").exitCode == 0; }
+    void SetUp() override {
+        BackendTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
+        session_.emplace(backend());
+        mayMount_ = session_->run("unshare --mount mount -t tmpfs none .").exitCode == 0;
+    }
 
     /// Runs the lines with a small disk in a directory.
     ProcessResult runWithDisk(std::string const& where, std::string const& lines) const {
         if (!mayMount_) return runWithLimit("256", lines);
-        session_.write("lines.sh", "mount -t tmpfs -o size=256k none " + where + "\n" + lines);
-        return session_.run("unshare --mount sh lines.sh");
+        session_->write("lines.sh", "mount -t tmpfs -o size=256k none " + where + "\n" + lines);
+        return session_->run("unshare --mount sh lines.sh");
     }
     /// Runs the lines with a full disk in the working directory.
     ProcessResult runWithFullDisk(std::string const& lines) const {
@@ -27,14 +34,14 @@ protected:
         EXPECT_NE(errors.find(reason), std::string::npos) << errors;
     }
 
-    ToolSession session_{backend()};
+    std::optional<ToolSession> session_;
 
 private:
     ProcessResult runWithLimit(std::string const& kibibytes, std::string const& lines) const {
         // Results and messages go through pipes: they are caught in files.
-        session_.write("lines.sh",
+        session_->write("lines.sh",
             "{ { trap '' XFSZ; ulimit -f " + kibibytes + "\n" + lines + "\n} 2>&1 1>&3 | cat >&2; } 3>&1 | cat\n");
-        return session_.run("bash lines.sh");
+        return session_->run("bash lines.sh");
     }
 
     bool mayMount_ = false;
@@ -43,10 +50,10 @@ private:
 CUBES_BOTH_BACKENDS(FullDisk);
 
 TEST_P(FullDisk, leavesTheOldMatrixAndNoNewEntry) {
-    session_.makeProject();
-    session_.write("small.csv", ",1,2\n1,1,2\n2,3,4\n");
-    session_.run("/usr/bin/python3 -c \"n = range(1, 401)\nprint(',' + ','.join(map(str, n)))\n"
-                 "for i in n: print(i, *n, sep=',')\" > large.csv");
+    session_->makeProject();
+    session_->write("small.csv", ",1,2\n1,1,2\n2,3,4\n");
+    session_->run("/usr/bin/python3 -c \"n = range(1, 401)\nprint(',' + ','.join(map(str, n)))\n"
+                  "for i in n: print(i, *n, sep=',')\" > large.csv");
     auto const result = runWithDisk("matrices", R"(
 cubes import small.csv Base/1/1/1/1 >/dev/null
 cubes import large.csv Base/1/1/1/1; echo $?
@@ -63,10 +70,10 @@ cubes list
 }
 
 TEST_P(FullDisk, keepsTheOldFileOfAnExport) {
-    session_.makeProject();
-    session_.run("/usr/bin/python3 -c \"n = range(1, 401)\nprint(',' + ','.join(map(str, n)))\n"
-                 "for i in n: print(i, *n, sep=',')\" > large.csv");
-    session_.run("cubes import large.csv Base/1/1/1/1 && mkdir disk");
+    session_->makeProject();
+    session_->run("/usr/bin/python3 -c \"n = range(1, 401)\nprint(',' + ','.join(map(str, n)))\n"
+                  "for i in n: print(i, *n, sep=',')\" > large.csv");
+    session_->run("cubes import large.csv Base/1/1/1/1 && mkdir disk");
     auto const result = runWithDisk("disk", R"(
 echo old > disk/out.csv
 echo old > disk/out.omx
