@@ -5,6 +5,7 @@
 
 #include "host/matrix/WriteLock.h"
 #include "host/platform/Files.h"
+#include "host/platform/MoveFile.h"
 
 #include <optional>
 #include <stdexcept>
@@ -42,6 +43,16 @@ bool copyMatrixFile(std::string const& source, std::string const& target, RkLock
         std::optional<matrix::WriteLock> held;
         if (lock & lsWrite) held.emplace(target, matrix::WriteLock::Purpose::create);
         return platform::copyFile(source, target);
+    } catch (std::runtime_error const&) {
+        return false;
+    }
+}
+
+bool moveMatrixFile(std::string const& source, std::string const& target) {
+    try {
+        matrix::WriteLock const held(target, matrix::WriteLock::Purpose::create);
+        platform::removeFile(target);
+        return platform::moveFile(source, target);
     } catch (std::runtime_error const&) {
         return false;
     }

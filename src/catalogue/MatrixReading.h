@@ -22,4 +22,8 @@ TRkMatrixHeader const* readHeader(TRkString const& file);
 /// when the target is the source, cannot be written or is held by someone else; then it is left alone.
 bool copyMatrixFile(std::string const& source, std::string const& target, RkLockState lock);
 
+/// Removes the target and moves the source to its place, holding the target's lock. False when the
+/// target is held by someone else, which leaves both alone, or when the file cannot be moved.
+bool moveMatrixFile(std::string const& source, std::string const& target);
+
 }

@@ -3,6 +3,7 @@
 #include <cubes/core/TRkCubesException.h>
 
 #include "catalogue/EntryTable.h"
+#include "catalogue/MatrixReading.h"
 #include "host/platform/Files.h"
 #include "host/platform/MoveFile.h"
 #include "host/platform/Paths.h"
@@ -15,18 +16,8 @@ bool lookUp(TRkVarCubes const& cube, CountedPtr<Rktable::TRkTableProxy> const& t
     return cube.LookUp(table, k[0], k[1], k[2], k[3], k[4], k[5], k[6], zeroBased);
 }
 
-// Whether one path is the other or lies in it: then neither can take the other's place.
-bool overlap(std::string const& first, std::string const& second) {
-    auto const inside = [](std::string const& path) {
-        return platform::foldCase(TRkFString::Directory(platform::absolutePath(path)).str());
-    };
-    std::string const a = inside(first);
-    std::string const b = inside(second);
-    return a.starts_with(b) || b.starts_with(a);
-}
-
 bool canBePlaced(TRkFString const& source, TRkFString const& target) {
-    return !source.File().IsEmpty() && !target.File().IsEmpty() && !overlap(source.str(), target.str());
+    return !source.File().IsEmpty() && !target.File().IsEmpty() && !platform::overlap(source.str(), target.str());
 }
 
 bool areDirectories(std::string const& source, std::string const& target) {
@@ -38,12 +29,13 @@ bool areDirectories(std::string const& source, std::string const& target) {
 bool copyEntryFile(std::string const& source, std::string const& target) {
     if (!canBePlaced(source, target)) return false;
     if (areDirectories(source, target)) return TRkFString(source).CopyTo(target.c_str(), true);
-    return platform::copyFile(source, target);
+    return copyMatrixFile(source, target, lsReadWrite);
 }
 
 bool moveEntryFile(std::string const& source, std::string const& target) {
     if (!canBePlaced(source, target) || !platform::exists(source)) return false;
-    if (areDirectories(source, target))
+    if (!platform::isDirectory(source)) return moveMatrixFile(source, target);
+    if (platform::isDirectory(target))
         platform::removeDirectory(target, true);
     else
         platform::removeFile(target);
@@ -51,7 +43,7 @@ bool moveEntryFile(std::string const& source, std::string const& target) {
 }
 
 bool EntryTransfer::isDone() const {
-    return from == to && source.MatrixDirectory() == target.MatrixDirectory();
+    return from == to && source.MatrixDirectory().IsSameFile(target.MatrixDirectory());
 }
 
 bool EntryTransfer::run(FileOperation place) const {

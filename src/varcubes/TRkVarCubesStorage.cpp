@@ -46,12 +46,13 @@ bool isSaved(TRkMatrix const& matrix, TRkFString const& target, RkLockState lock
 
 bool TRkVarCubes::Set(
     short p, short m, short t, short u, short r, short i, TRkMatrix const& matrix, RkLockState lock, bool zeroBased) {
-    // A number that a key or the file's name cannot hold ends here, before anything is lost.
+    // Numbers that a key or a file's name cannot hold end here, before anything is lost.
     if (MatrixFile(p, m, t, u, r, i, zeroBased).IsEmpty()) return false;
+    MakeFilename(p, m, t, u, r, i);
     if (Check(p, m, t, u, r, i, zeroBased)) Clear(p, m, t, u, r, i, zeroBased);
     // Callers rely on what is added here: the key as it was handed in, with the flag as parent cube.
     short const parent = zeroBased ? 1 : 0;
-    if (!Add(p, m, t, u, r, i, parent, -1, -1, -1, -1, -1, -1, false)) return false;
+    Add(p, m, t, u, r, i, parent, -1, -1, -1, -1, -1, -1, false);
     return SaveMatrix(matrix, p, m, t, u, r, i, lock, zeroBased);
 }
 

@@ -11,9 +11,11 @@ namespace cubes::test {
 
 namespace fs = std::filesystem;
 
-TempDir::TempDir() {
+TempDir::TempDir() : TempDir(fs::temp_directory_path()) {}
+
+TempDir::TempDir(fs::path const& parent) {
     std::random_device random;
-    do path_ = fs::temp_directory_path() / ("cubes-test-" + std::to_string(random()) + std::to_string(random()));
+    do path_ = parent / ("cubes-test-" + std::to_string(random()) + std::to_string(random()));
     while (!fs::create_directory(path_));
 }
 

@@ -9,6 +9,8 @@ namespace cubes::test {
 class TempDir {
 public:
     TempDir();
+    /// On the file system of `parent`.
+    explicit TempDir(std::filesystem::path const& parent);
     ~TempDir();
     TempDir(TempDir const&) = delete;
     TempDir& operator=(TempDir const&) = delete;

@@ -1,3 +1,4 @@
+#include <cubes/core/TRkCubesException.h>
 #include <cubes/matrix/TRkMatrixException.h>
 
 #include <filesystem>
@@ -58,10 +59,10 @@ TEST_P(ResultStorage, zeroBasedClearsTheEntryOfTheShiftedKey) {
     EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
 }
 
-TEST_P(ResultStorage, withoutATableWritesNothing) {
+TEST_P(ResultStorage, withoutATableWritesTheFileAllTheSame) {
     skims().setMatrixSchema("nowhere");
-    EXPECT_FALSE(store(skims(), 1, 1));
-    EXPECT_EQ(files(), "");
+    EXPECT_TRUE(store(skims(), 1, 1));
+    EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
     EXPECT_EQ(open(skims(), 1, lsRead), nullptr);
 }
 
@@ -243,6 +244,41 @@ TEST_P(ResultStorage, ofSelectedLinksAndScreenLinesTakesTheWriteLockWhateverTheC
         EXPECT_EQ(cube.SaveMatrix(matrix(2), 1, 1, 1, 1, 1, 1, lsRead, false), c.saved) << c.cubeType;
         EXPECT_FALSE(cube.SaveMatrix(matrix(2), 1, 1, 1, 1, 1, 1, lsReadWrite, false)) << c.cubeType;
     }
+}
+
+// Raised by 1 it would be no number of 16 bits.
+TEST_P(ResultStorage, hasNoEntryForTheLastZeroBasedNumber) {
+    short const last = 32767;
+    auto table = skims().Open();
+    EXPECT_FALSE(skims().LookUp(table, -1, last, 1, 1, 1, 1, 1, true));
+    EXPECT_FALSE(skims().Add(table, -1, 1, last, 1, 1, 1, 1, 0, -1, -1, -1, -1, -1, -1, true));
+    EXPECT_EQ(skims().Get(1, 1, last, 1, 1, 1, lsRead, true), nullptr);
+    EXPECT_FALSE(skims().Set(1, 1, 1, last, 1, 1, matrix(1), lsRead, true));
+    EXPECT_FALSE(skims().SaveMatrix(matrix(1), last, 1, 1, 1, 1, 1, lsRead, true));
+    EXPECT_EQ(rows(), "");
+    EXPECT_EQ(files(), "");
+    // Result and iteration are never raised.
+    EXPECT_TRUE(skims().Add(0, 0, 0, 0, last, last, 0, -1, -1, -1, -1, -1, -1, true));
+    EXPECT_TRUE(skims().Check(1, 1, 1, 1, last, last, false));
+}
+
+TEST_P(ResultStorage, keepsTheOldEntryWhenThePairsCannotHoldANumber) {
+    ASSERT_TRUE(skims().Set(0, 1, 1, 1, 1, 1, matrix(1), lsRead, false));
+    TRkBaseCubes::Version = 3;
+    EXPECT_THROW(skims().Set(-1, 0, 0, 0, 1, 1, matrix(2), lsRead, true), TRkCubesException);
+    EXPECT_THROW(skims().Set(1600, 1, 1, 1, 1, 1, matrix(2), lsRead, false), TRkCubesException);
+    TRkBaseCubes::Version = 4;
+    EXPECT_EQ(files(), "0-1-1-1-1-1.skm\n");
+    EXPECT_EQ(rows(), "-1|0|1|1|1|1|1|0|0-1-1-1-1-1.skm\n");
+}
+
+// As callers are told: give it a matrix that is not bound to the entry's own file.
+TEST_P(ResultStorage, ontoTheMatrixsOwnFileInPlaceClearsAndThenRefuses) {
+    store(skims(), 1, 1);
+    auto const own = open(skims(), 1, lsRead);
+    EXPECT_FALSE(skims().Set(1, 1, 1, 1, 1, 1, *own, lsInPlace, false));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n");
+    EXPECT_EQ(files(), "");
 }
 
 }

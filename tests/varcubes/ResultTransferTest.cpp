@@ -2,7 +2,9 @@
 
 #include <filesystem>
 #include <functional>
+#include <stdexcept>
 
+#include "support/Forked.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -253,6 +255,48 @@ TEST_P(ResultTransfer, ofADirectoryIntoItselfIsFalseAndKeepsIt) {
         EXPECT_FALSE(move(1, 2));
     }
     EXPECT_EQ(files(), "outer\nouter/inner\nouter/inner/a\n");
+}
+
+#ifndef _WIN32
+TEST_P(ResultTransfer, losesNothingThroughALinkToTheSameDirectory) {
+    store(skims(), 1, 1);
+    TempDir const elsewhere;
+    fs::create_directory_symlink(directory(), elsewhere.file("link"));
+    TRkSkimCube const linked(project().settings(), elsewhere.file("link").c_str(), true);
+    EXPECT_FALSE(moveFrom(linked, 1, 1));
+    EXPECT_FALSE(copyFrom(linked, 1, 1));
+    EXPECT_EQ(firstElement(skims(), 1), 1.0);
+    EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
+}
+#endif
+
+TEST_P(ResultTransfer, leavesATargetAloneThatSomeoneWrites) {
+    store(skims(), 1, 1);
+    store(skims(), 2, 2);
+    std::string const root = project().root();
+    auto const writing = open(skims(), 2, lsReadWrite);
+    ASSERT_NE(writing, nullptr);
+    EXPECT_EQ(inProcesses(1,
+                  [&](int) {
+                      Project const own = Project::open(root);
+                      TRkSkimCube cube(own.settings(), true);
+                      if (cube.Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false))
+                          throw std::runtime_error("copied");
+                      if (cube.Move(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false))
+                          throw std::runtime_error("moved");
+                  }),
+        1);
+    EXPECT_EQ(firstElement(skims(), 1), 1.0);
+    EXPECT_EQ(firstElement(skims(), 2), 2.0);
+}
+
+TEST_P(ResultTransfer, betweenCubesRaisesZeroBasedKeysForLookingUpAlone) {
+    TempDir const elsewhere;
+    TRkSkimCube other(project().settings(), elsewhere.str().c_str(), true);
+    store(other, 1, 1);
+    EXPECT_TRUE(skims().Copy(other, 0, 0, 0, 0, 1, 1, 2, 2, 2, 2, 1, 1, false, true));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n-1|2|2|2|2|1|1|0|2-2-2-2-1-1.skm\n");
+    EXPECT_EQ(files(), "2-2-2-2-1-1.skm\n");
 }
 
 }

@@ -1,6 +1,6 @@
-#include <thread>
-#include <vector>
+#include <stdexcept>
 
+#include "support/Forked.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -79,18 +79,17 @@ TEST_P(ResultUsage, findsACounterColumnOfOtherLetterCase) {
     EXPECT_FALSE(isCorrect());
 }
 
-TEST_P(ResultUsage, losesNoChangeOfTwoConnections) {
+TEST_P(ResultUsage, losesNoChangeOfTwoProcesses) {
     std::string const root = project().root();
-    auto const raiseOften = [&](Pgaccess::TPgConnection* connection) {
-        TRkSkimCube cube(skims());
-        cube.SetConnection(connection);
-        for (int i = 0; i < 50; ++i) ASSERT_TRUE(cube.incUsage(1, 1, 1, 1, 1, 1));
-    };
-    Pgaccess::TPgConnection second(project().database().url());
-    raiseOften(&second);
-    raiseOften(project().project().connection());
-    raiseOften(&second);
-    EXPECT_EQ(counter(), "150\n");
+    EXPECT_EQ(inProcesses(2,
+                  [&](int) {
+                      Project const own = Project::open(root);
+                      TRkSkimCube cube(own.settings(), true);
+                      for (int i = 0; i < 50; ++i)
+                          if (!cube.incUsage(1, 1, 1, 1, 1, 1)) throw std::runtime_error("not raised");
+                  }),
+        2);
+    EXPECT_EQ(counter(), "100\n");
 }
 
 }

@@ -5,7 +5,9 @@
 
 /// The body of a selected-link matrix: the trips that pass chosen links, few of all pairs. It is
 /// filled pair by pair and flushed to its file, which is compressed and, opened again, gives such
-/// a body; any reader sees an ordinary matrix in it. Made by TRkMatrix::selectedLink.
+/// a body; any reader sees an ordinary matrix in it. Made by TRkMatrix::selectedLink. Opened again, what is
+/// written into its rows stays with the object, as in every opened matrix: only what is added
+/// reaches the file.
 class CUBES_API TRkVLSelectedLinkMatrix : public virtual TRkBaseMatrix {
 public:
     ~TRkVLSelectedLinkMatrix() override;

@@ -24,27 +24,28 @@ ViewedElements::ViewedElements(platform::FileView view, FileIndex const& index)
     : view_(std::move(view)), columns_(static_cast<std::size_t>(index.header.columns)),
       elements_(reinterpret_cast<float*>(view_.bytes().data() + index.places.elements)) {}
 
-TableElements::TableElements(OmxTable table) : table_(std::move(table)) {}
+TableElements::TableElements(OmxTable table)
+    : rows_(table.header().rows), columns_(table.header().columns), table_(std::move(table)) {}
 
 MemoryElements& TableElements::memory() {
-    if (!memory_) memory_ = std::make_unique<MemoryElements>(table_.header().rows, table_.header().columns);
+    if (!memory_) memory_ = std::make_unique<MemoryElements>(rows_, columns_);
     return *memory_;
 }
 
 float* TableElements::row(int row) {
-    int const first = row - row % table_.bandRows();
-    if (complete_ || first == firstRow_) return memory().row(row);
-    if (firstRow_ >= 0)
-        return all() + static_cast<std::size_t>(row) * static_cast<std::size_t>(table_.header().columns);
-    table_.readBand(first, memory().all());
+    if (!table_) return memory().row(row);
+    int const first = row - row % table_->bandRows();
+    if (first == firstRow_) return memory().row(row);
+    if (firstRow_ >= 0) return all() + static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_);
+    table_->readBand(first, memory().all());
     firstRow_ = first;
     return memory().row(row);
 }
 
 // Rows already handed out stay where they are, and keep what was written to them.
 float* TableElements::all() {
-    if (!complete_) table_.readAllBut(firstRow_, memory().all());
-    complete_ = true;
+    if (table_) table_->readAllBut(firstRow_, memory().all());
+    table_.reset();
     return memory().all();
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace cubes::matrix {
@@ -61,11 +62,13 @@ public:
 private:
     MemoryElements& memory();
 
-    OmxTable table_;
+    int const rows_;
+    int const columns_;
+    // Closed when everything is read: others may replace the file then, wherever a system minds.
+    std::optional<OmxTable> table_;
     std::unique_ptr<MemoryElements> memory_;
     // Where the band begins that was read alone.
     int firstRow_ = -1;
-    bool complete_ = false;
 };
 
 /// An opened matrix file.

@@ -5,7 +5,7 @@
 
 #include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
 
-#include <optional>
+#include <memory>
 #include <string>
 
 namespace cubes::matrix {
@@ -34,7 +34,9 @@ private:
 
     TRkMatrixHeader const& header_;
     std::unique_ptr<FileBody> elements_;
-    mutable std::optional<platform::TemporaryFile> temporary_;
+    // Made beforehand for a new file; gone with the first attempt to write it.
+    mutable std::unique_ptr<platform::TemporaryFile> temporary_;
+    bool isNew_;
     mutable bool hasFile_;
     mutable bool isChanged_ = false;
 };

@@ -26,6 +26,12 @@ bool isInside(std::string const& path, std::string const& directory) {
     return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
 }
 
+std::string withoutLinks(std::string const& path) {
+    std::error_code error;
+    fs::path const canonical = fs::weakly_canonical(toPath(path), error);
+    return error ? path : fromPath(canonical);
+}
+
 }
 
 bool exists(std::string const& path) {
@@ -86,6 +92,14 @@ bool copyFile(std::string const& source, std::string const& target) {
     } catch (std::exception const&) {
         return false;
     }
+}
+
+bool overlap(std::string const& first, std::string const& second) {
+    std::error_code error;
+    if (fs::equivalent(toPath(first), toPath(second), error)) return true;
+    std::string const a = withoutLinks(first);
+    std::string const b = withoutLinks(second);
+    return isInside(a, b) || isInside(b, a);
 }
 
 std::string absolutePath(std::string const& path) {

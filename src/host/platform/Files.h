@@ -21,6 +21,9 @@ bool copy(std::string const& source, std::string const& target, bool overwrite);
 bool copyFile(std::string const& source, std::string const& target);
 /// Whether both texts name the same file without asking the file system for links.
 bool isSamePath(std::string const& first, std::string const& second);
+/// Whether one path is the other or lies in it, links followed as far as they exist: then neither
+/// can take the other's place.
+bool overlap(std::string const& first, std::string const& second);
 /// The absolute, lexically normalised form of a path.
 std::string absolutePath(std::string const& path);
 

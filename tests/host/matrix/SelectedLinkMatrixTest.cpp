@@ -189,5 +189,37 @@ TEST_F(SelectedLinkMatrix, keepsKindAndZonesInItsFile) {
     EXPECT_EQ(opened().Zones(), (std::vector<std::int32_t>{5, 7, 9}));
 }
 
+TEST_F(SelectedLinkMatrix, isWrittenAsOftenAsItIsAssigned) {
+    TRkMatrix matrix = made(1, 2);
+    TRkMatrix source = TRkMatrix::inMemory(1, 2);
+    for (float const value : {3.0f, 4.0f}) {
+        source.RowAt(0, 8)[1] = value;
+        matrix.AssignFrom(source);
+        EXPECT_EQ(opened().RowAt(0, 8)[1], value);
+    }
+}
+
+TEST_F(SelectedLinkMatrix, canBeFlushedOnceTheCauseOfAFailureIsGone) {
+    TRkMatrix matrix = made(2, 2);
+    links(matrix).Add(1, 1, 9);
+    fs::create_directory(file());
+    EXPECT_THROW(links(matrix).Flush(), TRkMatrixException);
+    EXPECT_EQ(files(), "a.slm\n");
+    fs::remove(file());
+    links(matrix).Flush();
+    EXPECT_EQ(opened().RowAt(1, 8)[1], 9.0f);
+}
+
+TEST_F(SelectedLinkMatrix, keepsRowsWrittenInAnOpenedMatrixToItself) {
+    {
+        TRkMatrix matrix = made(2, 2);
+        links(matrix).Add(0, 0, 1);
+    }
+    TRkMatrix again = opened();
+    again.RowAt(0, 8)[0] = 99;
+    links(again).Flush();
+    EXPECT_EQ(opened().RowAt(0, 8)[0], 1.0f);
+}
+
 }
 }

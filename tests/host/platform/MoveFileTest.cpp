@@ -59,7 +59,8 @@ bool isOtherFileSystem(std::string const& first, std::string const& second) {
 TEST(MoveFile, copiesAFileToAnotherFileSystemButNoDirectory) {
     TempDir const directory;
     if (!isOtherFileSystem(directory.str(), "/dev/shm")) GTEST_SKIP() << "SKIPPED: no second file system here";
-    fs::path const target = fs::path("/dev/shm") / fs::path(directory.str()).filename();
+    TempDir const other("/dev/shm");
+    fs::path const target = other.file("a");
     writeFile(directory.file("a"), "content");
     EXPECT_TRUE(moveFile(directory.file("a"), target.string()));
     EXPECT_EQ(readFile(target.string()), "content");
