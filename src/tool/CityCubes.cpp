@@ -6,6 +6,9 @@ namespace {
 
 constexpr short onlyUser = 1;
 constexpr short noPurpose = 1;
+constexpr short distances = 1;
+constexpr short times = 2;
+constexpr short firstIteration = 1;
 
 int count(std::vector<std::string> const& names) {
     return static_cast<int>(names.size());
@@ -19,27 +22,50 @@ short oneBased(int index) {
     return static_cast<short>(index + 1);
 }
 
-CityMatrix made(City const& city, char const* cube, short purpose, int mode, int period, TripTable const& table) {
-    Key const key = {purpose, oneBased(mode), oneBased(period), onlyUser};
-    return {{{cube, std::nullopt}, key}, "", nameAt(city.modes, mode), nameAt(city.periods, period), &table};
+EntryWord tripsAt(int purpose, int mode, int period) {
+    return {{tripsCube, std::nullopt}, {oneBased(purpose), oneBased(mode), oneBased(period), onlyUser}};
+}
+
+EntryWord skimAt(int mode, int period, short result) {
+    return {parseCube("skim"), {noPurpose, oneBased(mode), oneBased(period), onlyUser, result, firstIteration}};
+}
+
+EntryWord selectedLinkAt(int purpose, short iteration) {
+    return {parseCube("selectedlink"), {oneBased(purpose), 1, 1, onlyUser, 1, iteration}};
 }
 
 void addTrips(City const& city, std::vector<CityMatrix>& matrices) {
     for (int purpose = 0; purpose < count(city.purposes); ++purpose)
         for (int mode = 0; mode < count(city.modes); ++mode)
-            for (int period = 0; period < count(city.periods); ++period) {
-                auto const& trips = city.trips(purpose, mode, period);
-                matrices.push_back(made(city, tripsCube, oneBased(purpose), mode, period, trips));
-                matrices.back().purpose = nameAt(city.purposes, purpose);
-            }
+            for (int period = 0; period < count(city.periods); ++period)
+                matrices.push_back({tripsAt(purpose, mode, period), {}, nameAt(city.purposes, purpose),
+                    nameAt(city.modes, mode), nameAt(city.periods, period), &city.trips(purpose, mode, period)});
 }
 
-using Skim = TripTable const& (City::*)(int mode, int period) const;
-
-void addSkims(City const& city, char const* cube, Skim skim, std::vector<CityMatrix>& matrices) {
+// Times were worked out over the distances.
+void addSkims(City const& city, std::vector<CityMatrix>& matrices) {
     for (int mode = 0; mode < count(city.modes); ++mode)
-        for (int period = 0; period < count(city.periods); ++period)
-            matrices.push_back(made(city, cube, noPurpose, mode, period, (city.*skim)(mode, period)));
+        for (int period = 0; period < count(city.periods); ++period) {
+            auto const distance = skimAt(mode, period, distances);
+            auto const add = [&](EntryWord const& entry, std::optional<EntryWord> const& parent,
+                                 TripTable const& table) {
+                matrices.push_back({entry, parent, "", nameAt(city.modes, mode), nameAt(city.periods, period), &table});
+            };
+            add(distance, {}, city.distance(mode, period));
+            add(skimAt(mode, period, times), distance, city.time(mode, period));
+        }
+}
+
+void addSelectedLinks(City const& city, std::vector<CityMatrix>& matrices) {
+    for (int purpose = 0; purpose < count(city.purposes); ++purpose) {
+        EntryWord parent = tripsAt(purpose, 0, 0);
+        for (int link : {0, 1}) {
+            auto const entry = selectedLinkAt(purpose, oneBased(link));
+            matrices.push_back({entry, parent, nameAt(city.purposes, purpose), city.modes.front(), city.periods.front(),
+                &city.tripsOverLinks(purpose, link)});
+            parent = entry;
+        }
+    }
 }
 
 }
@@ -47,8 +73,8 @@ void addSkims(City const& city, char const* cube, Skim skim, std::vector<CityMat
 std::vector<CityMatrix> matricesOf(City const& city) {
     std::vector<CityMatrix> matrices;
     addTrips(city, matrices);
-    addSkims(city, "Distance", &City::distance, matrices);
-    addSkims(city, "Time", &City::time, matrices);
+    addSkims(city, matrices);
+    addSelectedLinks(city, matrices);
     return matrices;
 }
 

@@ -38,9 +38,9 @@ void addLine(Table& table, City const& city, std::vector<Json> head, Figure figu
 
 using Skim = TripTable const& (City::*)(int mode, int period) const;
 
-void addSkims(Table& table, City const& city, char const* cube, char const* figure, Skim skim) {
+void addSkims(Table& table, City const& city, char const* figure, Skim skim) {
     for (int mode = 0; mode < count(city.modes); ++mode)
-        addLine(table, city, {cube, figure, Json(), nameAt(city.modes, mode)},
+        addLine(table, city, {"skim", figure, Json(), nameAt(city.modes, mode)},
             [&](int period) { return meanOf((city.*skim)(mode, period)); });
 }
 
@@ -54,8 +54,8 @@ Table overview(City const& city) {
         for (int mode = 0; mode < count(city.modes); ++mode)
             addLine(table, city, {tripsCube, "trips", nameAt(city.purposes, purpose), nameAt(city.modes, mode)},
                 [&](int period) { return tripsOf(city.trips(purpose, mode, period)); });
-    addSkims(table, city, "Distance", "mean km", &City::distance);
-    addSkims(table, city, "Time", "mean minutes", &City::time);
+    addSkims(table, city, "mean km", &City::distance);
+    addSkims(table, city, "mean minutes", &City::time);
     return table;
 }
 

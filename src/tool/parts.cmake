@@ -21,6 +21,7 @@ add_library(cubes_tool_parts STATIC
   city/Gravity.cpp
   city/Layout.cpp
   city/ModeChoice.cpp
+  city/SelectedLink.cpp
   city/Travel.cpp)
 target_include_directories(cubes_tool_parts PUBLIC ${PROJECT_SOURCE_DIR}/src)
 target_link_libraries(cubes_tool_parts PUBLIC cubes PRIVATE cubes_warnings dep::fmt)

@@ -3,6 +3,7 @@
 #include "tool/city/Gravity.h"
 #include "tool/city/Layout.h"
 #include "tool/city/ModeChoice.h"
+#include "tool/city/SelectedLink.h"
 
 #include <algorithm>
 #include <cmath>
@@ -83,6 +84,23 @@ void addPeriod(City& city, int period, std::vector<SquareTable> const& distances
     }
 }
 
+// Two stretches of one road into the centre: zones are numbered from there outward. In a city of
+// few zones they begin at its last.
+constexpr Link roadsIn[] = {{20, 4}, {4, 0}};
+
+void addLinks(City& city) {
+    int const last = static_cast<int>(city.zones.size()) - 1;
+    int const car = static_cast<int>(Mode::car);
+    int const morning = static_cast<int>(Period::morning);
+    for (int purpose = 0; purpose < static_cast<int>(purposeNames.size()); ++purpose) {
+        TripTable trips = city.trips(purpose, car, morning);
+        for (auto const& road : roadsIn) {
+            trips = tripsOver({std::min(road.from, last), std::min(road.to, last)}, trips, city.distance(car, morning));
+            city.linkTables.push_back(trips);
+        }
+    }
+}
+
 // The trips of all modes that start and end in each zone.
 Margins marginsFound(City const& city, int purpose, int period) {
     auto const size = city.zones.size();
@@ -120,6 +138,10 @@ TripTable const& City::time(int mode, int period) const {
     return timeTables[place(mode, period)];
 }
 
+TripTable const& City::tripsOverLinks(int purpose, int link) const {
+    return linkTables[static_cast<std::size_t>(purpose) * std::size(roadsIn) + static_cast<std::size_t>(link)];
+}
+
 Margins const& City::margins(int purpose, int period) const {
     return marginTable[place(purpose, period)];
 }
@@ -127,13 +149,14 @@ Margins const& City::margins(int purpose, int period) const {
 City makeCity(CityOptions const& options) {
     Random random(options.seed);
     City city{layOutZones(options.zones, random), textsOf(purposeNames), textsOf(modeNames), textsOf(periodNames), {},
-        {}, {}, {}};
+        {}, {}, {}, {}};
     auto const distances = distancesOf(city.zones);
     city.distanceTables = rounded(distances, city.zones);
     city.timeTables.resize(modeCount * periodCount);
     city.tripTables.resize(purposeNames.size() * modeCount * periodCount);
     city.marginTable.resize(purposeNames.size() * periodCount);
     for (int period = 0; period < static_cast<int>(periodCount); ++period) addPeriod(city, period, distances);
+    addLinks(city);
     return city;
 }
 

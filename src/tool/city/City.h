@@ -23,6 +23,9 @@ struct City {
     TripTable const& distance(int mode, int period) const;
     /// Minutes from zone to zone.
     TripTable const& time(int mode, int period) const;
+    /// Trips by car in the morning over the first link (0), and of those the trips that go on over
+    /// the second (1).
+    TripTable const& tripsOverLinks(int purpose, int link) const;
     /// What the trips of all modes add up to.
     Margins const& margins(int purpose, int period) const;
 
@@ -31,6 +34,7 @@ struct City {
     std::vector<TripTable> distanceTables;
     std::vector<TripTable> timeTables;
     std::vector<Margins> marginTable;
+    std::vector<TripTable> linkTables;
 };
 
 struct CityOptions {

@@ -1,6 +1,7 @@
 #include "tool/Catalogue.h"
 #include "tool/CityReport.h"
 #include "tool/Errors.h"
+#include "tool/LineageReport.h"
 #include "tool/Progress.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
@@ -19,6 +20,8 @@ namespace {
 
 /// Trips are balanced to much less than this share of what starts and ends in a zone.
 constexpr double tolerance = 1e-4;
+
+std::string const firstTrips = std::string(tripsCube) + "/1/1/1/1";
 
 constexpr char const* checked =
     "\nEvery matrix was read back and is what was stored; the trips of each zone agree with what starts\n"
@@ -39,7 +42,8 @@ std::string quoted(std::string const& word) {
 void storeAll(Catalogue& catalogue, std::vector<CityMatrix> const& matrices) {
     Progress progress("storing");
     for (std::size_t i = 0; i < matrices.size(); ++i) {
-        catalogue.store(matrices[i].entry, matrixOf(*matrices[i].table));
+        auto const entry = catalogue.store(matrices[i].entry, matrixOf(*matrices[i].table));
+        if (auto const& parent = matrices[i].parent) catalogue.setParent(entry, numbersOf(catalogue.entry(*parent)));
         progress.reached(static_cast<double>(i + 1) / static_cast<double>(matrices.size()));
     }
 }
@@ -87,10 +91,16 @@ public:
         show(city, matrices, imbalance, catalogue.project().root(), output);
         if (output.form() == Form::json) return;
         output.add("\n" + overview(city).asText());
+        output.add("\nWhat was derived from the trips to work by car in the morning:\n" + lineageOf(catalogue));
         output.add(fmt::format(checked, tolerance) + nextCommands(surroundings.program, city));
     }
 
 private:
+    static std::string lineageOf(Catalogue const& catalogue) {
+        auto const trips = catalogue.entry(parseEntry(firstTrips));
+        return asText(tool::lineageOf(trips, Lineage(catalogue), catalogue));
+    }
+
     static void show(City const& city, std::vector<CityMatrix> const& matrices, double imbalance,
         std::string const& root, Output& output) {
         Record made;
@@ -106,9 +116,9 @@ private:
         auto const line = [&](std::string const& words) {
             return fmt::format("  {} {} --project {}\n", quoted(program), words, quoted(directory_));
         };
-        return "\nTry next:\n" + line("list") + line("show Trips/1/1/1/1") +
-               line(fmt::format("cell Time/1/1/1/1 {} {}", city.zones.front().number, city.zones.back().number)) +
-               line("export Trips/1/1/1/1 trips.csv");
+        return "\nTry next:\n" + line("list") + line("show " + firstTrips) + line("tree selectedlink/1/1/1/1/1/1") +
+               line(fmt::format("cell skim/1/1/1/1/2/1 {} {}", city.zones.front().number, city.zones.back().number)) +
+               line("export " + firstTrips + " trips.csv");
     }
 
     std::string directory_;
