@@ -28,8 +28,8 @@ std::string postgresUrl() {
 Results databases() {
     std::string const postgres = postgresUrl();
     Results all = bench::listings(postgres);
-    Results const lookUps = bench::lookUps(postgres);
-    all.insert(all.end(), lookUps.begin(), lookUps.end());
+    Results const operations = bench::entryOperations(postgres);
+    all.insert(all.end(), operations.begin(), operations.end());
     return all;
 }
 

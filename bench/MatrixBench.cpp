@@ -2,7 +2,9 @@
 // and summing all rows against mapping the raw file and summing.
 
 #include "Benches.h"
-#include "EntryDatabase.h"
+#include "WorkDirectory.h"
+
+#include <cubes/cubes.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>
