@@ -94,6 +94,18 @@ TEST_P(ResultKinds, takeADirectoryOfTheirOwn) {
     EXPECT_EQ(TRkStop2StopCube(settings, "", true).MatrixDirectory().str(), directory());
 }
 
+TEST_P(ResultKinds, areCopiedWithDirectoryAndNumbers) {
+    TempDir const own;
+    TRkScreenCube const screens(project().settings(), TRkFString(own.str()), true);
+    TRkScreenCube copy(screens);
+    EXPECT_EQ(copy.MatrixDirectory().str(), screens.MatrixDirectory().str());
+    EXPECT_TRUE(store(copy, 1, 1));
+    EXPECT_TRUE(screens.Check(1, 1, 1, 1, 1, 1, false));
+    TRkScreenCube assigned(nullptr, false);
+    assigned = copy;
+    EXPECT_EQ(firstElement(assigned, 1), 1.0);
+}
+
 template <typename Cube>
 constexpr bool takesNoTextAsFlag = !std::is_constructible_v<Cube, TRkGlobalSettings*, char const*> &&
                                    std::is_constructible_v<Cube, TRkGlobalSettings*, bool> &&

@@ -1,5 +1,7 @@
 #include <cubes/catalogue/TRkCubes.h>
 
+#include <stdexcept>
+
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -193,6 +195,42 @@ TEST_P(ResultListing, ofChildrenIsWhatTheListOfAllCubesHas) {
         EXPECT_EQ(shown(children), shown(expected));
         EXPECT_EQ(shownParents(children), shownParents(expected));
     }
+}
+
+TEST_P(ResultListing, ofAllCubesAndOfChildrenTakesEveryEntryWhereNoUsersAreCounted) {
+    skims().Add(1, 1, 1, 1, 1, 1, -6, 1, 1, 1, 1, 1, 1, false);
+    skims().incUsage(1, 1, 1, 1, 1, 1);
+    Keys list;
+    skims().GetAllCubes(list);
+    EXPECT_EQ(list.Count(), 0);
+    execute("alter table " + table() + " rename column \"usageCounter\" to uses");
+    skims().GetAllCubes(list);
+    EXPECT_EQ(list.Count(), 1);
+    Keys children;
+    skims().GetPmturis(-6, 1, 1, 1, 1, 1, 1, children);
+    EXPECT_EQ(shown(children), shown(list));
+}
+
+// A cube whose table cannot be opened for a reason of its own.
+class Failing : public TRkSkimCube {
+public:
+    using TRkSkimCube::TRkSkimCube;
+    CountedPtr<Rktable::TRkTableProxy> Open() const override { throw std::runtime_error("no table today"); }
+};
+
+TEST_P(ResultListing, ofChildrenThatFailsLeavesTheListAsItWas) {
+    Failing const cube(project().settings(), true);
+    Keys list = withOneKey();
+    EXPECT_THROW(cube.GetPmturis(-1, 1, 1, 1, 1, 1, 1, list), std::runtime_error);
+    EXPECT_EQ(shown(list), "99,9,9,9,9,9,9,\n");
+}
+
+TEST_P(ResultListing, ofTheRegisterIsFalseAndEmptyWithoutOne) {
+    execute("drop table cube");
+    TRkAutoListT<TRkBaseCubes::TKey> list;
+    list.Add(new TRkBaseCubes::TKey(1, "Base"));
+    EXPECT_FALSE(skims().Get(list));
+    EXPECT_EQ(list.Count(), 0);
 }
 
 TEST_P(ResultListing, ofChildrenKnowsThatMissingColumnsHoldNoParent) {

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <functional>
 #include <vector>
 
@@ -132,6 +133,48 @@ TEST_P(ResultOverrides, showThatAnEntryAddedByAnotherMeanwhileIsAsGood) {
     EXPECT_TRUE(cube.Add(1, 1, 1, 1, 1, 1, -6, 1, 2, 3, 4, 5, 6, false));
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|theirs.skm\n");
     EXPECT_EQ(parents(), "-6|1|2|3|4|5|6\n");
+}
+
+// A cube that keeps its files in a directory below, whatever directory it was given.
+class Below : public TRkSkimCube {
+public:
+    using TRkSkimCube::TRkSkimCube;
+    TRkFString MatrixDirectory() const override { return TRkSkimCube::MatrixDirectory().str() + "below/"; }
+    using TRkSkimCube::MatrixDirectory;
+};
+
+TEST_P(ResultOverrides, ofTheMatrixDirectoryPlaceEveryFile) {
+    std::filesystem::create_directory(pathOf("below"));
+    Below cube(project().settings(), true);
+    EXPECT_TRUE(store(cube, 1, 5));
+    EXPECT_EQ(firstElement(cube, 1), 5.0);
+    EXPECT_EQ(cube.FileName(1, 1, 1, 1, 1, 1, false).str(), pathOf("below/1-1-1-1-1-1.skm"));
+    EXPECT_TRUE(cube.Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, true, false));
+    EXPECT_TRUE(cube.Clear(1, 1, 1, 1, 1, 1, false));
+    EXPECT_EQ(filesIn(pathOf("below")), "1-1-1-1-1-2.skm\n");
+    EXPECT_TRUE(cube.Clear());
+    EXPECT_EQ(filesIn(pathOf("below")), "");
+}
+
+// A cube that finds every entry in one and the same file.
+class OneFile : public TRkSkimCube {
+public:
+    OneFile(TRkGlobalSettings* settings, std::string file) : TRkSkimCube(settings, true), file_(std::move(file)) {}
+    TRkString FileName(short, short, short, short, short, short, bool) const override { return file_; }
+    using TRkSkimCube::FileName;
+
+private:
+    std::string file_;
+};
+
+TEST_P(ResultOverrides, ofTheFileNameAreWhatIsOpened) {
+    store(skims(), 1, 5);
+    add(skims(), 2);
+    OneFile const cube(project().settings(), pathOf("1-1-1-1-1-1.skm"));
+    EXPECT_EQ(firstElement(cube, 2), 5.0);
+    EXPECT_EQ(cube.Get(1, 1, 1, 1, 1, 2, 0, 0, lsRead, false), 5.0);
+    EXPECT_NE(cube.GetHeader(1, 1, 1, 1, 1, 2, false), nullptr);
+    EXPECT_EQ(skims().GetHeader(1, 1, 1, 1, 1, 2, false), nullptr);
 }
 
 TEST_P(ResultOverrides, areCalledByCopying) {

@@ -1,4 +1,9 @@
 #include <cubes/varcubes/CubeDataInterface.h>
+#include <cubes/varcubes/TRkCordonCube.h>
+#include <cubes/varcubes/TRkScreenCube.h>
+#include <cubes/varcubes/TRkSelectedLinkCube.h>
+#include <cubes/varcubes/TRkStop2StopCube.h>
+#include <cubes/varcubes/TRkTransitCube.h>
 
 #include "varcubes/VarCubesTest.h"
 
@@ -27,8 +32,15 @@ public:
 };
 
 // Here data and single links are for derived classes: nothing is kept, whatever the entry's row.
-TEST(ResultParents, areNotKeptByCubesWithoutAttachedData) {
-    TRkSkimCube cube(nullptr, true);
+template <typename Cube>
+class ResultParents : public testing::Test {};
+
+using Kinds = testing::Types<TRkSkimCube, TRkSelectedLinkCube, TRkCordonCube, TRkScreenCube, TRkTransitCube,
+    TRkPathCube, TRkStop2StopCube>;
+TYPED_TEST_SUITE(ResultParents, Kinds);
+
+TYPED_TEST(ResultParents, areNotKeptByCubesWithoutAttachedData) {
+    TypeParam cube(nullptr, true);
     CountedData data;
     EXPECT_FALSE(cube.SetData(&data, 1, 1, 1, 1, 1, 1, -1, 1, 1, 1, 1, 1, 1, false));
     EXPECT_EQ(data.references, 1);

@@ -86,6 +86,17 @@ TEST_P(ResultRemoval, neverLeavesTheMatrixDirectory) {
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n");
 }
 
+TEST_P(ResultRemoval, ofAWholeCubeTakesDirectoriesAndRowsWithoutFiles) {
+    store(skims(), 1, 1);
+    for (short i = 2; i <= 4; ++i) add(skims(), i);
+    std::filesystem::create_directories(pathOf("1-1-1-1-1-2.skm/inner"));
+    writeFile(pathOf("1-1-1-1-1-2.skm/inner/part"), "x");
+    execute("update " + table() + " set filename = null where iteration = 4");
+    EXPECT_TRUE(skims().Clear());
+    EXPECT_EQ(rows(), "");
+    EXPECT_EQ(files(), "");
+}
+
 TEST_P(ResultRemoval, ofAWholeCubeTakesItsEntriesAlone) {
     TRkPathCube paths(project().settings(), true);
     store(paths, 1, 1);

@@ -144,6 +144,31 @@ TEST_P(ResultSchema, opensTheTableOfTheAliasInAnyLetterCase) {
     }
 }
 
+// The project's table, twice under the alias; the second is of another schema.
+class Twofold : public TRkDBDataDictionary {
+public:
+    explicit Twofold(bool isBuilt) : isBuilt_(isBuilt) {}
+    bool BuildDataTables(
+        char const*, std::vector<CountedPtr<Rktable::TRkTableProxy>>& tables, AnsiString const& schema) override {
+        for (std::string const& name : {schema.str(), std::string("second")})
+            tables.push_back(CountedPtr(new Rktable::TRkTableProxy("cube5data1", name, "cube5data1")));
+        return isBuilt_;
+    }
+
+private:
+    bool isBuilt_;
+};
+
+TEST_P(ResultSchema, opensTheFirstTableOfTheAliasAndNoneThatWasNotBuilt) {
+    add(skims(), 1);
+    for (bool const isBuilt : {true, false}) {
+        Twofold dictionary(isBuilt);
+        TRkGlobalSettings settings({}, project().settings()->WorkingDirectory());
+        settings.Set("RkLib.DataDictionary", &dictionary);
+        EXPECT_EQ(TRkSkimCube(&settings, true).Check(1, 1, 1, 1, 1, 1, false), isBuilt);
+    }
+}
+
 TEST_P(ResultSchema, opensNothingWhenOpeningFails) {
     Renamed dictionary("cube5data1");
     TRkGlobalSettings settings({}, TRkFString(directories_.file("nowhere")));

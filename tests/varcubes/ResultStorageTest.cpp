@@ -105,6 +105,21 @@ TEST_P(ResultStorage, readsOneElement) {
     EXPECT_EQ(skims().Get(1, 1, 1, 1, 1, 1, 0, 0, lsRead, false), -1.0);
 }
 
+TEST_P(ResultStorage, givesNullWhereSomeoneElseWrites) {
+    store(skims(), 1, 1);
+    TRkMatrix const writer(2, 3, mtSkim, pathOf("1-1-1-1-1-1.skm").c_str(), 1, "", "", true, mkDefault, lsReadWrite);
+    ASSERT_TRUE(writer.IsValid());
+    EXPECT_EQ(open(skims(), 1, lsReadWrite), nullptr);
+    EXPECT_EQ(skims().Get(1, 1, 1, 1, 1, 1, 0, 0, lsReadWrite, false), -1.0);
+    EXPECT_EQ(firstElement(skims(), 1), 1.0);
+}
+
+TEST_P(ResultStorage, leavesNoLockAfterReadingOneElement) {
+    store(skims(), 1, 1);
+    EXPECT_EQ(skims().Get(1, 1, 1, 1, 1, 1, 0, 0, lsReadWrite, false), 1.0);
+    EXPECT_TRUE(open(skims(), 1, lsReadWrite));
+}
+
 TEST_P(ResultStorage, readsAHeaderEvenOfAnEntryInUse) {
     store(skims(), 1, 1);
     skims().incUsage(1, 1, 1, 1, 1, 1);
@@ -142,6 +157,16 @@ TEST_P(ResultStorage, ontoTheMatrixsOwnFileAsksTheLockState) {
             << c.opened << " " << c.lock;
         EXPECT_EQ(firstElement(skims(), 1), c.saved ? 99.0 : 1.0) << c.opened << " " << c.lock;
     }
+}
+
+TEST_P(ResultStorage, knowsItsOwnFileInAnotherSpelling) {
+    store(skims(), 1, 1);
+    std::string const spelling = pathOf("./1-1-1-1-1-1.skm");
+    TRkMatrix const own(spelling.c_str(), 1, "", true, mkDefault, lsRead, 0);
+    ASSERT_TRUE(own.IsValid());
+    EXPECT_FALSE(skims().SaveMatrix(own, 1, 1, 1, 1, 1, 1, lsInPlace, false));
+    EXPECT_TRUE(skims().SaveMatrix(own, 1, 1, 1, 1, 1, 1, lsRead, false));
+    EXPECT_EQ(firstElement(skims(), 1), 1.0);
 }
 
 TEST_P(ResultStorage, ontoAnotherFileDoesNotAskTheLockState) {

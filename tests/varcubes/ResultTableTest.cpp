@@ -56,6 +56,20 @@ TEST_P(ResultTable, writesParentPartsOfMinusOneIntoARowThatExists) {
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|mine.skm\n");
 }
 
+TEST_P(ResultTable, findsTheRowThatExistsOfAZeroBasedKeyAndChangesItsParent) {
+    add(skims(), 1);
+    EXPECT_TRUE(skims().Add(0, 0, 0, 0, 1, 1, -6, 0, 1, 2, 3, 4, 5, true));
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n");
+    EXPECT_EQ(parents(), "-6|0|1|2|3|4|5\n");
+}
+
+TEST_P(ResultTable, leavesTheParentCubeOfARowThatExistsNullForZero) {
+    addWithParent(skims(), -6, 1, 2, 3, 4, 5, 6);
+    EXPECT_TRUE(addWithParent(skims(), 0, 7, 8, 9, 10, 11, 12));
+    EXPECT_EQ(parents(), "NULL|7|8|9|10|11|12\n");
+    EXPECT_EQ(read("select \"usageCounter\" from " + table()), "0\n");
+}
+
 TEST_P(ResultTable, clearsParentAndCounterOfARowThatExistsWithoutAParentKey) {
     addWithParent(skims(), -6, 1, 2, 3, 4, 5, 6);
     execute("update " + table() + " set \"usageCounter\" = 5");

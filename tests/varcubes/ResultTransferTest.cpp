@@ -211,6 +211,22 @@ TEST_P(ResultTransfer, mergesADirectoryIntoAnExistingOne) {
     EXPECT_EQ(readFile(pathOf("1-1-1-1-1-1.skm/in/a")), "new");
 }
 
+TEST_P(ResultTransfer, betweenCubesTakesDirectoriesAndDoesNotAskTheUsageCounter) {
+    TempDir const elsewhere;
+    TRkPathCube other(project().settings(), TRkFString(elsewhere.str()), true);
+    add(other, 1);
+    other.incUsage(1, 1, 1, 1, 1, 1);
+    fs::create_directory(elsewhere.file("1-1-1-1-1-1.ptm"));
+    writeFile(elsewhere.file("1-1-1-1-1-1.ptm/a"), "x");
+    add(skims(), 1);
+    fs::create_directory(pathOf("1-1-1-1-1-1.skm"));
+    EXPECT_TRUE(copyFrom(other, 1, 1));
+    EXPECT_TRUE(moveFrom(other, 1, 2));
+    EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n1-1-1-1-1-1.skm/a\n1-1-1-1-1-2.skm\n1-1-1-1-1-2.skm/a\n");
+    EXPECT_EQ(filesIn(elsewhere.str()), "");
+    EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|NULL|1-1-1-1-1-1.skm\n-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n");
+}
+
 TEST_P(ResultTransfer, movesADirectoryInPlaceOfAnother) {
     for (short const i : {short(1), short(2)}) {
         add(skims(), i);

@@ -194,12 +194,14 @@ struct OmxTable::StoredChunk {
 OmxTable::StoredChunk OmxTable::storedChunk(int firstRow) const {
     hdf5::Session const session;
     std::array<hsize_t, 2> const start = {static_cast<hsize_t>(firstRow), 0};
+    unsigned skipped = 0;
+    haddr_t address = HADDR_UNDEF;
     hsize_t size = 0;
     StoredChunk chunk;
-    check(H5Dget_chunk_storage_size(dataset_.get(), start.data(), &size), "find a chunk");
+    check(H5Dget_chunk_info_by_coord(dataset_.get(), start.data(), &skipped, &address, &size), "find a chunk");
+    if (address == HADDR_UNDEF) return chunk;
     if (size > H5Dget_storage_size(dataset_.get())) throw std::runtime_error("a chunk is larger than the table");
     chunk.bytes.resize(size);
-    if (size == 0) return chunk;
     check(H5Dread_chunk(dataset_.get(), H5P_DEFAULT, start.data(), &chunk.skipped, chunk.bytes.data()), "read a chunk");
     return chunk;
 }

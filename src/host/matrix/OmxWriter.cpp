@@ -15,8 +15,8 @@ using hdf5::Handle;
 namespace {
 
 constexpr hsize_t page = 4096;
-// Together they fit into the first page, in front of the elements.
-constexpr hsize_t structureBytes = 3000;
+// Together they fit into the first two pages, in front of the elements.
+constexpr hsize_t structureBytes = 6000;
 constexpr hsize_t smallDataBytes = 1024;
 
 Handle newProperties(hid_t kind) {
@@ -64,14 +64,7 @@ void markForPyTables(hid_t dataset, char const* kind, char const* version) {
     writeText(dataset, "TITLE", "");
 }
 
-// The node that tells where chunks lie has room for many by default; unfiltered ones are few.
-Handle fileProperties(Filters filters) {
-    Handle properties = untimedProperties(H5P_FILE_CREATE);
-    if (filters == Filters::none) check(H5Pset_istore_k(properties.get(), 1), "prepare the structure");
-    return properties;
-}
-
-Handle createFile(std::string const& path, Filters filters) {
+Handle createFile(std::string const& path) {
     Handle const access = hdf5::fileAccess();
     // The format of HDF5 1.8: the oldest whose structure has checksums.
     check(H5Pset_libver_bounds(access.get(), H5F_LIBVER_V18, H5F_LIBVER_V18), "choose the format");
@@ -79,8 +72,10 @@ Handle createFile(std::string const& path, Filters filters) {
     check(H5Pset_meta_block_size(access.get(), structureBytes), "prepare the structure");
     check(H5Pset_small_data_block_size(access.get(), smallDataBytes), "prepare the structure");
     std::string const name = platform::toUtf8(path);
-    return Handle(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, fileProperties(filters).get(), access.get()), H5Fclose,
-        "create an HDF5 file");
+    // The other properties of a file keep their defaults: HDF5 would write them with the time.
+    Handle const properties = untimedProperties(H5P_FILE_CREATE);
+    return Handle(
+        H5Fcreate(name.c_str(), H5F_ACC_TRUNC, properties.get(), access.get()), H5Fclose, "create an HDF5 file");
 }
 
 Handle createGroup(hid_t parent, char const* name) {
@@ -107,7 +102,7 @@ Handle createDataset(hid_t parent, std::string const& name, hid_t type, hid_t sp
 
 OmxWriter::OmxWriter(std::string const& path, std::string const& table, FileHeader const& header, ChunkLayout layout) {
     hdf5::Session const session;
-    file_ = createFile(path, layout.filters);
+    file_ = createFile(path);
     writeText(file_.get(), omx::version, "0.2");
     std::array<hsize_t, 1> const two = {2};
     std::array<std::int32_t, 2> const shape = {header.rows, header.columns};

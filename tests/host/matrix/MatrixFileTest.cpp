@@ -39,6 +39,16 @@ TEST_P(EachStorage, givesBackAnyRowAlone) {
     for (int row : {0, 163, 164, 350, 699}) EXPECT_EQ(opened(file).RowAt(row, 8)[399], source.RowAt(row, 8)[399]);
 }
 
+TEST_P(EachStorage, givesBackAMatrixWhoseRowsAreMostlyZero) {
+    for (int const filled : {0, 350, 699}) {
+        TRkMatrix source = TRkMatrix::inMemory(700, 400);
+        source.RowAt(filled, 8)[399] = 5;
+        ASSERT_TRUE(save(source, file));
+        EXPECT_EQ(difference(opened(file), source), "") << filled;
+        for (int const row : {0, 350, 699}) EXPECT_EQ(opened(file).RowAt(row, 8)[399], row == filled ? 5 : 0);
+    }
+}
+
 TEST_P(EachStorage, keepsRowsThatWereHandedOutAndWhatWasWrittenToThem) {
     ASSERT_TRUE(save(times(700, 400), file));
     TRkMatrix matrix = opened(file);
