@@ -146,10 +146,10 @@ TEST(PlainStorage, hasKnownBytesAtAKnownPlace) {
     matrix.RowAt(1, 0)[0] = 0.1f;
     ASSERT_TRUE(save(matrix, file));
     std::string const bytes = readFile(file);
-    EXPECT_EQ(bytes.size(), 4096u + 40 * 30 * 4);
+    EXPECT_EQ(bytes.size(), 8192u + 40 * 30 * 4);
     EXPECT_EQ(bytes.substr(0, 8), "\x89HDF\r\n\x1a\n");
-    EXPECT_EQ(bytes.substr(4096, 8), std::string("\x00\x00\x80\x3f\x00\x00\x20\xc0", 8));
-    EXPECT_EQ(bytes.substr(4096 + 120, 4), "\xcd\xcc\xcc\x3d");
+    EXPECT_EQ(bytes.substr(8192, 8), std::string("\x00\x00\x80\x3f\x00\x00\x20\xc0", 8));
+    EXPECT_EQ(bytes.substr(8192 + 120, 4), "\xcd\xcc\xcc\x3d");
 }
 
 // The example of docs/matrix-file.md.
@@ -165,16 +165,16 @@ TEST(PlainStorage, isLaidOutAsTheDocumentationShows) {
         target.AssignFrom(source);
     }
     std::string const bytes = readFile(file);
-    ASSERT_EQ(bytes.size(), 0xdd0u);
-    EXPECT_EQ(bytes.substr(0xbb8, 8), "CUBEIDX1");
-    EXPECT_EQ(bytes.substr(0xbc8, 64), std::string("\xd0\x0d\0\0\0\0\0\0\xb8\x0d\0\0\0\0\0\0"
-                                                   "\xc8\x0d\0\0\0\0\0\0\x02\0\0\0\x02\0\0\0"
-                                                   "\x07\0\0\0\0\0\0\0\x0e\0\0\0\0\0\0\0"
-                                                   "Base [1,2,3,4]\0\0",
-                                           64));
-    EXPECT_EQ(bytes.substr(0xdb8), std::string("\0\0\x80\x3f\0\0\x20\xc0\xcd\xcc\xcc\x3d\0\0\0\0"
-                                               "\x65\0\0\0\x66\0\0\0",
-                                       24));
+    ASSERT_EQ(bytes.size(), 0x1988u);
+    EXPECT_EQ(bytes.substr(0x1770, 8), "CUBEIDX1");
+    EXPECT_EQ(bytes.substr(0x1780, 64), std::string("\x88\x19\0\0\0\0\0\0\x70\x19\0\0\0\0\0\0"
+                                                    "\x80\x19\0\0\0\0\0\0\x02\0\0\0\x02\0\0\0"
+                                                    "\x07\0\0\0\0\0\0\0\x0e\0\0\0\0\0\0\0"
+                                                    "Base [1,2,3,4]\0\0",
+                                            64));
+    EXPECT_EQ(bytes.substr(0x1970), std::string("\0\0\x80\x3f\0\0\x20\xc0\xcd\xcc\xcc\x3d\0\0\0\0"
+                                                "\x65\0\0\0\x66\0\0\0",
+                                        24));
 }
 
 TEST(PlainStorage, hasAnIndexThatAgreesWithHdf5) {

@@ -145,6 +145,18 @@ TEST_P(EachStorage, equalMatricesMakeEqualFiles) {
     EXPECT_TRUE(readFile(file) == readFile(directory.file("b.skm")));
 }
 
+// A header of an object has a version, 2, and flags, of which 0x20 tells that times follow.
+TEST_P(EachStorage, filesHaveNoTimes) {
+    ASSERT_TRUE(save(times(300, 300), file));
+    std::string const bytes = readFile(file);
+    int headers = 0;
+    for (std::size_t at = bytes.find("OHDR\x02"); at != std::string::npos; at = bytes.find("OHDR\x02", at + 1)) {
+        EXPECT_EQ(bytes[at + 5] & 0x20, 0) << at;
+        ++headers;
+    }
+    EXPECT_GE(headers, 4);
+}
+
 INSTANTIATE_TEST_SUITE_P(MatrixFile, EachStorage, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
     [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
 
