@@ -1,14 +1,11 @@
 #pragma once
 
+#include "tool/Arguments.h"
 #include "tool/Output.h"
 
 #include <memory>
 #include <string>
 #include <vector>
-
-namespace CLI {
-class App;
-}
 
 namespace cubes::tool {
 
@@ -33,7 +30,7 @@ public:
     char const* summary() const noexcept { return summary_; }
 
     /// Declares the command's arguments and options.
-    virtual void declare(CLI::App& line) = 0;
+    virtual void declare(Arguments arguments) = 0;
     /// Whether the command works in a project that is there already.
     virtual bool needsProject() const { return true; }
     /// What it does, in words that go on after "cannot".

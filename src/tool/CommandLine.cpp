@@ -30,21 +30,23 @@ void wordHelp(CLI::Formatter& formatter) {
 
 // Taken before and behind the command's name.
 void declareEverywhere(CLI::App& line, Surroundings& surroundings) {
-    line.add_option("--project", surroundings.project,
+    Arguments arguments(line);
+    arguments
+        .optional("--project", surroundings.project,
             "Project to work in; else the nearest directory upward with a cubes.toml")
-        ->type_name("DIR");
-    line.add_flag("--json", surroundings.json, "Print results as JSON");
+        .calls("DIR");
+    arguments.flag("--json", surroundings.json, "Print results as JSON");
 }
 
 void declare(CLI::App& line, Command& command, Surroundings& surroundings) {
     auto* const part = line.add_subcommand(command.name(), command.summary());
     part->group("Commands");
     part->footer(entryHelp);
-    command.declare(*part);
+    command.declare(Arguments(*part));
     if (command.needsProject())
         declareEverywhere(*part, surroundings);
     else
-        part->add_flag("--json", surroundings.json, "Print results as JSON");
+        Arguments(*part).flag("--json", surroundings.json, "Print results as JSON");
 }
 
 std::string trimmed(std::string text) {

@@ -2,8 +2,6 @@
 #include "tool/Errors.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
-
 namespace cubes::tool {
 
 namespace {
@@ -12,8 +10,8 @@ class Add : public Command {
 public:
     Add() : Command("add", "Add a cube") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("NAME", name_, "Name of the cube; not of digits alone, these are read as a number")->required();
+    void declare(Arguments arguments) override {
+        arguments.required("NAME", name_, "Name of the cube; not of digits alone, these are read as a number");
     }
 
     std::string task() const override { return "add the cube " + name_; }

@@ -3,7 +3,6 @@
 #include "tool/Numbers.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -35,11 +34,10 @@ class Cell : public Command {
 public:
     Cell() : Command("cell", "Print one value of an entry") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("ENTRY", entry_, "The entry")->required();
-        line.add_option("ORIGIN", origin_, "Number of the zone of origin; its position from 1 in a matrix without")
-            ->required();
-        line.add_option("DESTINATION", destination_, "The same of the zone of destination")->required();
+    void declare(Arguments arguments) override {
+        arguments.required("ENTRY", entry_, "The entry");
+        arguments.required("ORIGIN", origin_, "Number of the zone of origin; its position from 1 in a matrix without");
+        arguments.required("DESTINATION", destination_, "The same of the zone of destination");
     }
 
     std::string task() const override {

@@ -3,7 +3,6 @@
 #include "tool/Messages.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace cubes::tool {
@@ -14,7 +13,7 @@ class Children : public Command {
 public:
     Children() : Command("children", "List the results derived from an entry") {}
 
-    void declare(CLI::App& line) override { line.add_option("ENTRY", entry_, "The entry, there or not")->required(); }
+    void declare(Arguments arguments) override { arguments.required("ENTRY", entry_, "The entry, there or not"); }
 
     std::string task() const override { return "list the children of " + entry_; }
 

@@ -7,7 +7,6 @@
 #include "tool/commands/Commands.h"
 #include "tool/formats/MatrixTable.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -71,10 +70,10 @@ class Demo : public Command {
 public:
     Demo() : Command("demo", "Make a project with a made-up city in it") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("DIR", directory_, "Directory of the project, made when it is not there")->required();
-        line.add_option("--database", options_.database, "sqlite:PATH or postgresql://...; default sqlite:cubes.db")
-            ->type_name("URL");
+    void declare(Arguments arguments) override {
+        arguments.required("DIR", directory_, "Directory of the project, made when it is not there");
+        arguments.optional("--database", options_.database, "sqlite:PATH or postgresql://...; default sqlite:cubes.db")
+            .calls("URL");
     }
 
     bool needsProject() const override { return false; }

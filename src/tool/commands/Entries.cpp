@@ -3,8 +3,6 @@
 #include "tool/Progress.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
-
 #include <filesystem>
 
 namespace cubes::tool {
@@ -44,8 +42,8 @@ class Entries : public Command {
 public:
     Entries() : Command("entries", "List the entries of a cube, or of all") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("CUBE", cube_, "Name or number of a cube, or a kind of results; else the entries of all");
+    void declare(Arguments arguments) override {
+        arguments.optional("CUBE", cube_, "Name or number of a cube, or a kind of results; else the entries of all");
     }
 
     std::string task() const override { return cube_.empty() ? "list the entries" : "list the entries of " + cube_; }

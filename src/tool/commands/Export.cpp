@@ -4,7 +4,6 @@
 #include "tool/formats/Formats.h"
 #include "tool/formats/MatrixTable.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace cubes::tool {
@@ -18,12 +17,12 @@ class Export : public Command {
 public:
     Export() : Command("export", "Write the matrix of an entry to a file") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("ENTRY", entry_, "The entry")->required();
-        line.add_option("FILE", file_, "The file; its extension tells the format: .omx or .csv")->required();
-        line.add_option("--form", form_, "How a .csv file is written: long (default), one line a cell, or wide")
-            ->check(CLI::IsMember({"long", "wide"}))
-            ->type_name("FORM");
+    void declare(Arguments arguments) override {
+        arguments.required("ENTRY", entry_, "The entry");
+        arguments.required("FILE", file_, "The file; its extension tells the format: .omx or .csv");
+        arguments.optional("--form", form_, "How a .csv file is written: long (default), one line a cell, or wide")
+            .oneOf({"long", "wide"})
+            .calls("FORM");
     }
 
     std::string task() const override { return fmt::format("export {} to {}", entry_, file_); }

@@ -9,7 +9,6 @@
 #include "tool/formats/Formats.h"
 #include "tool/formats/MatrixTable.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -22,11 +21,11 @@ class Import : public Command {
 public:
     Import() : Command("import", "Store the matrix of a file in an entry") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("FILE", file_, "The file; its extension tells the format: .omx, .csv or .tntp")->required();
-        line.add_option("ENTRY", entry_, "The entry; a cube of a new name is added")->required();
-        line.add_option("--table", table_, "Table of an OMX file that holds several")->type_name("NAME");
-        line.add_flag("--allow-negative", allowNegative_, "Store negative cells too, which no trip table has");
+    void declare(Arguments arguments) override {
+        arguments.required("FILE", file_, "The file; its extension tells the format: .omx, .csv or .tntp");
+        arguments.required("ENTRY", entry_, "The entry; a cube of a new name is added");
+        arguments.optional("--table", table_, "Table of an OMX file that holds several").calls("NAME");
+        arguments.flag("--allow-negative", allowNegative_, "Store negative cells too, which no trip table has");
     }
 
     std::string task() const override { return fmt::format("import {} into {}", file_, entry_); }

@@ -4,8 +4,6 @@
 #include <cubes/database/TPgConnection.h>
 #include <cubes/project/Project.h>
 
-#include <CLI/CLI.hpp>
-
 namespace cubes::tool {
 
 namespace {
@@ -14,17 +12,18 @@ class Init : public Command {
 public:
     Init() : Command("init", "Make a project") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("DIR", directory_, "Directory of the project, made when it is not there")->required();
-        line.add_option("--database", options_.database, "sqlite:PATH or postgresql://...; default sqlite:cubes.db")
-            ->type_name("URL");
-        line.add_option("--storage", options_.storage, "How matrix files are stored: plain (default) or deflate")
-            ->check(CLI::IsMember({"plain", "deflate"}))
-            ->type_name("HOW");
-        line.add_option("--durability", options_.durability,
+    void declare(Arguments arguments) override {
+        arguments.required("DIR", directory_, "Directory of the project, made when it is not there");
+        arguments.optional("--database", options_.database, "sqlite:PATH or postgresql://...; default sqlite:cubes.db")
+            .calls("URL");
+        arguments.optional("--storage", options_.storage, "How matrix files are stored: plain (default) or deflate")
+            .oneOf({"plain", "deflate"})
+            .calls("HOW");
+        arguments
+            .optional("--durability", options_.durability,
                 "full (default): a stored matrix survives a power failure; process: it need not, and is stored faster")
-            ->check(CLI::IsMember({"full", "process"}))
-            ->type_name("HOW");
+            .oneOf({"full", "process"})
+            .calls("HOW");
     }
 
     bool needsProject() const override { return false; }

@@ -3,8 +3,6 @@
 #include "tool/ResultKinds.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
-
 #include <map>
 
 namespace cubes::tool {
@@ -15,7 +13,7 @@ class List : public Command {
 public:
     List() : Command("list", "List the cubes and the kinds of results of the project") {}
 
-    void declare(CLI::App&) override {}
+    void declare(Arguments) override {}
     std::string task() const override { return "list the cubes"; }
 
     void run(Surroundings const& surroundings, Output& output) override {

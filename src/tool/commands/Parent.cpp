@@ -3,7 +3,6 @@
 #include "tool/Lineage.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -16,10 +15,11 @@ class Parent : public Command {
 public:
     Parent() : Command("parent", "Print or set what a result was derived from") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("ENTRY", entry_, "The result")->required();
-        auto* const parent = line.add_option("PARENT", parent_, "The entry it was derived from; else that is printed");
-        line.add_flag("--none", none_, "Take its parent away")->excludes(parent);
+    void declare(Arguments arguments) override {
+        arguments.required("ENTRY", entry_, "The result");
+        auto const parent =
+            arguments.optional("PARENT", parent_, "The entry it was derived from; else that is printed");
+        arguments.flag("--none", none_, "Take its parent away").without(parent);
     }
 
     std::string task() const override {

@@ -3,7 +3,6 @@
 #include "tool/Messages.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <filesystem>
@@ -16,8 +15,8 @@ class Remove : public Command {
 public:
     Remove() : Command("remove", "Remove an entry, or a cube with all its entries") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("WHAT", what_, "CUBE, or ENTRY; a kind of results stands for all its entries")->required();
+    void declare(Arguments arguments) override {
+        arguments.required("WHAT", what_, "CUBE, or ENTRY; a kind of results stands for all its entries");
     }
 
     std::string task() const override { return "remove " + what_; }

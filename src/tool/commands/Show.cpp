@@ -3,8 +3,6 @@
 #include "tool/Numbers.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
-
 #include <limits>
 
 namespace cubes::tool {
@@ -52,7 +50,7 @@ class Show : public Command {
 public:
     Show() : Command("show", "Print what the matrix of an entry is like") {}
 
-    void declare(CLI::App& line) override { line.add_option("ENTRY", entry_, "The entry")->required(); }
+    void declare(Arguments arguments) override { arguments.required("ENTRY", entry_, "The entry"); }
 
     std::string task() const override { return "show " + entry_; }
 

@@ -3,7 +3,6 @@
 #include "tool/Messages.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace cubes::tool {
@@ -17,10 +16,10 @@ class Transfer : public Command {
 public:
     using Command::Command;
 
-    void declare(CLI::App& line) override {
-        line.add_option("FROM", from_, "The entry that is there")->required();
-        line.add_option("TO", to_, "The entry to make; one that is there is replaced")->required();
-        line.add_flag("--fail-if-exists", failIfExists_, "Refuse to replace an entry");
+    void declare(Arguments arguments) override {
+        arguments.required("FROM", from_, "The entry that is there");
+        arguments.required("TO", to_, "The entry to make; one that is there is replaced");
+        arguments.flag("--fail-if-exists", failIfExists_, "Refuse to replace an entry");
     }
 
     std::string task() const override { return fmt::format("{} {} to {}", name(), from_, to_); }

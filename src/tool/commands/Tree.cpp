@@ -3,7 +3,6 @@
 #include "tool/LineageReport.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace cubes::tool {
@@ -14,9 +13,9 @@ class Tree : public Command {
 public:
     Tree() : Command("tree", "Show what an entry was derived from and what was derived from it") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("ENTRY", entry_, "The entry, there or not")->required();
-        line.add_flag("--dot", dot_, "Print a graph for Graphviz");
+    void declare(Arguments arguments) override {
+        arguments.required("ENTRY", entry_, "The entry, there or not");
+        arguments.flag("--dot", dot_, "Print a graph for Graphviz");
     }
 
     std::string task() const override { return "show the lineage of " + entry_; }

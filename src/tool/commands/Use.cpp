@@ -2,7 +2,6 @@
 #include "tool/Errors.h"
 #include "tool/commands/Commands.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace cubes::tool {
@@ -13,11 +12,9 @@ class Use : public Command {
 public:
     Use() : Command("use", "Protect an entry while it is used, or give it free") {}
 
-    void declare(CLI::App& line) override {
-        line.add_option("ENTRY", entry_, "The entry")->required();
-        line.add_option("CHANGE", change_, "+1: one more user; -1: one less")
-            ->required()
-            ->check(CLI::IsMember({"+1", "-1"}));
+    void declare(Arguments arguments) override {
+        arguments.required("ENTRY", entry_, "The entry");
+        arguments.required("CHANGE", change_, "+1: one more user; -1: one less").oneOf({"+1", "-1"});
     }
 
     std::string task() const override { return fmt::format("change the users of {}", entry_); }
