@@ -11,7 +11,7 @@ namespace bench {
 using Values = std::vector<std::variant<int, std::string>>;
 
 /// The bare side of a comparison: a database reached through its own client library, with prepared
-/// statements and as durable as the library's own connection.
+/// statements, SQLite with the library's own journal and flushing.
 class BareDatabase {
 public:
     virtual ~BareDatabase() = default;

@@ -44,6 +44,12 @@ bool add(TRkMatCubes const& cubes, Key const& k) {
     return added;
 }
 
+int children(TRkSkimCube const& cubes, Key const& k) {
+    TRkAutoListT<TRkVarCubes::TKey> found;
+    cubes.GetPmturis(TRkSkimCube::CubeType, k[0], k[1], k[2], k[3], k[4], k[5], found);
+    return found.Count();
+}
+
 Operations operationsOf(std::shared_ptr<TRkMatCubes> const& cubes) {
     return {
         [=](Key const& k) { return cubes->Check(1, k[0], k[1], k[2], k[3], false); },
@@ -55,6 +61,7 @@ Operations operationsOf(std::shared_ptr<TRkMatCubes> const& cubes) {
         [=](Key const& k) { return cubes->Clear(1, k[0], k[1], k[2], k[3], false); },
         [=] { return list(*cubes); },
         [=] { return walk(*cubes); },
+        {},
     };
 }
 
@@ -69,18 +76,25 @@ Operations operationsOf(std::shared_ptr<TRkSkimCube> const& cubes) {
         [=](Key const& k) { return cubes->Clear(k[0], k[1], k[2], k[3], k[4], k[5], false); },
         [=] { return list(*cubes); },
         [=] { return walk(*cubes); },
+        [=](Key const& k) { return children(*cubes, k); },
     };
 }
 
-Operations operationsOf(Family const& family, cubes::Project const& project) {
-    if (&family == &sixKeys) return operationsOf(std::make_shared<TRkSkimCube>(project.settings(), true));
+Operations matrixCubes(cubes::Project const& project) {
     auto const cubes = std::make_shared<TRkMatCubes>(project.settings(), ".odm", true);
     cubes->Add("Bench");
     return operationsOf(cubes);
 }
 
-std::string schemaOf(Family const& family, cubes::Project const& project) {
-    if (&family == &fourKeys) return "public";
+Operations skims(cubes::Project const& project) {
+    return operationsOf(std::make_shared<TRkSkimCube>(project.settings(), true));
+}
+
+std::string publicSchema(cubes::Project const&) {
+    return "public";
+}
+
+std::string projectSchema(cubes::Project const& project) {
     return TRkSkimCube(project.settings(), true).getMatrixSchema().c_str();
 }
 
@@ -98,18 +112,19 @@ std::vector<std::string> partsInSql(Family const& family) {
 
 }
 
-Family const fourKeys = {"four-key", "cube4data1", 1, fourColumns, "cubenr, purpose, mode, time, \"user\"", false, 32};
+Family const fourKeys = {"four-key", "cube4data1", 1, fourColumns, "cubenr, purpose, mode, time, \"user\"", false, 32,
+    1, matrixCubes, publicSchema};
 Family const sixKeys = {"six-key", "cube5data1", static_cast<int>(TRkSkimCube::CubeType), sixColumns,
     "cubenr, purpose, mode, time, \"user\", result, iteration, parentcubenr, parentpurpose, parentmode, parenttime, "
     "parentuser, parentresult, parentiteration, filename",
-    true, 10};
+    true, 10, 2, skims, projectSchema};
 
 Entries::Entries(Family const& family, std::string const& postgresUrl, int count)
     : family_(family), count_(count), database_(postgresUrl.empty() ? "sqlite:" + work_.path("bench.db") : postgresUrl),
       name_(fmt::format("{} {}", postgresUrl.empty() ? "sqlite" : "postgres", family.name)),
       project_(newProject(work_.path("project"), database_)),
-      table_(tableName(postgresUrl.empty(), schemaOf(family, project_), family.alias)),
-      operations_(operationsOf(family, project_)), bare_(bareDatabase(database_)) {
+      table_(tableName(postgresUrl.empty(), family.schemaIn(project_), family.alias)),
+      operations_(family.operationsIn(project_)), bare_(bareDatabase(database_)) {
     fill();
 }
 
@@ -123,6 +138,20 @@ void Entries::fill() {
         table_, fmt::format("\"{}\"", fmt::join(family_.columns, "\", \"")), count_, keys,
         fmt::join(parts, " || '-' || ")));
     run("analyze");
+}
+
+void Entries::giveAway(int first) {
+    Key const key = keyOf(first);
+    std::string columns;
+    std::string values;
+    for (std::size_t i = 0; i + 1 < family_.columns.size(); ++i) {
+        columns += fmt::format("{}\"{}\"", i == 0 ? "" : ", ", family_.columns[i + 1]);
+        values += fmt::format("{}{}", i == 0 ? "" : ", ", key[i]);
+    }
+    bare_->run(bare_->prepare(fmt::format(
+                   "update {} set cubenr = {} where ({}) >= ({})", table_, family_.cube - 1, columns, values)),
+        {});
+    bare_->run(bare_->prepare("analyze"), {});
 }
 
 std::vector<Key> Entries::randomKeys(int picked) const {

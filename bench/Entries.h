@@ -14,24 +14,7 @@ namespace bench {
 /// Purpose, mode, time, user, result and iteration; four-key entries have the first four.
 using Key = std::array<short, 6>;
 
-/// A kind of cubes: the entry table and how its test entries are spread over the keys.
-struct Family {
-    char const* name;
-    char const* alias;
-    int cube;
-    /// The columns of the key, the cube number first.
-    std::span<char const* const> columns;
-    /// The columns that a list holds of each row.
-    char const* listed;
-    bool listsFileNames;
-    /// How many values each part of a key takes.
-    int perPart;
-};
-
-extern Family const fourKeys;
-extern Family const sixKeys;
-
-/// Gives the cube's operations that are measured, each on one entry; true when it worked.
+/// The operations of a cube that are measured, each on one entry; true when it worked.
 struct Operations {
     std::function<bool(Key const&)> check;
     std::function<bool(Key const&)> fileName;
@@ -44,7 +27,30 @@ struct Operations {
     std::function<int()> list;
     /// Reads all rows one by one; gives their number.
     std::function<int()> walk;
+    /// Lists the children of an entry; gives their number. Only results have parents.
+    std::function<int(Key const&)> children;
 };
+
+/// A kind of cubes: the entry table and how its test entries are spread over the keys.
+struct Family {
+    char const* name;
+    char const* alias;
+    int cube;
+    /// The columns of the key, the cube number first.
+    std::span<char const* const> columns;
+    /// The columns that a list holds of each row.
+    char const* listed;
+    bool listsFileNames;
+    /// How many values each part of a key takes.
+    int perPart;
+    /// isCorrect of a result asks Check before it looks at the counter.
+    int lookUpsOfIsCorrect;
+    Operations (*operationsIn)(cubes::Project const&);
+    std::string (*schemaIn)(cubes::Project const&);
+};
+
+extern Family const fourKeys;
+extern Family const sixKeys;
 
 /// A project of its own with so many entries of one family, rows only.
 class Entries {
@@ -57,6 +63,8 @@ public:
     BareDatabase& bare() { return *bare_; }
     /// "sqlite" or "postgres", and the family.
     std::string const& name() const { return name_; }
+    /// Makes the entries `first` and behind those of another cube of the family.
+    void giveAway(int first);
     /// The entry table's name in SQL.
     std::string const& table() const { return table_; }
 

@@ -12,11 +12,12 @@ namespace bench {
 namespace {
 
 constexpr int count = 1000000;
+constexpr int few = 1000;
 constexpr double mebibyte = 1024.0 * 1024.0;
 constexpr double walkLimit = 64;
 
-void require(int listed) {
-    if (listed != count) throw std::runtime_error("entries were left out");
+void require(int listed, int expected = count) {
+    if (listed != expected) throw std::runtime_error("entries were left out");
 }
 
 // Mebibytes, in the columns of times: "bare" is the limit itself.
@@ -28,18 +29,45 @@ Result walkMemory(Entries const& entries) {
         1.0, 0};
 }
 
+std::string ownRows(Entries const& entries, Family const& family) {
+    return fmt::format("select {} from {} where cubenr = {} order by \"{}\"", family.listed, entries.table(),
+        family.cube, fmt::join(family.columns, "\", \""));
+}
+
 Result listing(Entries& entries, Family const& family) {
-    std::string const query = fmt::format("select {} from {} where cubenr = {} order by \"{}\"", family.listed,
-        entries.table(), family.cube, fmt::join(family.columns, "\", \""));
+    std::string const query = ownRows(entries, family);
     return compare({fmt::format("{}, {}, list", entries.name(), count), 3.0, 3, 1,
         [&] { require(entries.bare().list(query, family.listsFileNames)); },
         [&] { require(entries.operations().list()); }});
+}
+
+// What other cubes of the table have costs nothing.
+Result listingBeside(Entries& entries, Family const& family) {
+    entries.giveAway(few);
+    std::string const query = ownRows(entries, family);
+    return compare({fmt::format("{}, {} beside {}, list", entries.name(), few, count - few), 3.0, 15, 1,
+        [&] { require(entries.bare().list(query, family.listsFileNames), few); },
+        [&] { require(entries.operations().list(), few); }});
+}
+
+// The database looks through its rows in both cases: parents are not indexed.
+Result children(Entries& entries, Family const& family) {
+    std::string const query = fmt::format(
+        "select {} from {} where parentcubenr = {} and parentpurpose = 1", family.listed, entries.table(), family.cube);
+    return compare({fmt::format("{}, {}, children of an entry", entries.name(), count), 2.0, 5, 1,
+        [&] { require(entries.bare().list(query, family.listsFileNames), 0); },
+        [&] {
+            require(entries.operations().children({1, 1, 1, 1, 1, 1}), 0);
+        }});
 }
 
 void measure(std::vector<Result>& results, Family const& family, std::string const& url) {
     Entries entries(family, url, count);
     results.push_back(walkMemory(entries));
     results.push_back(listing(entries, family));
+    if (!entries.operations().children) return;
+    results.push_back(listingBeside(entries, family));
+    results.push_back(children(entries, family));
 }
 
 }
