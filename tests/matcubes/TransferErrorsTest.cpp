@@ -17,18 +17,17 @@ protected:
 CUBES_BOTH_BACKENDS(TransferErrors);
 
 TEST_P(TransferErrors, tellTheFormsApartWhenTheTargetExists) {
+    store(end(1, 1), 1);
+    store(end(1, 2), 2);
+    store(end(2, 2), 2);
+    std::string const before = state();
     for (auto const& form : forms) {
         SCOPED_TRACE(form.name);
-        store(end(1, 1), 1);
-        End const target = targetFor(form, 2);
-        store(target, 2);
-        std::string const before = state();
-        EXPECT_EQ(messageOf([&] { run(form, end(1, 1), target, failIfExists); }), form.refusal);
-        EXPECT_EQ(state(), before);
+        EXPECT_EQ(messageOf([&] { run(form, end(1, 1), targetFor(form, 2), failIfExists); }), form.refusal);
         EXPECT_EQ(first(end(1, 1)), 1.0);
-        EXPECT_EQ(first(target), 2.0);
-        clear();
+        EXPECT_EQ(first(targetFor(form, 2)), 2.0);
     }
+    EXPECT_EQ(state(), before);
 }
 
 TEST_P(TransferErrors, areNoneForAFreeTarget) {
@@ -42,26 +41,22 @@ TEST_P(TransferErrors, areNoneForAFreeTarget) {
 }
 
 TEST_P(TransferErrors, areNoneForAMissingSource) {
-    for (auto const& form : forms) {
-        SCOPED_TRACE(form.name);
-        store(targetFor(form, 2), 2);
-        std::string const before = state();
-        EXPECT_TRUE(run(form, end(1, 1), targetFor(form, 2), failIfExists));
-        EXPECT_EQ(state(), before);
-        clear();
-    }
+    store(end(1, 2), 1);
+    store(end(2, 2), 2);
+    std::string const before = state();
+    for (auto const& form : forms) EXPECT_TRUE(run(form, end(1, 1), targetFor(form, 2), failIfExists)) << form.name;
+    EXPECT_EQ(state(), before);
 }
 
 TEST_P(TransferErrors, sayThatAnEntryOntoItselfExists) {
+    store(end(1, 1), 1);
+    std::string const before = state();
     for (auto const& form : forms) {
         if (form.isByName && !form.isBetween) continue;
         SCOPED_TRACE(form.name);
-        store(end(1, 1), 1);
-        std::string const before = state();
         EXPECT_EQ(messageOf([&] { run(form, end(1, 1), end(1, 1), failIfExists); }), form.refusal);
-        EXPECT_EQ(state(), before);
-        clear();
     }
+    EXPECT_EQ(state(), before);
 }
 
 TEST_P(TransferErrors, findAZeroBasedTarget) {
@@ -117,8 +112,8 @@ TEST_P(TransferErrors, ofTheCubesComeBeforeAnythingElse) {
             if (form.isByName != error.isByName || form.isBetween != error.isBetween) continue;
             SCOPED_TRACE(form.name + std::string(", ") + error.when);
             EXPECT_EQ(messageOf([&] { run(form, error.from, error.to, {error.failIfExists, false}); }), error.message);
-            EXPECT_EQ(state(), before);
         }
+    EXPECT_EQ(state(), before);
 }
 
 TEST_P(TransferErrors, areNoneForAnUnknownNameWhichIsFalse) {
@@ -131,8 +126,8 @@ TEST_P(TransferErrors, areNoneForAnUnknownNameWhichIsFalse) {
         EXPECT_FALSE(run(form, {0, nullptr, 1}, end(2, 1)));
         EXPECT_FALSE(run(form, end(1, 1), {0, nullptr, 1}));
         EXPECT_FALSE(run(form, end(3, 1), end(4, 1)));
-        EXPECT_EQ(state(), before);
     }
+    EXPECT_EQ(state(), before);
 }
 
 TEST_P(TransferErrors, areNoneForANewNameWhichBecomesACube) {

@@ -3,6 +3,7 @@
 #include <cubes/core/TRkCubesException.h>
 
 #include <array>
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -97,17 +98,25 @@ protected:
     static std::string fileName(End at) {
         return std::to_string(at.cubenr) + "-1-1-1-" + std::to_string(at.user) + ".odm";
     }
+    /// Back to the beginning, for the next form.
     void clear() {
-        for (short const cubenr : {short{-8}, short{1}, short{2}, short{3}, short{4}}) cubes().Clear(cubenr);
-        project().execute("delete from cube where cubenr > 2");
+        execute("delete from " + table());
+        execute("delete from cube where cubenr > 2");
+        for (auto const& file : std::filesystem::directory_iterator(project().matrixDirectory()))
+            std::filesystem::remove_all(file);
     }
     void name(End at, std::string const& filename) {
-        project().execute("update " + table() + " set filename = '" + filename + "' where cubenr = " +
-                          std::to_string(at.cubenr) + " and \"user\" = " + std::to_string(at.user));
+        execute("update " + table() + " set filename = '" + filename + "' where cubenr = " + std::to_string(at.cubenr) +
+                " and \"user\" = " + std::to_string(at.user));
     }
+    void execute(std::string const& statement) { project().project().connection()->Execute(statement); }
 
     /// Everything that a refused transfer leaves as it is.
-    std::string state() { return cubeRows() + rows() + files(); }
+    std::string state() {
+        return read("select cubenr, purpose, mode, time, \"user\", \"usageCounter\", filename from " + table() +
+                    " union all select cubenr, 0, 0, 0, 0, 0, name from cube order by 1, 2, 3, 4, 5") +
+               files();
+    }
     static std::string messageOf(std::function<void()> const& call) {
         try {
             call();
