@@ -15,6 +15,8 @@
 #include <cubes/database/TRkField.h>
 #include <cubes/database/TRkTableProxy.h>
 #include <cubes/database/Value.h>
+#include <cubes/matcubes/TRkFareCube.h>
+#include <cubes/matcubes/TRkMatCube.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/OmxFile.h>

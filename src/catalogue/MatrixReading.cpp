@@ -39,6 +39,7 @@ TRkMatrixHeader const* readHeader(TRkString const& file) {
 }
 
 bool copyMatrixFile(std::string const& source, std::string const& target, RkLockState lock) {
+    if (platform::overlap(source, target)) return false;
     try {
         std::optional<matrix::WriteLock> held;
         if (lock & lsWrite) held.emplace(target, matrix::WriteLock::Purpose::create);
@@ -49,6 +50,7 @@ bool copyMatrixFile(std::string const& source, std::string const& target, RkLock
 }
 
 bool moveMatrixFile(std::string const& source, std::string const& target) {
+    if (!platform::exists(source) || platform::overlap(source, target)) return false;
     try {
         matrix::WriteLock const held(target, matrix::WriteLock::Purpose::create);
         platform::removeFile(target);

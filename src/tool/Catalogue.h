@@ -26,9 +26,9 @@ public:
     Project const& project() const noexcept { return project_; }
 
     /// The cubes of the register in the order of their numbers. What the register holds of the
-    /// kinds of results is left out.
+    /// kinds is left out.
     std::vector<Cube> cubes() const;
-    /// In the order of their keys: those of the cubes, then the results kind by kind.
+    /// In the order of their keys: those of the cubes, then kind by kind.
     std::vector<Entry> entries() const;
     std::vector<Entry> entriesOf(Cube const& cube) const;
     Cube cube(CubeWord const& word) const;
@@ -58,7 +58,7 @@ public:
     void leave(Entry const& entry);
 
     /// The entries of a kind that have a parent.
-    std::vector<Derived> derivedOf(ResultKind const& kind) const;
+    std::vector<Derived> derivedOf(Kind const& kind) const;
     void setParent(Entry const& entry, ParentNumbers const& parent);
 
     /// What becomes of an entry that is there already.
@@ -67,14 +67,22 @@ public:
     /// entry in use is refused: the target, and the source of a move. Onto itself nothing happens.
     Entry copy(Entry const& from, EntryWord const& to, Existing existing);
     Entry move(Entry const& from, EntryWord const& to, Existing existing);
+    /// The same from another project, which may have another database. This project is the current
+    /// one afterwards. Projects that keep their files in one directory are refused.
+    Entry copyFrom(Catalogue& source, Entry const& from, EntryWord const& to, Existing existing);
+    Entry moveFrom(Catalogue& source, Entry const& from, EntryWord const& to, Existing existing);
 
 private:
+    static constexpr char const* noEntryTable = "the database has no table of entries";
+
     EntryFamily& familyOf(Cube const& cube) const;
     using FilePlacing = bool (EntryFamily::*)(EntryFamily const& source, Entry const& from, Entry const& to);
     template <typename Action>
     Entry inCube(EntryWord const& word, Action const& action);
     void refuseTarget(Entry const& to, Existing existing) const;
     void place(Entry const& from, Entry const& to, FilePlacing placing);
+    void refuseSharedDirectory(Catalogue const& source, Entry const& from, EntryWord const& to) const;
+    std::string directoryOf(Kind const* kind) const;
     void refuseUse(Entry const& entry) const;
     void storeAt(Entry const& entry, TRkMatrix const& matrix);
     void refuseToReplace(Entry const& entry) const;
@@ -83,7 +91,7 @@ private:
     Project project_;
     TRkMatCubes register_;
     std::unique_ptr<EntryFamily> cubeEntries_;
-    std::map<ResultKind const*, std::unique_ptr<EntryFamily>> results_;
+    std::map<Kind const*, std::unique_ptr<EntryFamily>> kinds_;
 };
 
 }

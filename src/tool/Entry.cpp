@@ -1,7 +1,7 @@
 #include "tool/Entry.h"
 
 #include "tool/Errors.h"
-#include "tool/ResultKinds.h"
+#include "tool/Kinds.h"
 
 #include <fmt/format.h>
 
@@ -63,6 +63,13 @@ Key takeKey(std::string& text, std::size_t count) {
     return key;
 }
 
+/// The kind that a word or a number names; null when it names none.
+Kind const* kindOf(std::string const& word) {
+    if (auto const* const kind = findKind(word)) return kind;
+    auto const number = looksLikeNumber(word) ? shortOf(word) : std::nullopt;
+    return number ? findKind(*number) : nullptr;
+}
+
 [[noreturn]] void refuseWord(std::string const& text, std::string const& expected) {
     throw UsageError(fmt::format("\"{}\" is no entry: expected {}", text, expected));
 }
@@ -73,13 +80,17 @@ std::string textOf(Key const& key) {
     return fmt::format("{}", fmt::join(key, "/"));
 }
 
+bool Cube::isOfResults() const {
+    return kind && kind->isResult;
+}
+
 bool isEntry(std::string const& text) {
     return slashesIn(text) >= partsOfCubes;
 }
 
 CubeWord parseCube(std::string const& text) {
     if (text.empty()) throw UsageError("the name of the cube is empty");
-    if (auto const* const kind = findResultKind(text)) return {text, kind->number, kind};
+    if (auto const* const kind = kindOf(text)) return {text, kind->number, kind};
     if (!looksLikeNumber(text)) return {text, std::nullopt};
     auto const number = shortOf(text);
     if (!number) throw Refusal(fmt::format("the cube's number {} is beyond 16 bits", text));
@@ -87,11 +98,13 @@ CubeWord parseCube(std::string const& text) {
 }
 
 EntryWord parseEntry(std::string const& text) {
-    auto const* const kind = findResultKind(text.substr(0, text.find('/')));
-    std::size_t const count = kind ? partsOfResults : partsOfCubes;
-    if (kind && slashesIn(text) != count)
-        refuseWord(text, kind->word + std::string("/purpose/mode/time/user/result/iteration"));
-    if (slashesIn(text) < count) refuseWord(text, "CUBE/purpose/mode/time/user");
+    auto const* const kind = kindOf(text.substr(0, text.find('/')));
+    bool const isResult = kind && kind->isResult;
+    std::size_t const count = isResult ? partsOfResults : partsOfCubes;
+    bool const fits = kind ? slashesIn(text) == count : slashesIn(text) >= count;
+    if (!fits)
+        refuseWord(text, fmt::format("{}/purpose/mode/time/user{}", kind ? kind->word : "CUBE",
+                             isResult ? "/result/iteration" : ""));
     std::string rest = text;
     Key key = takeKey(rest, count);
     return {parseCube(rest), std::move(key)};

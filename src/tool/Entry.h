@@ -6,15 +6,15 @@
 
 namespace cubes::tool {
 
-struct ResultKind;
+struct Kind;
 
 /// A cube as it was written on the command line: by name, by number when it is made of digits, or
-/// the word for a kind of results.
+/// the word for a kind.
 struct CubeWord {
     std::string text;
     std::optional<short> number;
     /// Null for a cube of the register.
-    ResultKind const* results = nullptr;
+    Kind const* kind = nullptr;
 };
 
 /// Purpose, mode, time and user, one-based; of a result also result and iteration.
@@ -23,8 +23,8 @@ using Key = std::vector<short>;
 /// "1/2/3/4".
 std::string textOf(Key const& key);
 
-/// An entry as it was written: CUBE/purpose/mode/time/user, or with the word for a kind of results
-/// KIND/purpose/mode/time/user/result/iteration.
+/// An entry as it was written: CUBE/purpose/mode/time/user, with the word for fares in place of the
+/// cube, or with the word for a kind of results KIND/purpose/mode/time/user/result/iteration.
 struct EntryWord {
     CubeWord cube;
     Key key;
@@ -32,13 +32,14 @@ struct EntryWord {
     std::string text() const { return cube.text + "/" + textOf(key); }
 };
 
-/// A cube of the register, or the results of a kind.
+/// A cube of the register, the fares, or the results of a kind.
 struct Cube {
     short number = 0;
     std::string name;
     /// Null for a cube of the register.
-    ResultKind const* results = nullptr;
+    Kind const* kind = nullptr;
 
+    bool isOfResults() const;
     /// Its name, or its number when the register has no name for it.
     std::string text() const { return name.empty() ? std::to_string(number) : name; }
 };

@@ -6,6 +6,7 @@
 #include <cubes/matrix/TRkMatrix.h>
 #include <cubes/project/TRkGlobalSettings.h>
 #include <cubes/text/CountedPtr.h>
+#include <cubes/varcubes/TRkVarCubes.h>
 
 #include <array>
 #include <memory>
@@ -26,8 +27,8 @@ struct Derived {
     ParentNumbers parent;
 };
 
-/// What the two families of entries, those of the register's cubes and the results of a kind, do
-/// each in its own way. False, null or empty for what is not there.
+/// What the families of entries, those of the register's cubes, the fares and the results of a
+/// kind, do each in its own way. False, null or empty for what is not there.
 class EntryFamily {
 public:
     virtual ~EntryFamily() = default;
@@ -69,7 +70,9 @@ public:
 
 /// The entries of the register's cubes.
 std::unique_ptr<EntryFamily> cubeEntries(TRkGlobalSettings* settings);
+/// The fares.
+std::unique_ptr<EntryFamily> fareEntries(TRkGlobalSettings* settings, Kind const& kind);
 /// The results of a kind.
-std::unique_ptr<EntryFamily> resultEntries(TRkGlobalSettings* settings, ResultKind const& kind);
+std::unique_ptr<EntryFamily> resultEntries(std::unique_ptr<TRkVarCubes> cube, Kind const& kind);
 
 }

@@ -1,6 +1,6 @@
 #include "tool/Lineage.h"
 
-#include "tool/ResultKinds.h"
+#include "tool/Kinds.h"
 
 #include <algorithm>
 #include <set>
@@ -23,7 +23,7 @@ Entry entryOf(ParentNumbers const& parent, Catalogue const& catalogue) {
 }
 
 Lineage::Lineage(Catalogue const& catalogue) {
-    for (auto const& kind : resultKinds())
+    for (auto const& kind : kinds())
         for (auto const& row : catalogue.derivedOf(kind)) {
             auto const parent = entryOf(row.parent, catalogue);
             parents_.emplace(row.entry, parent);

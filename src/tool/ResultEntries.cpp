@@ -1,5 +1,5 @@
 #include "tool/EntryFamily.h"
-#include "tool/ResultKinds.h"
+#include "tool/Kinds.h"
 
 namespace cubes::tool {
 
@@ -15,7 +15,7 @@ auto onKey(Entry const& e, Function const& function) {
 
 class ResultEntries : public EntryFamily {
 public:
-    ResultEntries(TRkGlobalSettings* settings, ResultKind const& kind) : kind_(kind), cube_(kind.cubeOf(settings)) {}
+    ResultEntries(std::unique_ptr<TRkVarCubes> cube, Kind const& kind) : kind_(kind), cube_(std::move(cube)) {}
 
     bool hasTable() const override { return static_cast<bool>(cube_->Open()); }
 
@@ -125,14 +125,14 @@ private:
         for (int i = 0; i < list.Count(); ++i) function(*list[i]);
     }
 
-    ResultKind const& kind_;
+    Kind const& kind_;
     std::unique_ptr<TRkVarCubes> cube_;
 };
 
 }
 
-std::unique_ptr<EntryFamily> resultEntries(TRkGlobalSettings* settings, ResultKind const& kind) {
-    return std::make_unique<ResultEntries>(settings, kind);
+std::unique_ptr<EntryFamily> resultEntries(std::unique_ptr<TRkVarCubes> cube, Kind const& kind) {
+    return std::make_unique<ResultEntries>(std::move(cube), kind);
 }
 
 }

@@ -16,10 +16,6 @@ bool lookUp(TRkVarCubes const& cube, CountedPtr<Rktable::TRkTableProxy> const& t
     return cube.LookUp(table, k[0], k[1], k[2], k[3], k[4], k[5], k[6], zeroBased);
 }
 
-bool canBePlaced(TRkFString const& source, TRkFString const& target) {
-    return !source.File().IsEmpty() && !target.File().IsEmpty() && !platform::overlap(source.str(), target.str());
-}
-
 bool areDirectories(std::string const& source, std::string const& target) {
     return platform::isDirectory(source) && platform::isDirectory(target);
 }
@@ -27,14 +23,15 @@ bool areDirectories(std::string const& source, std::string const& target) {
 }
 
 bool copyEntryFile(std::string const& source, std::string const& target) {
-    if (!canBePlaced(source, target)) return false;
-    if (areDirectories(source, target)) return TRkFString(source).CopyTo(target.c_str(), true);
-    return copyMatrixFile(source, target, lsReadWrite);
+    if (source.empty() || target.empty()) return false;
+    if (!areDirectories(source, target)) return copyMatrixFile(source, target, lsReadWrite);
+    return !platform::overlap(source, target) && TRkFString(source).CopyTo(target.c_str(), true);
 }
 
 bool moveEntryFile(std::string const& source, std::string const& target) {
-    if (!canBePlaced(source, target) || !platform::exists(source)) return false;
+    if (source.empty() || target.empty()) return false;
     if (!platform::isDirectory(source)) return moveMatrixFile(source, target);
+    if (platform::overlap(source, target)) return false;
     if (platform::isDirectory(target))
         platform::removeDirectory(target, true);
     else

@@ -35,6 +35,13 @@ std::string listing(std::string const& directory) {
     return text;
 }
 
+std::string matrixFiles(std::string const& directory) {
+    std::string names = listing(directory);
+    std::string const lock = ".cubes-lock\n";
+    std::size_t const place = names.find(lock);
+    return place == std::string::npos ? names : names.erase(place, lock.size());
+}
+
 std::string readFile(std::string const& path) {
     std::ifstream stream(path, std::ios::binary);
     if (!stream) throw std::runtime_error("cannot read " + path);

@@ -49,13 +49,7 @@ protected:
 
     std::string directory() { return project().settings()->WorkingDirectory().str(); }
     /// What lies in the matrix directory, the lock file of all writers left out.
-    std::string files() { return filesIn(directory()); }
-    static std::string filesIn(std::string const& path) {
-        std::string names = listing(path);
-        std::string const lock = ".cubes-lock\n";
-        std::size_t const place = names.find(lock);
-        return place == std::string::npos ? names : names.erase(place, lock.size());
-    }
+    std::string files() { return matrixFiles(directory()); }
     std::string pathOf(std::string const& name) { return directory() + name; }
 
     /// Adds an entry without parent: 1/1/1/1/1/`iteration`.

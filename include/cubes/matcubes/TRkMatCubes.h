@@ -153,8 +153,41 @@ public:
     /// Whether the entry exists and nobody uses it (its counter is null or 0, or not kept).
     bool isCorrect(short cubenr, short p, short m, short t, short u) const;
 
-private:
-    // These only check and register cubes; on cubes with entries they would be taken for more.
-    using TRkBaseCubes::Copy;
-    using TRkBaseCubes::Move;
+    /// Copies an entry, row and file, within or between cubes. The target's row is added with a
+    /// counter of 0, or stays as it is when it exists; its file is replaced under its write lock.
+    /// No counter is changed, and a copy shares nothing with its source.
+    ///
+    /// The cubes are checked first, as TRkBaseCubes::Copy says: it throws TRkCubesException for
+    /// cubes, and by name it adds a target cube that is new. With `failIfExists` an existing target
+    /// entry throws too, before anything is written: ecEntryExists by number, ecMatrixExists by name.
+    ///
+    /// True also when there is no source entry, or a row names no file inside its directory: then
+    /// no file is written. False when the check is false, there is no entry table, the file cannot
+    /// be copied or is the target's own; the target's row stays then.
+    bool Copy(short cubenr, short p, short m, short t, short u, short toCubenr, short toP, short toM, short toT,
+        short toU, bool failIfExists, bool zeroBased) const;
+    bool Copy(char const* cubeName, short p, short m, short t, short u, char const* toCubeName, short toP, short toM,
+        short toT, short toU, bool failIfExists, bool zeroBased) const;
+    /// The same from another catalogue, of another directory or database. Numbers and names of
+    /// cubes are always those of the current project's register. An existing target entry throws
+    /// ecCubeExists by number, ecEntryExists by name. By name onto a cube that exists, the source
+    /// entry is looked for under the number that its cube's name has here.
+    bool Copy(TRkMatCubes const& other, short cubenr, short p, short m, short t, short u, short toCubenr, short toP,
+        short toM, short toT, short toU, bool failIfExists, bool zeroBased) const;
+    bool Copy(TRkMatCubes const& other, char const* cubeName, short p, short m, short t, short u,
+        char const* toCubeName, short toP, short toM, short toT, short toU, bool failIfExists, bool zeroBased) const;
+
+    /// As Copy, but the file is moved, an existing target file being removed first, and the source's
+    /// row is deleted when that worked. An existing target entry throws ecCubeExists in every form.
+    /// A source file that is missing leaves the target's alone: false. Catalogues of two
+    /// directories may share their table; then an entry that keeps its key has one row for both,
+    /// and loses it.
+    bool Move(short cubenr, short p, short m, short t, short u, short toCubenr, short toP, short toM, short toT,
+        short toU, bool failIfExists, bool zeroBased) const;
+    bool Move(char const* cubeName, short p, short m, short t, short u, char const* toCubeName, short toP, short toM,
+        short toT, short toU, bool failIfExists, bool zeroBased) const;
+    bool Move(TRkMatCubes const& other, short cubenr, short p, short m, short t, short u, short toCubenr, short toP,
+        short toM, short toT, short toU, bool failIfExists, bool zeroBased) const;
+    bool Move(TRkMatCubes const& other, char const* cubeName, short p, short m, short t, short u,
+        char const* toCubeName, short toP, short toM, short toT, short toU, bool failIfExists, bool zeroBased) const;
 };

@@ -1,5 +1,6 @@
 #include "host/platform/Files.h"
 
+#include "host/platform/CopyContent.h"
 #include "host/platform/Paths.h"
 #include "host/platform/TemporaryFile.h"
 
@@ -85,7 +86,7 @@ bool copyFile(std::string const& source, std::string const& target) {
     if (!isRegularFile(source) || isDirectory(target) || isSamePath(source, target)) return false;
     try {
         TemporaryFile beside(target);
-        fs::copy_file(toPath(source), toPath(beside.path()), fs::copy_options::overwrite_existing);
+        copyContent(source, beside.file());
         beside.file().flush();
         beside.publish();
         return true;

@@ -17,7 +17,7 @@ public:
     std::string task() const override { return "add the cube " + name_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        if (parseCube(name_).results) throw Refusal("the word stands for a kind of results");
+        if (parseCube(name_).kind) throw Refusal("the word stands for fares or a kind of results");
         if (parseCube(name_).number) throw Refusal("a name of digits alone would be read as the number of a cube");
         auto catalogue = Catalogue::open(surroundings);
         if (catalogue.has(parseCube(name_))) throw Refusal("there is a cube of that name already");

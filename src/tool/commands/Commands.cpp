@@ -4,7 +4,8 @@ namespace cubes::tool {
 
 std::vector<std::unique_ptr<Command>> allCommands() {
     constexpr std::unique_ptr<Command> (*makers[])() = {makeInit, makeDemo, makeAdd, makeList, makeEntries, makeImport,
-        makeExport, makeShow, makeCell, makeCopy, makeMove, makeRemove, makeParent, makeChildren, makeTree, makeUse};
+        makeExport, makeShow, makeCell, makeCopy, makeMove, makeClear, makeRemove, makeParent, makeChildren, makeTree,
+        makeUse};
     std::vector<std::unique_ptr<Command>> commands;
     for (auto const make : makers) commands.push_back(make());
     return commands;

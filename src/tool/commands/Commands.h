@@ -17,6 +17,7 @@ std::unique_ptr<Command> makeShow();
 std::unique_ptr<Command> makeCell();
 std::unique_ptr<Command> makeCopy();
 std::unique_ptr<Command> makeMove();
+std::unique_ptr<Command> makeClear();
 std::unique_ptr<Command> makeRemove();
 std::unique_ptr<Command> makeParent();
 std::unique_ptr<Command> makeChildren();

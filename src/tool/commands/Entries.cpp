@@ -43,7 +43,8 @@ public:
     Entries() : Command("entries", "List the entries of a cube, or of all") {}
 
     void declare(Arguments arguments) override {
-        arguments.optional("CUBE", cube_, "Name or number of a cube, or a kind of results; else the entries of all");
+        arguments.optional(
+            "CUBE", cube_, "Name or number of a cube, fare, or a kind of results; else the entries of all");
     }
 
     std::string task() const override { return cube_.empty() ? "list the entries" : "list the entries of " + cube_; }

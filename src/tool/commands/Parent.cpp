@@ -30,7 +30,7 @@ public:
         auto const word = parseEntry(entry_);
         auto catalogue = Catalogue::open(surroundings);
         auto const entry = catalogue.entry(word);
-        if (!entry.cube.results) throw Refusal("only results have parents");
+        if (!entry.cube.isOfResults()) throw Refusal("only results have parents");
         if (none_) catalogue.setParent(entry, {});
         if (!parent_.empty()) set(catalogue, entry, catalogue.entry(parseEntry(parent_)));
         show(catalogue, entry, output);

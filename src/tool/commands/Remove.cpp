@@ -1,11 +1,8 @@
-#include "tool/Catalogue.h"
 #include "tool/Errors.h"
-#include "tool/Messages.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/Removal.h"
 
 #include <fmt/format.h>
-
-#include <filesystem>
 
 namespace cubes::tool {
 
@@ -16,30 +13,19 @@ public:
     Remove() : Command("remove", "Remove an entry, or a cube with all its entries") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("WHAT", what_, "CUBE, or ENTRY; a kind of results stands for all its entries");
+        arguments.required("WHAT", what_, "CUBE, or ENTRY; fares or a kind of results stand for all their entries");
     }
 
     std::string task() const override { return "remove " + what_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
         if (isEntry(what_))
-            removeEntry(parseEntry(what_), surroundings, output);
+            removeEntry(parseEntry(what_), "removed", surroundings, output);
         else
             removeCube(parseCube(what_), surroundings, output);
     }
 
 private:
-    static void removeEntry(EntryWord const& word, Surroundings const& surroundings, Output& output) {
-        auto catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
-        auto const files = filesOf({entry}, catalogue);
-        catalogue.remove(entry);
-        tellOfFilesThatStayed(files);
-        Record removed;
-        removed.add("removed", "removed", entry.text());
-        output.show(removed);
-    }
-
     static void removeCube(CubeWord const& word, Surroundings const& surroundings, Output& output) {
         auto catalogue = Catalogue::open(surroundings);
         auto const cube = catalogue.cube(word);
@@ -61,13 +47,6 @@ private:
             files.push_back(catalogue.path(entry));
         }
         return files;
-    }
-
-    // The row is gone by now; a file that the system keeps is not worth an error.
-    static void tellOfFilesThatStayed(std::vector<std::string> const& files) {
-        std::error_code ignored;
-        for (auto const& file : files)
-            if (std::filesystem::exists(file, ignored)) tellWarning(file + " could not be removed");
     }
 
     std::string what_;

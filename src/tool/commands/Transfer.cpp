@@ -1,9 +1,14 @@
 #include "tool/Catalogue.h"
+#include "tool/Errors.h"
 #include "tool/Lineage.h"
 #include "tool/Messages.h"
+#include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
 
 #include <fmt/format.h>
+
+#include <cstdlib>
+#include <filesystem>
 
 namespace cubes::tool {
 
@@ -20,16 +25,38 @@ public:
         arguments.required("FROM", from_, "The entry that is there");
         arguments.required("TO", to_, "The entry to make; one that is there is replaced");
         arguments.flag("--fail-if-exists", failIfExists_, "Refuse to replace an entry");
+        arguments.optional("--from-project", fromProject_, "Project that holds FROM; else the one to work in")
+            .calls("DIR");
     }
 
     std::string task() const override { return fmt::format("{} {} to {}", name(), from_, to_); }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const fromWord = parseEntry(from_);
-        auto const toWord = parseEntry(to_);
+        fromWord_ = parseEntry(from_);
+        toWord_ = parseEntry(to_);
         auto catalogue = Catalogue::open(surroundings);
-        auto const from = catalogue.entry(fromWord);
-        auto const to = transfer(catalogue, from, toWord, failIfExists_ ? Existing::refused : Existing::replaced);
+        if (isElsewhere(catalogue))
+            runBetween(catalogue, output);
+        else
+            runWithin(catalogue, output);
+    }
+
+protected:
+    EntryWord const& to() const { return toWord_; }
+    Existing existing() const { return failIfExists_ ? Existing::refused : Existing::replaced; }
+
+private:
+    virtual Entry within(Catalogue& catalogue, Entry const& from) = 0;
+    virtual Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) = 0;
+
+    bool isElsewhere(Catalogue const& catalogue) const {
+        if (fromProject_.empty()) return false;
+        return !std::filesystem::equivalent(findProject(fromProject_), catalogue.project().root());
+    }
+
+    void runWithin(Catalogue& catalogue, Output& output) {
+        auto const from = catalogue.entry(fromWord_);
+        auto const to = within(catalogue, from);
         Record done;
         done.add("from", "from", from.text());
         done.add("to", "to", to.text());
@@ -37,11 +64,26 @@ public:
         output.show(done);
     }
 
-private:
-    virtual Entry transfer(Catalogue& catalogue, Entry const& from, EntryWord const& to, Existing existing) = 0;
+    void runBetween(Catalogue& catalogue, Output& output) {
+        // It names one database for every project that is opened.
+        if (std::getenv("CUBES_DATABASE"))
+            throw Refusal("CUBES_DATABASE is set and names one database for both projects");
+        Catalogue source(findProject(fromProject_));
+        auto const from = source.entry(fromWord_);
+        auto const to = between(catalogue, source, from);
+        Record done;
+        done.add("from", "from", from.text());
+        done.add("fromProject", "from project", source.project().root());
+        done.add("to", "to", to.text());
+        done.add("file", "file", catalogue.path(to));
+        output.show(done);
+    }
 
     std::string from_;
     std::string to_;
+    std::string fromProject_;
+    EntryWord fromWord_;
+    EntryWord toWord_;
     bool failIfExists_ = false;
 };
 
@@ -50,8 +92,10 @@ public:
     Copy() : Transfer("copy", "Copy an entry to another entry") {}
 
 private:
-    Entry transfer(Catalogue& catalogue, Entry const& from, EntryWord const& to, Existing existing) override {
-        return catalogue.copy(from, to, existing);
+    Entry within(Catalogue& catalogue, Entry const& from) override { return catalogue.copy(from, to(), existing()); }
+
+    Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) override {
+        return catalogue.copyFrom(source, from, to(), existing());
     }
 };
 
@@ -60,12 +104,22 @@ public:
     Move() : Transfer("move", "Move an entry to another entry") {}
 
 private:
-    Entry transfer(Catalogue& catalogue, Entry const& from, EntryWord const& to, Existing existing) override {
+    Entry within(Catalogue& catalogue, Entry const& from) override {
         auto const children = Lineage(catalogue).childrenOf(from);
-        auto const moved = catalogue.move(from, to, existing);
-        if (!children.empty() && !(moved == from))
-            tellWarning(fmt::format("results that still name {} as their parent: {}", from.text(), children.size()));
+        auto const moved = catalogue.move(from, to(), existing());
+        if (!(moved == from)) tellOfOrphans(from, children.size());
         return moved;
+    }
+
+    Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) override {
+        auto const children = Lineage(source).childrenOf(from);
+        auto const moved = catalogue.moveFrom(source, from, to(), existing());
+        tellOfOrphans(from, children.size());
+        return moved;
+    }
+
+    static void tellOfOrphans(Entry const& from, std::size_t count) {
+        if (count > 0) tellWarning(fmt::format("results that still name {} as their parent: {}", from.text(), count));
     }
 };
 

@@ -87,6 +87,28 @@ std::vector<Case> const projectCases = {
     {"removal of an entry in use", "cubes remove Base/1/1/1/2", 1, {"Base/1/1/1/2 is in use"}},
     {"removal of a cube in use", "cubes remove Base", 1, {"Base/1/1/1/2 is in use"}},
     {"removal of an unknown cube", "cubes remove Unknown", 1, {"there is no cube Unknown"}},
+    {"a copy of an unknown key", "cubes copy Base/9/1/1/1 New/1/1/1/1", 1, {"has no entry 9/1/1/1"}},
+    {"a copy of an unknown cube", "cubes copy Unknown/1/1/1/1 New/1/1/1/1", 1, {"there is no cube Unknown"}},
+    {"a copy to an unknown number", "cubes copy Base/1/1/1/1 77/1/1/1/1", 1, {"there is no cube 77"}},
+    {"a copy of a file that is gone", "cubes copy Base/1/1/1/3 New/1/1/1/1", 3, {"there is no file", "1-1-1-1-3.odm"}},
+    {"the same over a good entry", "cubes copy Base/1/1/1/3 Base/1/1/1/1", 3, {"there is no file", "1-1-1-1-3.odm"}},
+    {"a move of a file that is gone", "cubes move Base/1/1/1/3 New/1/1/1/1", 3, {"there is no file", "1-1-1-1-3.odm"}},
+    {"a copy onto an entry in use", "cubes copy Base/1/1/1/1 Base/1/1/1/2", 1, {"Base/1/1/1/2 is in use"}},
+    {"a move onto an entry in use", "cubes move Base/1/1/1/1 Base/1/1/1/2", 1, {"Base/1/1/1/2 is in use"}},
+    {"a move of an entry in use", "cubes move Base/1/1/1/2 Base/1/1/1/9", 1, {"Base/1/1/1/2 is in use"}},
+    {"a copy onto what must not exist", "cubes copy Base/1/1/1/1 Base/1/1/1/4 --fail-if-exists", 1, {"exists already"}},
+    {"a copy of a file cut short to fares", "cubes copy Base/1/1/1/4 fare/1/1/1/1", 3, {"1-1-1-1-4.odm"}},
+    {"a copy of a row that leads out", "cubes copy Base/1/1/1/5 New/1/1/1/1", 3, {"names no file"}},
+    {"a copy onto a row that leads out", "cubes copy Base/1/1/1/1 Base/1/1/1/5", 3, {"names no file"}},
+    {"a move onto a row that leads out", "cubes move Base/1/1/1/1 Base/1/1/1/5", 3, {"names no file"}},
+    {"a copy to a key that is no number", "cubes copy Base/1/1/1/1 New/1/1/1/x", 1, {"user", "\"x\""}},
+    {"a copy to a cube alone", "cubes copy Base/1/1/1/1 New", 2, {"\"New\" is no entry"}},
+    {"a copy from no project", "cubes copy Base/1/1/1/1 New/1/1/1/1 --from-project folder.csv", 1, {"folder.csv"}},
+    {"a fare with a result", "cubes show fare/1/1/1/1/1/1", 2, {"fare/purpose/mode/time/user"}},
+    {"an unknown fare", "cubes show fare/1/1/1/1", 1, {"there is no fare/1/1/1/1"}},
+    {"clearing an entry in use", "cubes clear Base/1/1/1/2", 1, {"Base/1/1/1/2 is in use"}},
+    {"clearing an unknown key", "cubes clear Base/9/1/1/1", 1, {"has no entry 9/1/1/1"}},
+    {"clearing an unknown cube", "cubes clear Unknown", 1, {"there is no cube Unknown"}},
     {"a project in a project", "cubes init .", 1, {"project already"}},
     {"a demo in a project", "cubes demo .", 1, {"project already"}},
     {"no project", "cubes list --project folder.csv", 1, {"folder.csv", "cubes.toml"}},
@@ -125,9 +147,10 @@ protected:
         session->makeProject();
         makeBadFiles(*session);
         session->write("good.csv", "origin,destination,value\n1,1,1\n1,2,2\n2,1,3\n2,2,4\n");
-        for (auto const* user : {"1", "2", "3", "4"})
+        for (auto const* user : {"1", "2", "3", "4", "5"})
             ASSERT_EQ(session->run("cubes import good.csv Base/1/1/1/" + std::string(user)).exitCode, 0);
         use("2");
+        leadOut("5");
         fs::remove(session->file("matrices/1-1-1-1-3.odm"));
         fs::resize_file(session->file("matrices/1-1-1-1-4.odm"), 100);
     }
@@ -136,6 +159,12 @@ protected:
         auto const& database = session->database();
         database.execute(
             "UPDATE " + database.table("public", "cube4data1") + " SET \"usageCounter\" = 1 WHERE \"user\" = " + user);
+    }
+
+    void leadOut(std::string const& user) const {
+        auto const& database = session->database();
+        database.execute("UPDATE " + database.table("public", "cube4data1") +
+                         " SET filename = '../good.csv' WHERE \"user\" = " + user);
     }
 
     void refuse(std::vector<Case> const& cases) const {

@@ -35,6 +35,7 @@ protected:
     }
 
     std::optional<ToolSession> session_;
+    bool mayMount_ = false;
 
 private:
     ProcessResult runWithLimit(std::string const& kibibytes, std::string const& lines) const {
@@ -43,8 +44,6 @@ private:
             "{ { trap '' XFSZ; ulimit -f " + kibibytes + "\n" + lines + "\n} 2>&1 1>&3 | cat >&2; } 3>&1 | cat\n");
         return session_->run("bash lines.sh");
     }
-
-    bool mayMount_ = false;
 };
 
 CUBES_BOTH_BACKENDS(FullDisk);
@@ -67,6 +66,27 @@ cubes list
     EXPECT_NE(result.errors.find("cannot import large.csv into New/1/1/1/1: "), std::string::npos) << result.errors;
     EXPECT_NE(result.errors.find("2-1-1-1-1.odm"), std::string::npos) << result.errors;
     expectReason(result.errors);
+}
+
+// The disk holds a file of this size once.
+TEST_P(FullDisk, leavesNothingOfACopyAndLetsAMoveBe) {
+    if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
+    session_->makeProject();
+    session_->run("/usr/bin/python3 -c \"n = range(1, 191)\nprint(',' + ','.join(map(str, n)))\n"
+                  "for i in n: print(i, *n, sep=',')\" > medium.csv");
+    auto const result = runWithDisk("matrices", R"(
+cubes import medium.csv Base/1/1/1/1 >/dev/null
+cubes copy Base/1/1/1/1 Base/1/1/1/2; echo $?
+cubes copy Base/1/1/1/1 New/1/1/1/1; echo $?
+cubes entries --json | grep '"file"'
+cubes move Base/1/1/1/1 Base/1/1/1/3 >/dev/null; echo $?
+ls matrices
+cubes cell Base/1/1/1/3 190 189
+cubes list
+)");
+    EXPECT_EQ(result.output, "3\n3\n    \"file\": \"1-1-1-1-1.odm\",\n0\n1-1-1-1-3.odm\n189\n"
+                             "number  name  entries\n     1  Base        1\n");
+    EXPECT_NE(result.errors.find("cannot copy Base/1/1/1/1 to New/1/1/1/1: "), std::string::npos) << result.errors;
 }
 
 TEST_P(FullDisk, keepsTheOldFileOfAnExport) {

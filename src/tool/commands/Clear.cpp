@@ -1,0 +1,58 @@
+#include "tool/Messages.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/Removal.h"
+
+#include <fmt/format.h>
+
+namespace cubes::tool {
+
+namespace {
+
+class Clear : public Command {
+public:
+    Clear() : Command("clear", "Remove the entries of a cube that are not in use, or an entry; the cube stays") {}
+
+    void declare(Arguments arguments) override {
+        arguments.required("WHAT", what_, "CUBE, or ENTRY; fares or a kind of results stand for all their entries");
+    }
+
+    std::string task() const override { return "clear " + what_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        if (isEntry(what_))
+            removeEntry(parseEntry(what_), "cleared", surroundings, output);
+        else
+            clearCube(parseCube(what_), surroundings, output);
+    }
+
+private:
+    static void clearCube(CubeWord const& word, Surroundings const& surroundings, Output& output) {
+        auto catalogue = Catalogue::open(surroundings);
+        auto const cube = catalogue.cube(word);
+        auto const entries = catalogue.entriesOf(cube);
+        std::vector<std::string> files;
+        for (auto const& entry : entries) {
+            if (catalogue.isInUse(entry)) continue;
+            files.push_back(catalogue.path(entry));
+            catalogue.remove(entry);
+        }
+        tellOfFilesThatStayed(files);
+        auto const kept = entries.size() - files.size();
+        if (kept > 0) tellWarning(fmt::format("entries that are in use and stay: {}", kept));
+        Record cleared;
+        cleared.add("cleared", "cleared", cube.text());
+        cleared.add("entries", "entries", files.size());
+        cleared.add("kept", "kept", kept);
+        output.show(cleared);
+    }
+
+    std::string what_;
+};
+
+}
+
+std::unique_ptr<Command> makeClear() {
+    return std::make_unique<Clear>();
+}
+
+}

@@ -1,0 +1,91 @@
+#include "host/platform/CopyContent.h"
+
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+#include <system_error>
+
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
+namespace cubes::test {
+namespace {
+
+namespace fs = std::filesystem;
+using platform::copyContent;
+using platform::File;
+
+std::string noise(std::size_t size) {
+    std::mt19937 random(7);
+    std::string bytes(size, '\0');
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    return bytes;
+}
+
+/// Copies within one directory, or from one to another.
+void expectCopies(TempDir const& from, TempDir const& to) {
+    for (std::size_t const size : {0u, 1u, 4095u, (1u << 20) + 1, (5u << 20) + 3}) {
+        std::string const bytes = noise(size);
+        writeFile(from.file("source"), bytes);
+        File target = File::createNew(to.file("target"));
+        copyContent(from.file("source"), target);
+        target.flush();
+        EXPECT_EQ(target.size(), size);
+        target.close();
+        EXPECT_TRUE(readFile(to.file("target")) == bytes) << size;
+        EXPECT_TRUE(readFile(from.file("source")) == bytes) << size;
+        fs::remove(to.file("target"));
+    }
+}
+
+TEST(CopyContent, givesAFileOfAnySize) {
+    TempDir const directory;
+    expectCopies(directory, directory);
+}
+
+TEST(CopyContent, isAnErrorForWhatIsNoFile) {
+    TempDir const directory;
+    File target = File::createNew(directory.file("target"));
+    EXPECT_THROW(copyContent(directory.file("missing"), target), std::system_error);
+    EXPECT_THROW(copyContent(directory.str(), target), std::system_error);
+}
+
+TEST(CopyContent, sharesNothingThatIsChangedLater) {
+    TempDir const directory;
+    writeFile(directory.file("source"), "old content");
+    File target = File::createNew(directory.file("target"));
+    copyContent(directory.file("source"), target);
+    target.close();
+    writeFile(directory.file("source"), "new");
+    EXPECT_EQ(readFile(directory.file("target")), "old content");
+}
+
+#ifndef _WIN32
+TEST(CopyContent, goesToAnotherFileSystem) {
+    TempDir const directory;
+    struct stat here {};
+    struct stat there {};
+    ASSERT_EQ(stat(directory.str().c_str(), &here), 0);
+    if (stat("/dev/shm", &there) != 0 || here.st_dev == there.st_dev)
+        GTEST_SKIP() << "SKIPPED: no second file system here";
+    TempDir const other("/dev/shm");
+    expectCopies(directory, other);
+    expectCopies(other, directory);
+}
+
+TEST(CopyContent, keepsWhoMayReadTheFile) {
+    TempDir const directory;
+    writeFile(directory.file("source"), "private");
+    fs::permissions(directory.file("source"), fs::perms::owner_read);
+    File target = File::createNew(directory.file("target"));
+    copyContent(directory.file("source"), target);
+    EXPECT_EQ(fs::status(directory.file("target")).permissions(), fs::perms::owner_read);
+}
+#endif
+
+}
+}

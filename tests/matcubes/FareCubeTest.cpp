@@ -1,0 +1,196 @@
+#include <cubes/core/TRkCubesException.h>
+#include <cubes/matcubes/TRkFareCube.h>
+
+#include <functional>
+#include <type_traits>
+
+#include "matcubes/MatCubesTest.h"
+
+namespace cubes::test {
+namespace {
+
+class FareCube : public MatCubesTest {
+protected:
+    void SetUp() override {
+        MatCubesTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
+        fares_.emplace(project().settings(), true);
+    }
+    TRkFareCube& fares() { return *fares_; }
+    void store(short u, float first) {
+        ASSERT_TRUE(fares().Add(1, 1, 1, u, false));
+        ASSERT_TRUE(fares().Set(1, 1, 1, u, matrix(first), lsNone, false));
+    }
+    double first(short u) { return fares().Get(1, 1, 1, u, 0, 0, lsRead, false); }
+    static std::string messageOf(std::function<void()> const& call) {
+        try {
+            call();
+        } catch (TRkCubesException const& error) {
+            return error.what();
+        }
+        return "nothing was thrown";
+    }
+
+private:
+    std::optional<TRkFareCube> fares_;
+};
+
+CUBES_BOTH_BACKENDS(FareCube);
+
+static_assert(!std::is_constructible_v<TRkFareCube, TRkGlobalSettings*, char const*>);
+static_assert(std::is_constructible_v<TRkFareCube, TRkGlobalSettings*, bool>);
+
+TEST_P(FareCube, hasItsNameExtensionAndType) {
+    EXPECT_STREQ(TRkFareCube::Ext, ".frs");
+    EXPECT_STREQ(fares().Name(), "StopCube");
+    EXPECT_STREQ(fares().ClassName(), "TRkFareCube");
+    EXPECT_EQ(fares().ClassID(), 0);
+    store(1, 5);
+    EXPECT_EQ(files(), "-8-1-1-1-1.frs\n");
+    auto const* const header = fares().GetHeader(0, 0, 0, 0, true);
+    ASSERT_NE(header, nullptr);
+    EXPECT_EQ(header->Type(), 23);
+    EXPECT_EQ(fares().GetHeader(2, 1, 1, 1, false), nullptr);
+}
+
+TEST_P(FareCube, keepsItsTypeWhenItIsCopiedAndAssigned) {
+    TempDir const own;
+    TRkFareCube const there(project().settings(), own.str().c_str(), true);
+    TRkFareCube copied = there;
+    EXPECT_EQ(copied.MatrixDirectory().str(), own.str() + "/");
+    ASSERT_TRUE(copied.Add(1, 1, 1, 1, false));
+    ASSERT_TRUE(copied.Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    EXPECT_EQ(copied.GetHeader(1, 1, 1, 1, false)->Type(), mtFare);
+    fares() = copied;
+    EXPECT_EQ(fares().MatrixDirectory().str(), own.str() + "/");
+    EXPECT_EQ(first(1), 5.0);
+}
+
+TEST_P(FareCube, isInNoRegister) {
+    EXPECT_TRUE(fares().Add(0, 0, 0, 0, true));
+    EXPECT_TRUE(fares().Add("Anything", 1, 1, 1, 1, false));
+    EXPECT_EQ(rows(), "-8|1|1|1|1|0|-8-1-1-1-1.frs\n");
+    EXPECT_EQ(cubeRows(), "");
+}
+
+TEST_P(FareCube, doesNothingAsACube) {
+    store(1, 5);
+    project().execute("insert into cube values (-8, 'StopCube')");
+    EXPECT_FALSE(fares().Add());
+    EXPECT_FALSE(fares().Check());
+    EXPECT_FALSE(fares().Delete());
+    EXPECT_FALSE(fares().Remove());
+    EXPECT_EQ(cubeRows(), "-8|StopCube\n");
+    EXPECT_EQ(first(1), 5.0);
+}
+
+TEST_P(FareCube, isClearedAlone) {
+    store(1, 5);
+    store(2, 6);
+    ASSERT_TRUE(cubes().Set("Base", 1, 1, 1, 1, matrix(1), lsNone, false));
+    EXPECT_TRUE(fares().Clear());
+    EXPECT_EQ(rows(), "1|1|1|1|1|0|1-1-1-1-1.odm\n");
+    EXPECT_EQ(files(), "1-1-1-1-1.odm\n");
+    EXPECT_TRUE(fares().Clear());
+}
+
+TEST_P(FareCube, worksOnItsEntriesByKeyAndByAnyName) {
+    ASSERT_TRUE(cubes().Set("Base", 1, 1, 1, 1, matrix(1), lsNone, false));
+    store(1, 5);
+    EXPECT_TRUE(fares().Check(0, 0, 0, 0, true));
+    EXPECT_TRUE(fares().Check("Base", 1, 1, 1, 1, false));
+    EXPECT_EQ(fares().FileName(1, 1, 1, 1, false).str(), pathOf("-8-1-1-1-1.frs"));
+    EXPECT_EQ(fares().FileName("Base", 0, 0, 0, 0, true).str(), pathOf("-8-1-1-1-1.frs"));
+    EXPECT_EQ(first(1), 5.0);
+    EXPECT_EQ(fares().Get("Base", 1, 1, 1, 1, 1, 1, lsRead, false), 16.0);
+    std::unique_ptr<TRkMatrix> const byKey(fares().Get(1, 1, 1, 1, lsRead, false));
+    std::unique_ptr<TRkMatrix> const byName(fares().Get("Base", 0, 0, 0, 0, lsRead, true));
+    ASSERT_TRUE(byKey && byName);
+    EXPECT_EQ(byKey->RowAt(0, 8)[0], 5.0f);
+    EXPECT_EQ(byName->RowAt(0, 8)[0], 5.0f);
+    EXPECT_TRUE(fares().Set("Base", 1, 1, 1, 1, matrix(7), lsNone, false));
+    EXPECT_EQ(first(1), 7.0);
+    EXPECT_FALSE(fares().Set("Base", 1, 1, 1, 2, matrix(7), lsNone, false));
+    EXPECT_FALSE(fares().Set(1, 1, 1, 2, matrix(7), lsNone, false));
+    EXPECT_EQ(firstElement(1, 1, 1, 1, 1), 1.0);
+}
+
+TEST_P(FareCube, removesAnEntryInSixWays) {
+    std::function<bool()> const ways[] = {[&] { return fares().Clear(1, 1, 1, 1, false); },
+        [&] { return fares().Clear("Base", 0, 0, 0, 0, true); }, [&] { return fares().Delete(1, 1, 1, 1, false); },
+        [&] { return fares().Delete("Base", 1, 1, 1, 1, false); }, [&] { return fares().Remove(0, 0, 0, 0, true); },
+        [&] { return fares().Remove("Base", 1, 1, 1, 1, false); }};
+    ASSERT_TRUE(cubes().Add("Base", 1, 1, 1, 1, false));
+    for (auto const& way : ways) {
+        store(1, 5);
+        EXPECT_TRUE(way());
+        EXPECT_EQ(rows(), "1|1|1|1|1|0|1-1-1-1-1.odm\n");
+        EXPECT_EQ(files(), "");
+        EXPECT_FALSE(way());
+    }
+}
+
+TEST_P(FareCube, copiesAndMovesFares) {
+    store(1, 5);
+    EXPECT_TRUE(fares().Copy(1, 1, 1, 1, 1, 1, 1, 2, true, false));
+    EXPECT_TRUE(fares().Copy("A", 0, 0, 0, 0, "B", 0, 0, 0, 2, true, true));
+    EXPECT_TRUE(fares().Move(1, 1, 1, 1, 1, 1, 1, 4, true, false));
+    EXPECT_TRUE(fares().Move("A", 1, 1, 1, 2, "B", 1, 1, 1, 5, false, false));
+    EXPECT_EQ(rows(), "-8|1|1|1|3|0|-8-1-1-1-3.frs\n-8|1|1|1|4|0|-8-1-1-1-4.frs\n-8|1|1|1|5|0|-8-1-1-1-5.frs\n");
+    EXPECT_EQ(files(), "-8-1-1-1-3.frs\n-8-1-1-1-4.frs\n-8-1-1-1-5.frs\n");
+    for (short const u : {short{3}, short{4}, short{5}}) EXPECT_EQ(first(u), 5.0);
+    EXPECT_TRUE(fares().Copy(1, 1, 1, 9, 1, 1, 1, 8, true, false));
+    EXPECT_EQ(cubeRows(), "");
+}
+
+TEST_P(FareCube, refusesAnExistingTargetAsTheFormsByNumberDo) {
+    store(1, 5);
+    store(2, 6);
+    std::string const before = rows() + files();
+    EXPECT_EQ(
+        messageOf([&] { fares().Copy(1, 1, 1, 1, 1, 1, 1, 2, true, false); }), "Entry already exists in the cube");
+    EXPECT_EQ(messageOf([&] { fares().Copy("A", 1, 1, 1, 1, "B", 1, 1, 1, 2, true, false); }),
+        "Entry already exists in the cube");
+    EXPECT_EQ(messageOf([&] { fares().Move(1, 1, 1, 1, 1, 1, 1, 2, true, false); }), "Cube already exists");
+    EXPECT_EQ(messageOf([&] { fares().Move("A", 1, 1, 1, 1, "B", 1, 1, 1, 2, true, false); }), "Cube already exists");
+    EXPECT_EQ(rows() + files(), before);
+    EXPECT_EQ(first(2), 6.0);
+}
+
+TEST_P(FareCube, listsFaresWithoutNames) {
+    store(2, 6);
+    store(1, 5);
+    ASSERT_TRUE(cubes().Add("Base", 1, 1, 1, 1, false));
+    project().execute("insert into cube values (-8, 'StopCube')");
+    TRkAutoListT<TRkMatCubes::TKey> list;
+    EXPECT_TRUE(fares().Get(list));
+    ASSERT_EQ(list.Count(), 2);
+    EXPECT_EQ(list[0]->AsString().str(), "-8,1,1,1,1,");
+    EXPECT_EQ(list[1]->AsString().str(), "-8,1,1,1,2,");
+    fares().setMatrixSchema("nowhere");
+    EXPECT_FALSE(fares().Get(list));
+    EXPECT_EQ(list.Count(), 0);
+    EXPECT_FALSE(fares().Add(1, 1, 1, 1, false));
+    EXPECT_FALSE(fares().Clear());
+}
+
+// Two base-40 digits hold no sign.
+TEST_P(FareCube, cannotBeStoredUnderOldFileNames) {
+    int const version = TRkBaseCubes::Version;
+    TRkBaseCubes::Version = 3;
+    EXPECT_EQ(messageOf([&] { fares().Add(1, 1, 1, 1, false); }),
+        "IntTo40T> Only 2 positions reserved! Maximum value is 1599");
+    TRkBaseCubes::Version = version;
+    EXPECT_EQ(rows(), "");
+}
+
+// Nothing is virtual: as matrix cubes the name counts.
+TEST_P(FareCube, isMatrixCubesToWhoKnowsItAsThose) {
+    TRkMatCubes& known = fares();
+    EXPECT_TRUE(known.Add("Base", 1, 1, 1, 1, false));
+    EXPECT_EQ(rows(), "1|1|1|1|1|0|1-1-1-1-1.frs\n");
+    EXPECT_FALSE(fares().Check("Base", 1, 1, 1, 1, false));
+}
+
+}
+}

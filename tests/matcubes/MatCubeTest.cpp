@@ -1,0 +1,183 @@
+#include <cubes/core/TRkCubesException.h>
+#include <cubes/matcubes/TRkMatCube.h>
+
+#include <filesystem>
+#include <type_traits>
+
+#include "matcubes/MatCubesTest.h"
+
+namespace cubes::test {
+namespace {
+
+class MatCube : public MatCubesTest {
+protected:
+    void SetUp() override {
+        MatCubesTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
+        cubes().Add("Other");
+        base_.emplace(project().settings(), "Base", true);
+    }
+    TRkMatCube& base() { return *base_; }
+    double first(short u) { return base().Get(1, 1, 1, u, 0, 0, lsRead, false); }
+    bool copy(short from, short to, bool failIfExists) {
+        return base().Copy(1, 1, 1, from, 1, 1, 1, to, failIfExists, false);
+    }
+
+private:
+    std::optional<TRkMatCube> base_;
+};
+
+CUBES_BOTH_BACKENDS(MatCube);
+
+static_assert(!std::is_constructible_v<TRkMatCube, TRkGlobalSettings*, char const*, char const*>);
+
+template <typename Cube>
+constexpr bool movesByKey = requires(Cube const& cube, short s) {
+    cube.Move(s, s, s, s, s, s, s, s, false, false);
+};
+static_assert(!movesByKey<TRkMatCube>);
+
+TEST_P(MatCube, isBoundByName) {
+    EXPECT_STREQ(TRkMatCube::Ext, ".odm");
+    EXPECT_STREQ(base().Name(), "Base");
+    EXPECT_STREQ(base().ClassName(), "TRkMatCube");
+    EXPECT_EQ(base().ClassID(), 0);
+    EXPECT_EQ(cubeRows(), "1|Other\n");
+    base().Name("Other");
+    EXPECT_STREQ(base().Name(), "Other");
+    EXPECT_TRUE(base().Check());
+    EXPECT_STREQ(TRkMatCube(project().settings(), nullptr, true).Name(), "");
+}
+
+TEST_P(MatCube, isCopiedAndAssignedWithItsName) {
+    TempDir const own;
+    TRkMatCube const there(project().settings(), own.str().c_str(), "There", false);
+    TRkMatCube const copied = there;
+    EXPECT_STREQ(copied.Name(), "There");
+    EXPECT_EQ(copied.MatrixDirectory().str(), own.str() + "/");
+    base() = copied;
+    EXPECT_STREQ(base().Name(), "There");
+    EXPECT_EQ(base().MatrixDirectory().str(), own.str() + "/");
+}
+
+TEST_P(MatCube, takesTheMatrixDirectoryFromTheSettingsWhenNoneIsGiven) {
+    for (char const* none : {static_cast<char const*>(nullptr), ""}) {
+        TRkMatCube const cube(project().settings(), none, "Base", true);
+        EXPECT_EQ(cube.MatrixDirectory().str(), project().matrixDirectory());
+    }
+}
+
+TEST_P(MatCube, worksOnTheEntriesOfItsCube) {
+    EXPECT_TRUE(base().Add(1, 2, 3, 4, false));
+    EXPECT_EQ(cubeRows(), "1|Other\n2|Base\n");
+    EXPECT_TRUE(base().Set(1, 2, 3, 4, matrix(5), lsNone, false));
+    EXPECT_EQ(rows(), "2|1|2|3|4|0|2-1-2-3-4.odm\n");
+    EXPECT_TRUE(base().Check(0, 1, 2, 3, true));
+    EXPECT_EQ(base().FileName(1, 2, 3, 4, false).str(), pathOf("2-1-2-3-4.odm"));
+    EXPECT_EQ(base().Get(1, 2, 3, 4, 1, 2, lsRead, false), 17.0);
+    std::unique_ptr<TRkMatrix> const found(base().Get(0, 1, 2, 3, lsRead, true));
+    ASSERT_NE(found, nullptr);
+    EXPECT_EQ(found->Name().str(), "Base [1,2,3,4]");
+    auto const* const header = base().GetHeader(1, 2, 3, 4, false);
+    ASSERT_NE(header, nullptr);
+    EXPECT_EQ(header->Type(), mtMatrixCube);
+    EXPECT_EQ(header->Columns(), 3);
+}
+
+TEST_P(MatCube, removesAnEntryInThreeWays) {
+    bool (TRkMatCube::*const ways[])(short, short, short, short, bool)
+        const = {&TRkMatCube::Clear, &TRkMatCube::Delete, &TRkMatCube::Remove};
+    for (auto const way : ways) {
+        ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
+        EXPECT_TRUE((base().*way)(0, 0, 0, 0, true));
+        EXPECT_EQ(rows() + files(), "");
+        EXPECT_FALSE((base().*way)(1, 1, 1, 1, false));
+    }
+}
+
+TEST_P(MatCube, answersForACubeThatIsNotThere) {
+    EXPECT_FALSE(base().Check());
+    EXPECT_FALSE(base().Check(1, 1, 1, 1, false));
+    EXPECT_EQ(base().Get(1, 1, 1, 1, lsRead, false), nullptr);
+    EXPECT_EQ(first(1), -1.0);
+    EXPECT_EQ(base().GetHeader(1, 1, 1, 1, false), nullptr);
+    EXPECT_TRUE(base().FileName(1, 1, 1, 1, false).IsEmpty());
+    EXPECT_FALSE(copy(1, 2, false));
+    TRkAutoListT<TRkMatCubes::TKey> list;
+    EXPECT_TRUE(base().Get(list));
+    EXPECT_EQ(list.Count(), 0);
+}
+
+TEST_P(MatCube, isRegisteredClearedAndRemovedAsAWhole) {
+    EXPECT_TRUE(base().Add());
+    EXPECT_TRUE(base().Check());
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    ASSERT_TRUE(cubes().Set("Other", 1, 1, 1, 1, matrix(6), lsNone, false));
+    EXPECT_TRUE(base().Clear());
+    EXPECT_EQ(rows(), "1|1|1|1|1|0|1-1-1-1-1.odm\n");
+    EXPECT_TRUE(base().Check());
+    EXPECT_TRUE(base().Delete());
+    EXPECT_FALSE(base().Check());
+    EXPECT_FALSE(base().Delete());
+    EXPECT_TRUE(base().Add());
+    EXPECT_TRUE(base().Remove());
+    EXPECT_EQ(cubeRows(), "1|Other\n");
+    EXPECT_EQ(files(), "1-1-1-1-1.odm\n");
+}
+
+TEST_P(MatCube, copiesWithinItself) {
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    EXPECT_TRUE(copy(1, 2, true));
+    EXPECT_EQ(first(2), 5.0);
+    EXPECT_TRUE(base().Copy(0, 0, 0, 0, 0, 0, 0, 2, true, true));
+    EXPECT_EQ(rows(), "2|1|1|1|1|0|2-1-1-1-1.odm\n2|1|1|1|2|0|2-1-1-1-2.odm\n2|1|1|1|3|0|2-1-1-1-3.odm\n");
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(6), lsNone, false));
+    EXPECT_TRUE(copy(1, 2, false));
+    EXPECT_EQ(first(2), 6.0);
+    EXPECT_TRUE(copy(8, 9, true));
+    EXPECT_FALSE(base().Check(1, 1, 1, 9, false));
+    EXPECT_FALSE(copy(1, 1, false));
+    EXPECT_EQ(first(1), 6.0);
+}
+
+TEST_P(MatCube, refusesAnExistingTargetAsAMatrix) {
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    ASSERT_TRUE(base().Set(1, 1, 1, 2, matrix(6), lsNone, false));
+    std::string const before = rows() + files();
+    for (short const target : {short{1}, short{2}}) {
+        try {
+            copy(1, target, true);
+            ADD_FAILURE() << "copied onto " << target;
+        } catch (TRkCubesException const& error) {
+            EXPECT_STREQ(error.what(), "Matrix already exists in the cube");
+        }
+    }
+    EXPECT_EQ(rows() + files(), before);
+    EXPECT_EQ(first(2), 6.0);
+}
+
+// The matrix cubes below it keep their own rule: one and the same cube by name is refused.
+TEST_P(MatCube, leavesTheFormsByNameAsTheyAre) {
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    EXPECT_THROW(base().TRkMatCubes::Copy("Base", 1, 1, 1, 1, "Base", 1, 1, 1, 2, true, false), TRkCubesException);
+    EXPECT_TRUE(base().Move("Base", 1, 1, 1, 1, "Base", 1, 1, 1, 2, false, false));
+    EXPECT_EQ(first(2), 5.0);
+}
+
+TEST_P(MatCube, listsItsOwnEntriesWithItsName) {
+    ASSERT_TRUE(cubes().Add("Other", 9, 9, 9, 9, false));
+    ASSERT_TRUE(base().Add(2, 1, 1, 1, false));
+    ASSERT_TRUE(base().Add(1, 2, 3, 4, false));
+    TRkAutoListT<TRkMatCubes::TKey> list;
+    EXPECT_TRUE(base().Get(list));
+    ASSERT_EQ(list.Count(), 2);
+    EXPECT_EQ(list[0]->AsString().str(), "2,1,2,3,4,Base");
+    EXPECT_EQ(list[1]->AsString().str(), "2,2,1,1,1,Base");
+    EXPECT_FALSE(list[0]->zeroBased);
+    base().setMatrixSchema("nowhere");
+    EXPECT_FALSE(base().Get(list));
+    EXPECT_EQ(list.Count(), 0);
+}
+
+}
+}
