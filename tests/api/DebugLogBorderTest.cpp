@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <regex>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -48,8 +48,10 @@ TEST_F(DebugLogBorder, namesTheLibrarysFunctionsOfAStack) {
     project.settings()->Set("RkLib.DataDictionary", &dictionary);
     TRkMatCubes cubes(project.settings(), ".odm", false);
     EXPECT_FALSE(cubes.Check("Base"));
-    std::string const log = cubes::test::readFile(path());
-    std::regex const frame(
-        "\t[0-9]+: libcubes\\.so[.0-9]* in TRk[A-Za-z]+::[A-Za-z]+\\(.*\\).* at line \\? at address 0x[0-9a-f]+\n");
-    EXPECT_TRUE(std::regex_search(log, frame)) << log;
+    std::istringstream log(cubes::test::readFile(path()));
+    int named = 0;
+    for (std::string line; std::getline(log, line);)
+        if (line.find(": libcubes.so") != std::string::npos && line.find(" in TRkBaseCubes::") != std::string::npos)
+            ++named;
+    EXPECT_GT(named, 0) << log.str();
 }

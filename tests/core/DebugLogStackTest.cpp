@@ -14,6 +14,18 @@ std::vector<std::string> linesOf(std::string const& text) {
     return lines;
 }
 
+// A frame has four parts behind its number, each headed by its own text; none is empty.
+bool isFrame(std::string const& line, std::string const& number) {
+    if (!line.starts_with(number)) return false;
+    std::size_t begin = number.size();
+    for (std::string const heading : {" in ", " at line ", " at address 0x"}) {
+        std::size_t const end = line.find(heading, begin);
+        if (end == std::string::npos || end == begin) return false;
+        begin = end + heading.size();
+    }
+    return begin < line.size() && line.find_first_not_of("0123456789abcdef", begin) == std::string::npos;
+}
+
 }
 
 TEST_F(DebugLogTest, writesTheStackUnderItsHeading) {
@@ -26,11 +38,8 @@ TEST_F(DebugLogTest, writesTheStackUnderItsHeading) {
 TEST_F(DebugLogTest, numbersTheFramesAndTellsWhatItKnowsOfThem) {
     ZebDebug::writeStack();
     auto const lines = linesOf(log());
-    for (std::size_t i = 1; i < lines.size(); ++i) {
-        std::regex const frame(
-            "\t" + std::to_string(i - 1) + ": [^/\\\\]+ in .+ at line (\\?|[0-9]+) at address 0x[0-9a-f]+");
-        EXPECT_TRUE(std::regex_match(lines[i], frame)) << lines[i];
-    }
+    for (std::size_t i = 1; i < lines.size(); ++i)
+        EXPECT_TRUE(isFrame(lines[i], "\t" + std::to_string(i - 1) + ": ")) << lines[i];
 }
 
 TEST_F(DebugLogTest, writesAQuestionMarkForWhatItDoesNotKnow) {

@@ -6,11 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
-#include <regex>
 #include <string>
+#include <string_view>
 
 namespace cubes::test {
 
@@ -37,10 +38,24 @@ private:
     std::optional<std::string> before_;
 };
 
+/// Whether the text begins as the pattern tells, in which "9" stands for any digit.
+inline bool beginsLike(std::string_view text, std::string_view pattern) {
+    auto const fits = [](char wanted, char found) {
+        return wanted == '9' ? found >= '0' && found <= '9' : wanted == found;
+    };
+    return text.size() >= pattern.size() && std::equal(pattern.begin(), pattern.end(), text.begin(), fits);
+}
+
 /// The text with "[time]" for each time that is written as it should be.
-inline std::string withoutTimes(std::string const& text) {
-    static std::regex const time(R"(\[[0-3]\d-[01]\d-\d{4} [0-2]\d:[0-5]\d:[0-6]\d\])");
-    return std::regex_replace(text, time, "[time]");
+inline std::string withoutTimes(std::string_view text) {
+    static constexpr std::string_view time = "[99-99-9999 99:99:99]";
+    std::string result;
+    while (!text.empty()) {
+        bool const isTime = beginsLike(text, time);
+        result += isTime ? "[time]" : text.substr(0, 1);
+        text.remove_prefix(isTime ? time.size() : 1);
+    }
+    return result;
 }
 
 /// The bytes of a log with "[time]" for its times; "(none)" when there is no such file.
