@@ -6,6 +6,7 @@
 #include <cubes/catalogue/TRkBaseCubes.h>
 #include <cubes/catalogue/TRkCubes.h>
 #include <cubes/core/TRkCubesException.h>
+#include <cubes/core/ZebDebug.h>
 #include <cubes/database/ColumnName.h>
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkConnectionManager.h>

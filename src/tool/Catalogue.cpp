@@ -77,8 +77,9 @@ Cube Catalogue::cubeOf(short number) const {
     return {number, register_.CubeNrToName(number).str()};
 }
 
+// A row may name a parent whose key is none of its cube's.
 bool Catalogue::has(Entry const& entry) const {
-    return familyOf(entry.cube).has(entry);
+    return entry.key.size() == entry.cube.keyLength() && familyOf(entry.cube).has(entry);
 }
 
 Entry Catalogue::entry(EntryWord const& word) const {
@@ -86,6 +87,18 @@ Entry Catalogue::entry(EntryWord const& word) const {
     if (has(found)) return found;
     if (word.cube.kind) throw Refusal(fmt::format("there is no {}", word.text()));
     throw Refusal(fmt::format("cube {} has no entry {}", found.cube.text(), textOf(word.key)));
+}
+
+Entry Catalogue::possibleEntry(EntryWord const& word) const {
+    return {word.cube.number ? cubeOf(*word.cube.number) : cube(word.cube), word.key};
+}
+
+Entry Catalogue::entryOf(ParentNumbers const& numbers) const {
+    auto const cube = cubeOf(numbers.cube);
+    auto length = cube.keyLength();
+    // What is set beyond is told too: no such entry exists then.
+    while (length < numbers.key.size() && numbers.key[length] != ParentNumbers().key[length]) ++length;
+    return {cube, Key(numbers.key.begin(), numbers.key.begin() + static_cast<std::ptrdiff_t>(length))};
 }
 
 bool Catalogue::isInUse(Entry const& entry) const {
@@ -98,9 +111,9 @@ std::string Catalogue::path(Entry const& entry) const {
 
 std::unique_ptr<TRkMatrix> Catalogue::matrix(Entry const& entry) const {
     if (auto found = familyOf(entry.cube).matrix(entry)) return found;
-    if (entry.cube.isOfResults() && isInUse(entry)) throw Refusal("the entry is in use");
+    if (entry.cube.isOfResults()) refuseUse(entry);
     auto const file = path(entry);
-    if (file.empty()) throw Failure("its row names no file inside the matrix directory");
+    if (file.empty()) throw Failure("its row names no file inside its directory");
     // The cube tells only that there is no matrix; the matrix tells why.
     TRkMatrix const unreadable(file.c_str(), 0, nullptr, false, mkDefault, lsNone, 0);
     throw Failure(unreadable.Reason());
@@ -122,21 +135,35 @@ void Catalogue::remove(Cube const& cube) {
 }
 
 void Catalogue::remove(Entry const& entry) {
-    if (!familyOf(entry.cube).remove(entry)) throw Failure(noEntryTable);
+    if (!familyOf(entry.cube).remove(entry)) throw Failure("the entry is gone");
 }
 
 std::vector<Derived> Catalogue::derivedOf(Kind const& kind) const {
     return kinds_.at(&kind)->derived();
 }
 
+std::optional<Entry> Catalogue::parentOf(Entry const& entry) const {
+    if (!has(entry)) return std::nullopt;
+    auto const parent = familyOf(entry.cube).parent(entry);
+    return parent.areSet() ? std::optional(entryOf(parent)) : std::nullopt;
+}
+
+std::vector<Entry> Catalogue::childrenOf(Entry const& entry) const {
+    std::vector<Entry> found;
+    for (auto const& kind : kinds()) {
+        auto const more = kinds_.at(&kind)->childrenOf(numbersOf(entry));
+        found.insert(found.end(), more.begin(), more.end());
+    }
+    return found;
+}
+
 void Catalogue::setParent(Entry const& entry, ParentNumbers const& parent) {
-    // A change of parent starts the count of users anew.
     refuseUse(entry);
     if (!familyOf(entry.cube).setParent(entry, parent)) throw Refusal("only results have parents");
 }
 
 void Catalogue::refuseUse(Entry const& entry) const {
-    if (isInUse(entry)) throw Refusal(fmt::format("{} is in use", entry.text()));
+    if (isInUse(entry)) throw Refusal(fmt::format("{} is in use (users: {})", entry.text(), users(entry)));
 }
 
 void Catalogue::use(Entry const& entry) {
@@ -146,6 +173,12 @@ void Catalogue::use(Entry const& entry) {
 void Catalogue::leave(Entry const& entry) {
     if (users(entry) <= 0) throw Refusal("nobody uses the entry");
     if (!familyOf(entry.cube).leave(entry)) throw Failure("the table of entries counts no users");
+}
+
+ParentNumbers numbersOf(Entry const& parent) {
+    ParentNumbers numbers{parent.cube.number, ParentNumbers().key};
+    std::copy(parent.key.begin(), parent.key.end(), numbers.key.begin());
+    return numbers;
 }
 
 }

@@ -9,6 +9,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,10 @@ public:
     /// The cube of that number, whether it is there or not.
     Cube cubeOf(short number) const;
     Entry entry(EntryWord const& word) const;
+    /// The same, whether it is there or not; its cube need not be there when it is given by number.
+    Entry possibleEntry(EntryWord const& word) const;
+    /// What a row says of its parent.
+    Entry entryOf(ParentNumbers const& numbers) const;
 
     bool has(CubeWord const& word) const;
     bool has(Entry const& entry) const;
@@ -59,12 +64,21 @@ public:
 
     /// The entries of a kind that have a parent.
     std::vector<Derived> derivedOf(Kind const& kind) const;
+    /// A parent that is gone is told like any other: rows keep its key.
+    std::optional<Entry> parentOf(Entry const& entry) const;
+    /// In the order of their keys, kind by kind.
+    std::vector<Entry> childrenOf(Entry const& entry) const;
+    /// An entry in use is refused: a change of parent starts the count of its users anew.
     void setParent(Entry const& entry, ParentNumbers const& parent);
+
+    void refuseUse(Entry const& entry) const;
 
     /// What becomes of an entry that is there already.
     enum class Existing { replaced, refused };
-    /// Makes the entry of the word what `from` is; a cube given by a new name is registered. An
-    /// entry in use is refused: the target, and the source of a move. Onto itself nothing happens.
+    /// Makes the entry of the word what `from` is; a cube given by a new name is registered. A copy
+    /// has no parent; what is moved keeps its own. An entry in use is refused: the target, and the
+    /// source of a move. Onto itself nothing happens. When it fails nothing has changed, save that
+    /// a target's file may be lost that a move was to replace.
     Entry copy(Entry const& from, EntryWord const& to, Existing existing);
     Entry move(Entry const& from, EntryWord const& to, Existing existing);
     /// The same from another project, which may have another database. This project is the current
@@ -76,14 +90,18 @@ private:
     static constexpr char const* noEntryTable = "the database has no table of entries";
 
     EntryFamily& familyOf(Cube const& cube) const;
-    using FilePlacing = bool (EntryFamily::*)(EntryFamily const& source, Entry const& from, Entry const& to);
+    using FilePlacing = bool (EntryFamily::*)(
+        EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists);
     template <typename Action>
     Entry inCube(EntryWord const& word, Action const& action);
     void refuseTarget(Entry const& to, Existing existing) const;
-    void place(Entry const& from, Entry const& to, FilePlacing placing);
+    void place(Entry const& from, Entry const& to, FilePlacing placing, Existing existing);
+    bool fileIsThere(Entry const& entry) const;
+    void takeBack(Entry const& entry, bool hadFile);
+    void giveParent(Entry const& entry, ParentNumbers const& parent);
+    std::string whyNotPlaced(std::string const& file, Entry const& to) const;
     void refuseSharedDirectory(Catalogue const& source, Entry const& from, EntryWord const& to) const;
     std::string directoryOf(Kind const* kind) const;
-    void refuseUse(Entry const& entry) const;
     void storeAt(Entry const& entry, TRkMatrix const& matrix);
     void refuseToReplace(Entry const& entry) const;
     void write(Entry const& entry, TRkMatrix const& matrix);
@@ -93,5 +111,8 @@ private:
     std::unique_ptr<EntryFamily> cubeEntries_;
     std::map<Kind const*, std::unique_ptr<EntryFamily>> kinds_;
 };
+
+/// The numbers that the row of a child of this entry holds.
+ParentNumbers numbersOf(Entry const& parent);
 
 }

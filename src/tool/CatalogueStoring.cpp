@@ -23,8 +23,8 @@ bool shareFiles(Entry const& a, Entry const& b) {
     return a.cube.kind == b.cube.kind || (a.cube.isOfResults() && b.cube.isOfResults());
 }
 
-void requireFile(std::string const& path) {
-    if (path.empty()) throw Failure("its row names no file inside the matrix directory");
+void requireFile(Entry const& entry, std::string const& path) {
+    if (path.empty()) throw Failure(fmt::format("the row of {} names no file inside its directory", entry.text()));
 }
 
 }
@@ -54,18 +54,31 @@ void Catalogue::storeAt(Entry const& entry, TRkMatrix const& matrix) {
         write(entry, matrix);
         return;
     }
+    bool const hadFile = fileIsThere(entry);
     if (!familyOf(entry.cube).add(entry)) throw Failure(noEntryTable);
     try {
         write(entry, matrix);
     } catch (...) {
-        // With a file it is the entry of someone who stored it at the same moment.
-        if (!fs::exists(path(entry))) remove(entry);
+        takeBack(entry, hadFile);
         throw;
     }
 }
 
+// What is at the place of an entry that may have no row.
+bool Catalogue::fileIsThere(Entry const& entry) const {
+    std::error_code ignored;
+    return fs::exists(fs::path(directoryOf(entry.cube.kind)) / familyOf(entry.cube).fileName(entry), ignored);
+}
+
+// Takes back the row of an entry that was to be new.
+void Catalogue::takeBack(Entry const& entry, bool hadFile) {
+    // With a file that was not there before, it is the entry of someone who stored it at the same moment.
+    if (!hadFile && fileIsThere(entry)) return;
+    if (auto const table = familyOf(entry.cube).row(entry)) table->Delete();
+}
+
 void Catalogue::refuseToReplace(Entry const& entry) const {
-    if (isInUse(entry)) throw Refusal("the entry is in use");
+    refuseUse(entry);
     // A row may name another file than the cube writes; the new matrix would never be found there.
     auto const file = fileOf(path(entry));
     if (file != familyOf(entry.cube).fileName(entry))
@@ -75,19 +88,21 @@ void Catalogue::refuseToReplace(Entry const& entry) const {
 void Catalogue::write(Entry const& entry, TRkMatrix const& matrix) {
     auto& family = familyOf(entry.cube);
     if (family.save(entry, matrix)) return;
-    // The cube tells only that it failed; writing once more by hand tells why, or succeeds.
+    // The cube tells only that it failed; writing by hand tells why.
     TRkMatrix again(
         matrix.Rows(), matrix.Columns(), family.matrixType(), path(entry).c_str(), 1, "", "", false, mkDefault, lsNone);
     if (again.IsValid()) again.AssignFrom(matrix);
     if (!again.IsValid()) throw Failure(again.Reason());
+    if (!family.save(entry, matrix)) throw Failure("the matrix could not be written");
 }
 
 Entry Catalogue::copy(Entry const& from, EntryWord const& word, Existing existing) {
     return inCube(word, [&](Entry const& to) {
         if (from == to) return;
         refuseTarget(to, existing);
-        if (shareFiles(from, to)) return place(from, to, &EntryFamily::copyFrom);
+        if (shareFiles(from, to)) return place(from, to, &EntryFamily::copyFrom, existing);
         storeAt(to, *matrix(from));
+        giveParent(to, {});
     });
 }
 
@@ -96,10 +111,20 @@ Entry Catalogue::move(Entry const& from, EntryWord const& word, Existing existin
         if (from == to) return;
         refuseUse(from);
         refuseTarget(to, existing);
-        if (shareFiles(from, to)) return place(from, to, &EntryFamily::moveFrom);
-        storeAt(to, *matrix(from));
-        remove(from);
+        auto const parent = familyOf(from.cube).parent(from);
+        if (shareFiles(from, to)) {
+            place(from, to, &EntryFamily::moveFrom, existing);
+        } else {
+            storeAt(to, *matrix(from));
+            remove(from);
+        }
+        giveParent(to, parent);
     });
+}
+
+void Catalogue::giveParent(Entry const& entry, ParentNumbers const& parent) {
+    auto& family = familyOf(entry.cube);
+    if (family.parent(entry) != parent) family.setParent(entry, parent);
 }
 
 void Catalogue::refuseTarget(Entry const& to, Existing existing) const {
@@ -108,16 +133,36 @@ void Catalogue::refuseTarget(Entry const& to, Existing existing) const {
 }
 
 // Files go as they are, without being read.
-void Catalogue::place(Entry const& from, Entry const& to, FilePlacing placing) {
+void Catalogue::place(Entry const& from, Entry const& to, FilePlacing placing, Existing existing) {
     auto const file = path(from);
-    requireFile(file);
-    if (!fs::exists(file)) throw Failure(fmt::format("there is no file {}", file));
+    requireFile(from, file);
+    std::error_code ignored;
+    if (!fs::exists(file, ignored)) throw Failure(fmt::format("there is no file {}", file));
     bool const isNew = !has(to);
-    if (!isNew) requireFile(path(to));
-    if ((familyOf(to.cube).*placing)(familyOf(from.cube), from, to)) return;
+    if (!isNew) requireFile(to, path(to));
+    bool const hadFile = fileIsThere(to);
+    auto& family = familyOf(to.cube);
+    auto const parent = isNew ? ParentNumbers() : family.parent(to);
+    if ((family.*placing)(familyOf(from.cube), from, to, existing == Existing::refused)) return;
+    auto const why = whyNotPlaced(file, to);
+    if (isNew)
+        takeBack(to, hadFile);
+    else
+        giveParent(to, parent);
+    throw Failure(why);
+}
+
+// Copying and moving tell only that they failed.
+std::string Catalogue::whyNotPlaced(std::string const& file, Entry const& to) const {
     auto const target = path(to);
-    if (isNew && has(to)) remove(to);
-    throw Failure(fmt::format("the file {} could not be placed at {}", file, target));
+    auto const told = fmt::format("the file {} could not be placed at {}", file, target);
+    std::error_code ignored;
+    if (fs::is_directory(file, ignored) != fs::is_directory(target, ignored)) return told + ": one is a directory";
+    auto const room = fs::space(directoryOf(to.cube.kind), ignored).available;
+    if (!ignored && room < fs::file_size(file, ignored)) return told + ": no space is left";
+    TRkMatrix const unwritable(
+        1, 1, familyOf(to.cube).matrixType(), target.c_str(), 1, "", "", false, mkDefault, lsReadWrite);
+    return unwritable.IsValid() ? told : fmt::format("{}: {}", told, unwritable.Reason());
 }
 
 Entry Catalogue::copyFrom(Catalogue& source, Entry const& from, EntryWord const& word, Existing existing) {
@@ -128,6 +173,7 @@ Entry Catalogue::copyFrom(Catalogue& source, Entry const& from, EntryWord const&
     return inCube(word, [&](Entry const& to) {
         refuseTarget(to, existing);
         storeAt(to, *found);
+        giveParent(to, {});
     });
 }
 

@@ -78,19 +78,19 @@ public:
         return found ? table : CountedPtr<Rktable::TRkTableProxy>();
     }
 
-    bool copyFrom(EntryFamily const& source, Entry const& from, Entry const& to) override {
+    bool copyFrom(EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists) override {
         auto const* const cubes = dynamic_cast<CubeEntries const*>(&source);
         return cubes && onKey(from, [&](auto... k) {
-            return onKey(
-                to, [&](auto... toKey) { return cubes_->Copy(*cubes->cubes_, k..., toKey..., false, oneBased); });
+            return onKey(to,
+                [&](auto... toKey) { return cubes_->Copy(*cubes->cubes_, k..., toKey..., failIfExists, oneBased); });
         });
     }
 
-    bool moveFrom(EntryFamily const& source, Entry const& from, Entry const& to) override {
+    bool moveFrom(EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists) override {
         auto const* const cubes = dynamic_cast<CubeEntries const*>(&source);
         return cubes && onKey(from, [&](auto... k) {
-            return onKey(
-                to, [&](auto... toKey) { return cubes_->Move(*cubes->cubes_, k..., toKey..., false, oneBased); });
+            return onKey(to,
+                [&](auto... toKey) { return cubes_->Move(*cubes->cubes_, k..., toKey..., failIfExists, oneBased); });
         });
     }
 

@@ -84,6 +84,18 @@ bool Cube::isOfResults() const {
     return kind && kind->isResult;
 }
 
+std::size_t Cube::keyLength() const {
+    return isOfResults() ? partsOfResults : partsOfCubes;
+}
+
+std::string Cube::text() const {
+    return kind || isName(name) ? name : std::to_string(number);
+}
+
+bool isName(std::string const& text) {
+    return !text.empty() && !looksLikeNumber(text) && !kindOf(text.substr(0, text.find('/')));
+}
+
 bool isEntry(std::string const& text) {
     return slashesIn(text) >= partsOfCubes;
 }

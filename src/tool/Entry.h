@@ -40,8 +40,10 @@ struct Cube {
     Kind const* kind = nullptr;
 
     bool isOfResults() const;
-    /// Its name, or its number when the register has no name for it.
-    std::string text() const { return name.empty() ? std::to_string(number) : name; }
+    /// The number of parts that the keys of its entries have.
+    std::size_t keyLength() const;
+    /// Its name, or its number where the name would not be read as that of the cube.
+    std::string text() const;
 };
 
 /// A place for a matrix: a cube and a key.
@@ -54,6 +56,8 @@ struct Entry {
     friend bool operator==(Entry const& a, Entry const& b) { return a.cube.number == b.cube.number && a.key == b.key; }
 };
 
+/// Whether a cube of that name is found by it: it is no number, and does not begin like a kind's entry.
+bool isName(std::string const& text);
 /// Whether the text is made as an entry, not as a cube: at least four slashes.
 bool isEntry(std::string const& text);
 /// Both throw UsageError for a text that is no cube or entry, Refusal for a number that no key can

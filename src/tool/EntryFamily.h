@@ -20,6 +20,9 @@ namespace cubes::tool {
 struct ParentNumbers {
     short cube = 0;
     std::array<short, 6> key = {-1, -1, -1, -1, -1, -1};
+
+    bool areSet() const { return *this != ParentNumbers(); }
+    bool operator==(ParentNumbers const&) const = default;
 };
 
 struct Derived {
@@ -54,13 +57,16 @@ public:
     /// The opened table, placed on the entry's row; empty when it is not there.
     virtual CountedPtr<Rktable::TRkTableProxy> row(Entry const& entry) const = 0;
     /// Make the entry what an entry of `source` is, row and file. False also between families that
-    /// do not share their way of storing.
-    virtual bool copyFrom(EntryFamily const& source, Entry const& from, Entry const& to) = 0;
-    virtual bool moveFrom(EntryFamily const& source, Entry const& from, Entry const& to) = 0;
+    /// do not share their way of storing. Throw TRkCubesException when `failIfExists` and it exists.
+    virtual bool copyFrom(EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists) = 0;
+    virtual bool moveFrom(EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists) = 0;
 
-    /// The entries that have a parent. Those of the register's cubes never have one.
+    /// Only results have parents. The entries that have one:
     virtual std::vector<Derived> derived() const { return {}; }
-    /// False for a family without parents.
+    /// Those among them whose parent is this one, in the order of their keys.
+    virtual std::vector<Entry> childrenOf(ParentNumbers const&) const { return {}; }
+    /// The numbers of an entry's parent, those of no parent when it has none.
+    virtual ParentNumbers parent(Entry const&) const { return {}; }
     virtual bool setParent(Entry const&, ParentNumbers const&) { return false; }
 
     /// The name of the file that save writes.

@@ -3,7 +3,6 @@
 #include "tool/Catalogue.h"
 
 #include <map>
-#include <optional>
 #include <tuple>
 #include <vector>
 
@@ -16,24 +15,20 @@ struct EntryOrder {
     }
 };
 
-/// Which results were derived from which entries, read once. A parent that is gone is told like
-/// any other: rows keep its key.
+/// What the entry was derived from, what that was derived from and so on, the oldest first. Rows
+/// that lead in a circle end it.
+std::vector<Entry> ancestorsOf(Entry const& entry, Catalogue const& catalogue);
+
+/// Which results were derived from which entries, of all results, read once.
 class Lineage {
 public:
     explicit Lineage(Catalogue const& catalogue);
 
-    std::optional<Entry> parentOf(Entry const& entry) const;
     /// In the order of their keys, kind by kind.
     std::vector<Entry> childrenOf(Entry const& entry) const;
-    /// The oldest first, without the entry itself. A row that makes an entry its own ancestor ends it.
-    std::vector<Entry> ancestorsOf(Entry const& entry) const;
 
 private:
-    std::map<Entry, Entry, EntryOrder> parents_;
     std::map<Entry, std::vector<Entry>, EntryOrder> children_;
 };
-
-/// The numbers that the row of a child of this entry holds.
-ParentNumbers numbersOf(Entry const& parent);
 
 }

@@ -65,8 +65,8 @@ void addDot(Branch const& branch, std::string& text) {
 }
 
 Branch lineageOf(Entry const& entry, Lineage const& lineage, Catalogue const& catalogue) {
-    auto ancestors = lineage.ancestorsOf(entry);
-    Branch root = Growth(lineage, catalogue, ancestors).branch(entry, ancestors.size());
+    auto ancestors = ancestorsOf(entry, catalogue);
+    Branch root = Growth(lineage, catalogue, ancestors).branch(entry, 0);
     root.isAsked = true;
     for (; !ancestors.empty(); ancestors.pop_back()) {
         Branch parent{ancestors.back(), catalogue.has(ancestors.back()), false, {}};

@@ -1,16 +1,38 @@
 #include "tool/EntryFamily.h"
 #include "tool/Kinds.h"
 
+#include <fmt/format.h>
+
 namespace cubes::tool {
 
 namespace {
 
 constexpr bool oneBased = false;
+constexpr short notSet = -1;
+constexpr char const* keyColumns[] = {"purpose", "mode", "time", "user", "result", "iteration"};
+constexpr char const* parentColumns[] = {
+    "parentpurpose", "parentmode", "parenttime", "parentuser", "parentresult", "parentiteration"};
+
+short numberIn(Rktable::TRkTableProxy& table, char const* column, short otherwise) {
+    auto const* const field = table.FindField(column);
+    return field && !field->IsNull() ? static_cast<short>(field->AsInteger()) : otherwise;
+}
 
 // Calls the function with the six parts of the entry's key.
 template <typename Function>
 auto onKey(Entry const& e, Function const& function) {
     return function(e.key[0], e.key[1], e.key[2], e.key[3], e.key[4], e.key[5]);
+}
+
+// The condition that rows with this parent satisfy.
+std::string isChildOf(ParentNumbers const& parent) {
+    std::string condition = fmt::format("parentcubenr = {}", parent.cube);
+    for (std::size_t i = 0; i < parent.key.size(); ++i) {
+        condition += parent.key[i] == notSet
+                         ? fmt::format(" AND coalesce({}, {}) = {}", parentColumns[i], notSet, notSet)
+                         : fmt::format(" AND {} = {}", parentColumns[i], parent.key[i]);
+    }
+    return condition;
 }
 
 class ResultEntries : public EntryFamily {
@@ -43,8 +65,7 @@ public:
 
     bool add(Entry const& e) override {
         return onKey(e, [&](auto... k) {
-            constexpr short none = -1;
-            return hasTable() && cube_->Add(k..., 0, none, none, none, none, none, none, oneBased);
+            return hasTable() && cube_->Add(k..., 0, notSet, notSet, notSet, notSet, notSet, notSet, oneBased);
         });
     }
 
@@ -72,19 +93,19 @@ public:
         return found ? table : CountedPtr<Rktable::TRkTableProxy>();
     }
 
-    bool copyFrom(EntryFamily const& source, Entry const& from, Entry const& to) override {
+    bool copyFrom(EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists) override {
         auto const* const results = dynamic_cast<ResultEntries const*>(&source);
         return results && onKey(from, [&](auto... k) {
-            return onKey(
-                to, [&](auto... toKey) { return cube_->Copy(*results->cube_, k..., toKey..., false, oneBased); });
+            return onKey(to,
+                [&](auto... toKey) { return cube_->Copy(*results->cube_, k..., toKey..., failIfExists, oneBased); });
         });
     }
 
-    bool moveFrom(EntryFamily const& source, Entry const& from, Entry const& to) override {
+    bool moveFrom(EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists) override {
         auto const* const results = dynamic_cast<ResultEntries const*>(&source);
         return results && onKey(from, [&](auto... k) {
-            return onKey(
-                to, [&](auto... toKey) { return cube_->Move(*results->cube_, k..., toKey..., false, oneBased); });
+            return onKey(to,
+                [&](auto... toKey) { return cube_->Move(*results->cube_, k..., toKey..., failIfExists, oneBased); });
         });
     }
 
@@ -94,8 +115,25 @@ public:
             ParentNumbers parent{row.parentcubenr, {}};
             for (std::size_t i = 0; i < parent.key.size(); ++i)
                 parent.key[i] = static_cast<short>(row[static_cast<int>(i) + 1]);
-            if (parent.cube != 0 || parent.key != ParentNumbers().key) found.push_back({entryOf(row), parent});
+            if (parent.areSet()) found.push_back({entryOf(row), parent});
         });
+        return found;
+    }
+
+    std::vector<Entry> childrenOf(ParentNumbers const& parent) const override {
+        auto const table = cube_->Open();
+        if (!table) return {};
+        table->SetFilterSQL(fmt::format("cubenr = {} AND {}", kind_.number, isChildOf(parent)));
+        std::vector<Entry> found;
+        for (; !table->GetEof(); table->Next()) found.push_back(currentEntry(*table));
+        return found;
+    }
+
+    ParentNumbers parent(Entry const& e) const override {
+        auto const table = row(e);
+        if (!table) return {};
+        ParentNumbers found{numberIn(*table, "parentcubenr", 0), {}};
+        for (std::size_t i = 0; i < found.key.size(); ++i) found.key[i] = numberIn(*table, parentColumns[i], notSet);
         return found;
     }
 
@@ -116,6 +154,13 @@ private:
     Entry entryOf(TRkVarCubes::TKey const& row) const {
         return {
             {kind_.number, kind_.word, &kind_}, {row.purpose, row.mode, row.time, row.user, row.result, row.iteration}};
+    }
+
+    Entry currentEntry(Rktable::TRkTableProxy& table) const {
+        Entry found{{kind_.number, kind_.word, &kind_}, {}};
+        for (char const* const column : keyColumns)
+            found.key.push_back(static_cast<short>(table.FieldByName(column)->AsInteger()));
+        return found;
     }
 
     template <typename Function>

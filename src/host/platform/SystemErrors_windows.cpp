@@ -8,6 +8,10 @@ std::uint32_t lastError() {
     return ::GetLastError();
 }
 
+void setLastError(std::uint32_t code) {
+    ::SetLastError(code);
+}
+
 std::optional<std::string> errorText(std::uint32_t code) {
     constexpr DWORD flags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM;
     constexpr DWORD language = 0x400;

@@ -19,6 +19,7 @@ public:
     void run(Surroundings const& surroundings, Output& output) override {
         if (parseCube(name_).kind) throw Refusal("the word stands for fares or a kind of results");
         if (parseCube(name_).number) throw Refusal("a name of digits alone would be read as the number of a cube");
+        if (!isName(name_)) throw Refusal("a name that begins like a result would be read as one");
         auto catalogue = Catalogue::open(surroundings);
         if (catalogue.has(parseCube(name_))) throw Refusal("there is a cube of that name already");
         auto const cube = catalogue.add(name_);

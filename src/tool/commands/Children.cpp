@@ -1,5 +1,4 @@
 #include "tool/Catalogue.h"
-#include "tool/Lineage.h"
 #include "tool/Messages.h"
 #include "tool/commands/Commands.h"
 
@@ -20,9 +19,9 @@ public:
     void run(Surroundings const& surroundings, Output& output) override {
         auto const word = parseEntry(entry_);
         auto const catalogue = Catalogue::open(surroundings);
-        Entry const entry = {catalogue.cube(word.cube), word.key};
+        auto const entry = catalogue.possibleEntry(word);
         Table table({{"entry", "entry"}, {"file", "file"}});
-        auto const children = Lineage(catalogue).childrenOf(entry);
+        auto const children = catalogue.childrenOf(entry);
         for (auto const& child : children) table.add({child.text(), catalogue.path(child)});
         output.show(table);
         if (children.empty()) tellNote(fmt::format("nothing was derived from {}", entry.text()));

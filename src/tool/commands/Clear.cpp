@@ -30,13 +30,16 @@ private:
         auto catalogue = Catalogue::open(surroundings);
         auto const cube = catalogue.cube(word);
         auto const entries = catalogue.entriesOf(cube);
+        std::vector<Entry> gone;
         std::vector<std::string> files;
         for (auto const& entry : entries) {
             if (catalogue.isInUse(entry)) continue;
+            gone.push_back(entry);
             files.push_back(catalogue.path(entry));
             catalogue.remove(entry);
         }
         tellOfFilesThatStayed(files);
+        tellOfOrphans(cube.text(), orphansOf(gone, catalogue));
         auto const kept = entries.size() - files.size();
         if (kept > 0) tellWarning(fmt::format("entries that are in use and stay: {}", kept));
         Record cleared;

@@ -38,14 +38,15 @@ public:
 
 private:
     static void set(Catalogue& catalogue, Entry const& entry, Entry const& parent) {
-        auto const ancestors = Lineage(catalogue).ancestorsOf(parent);
-        if (parent == entry || std::find(ancestors.begin(), ancestors.end(), entry) != ancestors.end())
+        if (parent == entry) throw Refusal("an entry is not its own parent");
+        auto const ancestors = ancestorsOf(parent, catalogue);
+        if (std::find(ancestors.begin(), ancestors.end(), entry) != ancestors.end())
             throw Refusal(fmt::format("{} was derived from it", parent.text()));
         catalogue.setParent(entry, numbersOf(parent));
     }
 
     static void show(Catalogue const& catalogue, Entry const& entry, Output& output) {
-        auto const parent = Lineage(catalogue).parentOf(entry);
+        auto const parent = catalogue.parentOf(entry);
         Record record;
         record.add("entry", "entry", entry.text());
         record.add("parent", "parent", parent ? Json(parent->text()) : Json());

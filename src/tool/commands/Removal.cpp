@@ -1,6 +1,6 @@
 #include "tool/commands/Removal.h"
 
-#include "tool/Errors.h"
+#include "tool/Lineage.h"
 #include "tool/Messages.h"
 
 #include <fmt/format.h>
@@ -12,13 +12,25 @@ namespace cubes::tool {
 void removeEntry(EntryWord const& word, char const* done, Surroundings const& surroundings, Output& output) {
     auto catalogue = Catalogue::open(surroundings);
     auto const entry = catalogue.entry(word);
-    if (catalogue.isInUse(entry)) throw Refusal(fmt::format("{} is in use", entry.text()));
+    catalogue.refuseUse(entry);
     auto const file = catalogue.path(entry);
     catalogue.remove(entry);
     tellOfFilesThatStayed({file});
+    tellOfOrphans(entry.text(), catalogue.childrenOf(entry).size());
     Record record;
     record.add(done, done, entry.text());
     output.show(record);
+}
+
+std::size_t orphansOf(std::vector<Entry> const& gone, Catalogue const& catalogue) {
+    Lineage const lineage(catalogue);
+    std::size_t count = 0;
+    for (auto const& entry : gone) count += lineage.childrenOf(entry).size();
+    return count;
+}
+
+void tellOfOrphans(std::string const& gone, std::size_t count) {
+    if (count > 0) tellWarning(fmt::format("results that still name {} as their parent: {}", gone, count));
 }
 
 // A file that the system keeps is not worth an error.

@@ -1,8 +1,5 @@
-#include "tool/Errors.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Removal.h"
-
-#include <fmt/format.h>
 
 namespace cubes::tool {
 
@@ -33,6 +30,7 @@ private:
         auto const files = filesOf(entries, catalogue);
         catalogue.remove(cube);
         tellOfFilesThatStayed(files);
+        tellOfOrphans(cube.text(), orphansOf(entries, catalogue));
         Record removed;
         removed.add("removed", "removed", cube.text());
         removed.add("entries", "entries", entries.size());
@@ -43,7 +41,7 @@ private:
     static std::vector<std::string> filesOf(std::vector<Entry> const& entries, Catalogue const& catalogue) {
         std::vector<std::string> files;
         for (auto const& entry : entries) {
-            if (catalogue.isInUse(entry)) throw Refusal(fmt::format("{} is in use", entry.text()));
+            catalogue.refuseUse(entry);
             files.push_back(catalogue.path(entry));
         }
         return files;

@@ -1,9 +1,8 @@
 #include "tool/Catalogue.h"
 #include "tool/Errors.h"
-#include "tool/Lineage.h"
-#include "tool/Messages.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/Removal.h"
 
 #include <fmt/format.h>
 
@@ -105,21 +104,17 @@ public:
 
 private:
     Entry within(Catalogue& catalogue, Entry const& from) override {
-        auto const children = Lineage(catalogue).childrenOf(from);
+        auto const children = catalogue.childrenOf(from);
         auto const moved = catalogue.move(from, to(), existing());
-        if (!(moved == from)) tellOfOrphans(from, children.size());
+        if (!(moved == from)) tellOfOrphans(from.text(), children.size());
         return moved;
     }
 
     Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) override {
-        auto const children = Lineage(source).childrenOf(from);
+        auto const children = source.childrenOf(from);
         auto const moved = catalogue.moveFrom(source, from, to(), existing());
-        tellOfOrphans(from, children.size());
+        tellOfOrphans(from.text(), children.size());
         return moved;
-    }
-
-    static void tellOfOrphans(Entry const& from, std::size_t count) {
-        if (count > 0) tellWarning(fmt::format("results that still name {} as their parent: {}", from.text(), count));
     }
 };
 

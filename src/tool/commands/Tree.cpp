@@ -24,7 +24,7 @@ public:
         auto const word = parseEntry(entry_);
         auto const catalogue = Catalogue::open(surroundings);
         Lineage const lineage(catalogue);
-        Entry const entry = {catalogue.cube(word.cube), word.key};
+        auto const entry = catalogue.possibleEntry(word);
         auto const root = lineageOf(entry, lineage, catalogue);
         if (!catalogue.has(entry) && root.isAsked && root.children.empty())
             throw Refusal("there is no such entry, and nothing was derived from it");

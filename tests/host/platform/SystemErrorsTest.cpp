@@ -8,6 +8,8 @@
 
 using cubes::platform::errorText;
 using cubes::platform::lastError;
+using cubes::platform::LastErrorKept;
+using cubes::platform::setLastError;
 
 TEST(SystemErrors, haveTheSystemsOwnText) {
     auto const text = errorText(2);
@@ -26,4 +28,13 @@ TEST(SystemErrors, tellWhatFailedLast) {
     std::uint32_t const error = lastError();
     EXPECT_EQ(nullptr, missing);
     EXPECT_EQ(2U, error);
+}
+
+TEST(SystemErrors, stayAsTheyWereWhileTheyAreKept) {
+    setLastError(13);
+    {
+        LastErrorKept const kept;
+        setLastError(2);
+    }
+    EXPECT_EQ(13U, lastError());
 }

@@ -1,0 +1,86 @@
+#include "host/platform/CallStack.h"
+
+#include "host/platform/Demangled.h"
+#include "host/platform/NarrowText.h"
+
+#include <windows.h>
+
+#include <dbghelp.h>
+
+#include <algorithm>
+#include <iterator>
+#include <mutex>
+
+namespace cubes::platform {
+
+namespace {
+
+constexpr std::size_t deepest = 1024;
+constexpr std::size_t longestName = 1024;
+
+std::vector<void*> returnAddresses() {
+    std::vector<void*> addresses(deepest);
+    addresses.resize(::RtlCaptureStackBackTrace(0, static_cast<DWORD>(deepest), addresses.data(), nullptr));
+    return addresses;
+}
+
+// The process as the debug-help functions know it, with the modules that are loaded by now.
+HANDLE symbols() {
+    HANDLE const process = ::GetCurrentProcess();
+    static bool const known = [process] {
+        ::SymSetOptions(::SymGetOptions() | SYMOPT_UNDNAME | SYMOPT_LOAD_LINES | SYMOPT_DEFERRED_LOADS);
+        return ::SymInitialize(process, nullptr, FALSE) != FALSE;
+    }();
+    if (known) ::SymRefreshModuleList(process);
+    return process;
+}
+
+std::string moduleAt(void const* address) {
+    constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    HMODULE module = nullptr;
+    if (!::GetModuleHandleExW(flags, static_cast<wchar_t const*>(address), &module)) return {};
+    wchar_t path[MAX_PATH];
+    return toNarrow({path, ::GetModuleFileNameW(module, path, MAX_PATH)});
+}
+
+std::string functionAt(HANDLE process, DWORD64 place) {
+    // The name follows the structure, whose last member is its first character.
+    alignas(SYMBOL_INFO) char memory[sizeof(SYMBOL_INFO) + longestName] = {};
+    auto* const symbol = reinterpret_cast<SYMBOL_INFO*>(memory);
+    symbol->SizeOfStruct = sizeof(SYMBOL_INFO);
+    symbol->MaxNameLen = longestName;
+    return ::SymFromAddr(process, place, nullptr, symbol) ? demangled(symbol->Name) : std::string();
+}
+
+std::optional<unsigned long> lineAt(HANDLE process, DWORD64 place) {
+    IMAGEHLP_LINE64 line{};
+    line.SizeOfStruct = sizeof line;
+    DWORD ignored = 0;
+    if (!::SymGetLineFromAddr64(process, place, &ignored, &line)) return std::nullopt;
+    return line.LineNumber;
+}
+
+StackFrame frameAt(HANDLE process, void* address) {
+    // A call may be the last instruction of its function; one back we are inside it for certain.
+    char* const call = static_cast<char*>(address) - 1;
+    auto const place = static_cast<DWORD64>(reinterpret_cast<std::uintptr_t>(call));
+    return {
+        reinterpret_cast<std::uintptr_t>(address), moduleAt(call), functionAt(process, place), lineAt(process, place)};
+}
+
+}
+
+std::vector<StackFrame> callStack(void const* returnAddress) {
+    // The debug-help functions serve one thread at a time.
+    static std::mutex mutex;
+    std::vector<void*> const addresses = returnAddresses();
+    auto const caller = std::find(addresses.begin(), addresses.end(), returnAddress);
+    std::lock_guard const lock(mutex);
+    HANDLE const process = symbols();
+    std::vector<StackFrame> frames;
+    std::transform(caller == addresses.end() ? addresses.begin() : caller, addresses.end(), std::back_inserter(frames),
+        [process](void* address) { return frameAt(process, address); });
+    return frames;
+}
+
+}

@@ -1,0 +1,31 @@
+#include "host/platform/Debugger.h"
+
+#include <windows.h>
+
+namespace cubes::platform {
+
+bool isDebuggerAttached() {
+    return ::IsDebuggerPresent() != FALSE;
+}
+
+void breakIntoDebugger() {
+    ::DebugBreak();
+}
+
+void writeToDebugger(char const* text) {
+    ::OutputDebugStringA(text);
+}
+
+void writeToDebugger(wchar_t const* text) {
+    ::OutputDebugStringW(text);
+}
+
+void echoToDebugger(char const* text) {
+    if (isDebuggerAttached()) writeToDebugger(text);
+}
+
+void echoToDebugger(wchar_t const* text) {
+    if (isDebuggerAttached()) writeToDebugger(text);
+}
+
+}

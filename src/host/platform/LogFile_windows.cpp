@@ -1,0 +1,63 @@
+#include "host/platform/LogFile.h"
+
+#include "host/platform/Paths.h"
+
+#include <windows.h>
+
+#include <utility>
+
+namespace cubes::platform {
+
+namespace {
+
+HANDLE handle(std::intptr_t native) {
+    return reinterpret_cast<HANDLE>(native);
+}
+
+std::string withLineEnds(std::string_view text) {
+    std::string result;
+    result.reserve(text.size() + 2);
+    for (char const character : text) {
+        if (character == '\n') result += '\r';
+        result += character;
+    }
+    return result;
+}
+
+}
+
+std::optional<LogFile> LogFile::open(std::string const& path) {
+    constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    // With this access and no other, the system puts every write at the end of the file.
+    constexpr DWORD access = FILE_APPEND_DATA | SYNCHRONIZE;
+    HANDLE const opened =
+        ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
+    return LogFile(reinterpret_cast<std::intptr_t>(opened));
+}
+
+LogFile::LogFile(LogFile&& other) noexcept : native_(std::exchange(other.native_, none)) {}
+
+LogFile& LogFile::operator=(LogFile&& other) noexcept {
+    if (this == &other) return *this;
+    close();
+    native_ = std::exchange(other.native_, none);
+    return *this;
+}
+
+LogFile::~LogFile() {
+    close();
+}
+
+// A disk without room for the whole takes nothing of it.
+void LogFile::append(std::string_view text) {
+    std::string const bytes = withLineEnds(text);
+    DWORD put = 0;
+    ::WriteFile(handle(native_), bytes.data(), static_cast<DWORD>(bytes.size()), &put, nullptr);
+}
+
+void LogFile::close() noexcept {
+    if (native_ != none) ::CloseHandle(handle(std::exchange(native_, none)));
+}
+
+}

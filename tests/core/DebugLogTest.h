@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cubes/core/ZebDebug.h>
+
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace cubes::test {
+
+/// Gives a variable of the environment a value, or takes it away, until the end of the block.
+class Variable {
+public:
+    Variable(char const* name, std::optional<std::string> const& value) : name_(name) {
+        if (char const* const before = std::getenv(name)) before_ = before;
+        set(value);
+    }
+    ~Variable() { set(before_); }
+    Variable(Variable const&) = delete;
+    Variable& operator=(Variable const&) = delete;
+
+    void set(std::optional<std::string> const& value) {
+        if (value)
+            setenv(name_, value->c_str(), 1);
+        else
+            unsetenv(name_);
+    }
+
+private:
+    char const* name_;
+    std::optional<std::string> before_;
+};
+
+/// Whether the text begins as the pattern tells, in which "9" stands for any digit.
+inline bool beginsLike(std::string_view text, std::string_view pattern) {
+    auto const fits = [](char wanted, char found) {
+        return wanted == '9' ? found >= '0' && found <= '9' : wanted == found;
+    };
+    return text.size() >= pattern.size() && std::equal(pattern.begin(), pattern.end(), text.begin(), fits);
+}
+
+/// The text with "[time]" for each time that is written as it should be.
+inline std::string withoutTimes(std::string_view text) {
+    static constexpr std::string_view time = "[99-99-9999 99:99:99]";
+    std::string result;
+    while (!text.empty()) {
+        bool const isTime = beginsLike(text, time);
+        result += isTime ? "[time]" : text.substr(0, 1);
+        text.remove_prefix(isTime ? time.size() : 1);
+    }
+    return result;
+}
+
+/// The bytes of a log with "[time]" for its times; "(none)" when there is no such file.
+inline std::string logIn(std::string const& path) {
+    return std::filesystem::exists(path) ? withoutTimes(readFile(path)) : "(none)";
+}
+
+/// An active log in a temporary directory of its own.
+class DebugLogTest : public testing::Test {
+protected:
+    ~DebugLogTest() override {
+        active_.set("true");
+        ZebDebug::setDebugOutput("");
+    }
+
+    std::string path() const { return directory_.file("debug.log"); }
+    std::string log() const { return logIn(path()); }
+
+    // Made before the variable that would lead it elsewhere.
+    TempDir directory_;
+    Variable active_{"ZEB.DEBUG", "true"};
+    Variable temporary_{"TMPDIR", directory_.str()};
+};
+
+}
