@@ -20,7 +20,7 @@ protected:
         return found ? found->RowAt(0, 8)[0] : -1.0;
     }
     static bool has(TRkMatCubes const& cubes, End at) { return cubes.Check(at.cubenr, 1, 1, 1, at.user, false); }
-    static std::string filesOf(TRkMatCubes const& cubes) { return matrixFiles(cubes.MatrixDirectory().str()); }
+    static std::string filesOf(TRkMatCubes const& cubes) { return filesIn(cubes.MatrixDirectory().str()); }
 };
 
 CUBES_BOTH_BACKENDS(CatalogueTransfer);

@@ -39,7 +39,7 @@ protected:
     std::string cubeRows() { return read("select cubenr, name from cube order by cubenr"); }
     std::string table() { return project().database().table("public", "cube4data1"); }
 
-    std::string files() { return matrixFiles(project().matrixDirectory()); }
+    std::string files() { return filesIn(project().matrixDirectory()); }
     std::string pathOf(std::string const& name) { return project().matrixDirectory() + name; }
 
     /// A small asymmetric matrix, recognisable by its first element.

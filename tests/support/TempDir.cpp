@@ -35,7 +35,7 @@ std::string listing(std::string const& directory) {
     return text;
 }
 
-std::string matrixFiles(std::string const& directory) {
+std::string filesIn(std::string const& directory) {
     std::string names = listing(directory);
     std::string const lock = ".cubes-lock\n";
     std::size_t const place = names.find(lock);

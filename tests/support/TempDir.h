@@ -25,8 +25,8 @@ private:
 
 /// The names of all files and directories below `directory`, sorted; to show that nothing is left over.
 std::string listing(std::string const& directory);
-/// The same without the lock file of all writers.
-std::string matrixFiles(std::string const& directory);
+/// The same without the lock file of all writers of matrices.
+std::string filesIn(std::string const& directory);
 std::string readFile(std::string const& path);
 void writeFile(std::string const& path, std::string const& bytes);
 

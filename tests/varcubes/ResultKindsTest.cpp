@@ -90,7 +90,7 @@ TEST_P(ResultKinds, takeADirectoryOfTheirOwn) {
     TRkGlobalSettings* const settings = project().settings();
     EXPECT_TRUE(store(*std::make_unique<TRkCordonCube>(settings, own.str().c_str(), true), 1, 1));
     EXPECT_TRUE(store(*std::make_unique<TRkTransitCube>(settings, TRkFString(own.str()), true), 1, 1));
-    EXPECT_EQ(matrixFiles(own.str()), "1-1-1-1-1-1.cwm\n1-1-1-1-1-1.tsm\n");
+    EXPECT_EQ(filesIn(own.str()), "1-1-1-1-1-1.cwm\n1-1-1-1-1-1.tsm\n");
     EXPECT_EQ(TRkStop2StopCube(settings, "", true).MatrixDirectory().str(), directory());
 }
 

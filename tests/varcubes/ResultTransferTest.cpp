@@ -194,7 +194,7 @@ TEST_P(ResultTransfer, betweenProjectsWorksInBothTables) {
     EXPECT_EQ(firstElement(skims(), 2), 8.0);
     EXPECT_TRUE(theirs.Check(1, 1, 1, 1, 1, 1, false));
     EXPECT_FALSE(theirs.Check(1, 1, 1, 1, 1, 2, false));
-    EXPECT_EQ(matrixFiles(theirs.MatrixDirectory().str()), "1-1-1-1-1-1.skm\n");
+    EXPECT_EQ(filesIn(theirs.MatrixDirectory().str()), "1-1-1-1-1-1.skm\n");
 }
 
 TEST_P(ResultTransfer, mergesADirectoryIntoAnExistingOne) {

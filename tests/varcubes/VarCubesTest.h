@@ -49,7 +49,7 @@ protected:
 
     std::string directory() { return project().settings()->WorkingDirectory().str(); }
     /// What lies in the matrix directory, the lock file of all writers left out.
-    std::string files() { return matrixFiles(directory()); }
+    std::string files() { return filesIn(directory()); }
     std::string pathOf(std::string const& name) { return directory() + name; }
 
     /// Adds an entry without parent: 1/1/1/1/1/`iteration`.
