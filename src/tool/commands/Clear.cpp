@@ -39,7 +39,7 @@ private:
             catalogue.remove(entry);
         }
         tellOfFilesThatStayed(files);
-        tellOfOrphans(cube.text(), orphansOf(gone, catalogue));
+        tellOfOrphans("an entry of " + cube.text(), orphansOf(gone, catalogue));
         auto const kept = entries.size() - files.size();
         if (kept > 0) tellWarning(fmt::format("entries that are in use and stay: {}", kept));
         Record cleared;

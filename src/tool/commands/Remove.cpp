@@ -30,7 +30,7 @@ private:
         auto const files = filesOf(entries, catalogue);
         catalogue.remove(cube);
         tellOfFilesThatStayed(files);
-        tellOfOrphans(cube.text(), orphansOf(entries, catalogue));
+        tellOfOrphans("an entry of " + cube.text(), orphansOf(entries, catalogue));
         Record removed;
         removed.add("removed", "removed", cube.text());
         removed.add("entries", "entries", entries.size());
