@@ -30,7 +30,7 @@ constexpr int rounds = 5;
 RouteSetOwner opened(std::string const& file, RouteOpenMode mode) {
     RouteSetOwner set(new cubes::routes::RouteSet(file.c_str()));
     set->open(mode, nullptr);
-    if (set->countRoutes() < 0) throw std::runtime_error(VlInterfaceGetLastError());
+    if (*VlInterfaceGetLastError() != '\0') throw std::runtime_error(VlInterfaceGetLastError());
     return set;
 }
 

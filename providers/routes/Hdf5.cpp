@@ -14,10 +14,6 @@ std::mutex& mutex() {
     return instance;
 }
 
-constexpr std::size_t growth = std::size_t{1} << 24;
-// Files in memory are told apart by their names; ours live one at a time.
-constexpr char const* nameInMemory = "route file in memory";
-
 std::string innermostReason() {
     std::string reason;
     auto const keepFirst = [](unsigned, H5E_error2_t const* error, void* text) -> herr_t {
@@ -27,20 +23,6 @@ std::string innermostReason() {
     };
     H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, keepFirst, &reason);
     return reason.empty() ? reason : " (" + reason + ")";
-}
-
-Handle fileAccess() {
-    char const* const action = "prepare the access to a file";
-    Handle access(H5Pcreate(H5P_FILE_ACCESS), H5Pclose, action);
-    check(H5Pset_fclose_degree(access.get(), H5F_CLOSE_STRONG), action);
-    check(H5Pset_libver_bounds(access.get(), H5F_LIBVER_V110, H5F_LIBVER_V110), action);
-    return access;
-}
-
-Handle accessInMemory() {
-    Handle access = fileAccess();
-    check(H5Pset_fapl_core(access.get(), growth, false), "prepare a file in memory");
-    return access;
 }
 
 void requireOwn(hid_t parent, std::string const& name) {
@@ -68,30 +50,19 @@ Handle::~Handle() {
     if (id_ >= 0) close_(id_);
 }
 
+Handle fileAccess() {
+    char const* const action = "prepare the access to a file";
+    Handle access(H5Pcreate(H5P_FILE_ACCESS), H5Pclose, action);
+    check(H5Pset_fclose_degree(access.get(), H5F_CLOSE_STRONG), action);
+    check(H5Pset_libver_bounds(access.get(), H5F_LIBVER_V110, H5F_LIBVER_V110), action);
+    return access;
+}
+
 Handle openFile(std::string const& narrowPath) {
     Handle const access = fileAccess();
     check(H5Pset_file_locking(access.get(), false, true), "prepare the access to a file");
     std::string const name = platform::toUtf8(narrowPath);
     return Handle(H5Fopen(name.c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose, "open it as HDF5");
-}
-
-Handle createInMemory() {
-    Handle const access = accessInMemory();
-    return Handle(H5Fcreate(nameInMemory, H5F_ACC_TRUNC, H5P_DEFAULT, access.get()), H5Fclose, "make a file in memory");
-}
-
-Handle openInMemory(std::span<std::byte> bytes) {
-    Handle const access = accessInMemory();
-    check(H5Pset_file_image(access.get(), bytes.data(), bytes.size()), "take the file into memory");
-    return Handle(H5Fopen(nameInMemory, H5F_ACC_RDWR, access.get()), H5Fclose, "open it as HDF5");
-}
-
-std::vector<std::byte> bytesOf(hid_t file) {
-    check(H5Fflush(file, H5F_SCOPE_GLOBAL), "complete the file in memory");
-    ssize_t const size = check(H5Fget_file_image(file, nullptr, 0), "measure the file in memory");
-    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
-    check(H5Fget_file_image(file, bytes.data(), bytes.size()), "copy the file in memory");
-    return bytes;
 }
 
 Handle createGroup(hid_t parent, char const* name) {

@@ -2,13 +2,10 @@
 
 #include <hdf5.h>
 
-#include <cstddef>
 #include <mutex>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <utility>
-#include <vector>
 
 /// The little we need around HDF5's C interface.
 namespace cubes::routes::hdf5 {
@@ -34,6 +31,13 @@ public:
     explicit Error(std::string const& action);
 };
 
+/// Throws Error for the status of a failed call, and gives it back otherwise.
+template <typename Status>
+Status check(Status status, std::string const& action) {
+    if (status < 0) throw Error(action);
+    return status;
+}
+
 /// Owns an identifier of any kind. Movable.
 class Handle {
 public:
@@ -46,27 +50,18 @@ public:
     ~Handle();
 
     hid_t get() const noexcept { return id_; }
+    /// Closes with a report, where closing writes.
+    void close(std::string const& action) { check(close_(std::exchange(id_, H5I_INVALID_HID)), action); }
 
 private:
     hid_t id_;
     Close close_;
 };
 
-/// Throws Error for the status of a failed call, and gives it back otherwise.
-template <typename Status>
-Status check(Status status, std::string const& action) {
-    if (status < 0) throw Error(action);
-    return status;
-}
-
 /// Opens a file for reading, without HDF5's own locks: whoever replaces it does so in one step.
 Handle openFile(std::string const& narrowPath);
-/// A new file in memory, with checksums over its structure.
-Handle createInMemory();
-/// A file in memory with these bytes, to be changed.
-Handle openInMemory(std::span<std::byte> bytes);
-/// The bytes of a file in memory.
-std::vector<std::byte> bytesOf(hid_t file);
+/// Access to files whose structure has checksums, and that closes all that is open of a file with it.
+Handle fileAccess();
 
 Handle createGroup(hid_t parent, char const* name);
 /// Refuses links into other files.

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Lists of numbers as one-dimensional datasets, and small attributes.
 namespace cubes::routes::hdf5 {

@@ -1,5 +1,6 @@
 #include "StoredFile.h"
 
+#include "Hdf5Memory.h"
 #include "platform/NarrowText.h"
 #include "platform/NewFile.h"
 
@@ -51,21 +52,20 @@ void readStoredFile(std::string const& path, FileContent const& read) {
 void writeStoredFile(std::string const& path, FileContent const& write) {
     auto const made = [&write] {
         hdf5::Session const session;
-        hdf5::Handle const file = hdf5::createInMemory();
+        hdf5::MemoryFile file;
         write(file.get());
-        return hdf5::bytesOf(file.get());
+        return file.finish();
     };
     putInPlace(path, made());
 }
 
 void restampStoredFile(std::string const& path, Stamp const& stamp) {
     requireRegular(toPath(path));
-    std::vector<std::byte> bytes = bytesOf(toPath(path));
     auto const stamped = [&] {
         hdf5::Session const session;
-        hdf5::Handle const file = hdf5::openInMemory(bytes);
+        hdf5::MemoryFile file(bytesOf(toPath(path)));
         writeStamp(file.get(), stamp);
-        return hdf5::bytesOf(file.get());
+        return file.finish();
     };
     putInPlace(path, stamped());
 }
