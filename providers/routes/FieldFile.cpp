@@ -3,8 +3,7 @@
 #include "Hdf5Numbers.h"
 #include "platform/NarrowText.h"
 
-#include <array>
-#include <cstdio>
+#include <algorithm>
 
 namespace cubes::routes {
 
@@ -20,9 +19,9 @@ constexpr hdf5::NumberType (*numberTypes[])() = {typeOf<std::uint8_t>, typeOf<st
 
 // Names of fields may hold anything, so that datasets have numbers for names: "0000", "0001".
 std::string datasetName(std::size_t place) {
-    std::array<char, 24> text{};
-    std::snprintf(text.data(), text.size(), "%04zu", place);
-    return text.data();
+    constexpr std::size_t length = 4;
+    std::string const digits = std::to_string(place);
+    return std::string(length - std::min(length, digits.size()), '0') + digits;
 }
 
 void writeField(hid_t group, std::string const& name, Field const& field) {
