@@ -14,8 +14,6 @@ public:
     char const* getFieldNames() const override { return names_.c_str(); }
 
 private:
-    ~AdditionalDataHeader() override = default;
-
     struct Entry {
         std::string name;
         VL::Interface::RouteFieldType type;

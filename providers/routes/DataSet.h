@@ -26,9 +26,6 @@ public:
     VL::Interface::RouteResult getField(std::int64_t place, VL::Interface::RouteField* field) const override;
     VL::Interface::RouteResult findField(char const* name, VL::Interface::RouteField* field) const override;
     VL::Interface::RouteResult getRouteValues(std::int64_t route, double* values) const override;
-
-private:
-    ~DataSet() override = default;
 };
 
 }

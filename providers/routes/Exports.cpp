@@ -10,9 +10,7 @@ using namespace VL::Interface;
 namespace {
 
 /// Opening needs no settings: the object only stands for them.
-class Settings final : public cubes::routes::Counted<SettingsInterface> {
-    ~Settings() override = default;
-};
+class Settings final : public cubes::routes::Counted<SettingsInterface> {};
 
 std::string required(char const* fileName) {
     if (!fileName) throw std::invalid_argument("it has no name");
@@ -21,7 +19,7 @@ std::string required(char const* fileName) {
 
 // The factories' objects, null where there is no memory for them.
 template <typename Object, typename Interface>
-Interface* made(char const* fileName) noexcept {
+Interface* made(char const* fileName) {
     Interface* const none = nullptr;
     std::string const noText;
     return cubes::routes::answer(

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -74,6 +75,7 @@ void FieldTable::add(RouteField const& field) {
     if (field.count < 0) throw std::invalid_argument("the number of values is negative");
     if (field.count > 0 && !field.values) throw std::invalid_argument("the values are missing");
     auto const count = static_cast<std::size_t>(field.count);
+    if (count > std::numeric_limits<std::ptrdiff_t>::max() / size) throw std::length_error("too many values");
     auto const* const first = static_cast<std::byte const*>(field.values);
     add(Field{field.name ? field.name : "", field.type, {first, first + count * size}, count});
 }

@@ -78,15 +78,6 @@ bool namesThePairs(Lists<ZonePair> const& lists, RouteTable const& table) {
 
 }
 
-template <typename Key>
-std::span<std::uint32_t const> Lists<Key>::between(std::size_t first, std::size_t last) const {
-    auto const begin = static_cast<std::size_t>(offsets[first]);
-    return std::span(routes).subspan(begin, static_cast<std::size_t>(offsets[last]) - begin);
-}
-
-template struct Lists<ZonePair>;
-template struct Lists<std::uint32_t>;
-
 RouteIndex RouteIndex::of(RouteTable const& table) {
     return {listsByPair(table), listsByLink(table)};
 }
@@ -103,21 +94,17 @@ RouteIndex::RouteIndex(Lists<ZonePair> byPair, Lists<std::uint32_t> byLink, Rout
 }
 
 std::span<std::uint32_t const> RouteIndex::routesOfPair(ZonePair pair) const {
-    auto const found = std::ranges::equal_range(byPair_.keys, pair);
-    auto const first = static_cast<std::size_t>(found.begin() - byPair_.keys.begin());
-    return byPair_.between(first, first + found.size());
+    return byPair_.where([pair](ZonePair key) { return key < pair; }, [pair](ZonePair key) { return key <= pair; });
 }
 
 std::span<std::uint32_t const> RouteIndex::routesOfOrigin(std::int32_t origin) const {
-    auto const found = std::ranges::equal_range(byPair_.keys, origin, {}, &ZonePair::origin);
-    auto const first = static_cast<std::size_t>(found.begin() - byPair_.keys.begin());
-    return byPair_.between(first, first + found.size());
+    return byPair_.where([origin](ZonePair key) { return key.origin < origin; },
+        [origin](ZonePair key) { return key.origin <= origin; });
 }
 
 std::span<std::uint32_t const> RouteIndex::routesOfLink(std::uint32_t link) const {
-    auto const found = std::ranges::equal_range(byLink_.keys, link);
-    auto const first = static_cast<std::size_t>(found.begin() - byLink_.keys.begin());
-    return byLink_.between(first, first + found.size());
+    return byLink_.where(
+        [link](std::uint32_t key) { return key < link; }, [link](std::uint32_t key) { return key <= link; });
 }
 
 }

@@ -2,6 +2,7 @@
 
 #include "RouteTable.h"
 
+#include <algorithm>
 #include <compare>
 #include <span>
 
@@ -23,7 +24,17 @@ struct Lists {
     std::vector<std::uint32_t> routes;
 
     /// The routes of all keys from the first to the last place, not including that.
-    std::span<std::uint32_t const> between(std::size_t first, std::size_t last) const;
+    std::span<std::uint32_t const> between(std::size_t first, std::size_t last) const {
+        auto const begin = static_cast<std::size_t>(offsets[first]);
+        return {routes.data() + begin, static_cast<std::size_t>(offsets[last]) - begin};
+    }
+    /// The routes of the keys behind those that are below, up to the last that is not above.
+    template <typename Below, typename NotAbove>
+    std::span<std::uint32_t const> where(Below isBelow, NotAbove isNotAbove) const {
+        auto const first = std::partition_point(keys.begin(), keys.end(), isBelow);
+        auto const last = std::partition_point(first, keys.end(), isNotAbove);
+        return between(static_cast<std::size_t>(first - keys.begin()), static_cast<std::size_t>(last - keys.begin()));
+    }
 };
 
 /// Where the routes of a zone pair, of an origin and of a link are.

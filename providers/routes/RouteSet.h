@@ -37,8 +37,6 @@ public:
     VL::Interface::RouteResult findRoutesOfLink(std::uint32_t link, VL::Interface::RouteNumbers* found) const override;
 
 private:
-    ~RouteSet() override = default;
-
     template <typename Find>
     VL::Interface::RouteResult finding(VL::Interface::RouteNumbers* found, Find find) const;
 };

@@ -31,7 +31,8 @@ Route RouteTable::route(std::size_t number) const {
 
 void RouteTable::add(Route const& route) {
     requireRoute(route);
-    if (size() == mostRoutes) throw std::length_error("the set is full");
+    auto const added = static_cast<std::uint64_t>(route.linkCount);
+    if (size() == mostRoutes || added > links.max_size() - links.size()) throw std::length_error("the set is full");
     std::size_t const routes = size();
     std::size_t const linkCount = links.size();
     try {

@@ -109,9 +109,9 @@ private:
 
     void setStamp(Stamp const& changed) {
         answering("change the key of", [&] {
-            bool const isNew = !(changed == stamp_);
+            bool const isInFile = content_ && isForAdding_;
+            if (isInFile && changed != stamp_) restampStoredFile(fileName_, changed);
             stamp_ = changed;
-            if (isNew && content_ && isForAdding_) restampStoredFile(fileName_, stamp_);
             return VL::Interface::rrDone;
         });
     }

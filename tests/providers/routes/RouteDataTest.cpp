@@ -148,6 +148,7 @@ TEST_F(RouteDataTest, whatIsNoFieldIsRefusedAndChangesNothing) {
         {{"time", rftFloat, values, 3}, "there is a field time already"},
         {{"new", rftFloat, values, 2}, "the field new has 2 values, the others have 3"},
         {{"new", rftFloat, values, -1}, "the number of values is negative"},
+        {{"new", rftFloat, values, std::numeric_limits<std::int64_t>::max()}, "it becomes too large"},
         {{"new", rftFloat, nullptr, 3}, "the values are missing"},
         {{"new", rftUnknown, values, 3}, "there is no field type 6"},
         {{"new", number(-1), values, 3}, "there is no field type -1"},
