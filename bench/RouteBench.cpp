@@ -1,11 +1,11 @@
 #include "Benches.h"
 #include "ShortestRoutes.h"
+#include "WorkDirectory.h"
 
 #include "RouteSet.h"
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -21,7 +21,7 @@ struct Release {
 };
 using RouteSetOwner = std::unique_ptr<VelmoraRouteStorageRouteSetInterface, Release>;
 
-constexpr double linksASecond = 1e6;
+constexpr double microsecondsAStoredLink = 1;
 constexpr double bytesALink = 6;
 constexpr double microsecondsAPair = 100;
 constexpr double microsecondsALink = 5000;
@@ -116,21 +116,19 @@ double ofTheBusiestLink(VelmoraRouteStorageRouteSetInterface const& set) {
 
 std::vector<Result> routes(std::string const& network) {
     ShortestRoutes const routes = shortestRoutes(network);
-    std::string const directory = std::filesystem::temp_directory_path() / "cubes-route-bench";
-    std::filesystem::create_directories(directory);
-    std::string const file = directory + "/routes.FDB";
+    WorkDirectory const directory;
+    std::string const file = directory.path("routes.FDB");
     auto const links = static_cast<double>(routes.linkCount);
     std::vector<Result> results;
     results.push_back(
-        figure("store a link of a route", 1e6 / linksASecond, medianOf([&] { store(routes, file); }) / links));
+        figure("store all routes", links * microsecondsAStoredLink, medianOf([&] { store(routes, file); })));
     results.push_back(
-        figure("bytes of the file a link", bytesALink, static_cast<double>(std::filesystem::file_size(file)) / links));
+        figure("bytes of the file", links * bytesALink, static_cast<double>(std::filesystem::file_size(file))));
     results.push_back(
-        figure("open the file, a link", 1e6 / linksASecond, medianOf([&] { opened(file, romRead); }) / links));
+        figure("open the file", links * microsecondsAStoredLink, medianOf([&] { opened(file, romRead); })));
     RouteSetOwner const set = opened(file, romRead);
     results.push_back(figure("read the routes of a zone pair", microsecondsAPair, ofEachPair(*set, routes)));
     results.push_back(figure("read the routes of the busiest link", microsecondsALink, ofTheBusiestLink(*set)));
-    std::filesystem::remove_all(directory);
     return results;
 }
 
