@@ -9,27 +9,30 @@
 
 namespace cubes::routes {
 
-/// Runs an operation of the border: nothing is thrown across it. The last-error text is empty
-/// afterwards, or tells "cannot `action` `file`: " and the reason; the answer is then `failed`.
+/// Leaves "cannot `action` `file`: `reason`" in the last error.
+inline void tellFailure(char const* action, std::string const& file, char const* reason) noexcept {
+    try {
+        VlInterfaceSetLastError((std::string("cannot ") + action + " " + file + ": " + reason).c_str());
+    } catch (std::exception const&) {
+        VlInterfaceSetLastError(reason);
+    }
+}
+
+/// Runs an operation of the border: nothing is thrown across it. The last error is empty afterwards,
+/// or tells what went wrong; then the answer is `failed`.
 template <typename Answer, typename Operation>
 Answer answer(char const* action, std::string const& file, Answer failed, Operation operation) noexcept {
     VlInterfaceSetLastError("");
     try {
-        try {
-            return operation();
-        } catch (std::bad_alloc const&) {
-            throw std::runtime_error("there is not enough memory");
-        } catch (std::length_error const&) {
-            throw std::runtime_error("it becomes too large");
-        }
+        return operation();
+    } catch (std::bad_alloc const&) {
+        tellFailure(action, file, "there is not enough memory");
+    } catch (std::length_error const&) {
+        tellFailure(action, file, "it becomes too large");
     } catch (std::exception const& error) {
-        try {
-            VlInterfaceSetLastError((std::string("cannot ") + action + " " + file + ": " + error.what()).c_str());
-        } catch (...) {
-            VlInterfaceSetLastError("there is not enough memory");
-        }
+        tellFailure(action, file, error.what());
     } catch (...) {
-        VlInterfaceSetLastError("an unknown failure");
+        tellFailure(action, file, "for an unknown reason");
     }
     return failed;
 }
