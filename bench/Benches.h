@@ -11,5 +11,7 @@ namespace bench {
 std::vector<Result> entryOperations(std::string const& postgresUrl);
 std::vector<Result> listings(std::string const& postgresUrl);
 std::vector<Result> matrices();
+/// `network`: a road network in the text format of the Transportation Networks collection.
+std::vector<Result> routes(std::string const& network);
 
 }

@@ -1,4 +1,4 @@
-// cubes_bench databases|matrices: prints each figure beside the raw limit measured in the same run;
+// cubes_bench databases|matrices|routes: prints each figure beside the raw limit measured in the same run;
 // exit 1 when one misses its bar.
 
 #include "Benches.h"
@@ -33,7 +33,14 @@ Results databases() {
     return all;
 }
 
-constexpr Part parts[] = {{"databases", databases}, {"matrices", bench::matrices}};
+Results routes() {
+    char const* const network = std::getenv("CUBES_BENCH_NETWORK");
+    if (network) return bench::routes(network);
+    fmt::print("no CUBES_BENCH_NETWORK: the figures of routes are left out\n");
+    return {};
+}
+
+constexpr Part parts[] = {{"databases", databases}, {"matrices", bench::matrices}, {"routes", routes}};
 
 Part const* findPart(std::string_view name) {
     for (Part const& part : parts)
@@ -58,7 +65,7 @@ bool print(Results const& results) {
 int main(int count, char** arguments) {
     Part const* const part = count == 2 ? findPart(arguments[1]) : nullptr;
     if (!part) {
-        std::fputs("usage: cubes_bench databases|matrices\n", stderr);
+        std::fputs("usage: cubes_bench databases|matrices|routes\n", stderr);
         return 2;
     }
     try {

@@ -34,6 +34,7 @@
 #include <cubes/project/ProjectUtils.h>
 #include <cubes/project/TRkGlobalSettings.h>
 #include <cubes/project/TRkProjectException.h>
+#include <cubes/routestorage/RouteStorageInterface.h>
 #include <cubes/text/AnsiString.h>
 #include <cubes/text/CountedPtr.h>
 #include <cubes/text/TRkAutoListT.h>

@@ -24,6 +24,18 @@ file(MAKE_DIRECTORY ${work})
 must_run(${CMAKE_COMMAND} --install ${cubes_build} --prefix ${work}/elsewhere)
 file(RENAME ${work}/elsewhere ${work}/prefix)
 
+# The route-storage provider lies beside the library.
+file(GLOB_RECURSE provider ${work}/prefix/*/routeprovider64.dll ${work}/prefix/*/vlinterfaceutilities64.dll)
+file(GLOB_RECURSE library ${work}/prefix/*/libcubes.so)
+list(APPEND provider ${library})
+list(TRANSFORM provider REPLACE "/[^/]*$" "" OUTPUT_VARIABLE provider_directories)
+list(LENGTH provider_directories count)
+list(REMOVE_DUPLICATES provider_directories)
+list(LENGTH provider_directories places)
+if(NOT count EQUAL 3 OR NOT places EQUAL 1)
+  message(FATAL_ERROR "not the library and both provider libraries side by side: ${provider}")
+endif()
+
 must_run(${CMAKE_COMMAND} -S ${project} -B ${work}/cmake -G Ninja
   -D CMAKE_CXX_COMPILER=${compiler} -D CMAKE_PREFIX_PATH=${work}/prefix -D CMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON)
 must_run(${CMAKE_COMMAND} --build ${work}/cmake)

@@ -11,7 +11,8 @@ SCRIPT = Path(__file__).resolve().parents[2] / "scripts/check-layers"
 
 # The files that the lines below include.
 TREE = ["src/host/platform/Files.h", "src/host/database/Dialect.h", "src/host/matrix/MatrixFile.h",
-        "src/core/Base40.h", "src/catalogue/Register.h", "src/tool/Command.h", "tests/support/TempDir.h"]
+        "src/core/Base40.h", "src/catalogue/Register.h", "src/tool/Command.h", "tests/support/TempDir.h",
+        "providers/routes/RouteTable.h", "providers/routes/platform/System.h"]
 
 GOOD = [
     ("src/host/text/A.cpp", '#include "host/platform/Files.h"'),
@@ -30,6 +31,12 @@ GOOD = [
     ("src/tool/A.cpp", '#include "tool/Command.h"'),
     ("src/tool/A.cpp", "#include <fmt/format.h>"),
     ("src/tool/Terminal_posix.cpp", "#include <unistd.h>"),
+    ("providers/routes/A.cpp", "#include <cubes/routestorage/RouteStorageInterface.h>"),
+    ("providers/routes/A.cpp", '#include "RouteTable.h"'),
+    ("providers/routes/platform/A.cpp", '#include "platform/System.h"'),
+    ("providers/routes/A.cpp", "#include <hdf5.h>"),
+    ("providers/routes/platform/System_posix.cpp", "#include <unistd.h>"),
+    ("providers/routes/platform/System_windows.cpp", "#include <windows.h>"),
     ("tests/api/A.cpp", '#include "support/TempDir.h"'),
     ("include/cubes/core/A.h", "#include <cubes/text/TRkString.h>"),
     ("include/cubes/core/A.h", "#include <cubes/Export.h>"),
@@ -60,7 +67,12 @@ BAD = [
     ("src/tool/A.cpp", "#include <unistd.h>", "system headers"),
     ("python/A.cpp", '#include "host/platform/Files.h"', "its own files only"),
     ("tests/api/A.cpp", '#include "core/Base40.h"', "its own files only"),
-    ("providers/routes/A.cpp", "#include <cubes/text/TRkString.h>", "route-storage interface only"),
+    ("providers/routes/A.cpp", "#include <cubes/text/TRkString.h>", "route-storage interface and its own files"),
+    ("providers/routes/A.cpp", '#include "host/platform/Files.h"', "route-storage interface and its own files"),
+    ("providers/routes/A.cpp", '#include "../../src/core/Base40.h"', "route-storage interface and its own files"),
+    ("providers/routes/A.cpp", "#include <unistd.h>", "system headers belong into"),
+    ("providers/routes/platform/A.cpp", "#include <windows.h>", "system headers belong into"),
+    ("providers/routes/A.cpp", "#ifdef _WIN32", "platform differences belong into"),
     ("include/cubes/core/A.h", "#include <sqlite3.h>", "the standard library only"),
     ("include/cubes/core/A.h", '#include "TRkString.h"', "the standard library only"),
     ("include/cubes/core/A.h", "#include <windows.h>", "system headers"),

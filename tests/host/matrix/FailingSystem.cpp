@@ -44,6 +44,11 @@ CUBES_VISIBLE ssize_t pwrite64(int file, void const* bytes, size_t count, off64_
     return mustFail() ? -1 : real(file, bytes, count, offset);
 }
 
+CUBES_VISIBLE ssize_t write(int file, void const* bytes, size_t count) {
+    static auto const real = systems<ssize_t (*)(int, void const*, size_t)>("write");
+    return mustFail() ? -1 : real(file, bytes, count);
+}
+
 CUBES_VISIBLE int fsync(int file) {
     static auto const real = systems<int (*)(int)>("fsync");
     return mustFail() ? -1 : real(file);

@@ -1,0 +1,171 @@
+#include "Hdf5Numbers.h"
+
+#include <algorithm>
+
+namespace cubes::routes::hdf5 {
+
+namespace {
+
+constexpr hsize_t chunkBytes = hsize_t{1} << 18;
+constexpr unsigned quickestLevel = 1;
+// Deflate makes nothing smaller than about a thousandth.
+constexpr hsize_t mostInflation = 1100;
+// Others write attributes as wide as their programs count.
+constexpr std::size_t widestNumber = 8;
+constexpr std::size_t longestText = std::size_t{1} << 16;
+
+Handle listOf(std::size_t count) {
+    hsize_t const size = count;
+    return Handle(H5Screate_simple(1, &size, nullptr), H5Sclose, "describe a list");
+}
+
+// An empty list has no chunks.
+Handle layoutFor(NumberType type, std::size_t count, Shuffle shuffle) {
+    char const* const action = "describe the layout";
+    Handle layout(H5Pcreate(H5P_DATASET_CREATE), H5Pclose, action);
+    check(H5Pset_obj_track_times(layout.get(), false), action);
+    if (count == 0) return layout;
+    hsize_t const chunk = std::min<hsize_t>(count, chunkBytes / H5Tget_size(type.file));
+    check(H5Pset_chunk(layout.get(), 1, &chunk), action);
+    if (shuffle == Shuffle::yes) check(H5Pset_shuffle(layout.get()), action);
+    check(H5Pset_deflate(layout.get(), quickestLevel), action);
+    check(H5Pset_fletcher32(layout.get()), action);
+    return layout;
+}
+
+bool fits(hid_t found, hid_t wanted) {
+    H5T_class_t const kind = H5Tget_class(wanted);
+    if (H5Tget_class(found) != kind || H5Tget_size(found) > H5Tget_size(wanted)) return false;
+    return kind != H5T_INTEGER || H5Tget_sign(found) == H5Tget_sign(wanted);
+}
+
+// Numbers that lie in other files are none of ours.
+void requireOwnStorage(hid_t dataset, std::string const& name) {
+    Handle const layout(H5Dget_create_plist(dataset), H5Pclose, "read the layout of " + name);
+    H5D_layout_t const kind = H5Pget_layout(layout.get());
+    bool const isOwn = kind == H5D_CHUNKED || kind == H5D_COMPACT || kind == H5D_CONTIGUOUS;
+    if (!isOwn || H5Pget_external_count(layout.get()) != 0) throw std::runtime_error(name + " leads elsewhere");
+}
+
+hsize_t fileSizeOf(hid_t object) {
+    Handle const file(H5Iget_file_id(object), H5Fclose, "find the file");
+    hsize_t size = 0;
+    check(H5Fget_filesize(file.get(), &size), "measure the file");
+    return size;
+}
+
+Handle openAttribute(hid_t object, char const* name) {
+    return Handle(H5Aopen(object, name, H5P_DEFAULT), H5Aclose, std::string("find the attribute ") + name);
+}
+
+void requireCount(hid_t attribute, char const* name, std::size_t count) {
+    Handle const space(H5Aget_space(attribute), H5Sclose, "describe an attribute");
+    if (H5Sget_simple_extent_npoints(space.get()) != static_cast<hssize_t>(count))
+        throw std::runtime_error(std::string("the attribute ") + name + " has another size");
+}
+
+Handle createAttribute(hid_t object, char const* name, hid_t type, hid_t space) {
+    if (H5Aexists(object, name) > 0) check(H5Adelete(object, name), "replace an attribute");
+    return Handle(H5Acreate2(object, name, type, space, H5P_DEFAULT, H5P_DEFAULT), H5Aclose, "make an attribute");
+}
+
+}
+
+template <>
+NumberType typeOf<std::uint8_t>() {
+    return {H5T_NATIVE_UINT8, H5T_STD_U8LE};
+}
+template <>
+NumberType typeOf<std::int16_t>() {
+    return {H5T_NATIVE_INT16, H5T_STD_I16LE};
+}
+template <>
+NumberType typeOf<std::uint16_t>() {
+    return {H5T_NATIVE_UINT16, H5T_STD_U16LE};
+}
+template <>
+NumberType typeOf<std::int32_t>() {
+    return {H5T_NATIVE_INT32, H5T_STD_I32LE};
+}
+template <>
+NumberType typeOf<std::uint32_t>() {
+    return {H5T_NATIVE_UINT32, H5T_STD_U32LE};
+}
+template <>
+NumberType typeOf<std::uint64_t>() {
+    return {H5T_NATIVE_UINT64, H5T_STD_U64LE};
+}
+template <>
+NumberType typeOf<float>() {
+    return {H5T_NATIVE_FLOAT, H5T_IEEE_F32LE};
+}
+template <>
+NumberType typeOf<double>() {
+    return {H5T_NATIVE_DOUBLE, H5T_IEEE_F64LE};
+}
+
+Handle writeDataset(
+    hid_t parent, std::string const& name, NumberType type, void const* numbers, std::size_t count, Shuffle shuffle) {
+    Handle const space = listOf(count);
+    Handle const layout = layoutFor(type, count, shuffle);
+    Handle dataset(H5Dcreate2(parent, name.c_str(), type.file, space.get(), H5P_DEFAULT, layout.get(), H5P_DEFAULT),
+        H5Dclose, "make " + name);
+    if (count > 0) check(H5Dwrite(dataset.get(), type.memory, H5S_ALL, H5S_ALL, H5P_DEFAULT, numbers), "write " + name);
+    return dataset;
+}
+
+std::size_t countNumbers(hid_t dataset, std::string const& name, NumberType type) {
+    Handle const stored(H5Dget_type(dataset), H5Tclose, "read the type of " + name);
+    if (!fits(stored.get(), type.memory)) throw std::runtime_error(name + " has numbers of another type");
+    requireOwnStorage(dataset, name);
+    Handle const space(H5Dget_space(dataset), H5Sclose, "read the size of " + name);
+    hsize_t count = 0;
+    if (H5Sget_simple_extent_ndims(space.get()) != 1) throw std::runtime_error(name + " is no list");
+    check(H5Sget_simple_extent_dims(space.get(), &count, nullptr), "read the size of " + name);
+    if (count / mostInflation * H5Tget_size(stored.get()) > fileSizeOf(dataset))
+        throw std::runtime_error(name + " is larger than the file");
+    return count;
+}
+
+void readDataset(hid_t dataset, std::string const& name, NumberType type, void* numbers) {
+    check(H5Dread(dataset, type.memory, H5S_ALL, H5S_ALL, H5P_DEFAULT, numbers), "read " + name);
+}
+
+void writeAttribute(hid_t object, char const* name, NumberType type, void const* numbers, std::size_t count) {
+    Handle const space = count == 1 ? Handle(H5Screate(H5S_SCALAR), H5Sclose, "describe a number") : listOf(count);
+    Handle const attribute = createAttribute(object, name, type.file, space.get());
+    check(H5Awrite(attribute.get(), type.memory, numbers), "write an attribute");
+}
+
+void readAttribute(hid_t object, char const* name, NumberType type, void* numbers, std::size_t count) {
+    Handle const attribute = openAttribute(object, name);
+    Handle const stored(H5Aget_type(attribute.get()), H5Tclose, "describe an attribute");
+    if (H5Tget_class(stored.get()) != H5Tget_class(type.memory) || H5Tget_size(stored.get()) > widestNumber)
+        throw std::runtime_error(std::string("the attribute ") + name + " has another type");
+    requireCount(attribute.get(), name, count);
+    check(H5Aread(attribute.get(), type.memory, numbers), std::string("read the attribute ") + name);
+}
+
+void writeText(hid_t object, char const* name, std::string_view text) {
+    Handle const type(H5Tcopy(H5T_C_S1), H5Tclose, "describe a text");
+    check(H5Tset_size(type.get(), std::max<std::size_t>(text.size(), 1)), "describe a text");
+    check(H5Tset_cset(type.get(), H5T_CSET_UTF8), "describe a text");
+    check(H5Tset_strpad(type.get(), H5T_STR_NULLPAD), "describe a text");
+    Handle const space(H5Screate(H5S_SCALAR), H5Sclose, "describe a text");
+    Handle const attribute = createAttribute(object, name, type.get(), space.get());
+    check(H5Awrite(attribute.get(), type.get(), text.empty() ? "" : text.data()), "write an attribute");
+}
+
+std::string readText(hid_t object, char const* name) {
+    Handle const attribute = openAttribute(object, name);
+    Handle const type(H5Aget_type(attribute.get()), H5Tclose, "describe an attribute");
+    requireCount(attribute.get(), name, 1);
+    bool const isText = H5Tget_class(type.get()) == H5T_STRING && H5Tis_variable_str(type.get()) == 0;
+    if (!isText || H5Tget_size(type.get()) > longestText)
+        throw std::runtime_error(std::string("the attribute ") + name + " is no text of fixed length");
+    std::string text(H5Tget_size(type.get()), '\0');
+    check(H5Aread(attribute.get(), type.get(), text.data()), std::string("read the attribute ") + name);
+    return text.substr(0, text.find('\0'));
+}
+
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Hdf5.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Lists of numbers as one-dimensional datasets, and small attributes.
+namespace cubes::routes::hdf5 {
+
+/// A type of numbers: in memory, and (with the low byte first everywhere) in a file.
+struct NumberType {
+    hid_t memory;
+    hid_t file;
+};
+
+template <typename Number>
+NumberType typeOf();
+template <>
+NumberType typeOf<std::uint8_t>();
+template <>
+NumberType typeOf<std::int16_t>();
+template <>
+NumberType typeOf<std::uint16_t>();
+template <>
+NumberType typeOf<std::int32_t>();
+template <>
+NumberType typeOf<std::uint32_t>();
+template <>
+NumberType typeOf<std::uint64_t>();
+template <>
+NumberType typeOf<float>();
+template <>
+NumberType typeOf<double>();
+
+/// Whether bytes of equal weight are put together before compression. Numbers that grow slowly or
+/// are real gain by that; texts of numbers that repeat, as links of neighbouring routes, lose.
+enum class Shuffle { no, yes };
+
+/// Writes `count` numbers as a dataset, compressed and with a checksum a chunk.
+Handle writeDataset(hid_t parent, std::string const& name, NumberType type, void const* numbers, std::size_t count,
+    Shuffle shuffle = Shuffle::yes);
+/// How many numbers a dataset has. Throws when it is no list of numbers that fit `type`, or claims
+/// more than a file of this size can hold.
+std::size_t countNumbers(hid_t dataset, std::string const& name, NumberType type);
+void readDataset(hid_t dataset, std::string const& name, NumberType type, void* numbers);
+
+template <typename Number>
+void writeNumbers(hid_t parent, std::string const& name, std::vector<Number> const& numbers) {
+    writeDataset(parent, name, typeOf<Number>(), numbers.data(), numbers.size());
+}
+
+template <typename Number>
+std::vector<Number> readNumbers(hid_t parent, std::string const& name) {
+    Handle const dataset = openDataset(parent, name);
+    std::vector<Number> numbers(countNumbers(dataset.get(), name, typeOf<Number>()));
+    readDataset(dataset.get(), name, typeOf<Number>(), numbers.data());
+    return numbers;
+}
+
+/// Attributes: `count` numbers, or a text of fixed length in UTF-8. Writing replaces a former one.
+void writeAttribute(hid_t object, char const* name, NumberType type, void const* numbers, std::size_t count);
+void readAttribute(hid_t object, char const* name, NumberType type, void* numbers, std::size_t count);
+void writeText(hid_t object, char const* name, std::string_view text);
+std::string readText(hid_t object, char const* name);
+
+}

@@ -1,0 +1,125 @@
+#pragma once
+
+#include "Answer.h"
+#include "Counted.h"
+#include "StoredFile.h"
+
+#include <cubes/routestorage/RouteStorageInterface.h>
+
+#include <optional>
+
+namespace cubes::routes {
+
+/// What route sets and route data have in common: a file by name, its stamp, and its content in memory
+/// while it is open. A Content can be made empty, by read(hid_t), and written by write(hid_t), and
+/// has the `kind` of its files.
+template <typename Interface, typename Content>
+class StoredObject : public Counted<Interface> {
+public:
+    explicit StoredObject(char const* fileName) : fileName_(fileName) {}
+
+    void open(long mode, VL::Interface::SettingsInterface*) final {
+        content_.reset();
+        answering("open", [&] {
+            openAs(mode & 0xFF);
+            return VL::Interface::rrDone;
+        });
+    }
+    char const* getFileName() const final { return fileName_.c_str(); }
+    void setCubeType(int cubeType) final {
+        Stamp changed = stamp_;
+        changed.cubeType = cubeType;
+        setStamp(changed);
+    }
+    void setKey(short purpose, short mode, short time, short user, short result, short iteration) final {
+        Stamp changed = stamp_;
+        changed.key = Key{purpose, mode, time, user, result, iteration};
+        setStamp(changed);
+    }
+    VL::Interface::RouteResult commit() final {
+        return answering("write", [&] {
+            write(changing());
+            return VL::Interface::rrDone;
+        });
+    }
+
+protected:
+    template <typename Operation>
+    VL::Interface::RouteResult answering(char const* action, Operation operation) const noexcept {
+        return answer(action, fileName_, VL::Interface::rrFailed, operation);
+    }
+    /// For operations that give a number.
+    template <typename Operation>
+    std::int64_t counting(Operation operation) const noexcept {
+        return answer("count in", fileName_, std::int64_t{VL::Interface::rrFailed}, operation);
+    }
+
+    Content const& content() const {
+        if (!content_) throw std::runtime_error("it is not open");
+        return *content_;
+    }
+    Content& changing() {
+        if (content(); !isForAdding_) throw std::runtime_error("it is open for reading only");
+        return *content_;
+    }
+    std::string const& fileName() const noexcept { return fileName_; }
+
+private:
+    void openAs(long mode) {
+        switch (mode) {
+        case VL::Interface::romRead:
+            return openExisting(false);
+        case VL::Interface::romExtend:
+            return openExisting(true);
+        case VL::Interface::romCreate:
+            return create();
+        default:
+            throw std::runtime_error("there is no mode " + std::to_string(mode));
+        }
+    }
+
+    void create() {
+        Content empty;
+        write(empty);
+        hold(std::move(empty), true);
+    }
+
+    void openExisting(bool forAdding) {
+        std::optional<Content> read;
+        readStoredFile(fileName_, [&](hid_t file) {
+            Stamp const stored = readRoot(file, Content::kind);
+            read = Content::read(file);
+            if (!stamp_.cubeType) stamp_.cubeType = stored.cubeType;
+            if (!stamp_.key) stamp_.key = stored.key;
+        });
+        hold(std::move(*read), forAdding);
+    }
+
+    void hold(Content content, bool forAdding) {
+        content_ = std::move(content);
+        isForAdding_ = forAdding;
+    }
+
+    void write(Content& content) const {
+        writeStoredFile(fileName_, [&](hid_t file) {
+            writeRoot(file, Content::kind, stamp_);
+            content.write(file);
+        });
+    }
+
+    void setStamp(Stamp const& changed) {
+        answering("change the key of", [&] {
+            bool const isInFile = content_ && isForAdding_;
+            if (isInFile && changed != stamp_) restampStoredFile(fileName_, changed);
+            stamp_ = changed;
+            return VL::Interface::rrDone;
+        });
+    }
+
+    std::string fileName_;
+    Stamp stamp_;
+    std::optional<Content> content_;
+    bool isForAdding_ = false;
+};
+
+}
