@@ -33,7 +33,16 @@
 #include <cubes/project/ProjectUtils.h>
 #include <cubes/project/TRkGlobalSettings.h>
 #include <cubes/project/TRkProjectException.h>
+#include <cubes/routestorage/DllNoUnloadpolicyA.h>
+#include <cubes/routestorage/DllNotLoaded.h>
+#include <cubes/routestorage/DynamiclinkLibraryT.h>
+#include <cubes/routestorage/ProvidedObjectT.h>
 #include <cubes/routestorage/RouteStorageInterface.h>
+#include <cubes/routestorage/TLastError.h>
+#include <cubes/routestorage/TVlAdditionalDataHeader.h>
+#include <cubes/routestorage/TVlRouteStorageDataSet.h>
+#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
+#include <cubes/routestorage/TVlSettings.h>
 #include <cubes/text/AnsiString.h>
 #include <cubes/text/CountedPtr.h>
 #include <cubes/text/TRkAutoListT.h>
@@ -43,6 +52,7 @@
 #include <cubes/text/TRkObject.h>
 #include <cubes/text/TRkString.h>
 #include <cubes/text/VclOrStdException.h>
+#include <cubes/text/WholeNumber.h>
 #include <cubes/varcubes/CubeDataInterface.h>
 #include <cubes/varcubes/TRkCordonCube.h>
 #include <cubes/varcubes/TRkPathCube.h>
