@@ -37,6 +37,8 @@
 #include <cubes/routestorage/DllNotLoaded.h>
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
 #include <cubes/routestorage/ProvidedObjectT.h>
+#include <cubes/routestorage/Reference.h>
+#include <cubes/routestorage/RouteStorageCubeData.h>
 #include <cubes/routestorage/RouteStorageInterface.h>
 #include <cubes/routestorage/TLastError.h>
 #include <cubes/routestorage/TVlAdditionalDataHeader.h>
@@ -52,7 +54,6 @@
 #include <cubes/text/TRkObject.h>
 #include <cubes/text/TRkString.h>
 #include <cubes/text/VclOrStdException.h>
-#include <cubes/text/WholeNumber.h>
 #include <cubes/varcubes/CubeDataInterface.h>
 #include <cubes/varcubes/TRkCordonCube.h>
 #include <cubes/varcubes/TRkPathCube.h>
