@@ -59,7 +59,6 @@ TEST(MissingProvider, isFoundOnceItIsThere) {
 TEST(MissingUtilities, areToldAtEachCallUntilTheyAreThere) {
     EXPECT_TRUE(worksInOwnProcess([] {
         ProviderPath const nowhere("");
-        ProviderPath const nowhere("");
         EXPECT_EQ(failureOf([] { TLastError::getInstance(); }), noUtilities);
         EXPECT_EQ(failureOf([] { TLastError::getInstance(); }), noUtilities);
         FakeProvider fake;
