@@ -1,0 +1,72 @@
+#include "routestorage/FakeProvider.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <stdexcept>
+
+#include "host/platform/Environment.h"
+#include "support/Forked.h"
+
+namespace cubes::test {
+
+namespace {
+
+constexpr char const* variable = "CUBES_PROVIDER_PATH";
+
+template <typename Procedure>
+Procedure* procedure(Library const& library, char const* name) {
+    Procedure* found = nullptr;
+    if (!library.getProcedure(name, found)) throw std::runtime_error(std::string("no ") + name);
+    return found;
+}
+
+}
+
+ProviderPath::ProviderPath(std::string const& directories) : before_(platform::environment(variable).value_or("")) {
+    setenv(variable, directories.c_str(), 1);
+}
+
+ProviderPath::~ProviderPath() {
+    setenv(variable, before_.c_str(), 1);
+}
+
+std::string fakeDirectory(std::string const& variant) {
+    return std::string(FAKE_PROVIDERS) + "/" + variant;
+}
+
+FakeProvider::FakeProvider(std::string const& variant)
+    : path_(fakeDirectory(variant)), library_("routeprovider64.dll"), utilities_("vlinterfaceutilities64.dll") {
+    calls();
+    setFields("");
+    setLastError("");
+}
+
+FakeProvider::~FakeProvider() {
+    EXPECT_EQ(living(), 0) << "objects of the provider were not given up";
+}
+
+std::string FakeProvider::calls() {
+    return procedure<char const*()>(library_, "FakeCalls")();
+}
+
+int FakeProvider::living() const {
+    return procedure<int()>(library_, "FakeLiving")();
+}
+
+void FakeProvider::setFields(char const* names) {
+    procedure<void(char const*)>(library_, "FakeFields")(names);
+}
+
+void FakeProvider::setLastError(char const* text) {
+    procedure<void(char const*)>(utilities_, "FakeLastError")(text);
+}
+
+bool worksInOwnProcess(std::function<void()> const& work) {
+    return inProcesses(1, [&work](int) {
+        work();
+        if (testing::Test::HasFailure()) throw std::runtime_error("failed");
+    }) == 1;
+}
+
+}

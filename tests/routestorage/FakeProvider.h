@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cubes/routestorage/DynamiclinkLibraryT.h>
+
+#include <functional>
+#include <string>
+
+namespace cubes::test {
+
+using Library = Pattern::DynamiclinkLibraryT<Pattern::DllNoUnloadpolicyA>;
+
+/// Sets where providers are looked for, until the end of the object; empty: nowhere in particular.
+class ProviderPath {
+public:
+    explicit ProviderPath(std::string const& directories);
+    ~ProviderPath();
+    ProviderPath(ProviderPath const&) = delete;
+    ProviderPath& operator=(ProviderPath const&) = delete;
+
+private:
+    std::string before_;
+};
+
+/// The directory of a fake provider: "full", "leading", "trailing", "without".
+std::string fakeDirectory(std::string const& variant);
+
+/// A fake provider, which is found as long as this object lives.
+class FakeProvider {
+public:
+    explicit FakeProvider(std::string const& variant = "full");
+    ~FakeProvider();
+
+    /// What was asked of the provider since the last call, a line each.
+    std::string calls();
+    /// How many of its objects there are.
+    int living() const;
+    /// What the header says; null: there is none, "null": the text is null.
+    void setFields(char const* names);
+    void setLastError(char const* text);
+
+private:
+    ProviderPath path_;
+    Library library_;
+    Library utilities_;
+};
+
+/// Whether `work` ends well in a process of its own, that is without throwing and without failures.
+bool worksInOwnProcess(std::function<void()> const& work);
+
+}

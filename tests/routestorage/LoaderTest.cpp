@@ -1,0 +1,143 @@
+#include <cubes/routestorage/TVlRouteStorageDataSet.h>
+#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
+#include <cubes/routestorage/TVlSettings.h>
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+#include "host/platform/SharedLibrary.h"
+#include "routestorage/FakeProvider.h"
+#include "support/TempDir.h"
+
+using namespace VL::Interface;
+
+namespace cubes::test {
+namespace {
+
+constexpr char const* provider = "routeprovider64.dll";
+
+TEST(DllNotLoaded, namesTheLibrary) {
+    DllNotLoaded const error("routeprovider64.dll");
+    EXPECT_STREQ(error.what(), "Dll routeprovider64.dll not loaded");
+    EXPECT_STREQ(error.what(), "Dll routeprovider64.dll not loaded");
+    DllNotLoaded const copy(error);
+    EXPECT_STREQ(copy.what(), "Dll routeprovider64.dll not loaded");
+    EXPECT_STREQ(DllNotLoaded("").what(), "Dll  not loaded");
+    static_assert(std::is_base_of_v<std::exception, DllNotLoaded>);
+}
+
+TEST(Loader, throwsForALibraryThatIsNotThere) {
+    try {
+        Library const library("no-such-library64.dll");
+        FAIL() << "it was loaded";
+    } catch (std::exception const& error) {
+        EXPECT_STREQ(error.what(), "Dll no-such-library64.dll not loaded");
+    }
+}
+
+TEST(Loader, throwsForAFileThatIsNoLibrary) {
+    TempDir const directory;
+    writeFile(directory.file(provider), "no library");
+    ProviderPath const path(directory.str());
+    EXPECT_THROW(TVlSettings("a.FDB"), DllNotLoaded);
+    EXPECT_THROW(TVlRouteStorageRouteSet("a.FDB"), DllNotLoaded);
+    EXPECT_THROW(TVlRouteStorageDataSet("a.FDB"), DllNotLoaded);
+}
+
+TEST(Loader, findsWhatIsExported) {
+    ProviderPath const path(fakeDirectory("full"));
+    Library const library(provider);
+    int (*living)() = nullptr;
+    EXPECT_TRUE(library.getProcedure("FakeLiving", living));
+    ASSERT_NE(living, nullptr);
+    EXPECT_EQ(living(), 0);
+    EXPECT_TRUE(library.getProcedureFromLibrary("FakeLiving", living));
+}
+
+TEST(Loader, emptiesTheProcedureThatItDoesNotFind) {
+    ProviderPath const path(fakeDirectory("full"));
+    Library const library(provider);
+    int (*none)() = [] { return 1; };
+    EXPECT_FALSE(library.getProcedure("FakeNothing", none));
+    EXPECT_EQ(none, nullptr);
+}
+
+struct Variant {
+    char const* directory;
+    bool isFound;
+};
+
+class NameVariants : public testing::TestWithParam<Variant> {};
+
+TEST_P(NameVariants, ofFactoriesAreTried) {
+    FakeProvider fake(GetParam().directory);
+    {
+        TVlSettings const settings("a.FDB");
+        TVlRouteStorageRouteSet const routeSet("b.FDB");
+        TVlRouteStorageDataSet const dataSet("c.FDB");
+        EXPECT_EQ(settings.getInterface() != nullptr, GetParam().isFound);
+        EXPECT_EQ(routeSet.getInterface() != nullptr, GetParam().isFound);
+        EXPECT_EQ(dataSet.getInterface() != nullptr, GetParam().isFound);
+    }
+    EXPECT_EQ(fake.calls(), GetParam().isFound ? "settings.make a.FDB\nset.make b.FDB\ndata.make c.FDB\n"
+                                                 "data.release -1\nset.release -1\nsettings.release -1\n"
+                                               : "");
+}
+
+INSTANTIATE_TEST_SUITE_P(, NameVariants,
+    testing::Values(
+        Variant{"full", true}, Variant{"leading", true}, Variant{"trailing", true}, Variant{"without", false}),
+    [](auto const& variant) { return std::string(variant.param.directory); });
+
+TEST(Loader, leavesTheLibraryLoaded) {
+    FakeProvider fake;
+    {
+        TVlSettings const first("a.FDB");
+        TVlSettings const second("b.FDB");
+    }
+    // What the library keeps is still there, so it was neither unloaded nor loaded anew.
+    EXPECT_EQ(fake.calls(), "settings.make a.FDB\nsettings.make b.FDB\nsettings.release -1\nsettings.release -1\n");
+    int (*before)() = nullptr;
+    Library(provider).getProcedure("FakeLiving", before);
+    EXPECT_EQ(before(), 0);
+    int (*after)() = nullptr;
+    Library(provider).getProcedure("FakeLiving", after);
+    EXPECT_EQ(before, after);
+}
+
+std::string foundWith(std::string const& directories) {
+    ProviderPath const path(directories);
+    Library const library(provider);
+    int (*living)() = nullptr;
+    if (!library.getProcedure("FakeLiving", living)) return "ours";
+    SettingsFactory* create = nullptr;
+    return library.getProcedure("CreateSettingsInterface", create) ? "full" : "without";
+}
+
+TEST(ProviderSearch, takesTheFirstDirectoryThatHasTheLibrary) {
+    std::string const between(1, platform::searchPathDelimiter());
+    TempDir const empty;
+    std::string const full = fakeDirectory("full");
+    std::string const without = fakeDirectory("without");
+    EXPECT_EQ(foundWith(full), "full");
+    EXPECT_EQ(foundWith(without), "without");
+    EXPECT_EQ(foundWith(without + between + full), "without");
+    EXPECT_EQ(foundWith(full + between + without), "full");
+    EXPECT_EQ(foundWith(between + empty.str() + between + between + full + between), "full");
+    EXPECT_EQ(foundWith(empty.file("nowhere") + between + without + "/"), "without");
+}
+
+TEST(ProviderSearch, thenLooksBesideTheLibrary) {
+    TempDir const empty;
+    EXPECT_EQ(foundWith(""), "ours");
+    EXPECT_EQ(foundWith(empty.str()), "ours");
+}
+
+TEST(ProviderSearch, knowsALibraryThatIsNeverLoaded) {
+    EXPECT_STREQ(SCRIPT_INTERFACE_DLL_NAME, "ScriptInterface64.dll");
+    EXPECT_STREQ(VLINTERFACEUTILITIES_DLL_NAME, "vlinterfaceutilities64.dll");
+}
+
+}
+}

@@ -1,0 +1,407 @@
+#include <cubes/core/TRkCubesException.h>
+#include <cubes/matrix/TRkMatrix.h>
+
+#include <filesystem>
+
+#include "routestorage/RouteCubeTest.h"
+
+namespace cubes::test {
+namespace {
+
+// Both cubes as the provider and the entry table see them.
+struct Kind {
+    RouteStorageBaseCube& cube;
+    std::string object;
+    std::string number;
+    std::string directory;
+};
+
+class RouteEntries : public RouteCubeTest {
+protected:
+    std::vector<Kind> kinds() {
+        return {{routes(), "set", "-9", "RouteStorage_Routes"}, {data(), "data", "-10", "RouteStorage_RouteData"}};
+    }
+    std::string fileOf(Kind const& kind, std::string const& key) { return pathOf(kind.directory + "/" + key + ".FDB"); }
+    static std::string rowOf(Kind const& kind, std::string const& parts, std::string const& name) {
+        return kind.number + "|" + parts + "|0|" + kind.directory + "\\" + name + ".FDB\n";
+    }
+    static std::string assigned(Kind const& kind, std::string const& key) {
+        return kind.object + ".setCubeType " + kind.number + "\n" + kind.object + ".setKey " + key + "\n";
+    }
+    static std::string created(Kind const& kind, std::string const& name, std::string const& key) {
+        std::string const& object = kind.object;
+        return object + ".make " + name + ".FDB\n" + assigned(kind, key) + object + ".getFileName\nsettings.make " +
+               name + ".FDB\n" + object + ".open 1 with settings\nsettings.release -1\n" + object + ".release -1\n";
+    }
+
+    // A record with a storage of the provider for a file that lies elsewhere.
+    template <typename Wrapper>
+    Reference<RouteStorageCubeData> recordFor(std::string const& file) {
+        Reference<RouteStorageCubeData> record(new RouteStorageCubeData);
+        Wrapper const wrapper(file.c_str());
+        wrapper.getInterface()->addRef();
+        record->setRouteStorage(wrapper.getInterface());
+        return record;
+    }
+    Reference<RouteStorageCubeData> recordFor(Kind const& kind, std::string const& file) {
+        if (kind.object == "set") return recordFor<VL::Interface::TVlRouteStorageRouteSet>(file);
+        return recordFor<VL::Interface::TVlRouteStorageDataSet>(file);
+    }
+
+    FakeProvider fake;
+    TempDir elsewhere;
+};
+
+CUBES_BOTH_BACKENDS(RouteEntries);
+
+TEST_P(RouteEntries, haveNoMatrices) {
+    for (auto const& kind : kinds()) {
+        EXPECT_TRUE(store(kind.cube, 6));
+        TRkMatrix const some = matrix(1);
+        EXPECT_FALSE(kind.cube.Set(1, 2, 3, 4, 5, 7, some, lsReadWrite, false));
+        EXPECT_FALSE(kind.cube.SaveMatrix(some, 1, 2, 3, 4, 5, 6, lsReadWrite, false));
+        EXPECT_EQ(kind.cube.Get(1, 2, 3, 4, 5, 6, lsRead, false), nullptr);
+        EXPECT_EQ(kind.cube.Get(1, 2, 3, 4, 5, 6, 0, 0, lsRead, false), -1.0);
+        EXPECT_EQ(kind.cube.GetHeader(1, 2, 3, 4, 5, 6, false), nullptr);
+        EXPECT_FALSE(kind.cube.Check(1, 2, 3, 4, 5, 7, false));
+    }
+}
+
+TEST_P(RouteEntries, areMadeWithAnEmptyFileOfTheProvider) {
+    for (auto const& kind : kinds()) {
+        EXPECT_TRUE(kind.cube.SetData(nullptr, 1, 2, 3, 4, 5, 6, -9, 9, 8, 7, 6, 5, 4, false));
+        EXPECT_EQ(fake.calls(), created(kind, "1-2-3-4-5-6", "1 2 3 4 5 6"));
+        EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|6", "1-2-3-4-5-6"));
+        EXPECT_EQ(parents(), "-9|9|8|7|6|5|4\n");
+        EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-6")), "made by the fake provider");
+        EXPECT_EQ(kind.cube.FileName(1, 2, 3, 4, 5, 6, false).str(), fileOf(kind, "1-2-3-4-5-6"));
+        EXPECT_EQ(fake.living(), 0);
+        kind.cube.Clear();
+    }
+}
+
+TEST_P(RouteEntries, givenZeroBasedAreStoredOneBased) {
+    for (auto const& kind : kinds()) {
+        fake.calls();
+        EXPECT_TRUE(kind.cube.SetData(nullptr, 0, 1, 2, 3, 5, 6, 0, -1, -1, -1, -1, -1, -1, true));
+        EXPECT_EQ(fake.calls(), created(kind, "1-2-3-4-5-6", "1 2 3 4 5 6"));
+        EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|6", "1-2-3-4-5-6"));
+        EXPECT_TRUE(std::filesystem::exists(fileOf(kind, "1-2-3-4-5-6")));
+        auto const record = recordOf(kind.cube.GetData(0, 1, 2, 3, 5, 6, true));
+        ASSERT_NE(record, nullptr);
+        EXPECT_EQ(keyOf(*record), "1 2 3 4 5 6");
+        kind.cube.Clear();
+    }
+}
+
+TEST_P(RouteEntries, givenDataAgainAreClearedFirst) {
+    for (auto const& kind : kinds()) {
+        EXPECT_TRUE(kind.cube.SetData(nullptr, 1, 2, 3, 4, 5, 6, -9, 9, 8, 7, 6, 5, 4, false));
+        kind.cube.incUsage(1, 2, 3, 4, 5, 6);
+        writeFile(fileOf(kind, "1-2-3-4-5-6"), "old");
+        EXPECT_TRUE(store(kind.cube, 6));
+        EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|6", "1-2-3-4-5-6"));
+        EXPECT_EQ(parents(), "NULL|NULL|NULL|NULL|NULL|NULL|NULL\n");
+        EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-6")), "made by the fake provider");
+        kind.cube.Clear();
+    }
+}
+
+TEST_P(RouteEntries, takeACopyOfTheFileThatTheDataHold) {
+    for (auto const& kind : kinds()) {
+        std::string const source = elsewhere.file("source.FDB");
+        writeFile(source, "some routes");
+        auto record = recordFor(kind, source);
+        fake.calls();
+        EXPECT_TRUE(kind.cube.SetData(record.get(), 0, 1, 2, 3, 5, 6, -9, 9, 8, 7, 6, 5, 4, true));
+        EXPECT_EQ(fake.calls(), kind.object + ".addRef 2\n" + kind.object + ".getFileName\n" +
+                                    assigned(kind, "1 2 3 4 5 6") + kind.object + ".release 1\n");
+        EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|6", "1-2-3-4-5-6"));
+        EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-6")), "some routes");
+        EXPECT_EQ(readFile(source), "some routes");
+        // A file that nobody's row names is overwritten.
+        kind.cube.Clear();
+        writeFile(fileOf(kind, "1-2-3-4-5-6"), "left over");
+        EXPECT_TRUE(store(kind.cube, 6, record.get()));
+        EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-6")), "some routes");
+        record.reset();
+        EXPECT_EQ(fake.living(), 0);
+        kind.cube.Clear();
+    }
+}
+
+TEST_P(RouteEntries, areOnlyRegisteredWhenTheDataHaveNoFile) {
+    for (auto const& kind : kinds()) {
+        for (std::string const& source : {elsewhere.file("none.FDB"), elsewhere.str(), std::string()}) {
+            auto const record = recordFor(kind, source);
+            fake.calls();
+            EXPECT_TRUE(store(kind.cube, 6, record.get()));
+            EXPECT_EQ(fake.calls(), kind.object + ".addRef 2\n" + kind.object + ".getFileName\n" +
+                                        assigned(kind, "1 2 3 4 5 6") + kind.object + ".release 1\n");
+            EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|6", "1-2-3-4-5-6"));
+            EXPECT_FALSE(std::filesystem::exists(fileOf(kind, "1-2-3-4-5-6")));
+            EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
+        }
+        kind.cube.Clear();
+    }
+}
+
+// Clearing the entry takes the file that the data came with.
+TEST_P(RouteEntries, givenTheirOwnDataLoseTheirFile) {
+    EXPECT_TRUE(store(routes(), 6));
+    auto const record = fetch(routes(), 6);
+    EXPECT_TRUE(store(routes(), 6, record.get()));
+    EXPECT_EQ(rows(), "-9|1|2|3|4|5|6|0|RouteStorage_Routes\\1-2-3-4-5-6.FDB\n");
+    EXPECT_FALSE(std::filesystem::exists(routeFile(6)));
+}
+
+TEST_P(RouteEntries, keepTheirFileWhenOnlyTheRowWasLost) {
+    EXPECT_TRUE(store(routes(), 6));
+    writeFile(routeFile(6), "some routes");
+    auto const record = fetch(routes(), 6);
+    execute("delete from " + table());
+    EXPECT_TRUE(store(routes(), 6, record.get()));
+    EXPECT_EQ(readFile(routeFile(6)), "some routes");
+}
+
+TEST_P(RouteEntries, tellThatTheirFileCannotBeCopied) {
+    std::string const source = elsewhere.file("source.FDB");
+    writeFile(source, "some routes");
+    auto record = recordFor(kinds()[0], source);
+    EXPECT_TRUE(store(routes(), 6));
+    std::filesystem::remove(routeFile(6));
+    std::filesystem::create_directories(routeFile(7) + "/full");
+    fake.calls();
+    try {
+        store(routes(), 7, record.get());
+        FAIL() << "it was copied";
+    } catch (TRkCubesException const& error) {
+        std::string const text = error.what();
+        EXPECT_NE(text.find(source), std::string::npos) << text;
+        EXPECT_NE(text.find(routeFile(7)), std::string::npos) << text;
+    }
+    EXPECT_EQ(
+        fake.calls(), "set.addRef 2\nset.getFileName\nset.setCubeType -9\nset.setKey 1 2 3 4 5 7\nset.release 1\n");
+    EXPECT_TRUE(routes().Check(1, 2, 3, 4, 5, 7, false));
+}
+
+// Data of another class, and data without a storage.
+class OtherData final : public CubeDataInterface {
+public:
+    void addRef() override { ADD_FAILURE() << "a reference was taken"; }
+    long release() override { return 0; }
+    void setPurpose(long) override {}
+    long getPurpose() const override { return 1; }
+    void setMode(long) override {}
+    long getMode() const override { return 1; }
+    void setTime(long) override {}
+    long getTime() const override { return 1; }
+    void setUser(long) override {}
+    long getUser() const override { return 1; }
+    void setResult(long) override {}
+    long getResult() const override { return 1; }
+    void setIteration(long) override {}
+    long getIteration() const override { return 1; }
+};
+
+TEST_P(RouteEntries, areMadeEmptyFromOtherData) {
+    OtherData other;
+    RouteStorageCubeData withoutStorage;
+    for (auto const& kind : kinds())
+        for (CubeDataInterface* const given : {static_cast<CubeDataInterface*>(&other),
+                 static_cast<CubeDataInterface*>(&withoutStorage), static_cast<CubeDataInterface*>(nullptr)}) {
+            EXPECT_TRUE(store(kind.cube, 6, given));
+            EXPECT_EQ(fake.calls(), created(kind, "1-2-3-4-5-6", "1 2 3 4 5 6"));
+        }
+}
+
+TEST_P(RouteEntries, ofTheOtherKindAreCopiedAllTheSame) {
+    std::string const source = elsewhere.file("source.FDB");
+    writeFile(source, "some data");
+    auto const record = recordFor(kinds()[1], source);
+    fake.calls();
+    EXPECT_TRUE(store(routes(), 6, record.get()));
+    EXPECT_EQ(fake.calls(),
+        "data.addRef 2\ndata.getFileName\ndata.setCubeType -9\ndata.setKey 1 2 3 4 5 6\ndata.release 1\n");
+    EXPECT_EQ(readFile(routeFile(6)), "some data");
+}
+
+TEST_P(RouteEntries, areFetchedWithAStorageForTheirFile) {
+    for (auto const& kind : kinds()) {
+        EXPECT_TRUE(kind.cube.SetData(nullptr, 1, 2, 3, 4, 5, 6, -9, 9, 8, 7, 6, 5, 4, false));
+        fake.calls();
+        auto record = fetch(kind.cube, 6);
+        ASSERT_NE(record, nullptr);
+        EXPECT_EQ(fake.calls(), kind.object + ".make 1-2-3-4-5-6.FDB\n" + assigned(kind, "1 2 3 4 5 6") + kind.object +
+                                    ".addRef 1\n" + kind.object + ".addRef 2\n" + kind.object + ".release 1\n");
+        EXPECT_EQ(keyOf(*record), "1 2 3 4 5 6");
+        EXPECT_EQ(record->getParentPurpose(), -1);
+        EXPECT_EQ(record->getParentCubeNr(), 0);
+        {
+            Reference<VL::Interface::RouteStorageInterface> const storage(record->getRouteStorage());
+            EXPECT_EQ(storage->getFileName(), fileOf(kind, "1-2-3-4-5-6"));
+        }
+        fake.calls();
+        EXPECT_EQ(record.release()->release(), 0);
+        EXPECT_EQ(fake.calls(), kind.object + ".release 0\n");
+        EXPECT_EQ(fake.living(), 0);
+    }
+}
+
+TEST_P(RouteEntries, givenZeroBasedAreFetchedWithTheirOneBasedKey) {
+    for (auto const& kind : kinds()) {
+        kind.cube.SetData(nullptr, 1, 1, 1, 1, 5, 6, 0, -1, -1, -1, -1, -1, -1, false);
+        fake.calls();
+        auto const record = recordOf(kind.cube.GetData(0, 0, 0, 0, 5, 6, true));
+        ASSERT_NE(record, nullptr);
+        EXPECT_EQ(keyOf(*record), "1 1 1 1 5 6");
+        EXPECT_EQ(fake.calls().find(kind.object + ".make 1-1-1-1-5-6.FDB\n" + assigned(kind, "1 1 1 1 5 6")), 0u);
+        EXPECT_EQ(kind.cube.GetData(0, 0, 0, 0, 5, 6, false), nullptr);
+        EXPECT_EQ(kind.cube.GetData(1, 1, 1, 1, 5, 6, true), nullptr);
+    }
+}
+
+TEST_P(RouteEntries, cannotBeFetchedWhenMissingInUseOrWithoutFile) {
+    for (auto const& kind : kinds()) {
+        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
+        store(kind.cube, 6);
+        kind.cube.incUsage(1, 2, 3, 4, 5, 6);
+        fake.calls();
+        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
+        kind.cube.decUsage(1, 2, 3, 4, 5, 6);
+        EXPECT_NE(fetch(kind.cube, 6), nullptr);
+        fake.calls();
+        std::filesystem::remove(fileOf(kind, "1-2-3-4-5-6"));
+        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
+        EXPECT_EQ(fake.calls(), "");
+    }
+}
+
+TEST_P(RouteEntries, withNamesThatLeadOutAreNeverOpened) {
+    for (auto const& kind : kinds()) {
+        store(kind.cube, 6);
+        fake.calls();
+        writeFile(project().root() + "/outside", "secret");
+        execute("update " + table() + " set filename = '..\\outside'");
+        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
+        EXPECT_EQ(fake.calls(), "");
+        EXPECT_EQ(data().getFieldMetadata(1, 2, 3, 4, 5, 6)->release(), 0);
+        kind.cube.Clear();
+        EXPECT_EQ(readFile(project().root() + "/outside"), "secret");
+    }
+}
+
+TEST_P(RouteEntries, withKeysThatCannotBeStoredAreNotThere) {
+    constexpr short last = 32767;
+    for (auto const& kind : kinds()) {
+        EXPECT_TRUE(kind.cube.SetData(nullptr, last, 1, 1, 1, 1, 1, 0, -1, -1, -1, -1, -1, -1, true));
+        EXPECT_EQ(kind.cube.GetData(last, 1, 1, 1, 1, 1, true), nullptr);
+    }
+    EXPECT_EQ(rows(), "");
+    EXPECT_EQ(fake.calls(), "");
+}
+
+TEST_P(RouteEntries, areRegisteredWhenTheProviderMakesNoObjects) {
+    FakeProvider without("without");
+    for (auto const& kind : kinds()) {
+        EXPECT_TRUE(store(kind.cube, 6));
+        EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|6", "1-2-3-4-5-6"));
+        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
+        writeFile(fileOf(kind, "1-2-3-4-5-6"), "something");
+        auto const record = fetch(kind.cube, 6);
+        ASSERT_NE(record, nullptr);
+        EXPECT_EQ(keyOf(*record), "1 2 3 4 5 6");
+        EXPECT_EQ(record->getRouteStorage(), nullptr);
+        kind.cube.Clear();
+    }
+    EXPECT_EQ(without.calls(), "");
+}
+
+TEST_P(RouteEntries, areTrueWithoutATable) {
+    writeFile(elsewhere.file("source.FDB"), "some routes");
+    auto const record = recordFor(kinds()[0], elsewhere.file("source.FDB"));
+    fake.calls();
+    execute("drop table " + table());
+    EXPECT_TRUE(store(routes(), 6));
+    EXPECT_TRUE(store(data(), 6));
+    EXPECT_EQ(fake.calls(), "");
+    EXPECT_TRUE(store(routes(), 6, record.get()));
+    EXPECT_EQ(
+        fake.calls(), "set.addRef 2\nset.getFileName\nset.setCubeType -9\nset.setKey 1 2 3 4 5 6\nset.release 1\n");
+    EXPECT_EQ(routes().GetData(1, 2, 3, 4, 5, 6, false), nullptr);
+    EXPECT_EQ(files(), "");
+}
+
+TEST_P(RouteEntries, makeTheirDirectoryWhenTheyAreAdded) {
+    for (auto const& kind : kinds()) {
+        EXPECT_FALSE(std::filesystem::exists(pathOf(kind.directory)));
+        EXPECT_TRUE(add(kind.cube, 1));
+        EXPECT_TRUE(std::filesystem::is_directory(pathOf(kind.directory)));
+        std::filesystem::remove(pathOf(kind.directory));
+        // For an entry that exists too.
+        EXPECT_TRUE(add(kind.cube, 1));
+        EXPECT_TRUE(std::filesystem::is_directory(pathOf(kind.directory)));
+    }
+}
+
+TEST_P(RouteEntries, thatAreNotAddedMakeNoDirectory) {
+    execute("drop table " + table());
+    for (auto const& kind : kinds()) {
+        EXPECT_FALSE(add(kind.cube, 1));
+        EXPECT_FALSE(kind.cube.Add({}, -9, 1, 1, 1, 1, 1, 1, 0, -1, -1, -1, -1, -1, -1, false));
+        EXPECT_FALSE(std::filesystem::exists(pathOf(kind.directory)));
+    }
+}
+
+TEST_P(RouteEntries, mayLieInAnotherDirectory) {
+    RouteStorageCube cube(project().settings(), elsewhere.str().c_str());
+    EXPECT_TRUE(store(cube, 6));
+    EXPECT_EQ(listing(elsewhere.str()), "RouteStorage_Routes\nRouteStorage_Routes/1-2-3-4-5-6.FDB\n");
+    RouteStorageDataCube const inProject(project().settings(), "");
+    EXPECT_EQ(inProject.MatrixDirectory().str(), directory());
+}
+
+TEST_P(RouteEntries, areListedLikeThoseOfAnyResultCube) {
+    store(routes(), 7);
+    store(routes(), 6);
+    store(data(), 6);
+    add(skims(), 1);
+    Keys list;
+    EXPECT_TRUE(routes().Get(list));
+    ASSERT_EQ(list.Count(), 2);
+    EXPECT_STREQ(list[0]->AsString().c_str(), "-9,1,2,3,4,5,6,RouteStorage_Routes\\1-2-3-4-5-6.FDB");
+    EXPECT_STREQ(list[1]->AsString().c_str(), "-9,1,2,3,4,5,7,RouteStorage_Routes\\1-2-3-4-5-7.FDB");
+    TRkAutoListT<TRkBaseCubes::TKey> cubes;
+    EXPECT_TRUE(data().Get(cubes));
+}
+
+TEST_P(RouteEntries, areCopiedMovedAndClearedWithTheirFiles) {
+    for (auto const& kind : kinds()) {
+        store(kind.cube, 1);
+        writeFile(fileOf(kind, "1-2-3-4-5-1"), "some routes");
+        fake.calls();
+        EXPECT_TRUE(kind.cube.Copy(1, 2, 3, 4, 5, 1, 1, 2, 3, 4, 5, 2, true, false));
+        EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-2")), "some routes");
+        EXPECT_TRUE(kind.cube.Move(1, 2, 3, 4, 5, 1, 1, 2, 3, 4, 5, 3, true, false));
+        EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-3")), "some routes");
+        EXPECT_FALSE(std::filesystem::exists(fileOf(kind, "1-2-3-4-5-1")));
+        EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|2", "1-2-3-4-5-2") + rowOf(kind, "1|2|3|4|5|3", "1-2-3-4-5-3"));
+        EXPECT_TRUE(kind.cube.Clear(1, 2, 3, 4, 5, 2, false));
+        EXPECT_FALSE(std::filesystem::exists(fileOf(kind, "1-2-3-4-5-2")));
+        EXPECT_TRUE(kind.cube.Clear());
+        EXPECT_EQ(filesIn(pathOf(kind.directory)), "");
+        EXPECT_EQ(fake.calls(), "");
+    }
+}
+
+TEST_P(RouteEntries, areCopiedIntoADirectoryThatWasNotThere) {
+    TestProject other(backend());
+    RouteStorageCube target(other.settings());
+    store(routes(), 1);
+    EXPECT_TRUE(target.Copy(routes(), 1, 2, 3, 4, 5, 1, 1, 2, 3, 4, 5, 2, true, false));
+    EXPECT_EQ(
+        readFile(target.MatrixDirectory().str() + "RouteStorage_Routes/1-2-3-4-5-2.FDB"), "made by the fake provider");
+}
+
+}
+}
