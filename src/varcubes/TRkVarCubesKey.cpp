@@ -44,6 +44,8 @@ TRkString TRkVarCubes::TKey::AsString() const {
 }
 
 int TRkVarCubes::TKeySortCompare(TKey* first, TKey* second) {
-    auto const order = keyOf(*first) <=> keyOf(*second);
-    return order < 0 ? -1 : order > 0;
+    auto const a = keyOf(*first);
+    auto const b = keyOf(*second);
+    if (a < b) return -1;
+    return b < a ? 1 : 0;
 }
