@@ -33,6 +33,10 @@ Argument Arguments::optional(char const* name, std::optional<std::string>& value
     return Argument(*line_.add_option(name, value, help));
 }
 
+Argument Arguments::optional(char const* name, std::vector<std::string>& values, int count, char const* help) {
+    return Argument(*line_.add_option(name, values, help)->expected(count));
+}
+
 Argument Arguments::flag(char const* name, bool& value, char const* help) {
     return Argument(*line_.add_flag(name, value, help));
 }

@@ -37,6 +37,8 @@ public:
     /// A word that may be left out: by its place, or behind its name, as in "--form wide".
     Argument optional(char const* name, std::string& value, char const* help);
     Argument optional(char const* name, std::optional<std::string>& value, char const* help);
+    /// A name and so many words behind it: "--pair 4 7".
+    Argument optional(char const* name, std::vector<std::string>& values, int count, char const* help);
     /// A name alone: "--json".
     Argument flag(char const* name, bool& value, char const* help);
 

@@ -110,6 +110,7 @@ std::string Catalogue::path(Entry const& entry) const {
 }
 
 std::unique_ptr<TRkMatrix> Catalogue::matrix(Entry const& entry) const {
+    if (entry.cube.holdsRoutes()) throw Refusal(fmt::format("{} holds routes and no matrix", entry.text()));
     if (auto found = familyOf(entry.cube).matrix(entry)) return found;
     if (entry.cube.isOfResults()) refuseUse(entry);
     auto const file = path(entry);
@@ -134,8 +135,8 @@ void Catalogue::remove(Cube const& cube) {
     if (!familyOf(cube).remove(cube)) throw Failure(noEntryTable);
 }
 
-void Catalogue::remove(Entry const& entry) {
-    if (!familyOf(entry.cube).remove(entry)) throw Failure("the entry is gone");
+bool Catalogue::remove(Entry const& entry) {
+    return familyOf(entry.cube).remove(entry);
 }
 
 std::vector<Derived> Catalogue::derivedOf(Kind const& kind) const {

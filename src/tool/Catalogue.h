@@ -7,6 +7,7 @@
 #include <cubes/matrix/TRkMatrix.h>
 #include <cubes/project/Project.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -56,8 +57,11 @@ public:
     /// Stores the matrix, in place of the one that was there; a cube given by a new name is
     /// registered. An entry in use is refused. When it fails nothing has changed.
     Entry store(EntryWord const& word, TRkMatrix const& matrix);
+    /// The same for routes: `write` makes the file at the path that it is told.
+    Entry storeRoutes(EntryWord const& word, std::function<void(Entry const&, std::string const& path)> const& write);
     void remove(Cube const& cube);
-    void remove(Entry const& entry);
+    /// False when somebody else has removed it meanwhile.
+    bool remove(Entry const& entry);
     /// Raises or lowers the number of users; below 0 is refused.
     void use(Entry const& entry);
     void leave(Entry const& entry);
@@ -94,15 +98,18 @@ private:
         EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists);
     template <typename Action>
     Entry inCube(EntryWord const& word, Action const& action);
-    void refuseTarget(Entry const& to, Existing existing) const;
+    void refuseExisting(Entry const& to, Existing existing) const;
     void place(Entry const& from, Entry const& to, FilePlacing placing, Existing existing);
     bool fileIsThere(Entry const& entry) const;
     void takeBack(Entry const& entry, bool hadFile);
     void giveParent(Entry const& entry, ParentNumbers const& parent);
     std::string whyNotPlaced(std::string const& file, Entry const& to) const;
+    Entry copyRoutes(std::string const& file, Entry const& from, EntryWord const& word, Existing existing);
     void refuseSharedDirectory(Catalogue const& source, Entry const& from, EntryWord const& to) const;
     std::string directoryOf(Kind const* kind) const;
     void storeAt(Entry const& entry, TRkMatrix const& matrix);
+    template <typename Write>
+    void fill(Entry const& entry, Write const& write);
     void refuseToReplace(Entry const& entry) const;
     void write(Entry const& entry, TRkMatrix const& matrix);
 

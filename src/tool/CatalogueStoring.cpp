@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <random>
 
 namespace cubes::tool {
 
@@ -20,7 +21,39 @@ std::string fileOf(std::string const& path) {
 
 /// Whether the file of one serves the other as it is.
 bool shareFiles(Entry const& a, Entry const& b) {
+    if (a.cube.holdsRoutes() || b.cube.holdsRoutes()) return a.cube.kind == b.cube.kind;
     return a.cube.kind == b.cube.kind || (a.cube.isOfResults() && b.cube.isOfResults());
+}
+
+/// A file beside its place, which it takes when it is complete.
+class FileBeside {
+public:
+    explicit FileBeside(fs::path const& place)
+        : place_(place), path_(place.parent_path() / fmt::format(".{}.{:08x}.cubes-tmp", place.filename().string(),
+                                                         std::random_device()())) {}
+    ~FileBeside() {
+        std::error_code ignored;
+        fs::remove(path_, ignored);
+    }
+    FileBeside(FileBeside const&) = delete;
+    FileBeside& operator=(FileBeside const&) = delete;
+
+    std::string path() const { return path_.string(); }
+    void takePlace() const { fs::rename(path_, place_); }
+
+private:
+    fs::path place_;
+    fs::path path_;
+};
+
+// Taking back what was begun: what fails then is not what the user has to know.
+template <typename Undo>
+void shielded(Undo const& undo) {
+    try {
+        undo();
+    } catch (std::exception const&) {
+        // The first error is told.
+    }
 }
 
 void requireFile(Entry const& entry, std::string const& path) {
@@ -38,7 +71,9 @@ Entry Catalogue::inCube(EntryWord const& word, Action const& action) {
         action(entry);
     } catch (...) {
         // Others may have stored into the new cube meanwhile.
-        if (isNew && entriesOf(entry.cube).empty()) remove(entry.cube);
+        shielded([&] {
+            if (isNew && entriesOf(entry.cube).empty()) remove(entry.cube);
+        });
         throw;
     }
     return entry;
@@ -48,18 +83,36 @@ Entry Catalogue::store(EntryWord const& word, TRkMatrix const& matrix) {
     return inCube(word, [&](Entry const& entry) { storeAt(entry, matrix); });
 }
 
+Entry Catalogue::storeRoutes(
+    EntryWord const& word, std::function<void(Entry const&, std::string const& path)> const& write) {
+    return inCube(word, [&](Entry const& entry) {
+        fill(entry, [&] {
+            FileBeside const file(path(entry));
+            write(entry, file.path());
+            file.takePlace();
+        });
+    });
+}
+
 void Catalogue::storeAt(Entry const& entry, TRkMatrix const& matrix) {
+    if (entry.cube.holdsRoutes()) throw Refusal(fmt::format("{} holds routes and no matrix", entry.text()));
+    fill(entry, [&] { write(entry, matrix); });
+}
+
+// Gives an entry a file, and a row where it has none.
+template <typename Write>
+void Catalogue::fill(Entry const& entry, Write const& write) {
     if (has(entry)) {
         refuseToReplace(entry);
-        write(entry, matrix);
+        write();
         return;
     }
     bool const hadFile = fileIsThere(entry);
     if (!familyOf(entry.cube).add(entry)) throw Failure(noEntryTable);
     try {
-        write(entry, matrix);
+        write();
     } catch (...) {
-        takeBack(entry, hadFile);
+        shielded([&] { takeBack(entry, hadFile); });
         throw;
     }
 }
@@ -70,10 +123,12 @@ bool Catalogue::fileIsThere(Entry const& entry) const {
     return fs::exists(fs::path(directoryOf(entry.cube.kind)) / familyOf(entry.cube).fileName(entry), ignored);
 }
 
-// Takes back the row of an entry that was to be new.
+// Takes back the row of an entry that was to be new, unless someone else stores it at the same
+// moment: who is at it holds the file's lock, who has done it left a file.
 void Catalogue::takeBack(Entry const& entry, bool hadFile) {
-    // With a file that was not there before, it is the entry of someone who stored it at the same moment.
-    if (!hadFile && fileIsThere(entry)) return;
+    TRkMatrix const lock(
+        1, 1, familyOf(entry.cube).matrixType(), path(entry).c_str(), 1, "", "", false, mkDefault, lsReadWrite);
+    if (!lock.IsValid() || (!hadFile && fileIsThere(entry))) return;
     if (auto const table = familyOf(entry.cube).row(entry)) table->Delete();
 }
 
@@ -81,7 +136,7 @@ void Catalogue::refuseToReplace(Entry const& entry) const {
     refuseUse(entry);
     // A row may name another file than the cube writes; the new matrix would never be found there.
     auto const file = fileOf(path(entry));
-    if (file != familyOf(entry.cube).fileName(entry))
+    if (file != fileOf(familyOf(entry.cube).fileName(entry)))
         throw Refusal(fmt::format("the entry's row names the file \"{}\"; remove the entry first", file));
 }
 
@@ -98,8 +153,9 @@ void Catalogue::write(Entry const& entry, TRkMatrix const& matrix) {
 
 Entry Catalogue::copy(Entry const& from, EntryWord const& word, Existing existing) {
     return inCube(word, [&](Entry const& to) {
+        refuseExisting(to, existing);
         if (from == to) return;
-        refuseTarget(to, existing);
+        refuseUse(to);
         if (shareFiles(from, to)) return place(from, to, &EntryFamily::copyFrom, existing);
         storeAt(to, *matrix(from));
         giveParent(to, {});
@@ -108,9 +164,10 @@ Entry Catalogue::copy(Entry const& from, EntryWord const& word, Existing existin
 
 Entry Catalogue::move(Entry const& from, EntryWord const& word, Existing existing) {
     return inCube(word, [&](Entry const& to) {
+        refuseExisting(to, existing);
         if (from == to) return;
         refuseUse(from);
-        refuseTarget(to, existing);
+        refuseUse(to);
         auto const parent = familyOf(from.cube).parent(from);
         if (shareFiles(from, to)) {
             place(from, to, &EntryFamily::moveFrom, existing);
@@ -127,9 +184,8 @@ void Catalogue::giveParent(Entry const& entry, ParentNumbers const& parent) {
     if (family.parent(entry) != parent) family.setParent(entry, parent);
 }
 
-void Catalogue::refuseTarget(Entry const& to, Existing existing) const {
+void Catalogue::refuseExisting(Entry const& to, Existing existing) const {
     if (existing == Existing::refused && has(to)) throw Refusal(fmt::format("{} exists already", to.text()));
-    refuseUse(to);
 }
 
 // Files go as they are, without being read.
@@ -143,12 +199,14 @@ void Catalogue::place(Entry const& from, Entry const& to, FilePlacing placing, E
     bool const hadFile = fileIsThere(to);
     auto& family = familyOf(to.cube);
     auto const parent = isNew ? ParentNumbers() : family.parent(to);
-    if ((family.*placing)(familyOf(from.cube), from, to, existing == Existing::refused)) return;
-    auto const why = whyNotPlaced(file, to);
-    if (isNew)
-        takeBack(to, hadFile);
-    else
-        giveParent(to, parent);
+    std::string why;
+    try {
+        if ((family.*placing)(familyOf(from.cube), from, to, existing == Existing::refused)) return;
+        why = whyNotPlaced(file, to);
+    } catch (std::exception const& error) {
+        why = error.what();
+    }
+    shielded([&] { isNew ? takeBack(to, hadFile) : giveParent(to, parent); });
     throw Failure(why);
 }
 
@@ -156,10 +214,13 @@ void Catalogue::place(Entry const& from, Entry const& to, FilePlacing placing, E
 std::string Catalogue::whyNotPlaced(std::string const& file, Entry const& to) const {
     auto const target = path(to);
     auto const told = fmt::format("the file {} could not be placed at {}", file, target);
-    std::error_code ignored;
-    if (fs::is_directory(file, ignored) != fs::is_directory(target, ignored)) return told + ": one is a directory";
-    auto const room = fs::space(directoryOf(to.cube.kind), ignored).available;
-    if (!ignored && room < fs::file_size(file, ignored)) return told + ": no space is left";
+    std::error_code error;
+    auto const isDirectory = fs::is_directory(file, error);
+    auto const size = isDirectory ? 0 : fs::file_size(file, error);
+    if (error) return fmt::format("{}: {}", told, error.message());
+    if (isDirectory != fs::is_directory(target, error)) return told + ": one is a directory";
+    auto const room = fs::space(directoryOf(to.cube.kind), error).available;
+    if (!error && room < size) return told + ": no space is left";
     TRkMatrix const unwritable(
         1, 1, familyOf(to.cube).matrixType(), target.c_str(), 1, "", "", false, mkDefault, lsReadWrite);
     return unwritable.IsValid() ? told : fmt::format("{}: {}", told, unwritable.Reason());
@@ -167,14 +228,27 @@ std::string Catalogue::whyNotPlaced(std::string const& file, Entry const& to) co
 
 Entry Catalogue::copyFrom(Catalogue& source, Entry const& from, EntryWord const& word, Existing existing) {
     refuseSharedDirectory(source, from, word);
+    if (from.cube.holdsRoutes()) return copyRoutes(source.path(from), from, word, existing);
     source.project_.makeCurrent();
     auto const found = source.matrix(from);
     project_.makeCurrent();
     return inCube(word, [&](Entry const& to) {
-        refuseTarget(to, existing);
+        refuseExisting(to, existing);
+        refuseUse(to);
         storeAt(to, *found);
         giveParent(to, {});
     });
+}
+
+Entry Catalogue::copyRoutes(std::string const& file, Entry const& from, EntryWord const& word, Existing existing) {
+    if (word.cube.kind != from.cube.kind)
+        throw Refusal(fmt::format("{} holds routes, {} does not", from.text(), word.text()));
+    requireFile(from, file);
+    refuseExisting(possibleEntry(word), existing);
+    refuseUse(possibleEntry(word));
+    auto const copied = storeRoutes(word, [&](Entry const&, std::string const& path) { fs::copy_file(file, path); });
+    giveParent(copied, {});
+    return copied;
 }
 
 Entry Catalogue::moveFrom(Catalogue& source, Entry const& from, EntryWord const& word, Existing existing) {

@@ -21,6 +21,7 @@ struct Surroundings {
 /// One command of the tool: its part of the command line and what it does.
 class Command {
 public:
+    /// `name`: one word, or two.
     Command(char const* name, char const* summary) : name_(name), summary_(summary) {}
     virtual ~Command() = default;
     Command(Command const&) = delete;
@@ -29,6 +30,8 @@ public:
     char const* name() const noexcept { return name_; }
     char const* summary() const noexcept { return summary_; }
 
+    /// Of all commands with the same first word, for a command of two words.
+    virtual char const* groupSummary() const { return ""; }
     /// Declares the command's arguments and options.
     virtual void declare(Arguments arguments) = 0;
     /// Whether the command works in a project that is there already.

@@ -6,6 +6,8 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <sstream>
+
 namespace cubes::tool {
 
 namespace {
@@ -38,8 +40,32 @@ void declareEverywhere(CLI::App& line, Surroundings& surroundings) {
     arguments.flag("--json", surroundings.json, "Print results as JSON");
 }
 
+// The part of the command line that a command's words name; null when they were not given.
+CLI::App const* chosenPart(CLI::App const& line, std::string_view words) {
+    CLI::App const* part = &line;
+    for (std::istringstream names{std::string(words)}; part && !names.eof();) {
+        std::string name;
+        names >> name;
+        part = part->got_subcommand(name) ? part->get_subcommand(name) : nullptr;
+    }
+    return part;
+}
+
+// Commands of two words share a part that is named by the first one.
+CLI::App& groupOf(CLI::App& line, Command const& command) {
+    std::string_view const name = command.name();
+    if (name.find(' ') == std::string_view::npos) return line;
+    std::string const group(name.substr(0, name.find(' ')));
+    for (auto* const known : line.get_subcommands(nullptr))
+        if (known->get_name() == group) return *known;
+    auto* const made = line.add_subcommand(group, command.groupSummary());
+    made->group("Commands")->require_subcommand(1);
+    return *made;
+}
+
 void declare(CLI::App& line, Command& command, Surroundings& surroundings) {
-    auto* const part = line.add_subcommand(command.name(), command.summary());
+    std::string const name = command.name();
+    auto* const part = groupOf(line, command).add_subcommand(name.substr(name.find(' ') + 1), command.summary());
     part->group("Commands");
     part->footer(entryHelp);
     command.declare(Arguments(*part));
@@ -66,13 +92,19 @@ ExitCode run(Command& command, Surroundings const& surroundings) {
     }
 }
 
+// " routes import".
+std::string wordsOf(CLI::App const& part) {
+    auto const further = part.get_subcommands();
+    return " " + part.get_name() + (further.empty() ? "" : wordsOf(*further.front()));
+}
+
 ExitCode answer(CLI::App const& line, CLI::ParseError const& error) {
     // Help and version come as errors too, and are printed by the parser.
     if (error.get_exit_code() == 0) return static_cast<ExitCode>(line.exit(error));
     auto const chosen = line.get_subcommands();
     auto const strange = line.remaining();
     if (!chosen.empty())
-        tellError(fmt::format("{}; see cubes {} --help", trimmed(error.what()), chosen.front()->get_name()));
+        tellError(fmt::format("{}; see cubes{} --help", trimmed(error.what()), wordsOf(*chosen.front())));
     else if (!strange.empty())
         tellError(fmt::format("there is no command {}; see cubes --help", strange.front()));
     else
@@ -107,7 +139,7 @@ ExitCode runTool(int argc, char** argv) {
         return answer(line, error);
     }
     for (auto const& command : commands)
-        if (line.got_subcommand(command->name())) return run(*command, surroundings);
+        if (chosenPart(line, command->name())) return run(*command, surroundings);
     return ExitCode::usage;
 }
 

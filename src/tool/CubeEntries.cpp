@@ -16,6 +16,11 @@ auto onKey(Entry const& e, Function const& function) {
     return function(e.cube.number, e.key[0], e.key[1], e.key[2], e.key[3]);
 }
 
+/// Between two cubes the library takes the flag for "fail if the cube exists".
+bool failIfEntryExists(bool failIfExists, Entry const& from, Entry const& to) {
+    return failIfExists && from.cube.number == to.cube.number;
+}
+
 /// The entries with keys of four parts; cubes are always given by number.
 class CubeEntries : public EntryFamily {
 public:
@@ -81,16 +86,20 @@ public:
     bool copyFrom(EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists) override {
         auto const* const cubes = dynamic_cast<CubeEntries const*>(&source);
         return cubes && onKey(from, [&](auto... k) {
-            return onKey(to,
-                [&](auto... toKey) { return cubes_->Copy(*cubes->cubes_, k..., toKey..., failIfExists, oneBased); });
+            return onKey(to, [&](auto... toKey) {
+                return cubes_->Copy(
+                    *cubes->cubes_, k..., toKey..., failIfEntryExists(failIfExists, from, to), oneBased);
+            });
         });
     }
 
     bool moveFrom(EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists) override {
         auto const* const cubes = dynamic_cast<CubeEntries const*>(&source);
         return cubes && onKey(from, [&](auto... k) {
-            return onKey(to,
-                [&](auto... toKey) { return cubes_->Move(*cubes->cubes_, k..., toKey..., failIfExists, oneBased); });
+            return onKey(to, [&](auto... toKey) {
+                return cubes_->Move(
+                    *cubes->cubes_, k..., toKey..., failIfEntryExists(failIfExists, from, to), oneBased);
+            });
         });
     }
 

@@ -84,6 +84,10 @@ bool Cube::isOfResults() const {
     return kind && kind->isResult;
 }
 
+bool Cube::holdsRoutes() const {
+    return kind && kind->holdsRoutes;
+}
+
 std::size_t Cube::keyLength() const {
     return isOfResults() ? partsOfResults : partsOfCubes;
 }

@@ -40,6 +40,8 @@ struct Cube {
     Kind const* kind = nullptr;
 
     bool isOfResults() const;
+    /// Whether its entries are files of routes, and no matrices.
+    bool holdsRoutes() const;
     /// The number of parts that the keys of its entries have.
     std::size_t keyLength() const;
     /// Its name, or its number where the name would not be read as that of the cube.

@@ -69,7 +69,7 @@ public:
     virtual ParentNumbers parent(Entry const&) const { return {}; }
     virtual bool setParent(Entry const&, ParentNumbers const&) { return false; }
 
-    /// The name of the file that save writes.
+    /// The name of a new entry's file, native; below the directory of its files it may have its own.
     virtual std::string fileName(Entry const& entry) const = 0;
     virtual RkMatrixType matrixType() const = 0;
 };

@@ -3,6 +3,8 @@
 #include "tool/EntryFamily.h"
 
 #include <cubes/matcubes/TRkFareCube.h>
+#include <cubes/routestorage/RouteStorageCube.h>
+#include <cubes/routestorage/RouteStorageDataCube.h>
 #include <cubes/varcubes/TRkCordonCube.h>
 #include <cubes/varcubes/TRkPathCube.h>
 #include <cubes/varcubes/TRkScreenCube.h>
@@ -19,9 +21,17 @@ constexpr short fareNumber = -8;
 
 template <typename Cube>
 Kind resultKind(char const* word) {
-    return {word, static_cast<short>(Cube::CubeType), Cube::Ext, Cube::MatrixType, true,
+    return {word, static_cast<short>(Cube::CubeType), Cube::Ext, Cube::MatrixType, true, false,
         [](TRkGlobalSettings* settings, Kind const& kind) {
             return resultEntries(std::make_unique<Cube>(settings, false), kind);
+        }};
+}
+
+template <typename Cube>
+Kind routeKind(char const* word) {
+    return {word, static_cast<short>(Cube::CubeType), Cube::Ext, Cube::MatrixType, true, true,
+        [](TRkGlobalSettings* settings, Kind const& kind) {
+            return resultEntries(std::make_unique<Cube>(settings), kind);
         }};
 }
 
@@ -38,7 +48,8 @@ std::span<Kind const> kinds() {
     static Kind const all[] = {resultKind<TRkSkimCube>("skim"), resultKind<TRkSelectedLinkCube>("selectedlink"),
         resultKind<TRkCordonCube>("cordon"), resultKind<TRkScreenCube>("screen"), resultKind<TRkTransitCube>("transit"),
         resultKind<TRkPathCube>("path"), resultKind<TRkStop2StopCube>("stop2stop"),
-        {"fare", fareNumber, TRkFareCube::Ext, mtFare, false, fareEntries}};
+        routeKind<RouteStorageCube>("routes"), routeKind<RouteStorageDataCube>("routedata"),
+        {"fare", fareNumber, TRkFareCube::Ext, mtFare, false, false, fareEntries}};
     return all;
 }
 

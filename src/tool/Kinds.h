@@ -24,6 +24,8 @@ struct Kind {
     RkMatrixType matrixType;
     /// Results have a result and an iteration in their keys, and parents.
     bool isResult;
+    /// Files of routes instead of matrices.
+    bool holdsRoutes;
     std::unique_ptr<EntryFamily> (*entriesOf)(TRkGlobalSettings* settings, Kind const& kind);
 };
 

@@ -3,6 +3,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <filesystem>
+
 namespace cubes::tool {
 
 namespace {
@@ -145,7 +148,10 @@ public:
     }
 
     std::string fileName(Entry const& e) const override {
-        return onKey(e, [](auto... k) { return TRkVarCubes::MakeFilename(k...).str(); }) + kind_.extension;
+        auto name = onKey(e, [&](auto... k) { return cube_->createFilename(k...).str(); }) + kind_.extension;
+        // Stored names have a backslash on every platform.
+        std::replace(name.begin(), name.end(), '\\', '/');
+        return std::filesystem::path(name).make_preferred().string();
     }
 
     RkMatrixType matrixType() const override { return kind_.matrixType; }

@@ -2,6 +2,7 @@
 # so that tests can link it.
 add_library(cubes_tool_parts STATIC
   formats/CellList.cpp
+  formats/CsvColumns.cpp
   formats/CsvLines.cpp
   formats/CsvLongForm.cpp
   formats/CsvReader.cpp
@@ -15,6 +16,8 @@ add_library(cubes_tool_parts STATIC
   formats/TntpReader.cpp
   formats/TntpScanner.cpp
   formats/WholeFile.cpp
+  routes/RouteDataCsv.cpp
+  routes/RoutesCsv.cpp
   statistics/Statistics.cpp
   city/City.cpp
   city/Demand.cpp

@@ -32,15 +32,18 @@ private:
         auto const entries = catalogue.entriesOf(cube);
         std::vector<Entry> gone;
         std::vector<std::string> files;
+        std::size_t kept = 0;
         for (auto const& entry : entries) {
-            if (catalogue.isInUse(entry)) continue;
+            bool const stays = catalogue.isInUse(entry);
+            kept += stays ? 1 : 0;
+            auto const file = catalogue.path(entry);
+            // One that somebody else has removed meanwhile is none of ours.
+            if (stays || !catalogue.remove(entry)) continue;
             gone.push_back(entry);
-            files.push_back(catalogue.path(entry));
-            catalogue.remove(entry);
+            files.push_back(file);
         }
         tellOfFilesThatStayed(files);
         tellOfOrphans("an entry of " + cube.text(), orphansOf(gone, catalogue));
-        auto const kept = entries.size() - files.size();
         if (kept > 0) tellWarning(fmt::format("entries that are in use and stay: {}", kept));
         Record cleared;
         cleared.add("cleared", "cleared", cube.text());

@@ -23,5 +23,10 @@ std::unique_ptr<Command> makeParent();
 std::unique_ptr<Command> makeChildren();
 std::unique_ptr<Command> makeTree();
 std::unique_ptr<Command> makeUse();
+std::unique_ptr<Command> makeRoutesImport();
+std::unique_ptr<Command> makeRoutesShow();
+std::unique_ptr<Command> makeRoutesExport();
+std::unique_ptr<Command> makeRoutesFields();
+std::unique_ptr<Command> makeRoutesSelect();
 
 }

@@ -22,13 +22,15 @@ struct FileFacts {
     Json columns;
 };
 
-FileFacts factsOf(std::string const& path) {
+FileFacts factsOf(Entry const& entry, std::string const& path) {
     FileFacts facts;
     std::error_code missing;
     auto const size = fs::file_size(path, missing);
     if (missing) return facts;
-    facts.state = "unreadable";
+    // Whether routes are readable their provider knows, who has to read all of them to tell.
+    facts.state = entry.cube.holdsRoutes() ? "ok" : "unreadable";
     facts.size = size;
+    if (entry.cube.holdsRoutes()) return facts;
     TRkMatrix reader;
     auto const* const header = reader.GetHeader(path.c_str());
     if (!header) return facts;
@@ -67,7 +69,7 @@ public:
 
 private:
     static std::vector<Json> rowOf(Entry const& entry, std::string const& path) {
-        auto const facts = factsOf(path);
+        auto const facts = factsOf(entry, path);
         std::vector<Json> row = {entry.text(), entry.cube.number, entry.cube.name};
         for (std::size_t part = 0; part < longestKey; ++part)
             row.push_back(part < entry.key.size() ? Json(entry.key[part]) : Json());

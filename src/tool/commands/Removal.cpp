@@ -1,5 +1,6 @@
 #include "tool/commands/Removal.h"
 
+#include "tool/Errors.h"
 #include "tool/Lineage.h"
 #include "tool/Messages.h"
 
@@ -14,7 +15,7 @@ void removeEntry(EntryWord const& word, char const* done, Surroundings const& su
     auto const entry = catalogue.entry(word);
     catalogue.refuseUse(entry);
     auto const file = catalogue.path(entry);
-    catalogue.remove(entry);
+    if (!catalogue.remove(entry)) throw Refusal("the entry is gone");
     tellOfFilesThatStayed({file});
     tellOfOrphans(entry.text(), catalogue.childrenOf(entry).size());
     Record record;

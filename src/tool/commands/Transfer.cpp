@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 
 namespace cubes::tool {
 
@@ -31,6 +32,7 @@ public:
     std::string task() const override { return fmt::format("{} {} to {}", name(), from_, to_); }
 
     void run(Surroundings const& surroundings, Output& output) override {
+        if (fromProject_ && fromProject_->empty()) throw UsageError("--from-project names no directory");
         fromWord_ = parseEntry(from_);
         toWord_ = parseEntry(to_);
         auto catalogue = Catalogue::open(surroundings);
@@ -49,30 +51,31 @@ private:
     virtual Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) = 0;
 
     bool isElsewhere(Catalogue const& catalogue) const {
-        if (fromProject_.empty()) return false;
-        return !std::filesystem::equivalent(findProject(fromProject_), catalogue.project().root());
+        if (!fromProject_) return false;
+        return !std::filesystem::equivalent(findProject(*fromProject_), catalogue.project().root());
     }
 
     void runWithin(Catalogue& catalogue, Output& output) {
         auto const from = catalogue.entry(fromWord_);
         auto const to = within(catalogue, from);
-        Record done;
-        done.add("from", "from", from.text());
-        done.add("to", "to", to.text());
-        done.add("file", "file", catalogue.path(to));
-        output.show(done);
+        show(from, nullptr, to, catalogue, output);
     }
 
     void runBetween(Catalogue& catalogue, Output& output) {
         // It names one database for every project that is opened.
         if (std::getenv("CUBES_DATABASE"))
             throw Refusal("CUBES_DATABASE is set and names one database for both projects");
-        Catalogue source(findProject(fromProject_));
+        Catalogue source(findProject(*fromProject_));
         auto const from = source.entry(fromWord_);
         auto const to = between(catalogue, source, from);
+        show(from, &source, to, catalogue, output);
+    }
+
+    static void show(
+        Entry const& from, Catalogue const* source, Entry const& to, Catalogue const& catalogue, Output& output) {
         Record done;
         done.add("from", "from", from.text());
-        done.add("fromProject", "from project", source.project().root());
+        if (source) done.add("fromProject", "from project", source->project().root());
         done.add("to", "to", to.text());
         done.add("file", "file", catalogue.path(to));
         output.show(done);
@@ -80,7 +83,7 @@ private:
 
     std::string from_;
     std::string to_;
-    std::string fromProject_;
+    std::optional<std::string> fromProject_;
     EntryWord fromWord_;
     EntryWord toWord_;
     bool failIfExists_ = false;
@@ -104,15 +107,20 @@ public:
 
 private:
     Entry within(Catalogue& catalogue, Entry const& from) override {
-        auto const children = catalogue.childrenOf(from);
-        auto const moved = catalogue.move(from, to(), existing());
-        if (!(moved == from)) tellOfOrphans(from.text(), children.size());
-        return moved;
+        return tellingWhatStayed(catalogue, from, [&] { return catalogue.move(from, to(), existing()); });
     }
 
     Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) override {
+        return tellingWhatStayed(source, from, [&] { return catalogue.moveFrom(source, from, to(), existing()); });
+    }
+
+    template <typename Moving>
+    static Entry tellingWhatStayed(Catalogue const& source, Entry const& from, Moving const& moving) {
+        auto const file = source.path(from);
         auto const children = source.childrenOf(from);
-        auto const moved = catalogue.moveFrom(source, from, to(), existing());
+        auto const moved = moving();
+        if (source.has(from)) return moved;
+        tellOfFilesThatStayed({file});
         tellOfOrphans(from.text(), children.size());
         return moved;
     }

@@ -55,6 +55,12 @@ bool isZoneNumber(std::string_view text) {
     return read.reading == Reading::done && read.value >= 1;
 }
 
+std::uint32_t wholeNumber(std::string_view text, Place const& place) {
+    auto const read = readNumber<std::uint32_t>(text);
+    if (read.reading != Reading::done) unexpected(place, text, "a whole number from 0 to 4294967295");
+    return read.value;
+}
+
 std::int32_t zoneNumber(std::string_view text, Place const& place) {
     auto const read = readNumber<std::int32_t>(text);
     if (read.reading != Reading::done || read.value < 1)

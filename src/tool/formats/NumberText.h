@@ -17,6 +17,9 @@ std::int32_t zoneNumber(std::string_view text, Place const& place);
 /// an error.
 float cellValue(std::string_view text, Place const& place);
 
+/// A whole number from 0 to 4294967295.
+std::uint32_t wholeNumber(std::string_view text, Place const& place);
+
 /// A finite number.
 double finiteNumber(std::string_view text, Place const& place);
 

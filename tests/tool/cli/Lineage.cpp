@@ -138,6 +138,28 @@ TEST_P(LineageSession, isAsBeforeWhenATransferFails) {
     EXPECT_NE(errors("copy skim/1/1/1/1/1/1 skim/1/1/1/1/1/3").find("one is a directory"), std::string::npos);
 }
 
+// Each matrix is large enough for the two to meet.
+TEST_P(LineageSession, isWholeWhenTwoCopyToOnePlaceAtOnce) {
+    session_->run("/usr/bin/python3 -c \"n = range(1, 301)\nprint(',' + ','.join(map(str, n)))\n"
+                  "for i in n: print(i, *n, sep=',')\" > large.csv");
+    succeeds(cubes("import large.csv Large/1/1/1/1"));
+    for (int round = 1; round <= 8; ++round) {
+        auto const target = "Copy" + std::to_string(round) + "/1/1/1/1";
+        auto const copying = cubes("copy Large/1/1/1/1 " + target) + " >/dev/null 2>&1";
+        session_->run("{ " + copying + " & " + copying + " & wait; }");
+        EXPECT_EQ(output("cell " + target + " 300 299"), "299\n") << round;
+    }
+}
+
+TEST_P(LineageSession, ofCubesIsNotClearedTwiceByTwo) {
+    for (int entry = 1; entry <= 20; ++entry) succeeds(cubes("copy Base/1/1/1/1 Much/1/1/1/" + std::to_string(entry)));
+    auto const clearing = cubes("clear Much --json") + " 2>&1";
+    auto const both =
+        session_->run("{ " + clearing + " > a & " + clearing + " > b & wait; cat a b; }").output;
+    EXPECT_EQ(both.find("cannot clear"), std::string::npos) << both;
+    EXPECT_EQ(output("entries Much --json"), "[]\n");
+}
+
 TEST_P(LineageSession, countsUsersOnDemand) {
     EXPECT_EQ(output("use skim/1/1/1/1/1/1"), "entry  skim/1/1/1/1/1/1\nusers  0\n");
     succeeds(cubes("use skim/1/1/1/1/1/1 +1"));

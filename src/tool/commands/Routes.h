@@ -1,0 +1,29 @@
+#pragma once
+
+#include "tool/Catalogue.h"
+#include "tool/routes/RouteFiles.h"
+
+/// What the commands for routes share.
+namespace cubes::tool {
+
+/// A command "routes NAME".
+class RoutesCommand : public Command {
+public:
+    using Command::Command;
+    char const* groupSummary() const override { return "Store, show and use routes and their data"; }
+};
+
+/// The word as an entry of routes or route data; Refusal for another.
+EntryWord parseRoutes(std::string const& word);
+/// The same; route data are refused too.
+EntryWord parseRouteSet(std::string const& word);
+/// The file of an entry that is there and not in use; Refusal and Failure otherwise.
+std::string routeFileOf(Entry const& entry, Catalogue const& catalogue);
+
+bool isRouteSet(Cube const& cube);
+bool isRouteSet(CubeWord const& cube);
+RouteKey routeKeyOf(Entry const& entry);
+/// The routes of a set, read.
+RouteList routesIn(RouteSetFile const& set);
+
+}

@@ -1,0 +1,61 @@
+#include "tool/Progress.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/Routes.h"
+#include "tool/routes/RouteDataCsv.h"
+#include "tool/routes/RoutesCsv.h"
+
+#include <fmt/format.h>
+
+namespace cubes::tool {
+
+namespace {
+
+class RoutesExport : public RoutesCommand {
+public:
+    RoutesExport() : RoutesCommand("routes export", "Write the routes of an entry, or data of routes, to a file") {}
+
+    void declare(Arguments arguments) override {
+        arguments.required("ENTRY", entry_, "The entry, of routes or routedata");
+        arguments.required("CSV", file_, "The file, as routes import reads it");
+    }
+
+    std::string task() const override { return fmt::format("export {} to {}", entry_, file_); }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const word = parseRoutes(entry_);
+        auto const catalogue = Catalogue::open(surroundings);
+        auto const entry = catalogue.entry(word);
+        auto const routes = write(entry, routeFileOf(entry, catalogue));
+        Record done;
+        done.add("entry", "entry", entry.text());
+        done.add("routes", "routes", routes);
+        done.add("file", "file", file_);
+        output.show(done);
+    }
+
+private:
+    // Gives the number of routes.
+    std::size_t write(Entry const& entry, std::string const& file) const {
+        Progress progress("writing " + file_);
+        auto const shareDone = [&](double share) { progress.reached(share); };
+        if (isRouteSet(entry.cube)) {
+            auto const routes = routesIn(RouteSetFile(file));
+            writeRoutesCsv(file_, routes, shareDone);
+            return routes.size();
+        }
+        auto const fields = readRouteData(file);
+        writeRouteDataCsv(file_, fields, shareDone);
+        return fields.empty() ? 0 : fields.front().values.size();
+    }
+
+    std::string entry_;
+    std::string file_;
+};
+
+}
+
+std::unique_ptr<Command> makeRoutesExport() {
+    return std::make_unique<RoutesExport>();
+}
+
+}

@@ -1,0 +1,56 @@
+#include "tool/Errors.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/Routes.h"
+
+#include <cubes/routestorage/Reference.h>
+#include <cubes/routestorage/RouteStorageDataCube.h>
+
+#include <fmt/format.h>
+
+namespace cubes::tool {
+
+namespace {
+
+class RoutesFields : public RoutesCommand {
+public:
+    RoutesFields() : RoutesCommand("routes fields", "List the fields of route data") {}
+
+    void declare(Arguments arguments) override { arguments.required("ENTRY", entry_, "The entry, of routedata"); }
+
+    std::string task() const override { return "list the fields of " + entry_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const word = parseRoutes(entry_);
+        if (isRouteSet(word.cube)) throw Refusal("routes have no fields; data of routes have");
+        auto const catalogue = Catalogue::open(surroundings);
+        auto const entry = catalogue.entry(word);
+        // Metadata tell nothing of a file that cannot be read; reading it does.
+        readRouteData(routeFileOf(entry, catalogue));
+        Table table({{"name", "name"}, {"type", "type"}, {"size", "size"}, {"precision", "precision"}});
+        RouteStorageDataCube const cube(catalogue.project().settings());
+        auto const& k = entry.key;
+        Reference<Metadata::Vector<Metadata::Field*>> const fields(
+            cube.getFieldMetadata(k[0], k[1], k[2], k[3], k[4], k[5]));
+        for (std::size_t i = 0; i < fields->size(); ++i) table.add(rowOf(*(*fields)[i]));
+        output.show(table);
+    }
+
+private:
+    static std::vector<Json> rowOf(Metadata::Field& field) {
+        Reference<Metadata::MetadataStringInterface> const name(field.getName());
+        Reference<Metadata::MetadataStringInterface> const type(field.getType());
+        Reference<Metadata::MetadataUnsignedLongInterface> const size(field.getSize());
+        Reference<Metadata::MetadataLongInterface> const precision(field.getPrecision());
+        return {name->get(), type->get(), size->get(), precision->get()};
+    }
+
+    std::string entry_;
+};
+
+}
+
+std::unique_ptr<Command> makeRoutesFields() {
+    return std::make_unique<RoutesFields>();
+}
+
+}

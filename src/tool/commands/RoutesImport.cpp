@@ -1,0 +1,75 @@
+#include "tool/Progress.h"
+#include "tool/ProjectFinder.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/Routes.h"
+#include "tool/routes/RouteDataCsv.h"
+#include "tool/routes/RoutesCsv.h"
+
+#include <fmt/format.h>
+
+namespace cubes::tool {
+
+namespace {
+
+class RoutesImport : public RoutesCommand {
+public:
+    RoutesImport() : RoutesCommand("routes import", "Store the routes of a file, or data of routes, in an entry") {}
+
+    void declare(Arguments arguments) override {
+        arguments.required(
+            "CSV", file_, "The file: origin,destination,route,sequence,link,share, or for data route,NAME:TYPE,...");
+        arguments.required("ENTRY", entry_, "The entry, of routes or routedata");
+    }
+
+    std::string task() const override { return fmt::format("import {} into {}", file_, entry_); }
+
+    // The file is read to its end before the project is touched.
+    void run(Surroundings const& surroundings, Output& output) override {
+        auto const word = parseRoutes(entry_);
+        auto const directory = findProject(surroundings.project);
+        if (isRouteSet(word.cube))
+            storeSet(word, directory, output);
+        else
+            storeData(word, directory, output);
+    }
+
+private:
+    void storeSet(EntryWord const& word, std::string const& directory, Output& output) const {
+        Progress progress("reading " + file_);
+        auto const routes = readRoutesCsv(file_, [&](double share) { progress.reached(share); });
+        Catalogue catalogue(directory);
+        auto const entry = catalogue.storeRoutes(word,
+            [&](Entry const& stored, std::string const& path) { writeRouteSet(path, routeKeyOf(stored), routes); });
+        Record done;
+        done.add("entry", "entry", entry.text());
+        done.add("routes", "routes", routes.size());
+        done.add("links", "links", routes.linkCount());
+        done.add("file", "file", catalogue.path(entry));
+        output.show(done);
+    }
+
+    void storeData(EntryWord const& word, std::string const& directory, Output& output) const {
+        Progress progress("reading " + file_);
+        auto const fields = readRouteDataCsv(file_, [&](double share) { progress.reached(share); });
+        Catalogue catalogue(directory);
+        auto const entry = catalogue.storeRoutes(word,
+            [&](Entry const& stored, std::string const& path) { writeRouteData(path, routeKeyOf(stored), fields); });
+        Record done;
+        done.add("entry", "entry", entry.text());
+        done.add("routes", "routes", fields.front().values.size());
+        done.add("fields", "fields", fields.size());
+        done.add("file", "file", catalogue.path(entry));
+        output.show(done);
+    }
+
+    std::string file_;
+    std::string entry_;
+};
+
+}
+
+std::unique_ptr<Command> makeRoutesImport() {
+    return std::make_unique<RoutesImport>();
+}
+
+}

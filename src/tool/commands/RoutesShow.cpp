@@ -1,0 +1,113 @@
+#include "tool/Errors.h"
+#include "tool/Messages.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/Routes.h"
+#include "tool/formats/NumberText.h"
+
+#include <fmt/format.h>
+
+#include <set>
+
+namespace cubes::tool {
+
+namespace {
+
+// The number of a zone or link in the text.
+template <typename Read>
+auto number(char const* what, std::string const& text, Read const& read) {
+    try {
+        return read(text, Place{what, 0});
+    } catch (FormatError const&) {
+        throw Refusal(fmt::format("\"{}\" is no number of a {}", text, what));
+    }
+}
+
+std::int32_t zone(std::string const& text) {
+    return number("zone", text, zoneNumber);
+}
+
+class RoutesShow : public RoutesCommand {
+public:
+    RoutesShow() : RoutesCommand("routes show", "Print what an entry of routes is like, or some of its routes") {}
+
+    void declare(Arguments arguments) override {
+        arguments.required("ENTRY", entry_, "The entry, of routes or routedata");
+        auto const pair = arguments.optional("--od", pair_, 2, "The routes from a zone to another").calls("ZONE");
+        arguments.optional("--link", link_, "The routes over a link").calls("LINK").without(pair);
+    }
+
+    std::string task() const override { return "show " + entry_; }
+
+    void run(Surroundings const& surroundings, Output& output) override {
+        bool const picks = !pair_.empty() || !link_.empty();
+        auto const word = picks ? parseRouteSet(entry_) : parseRoutes(entry_);
+        auto const catalogue = Catalogue::open(surroundings);
+        auto const entry = catalogue.entry(word);
+        auto const file = routeFileOf(entry, catalogue);
+        if (!isRouteSet(entry.cube)) return showData(entry, file, output);
+        RouteSetFile const set(file);
+        if (picks)
+            showRoutes(set, picked(set), output);
+        else
+            showSet(entry, file, set, output);
+    }
+
+private:
+    std::vector<std::size_t> picked(RouteSetFile const& set) const {
+        if (!pair_.empty()) return set.ofPair(zone(pair_[0]), zone(pair_[1]));
+        return set.overLink(number("link", link_, wholeNumber));
+    }
+
+    static void showSet(Entry const& entry, std::string const& file, RouteSetFile const& set, Output& output) {
+        std::set<std::pair<std::int32_t, std::int32_t>> pairs;
+        double shares = 0;
+        for (std::size_t i = 0; i < set.size(); ++i) {
+            auto const one = set.route(i);
+            pairs.emplace(one.origin, one.destination);
+            shares += static_cast<double>(one.share);
+        }
+        Record record;
+        record.add("entry", "entry", entry.text());
+        record.add("file", "file", file);
+        record.add("routes", "routes", set.size());
+        record.add("links", "links", set.linkCount());
+        record.add("pairs", "pairs of zones", pairs.size());
+        record.add("shares", "sum of shares", shares);
+        output.show(record);
+    }
+
+    static void showRoutes(RouteSetFile const& set, std::vector<std::size_t> const& numbers, Output& output) {
+        Table table({{"route", "route"}, {"origin", "origin"}, {"destination", "destination"}, {"share", "share"},
+            {"links", ""}, {"", "links"}});
+        for (auto const number : numbers) {
+            auto const one = set.route(number);
+            std::vector<std::uint32_t> const links(one.links.begin(), one.links.end());
+            table.add(
+                {number, one.origin, one.destination, one.share, links, fmt::format("{}", fmt::join(links, " "))});
+        }
+        output.show(table);
+        if (numbers.empty()) tellNote("there are no such routes");
+    }
+
+    static void showData(Entry const& entry, std::string const& file, Output& output) {
+        auto const fields = readRouteData(file);
+        Record record;
+        record.add("entry", "entry", entry.text());
+        record.add("file", "file", file);
+        record.add("routes", "routes", fields.empty() ? 0 : fields.front().values.size());
+        record.add("fields", "fields", fields.size());
+        output.show(record);
+    }
+
+    std::string entry_;
+    std::vector<std::string> pair_;
+    std::string link_;
+};
+
+}
+
+std::unique_ptr<Command> makeRoutesShow() {
+    return std::make_unique<RoutesShow>();
+}
+
+}

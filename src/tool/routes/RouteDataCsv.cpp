@@ -1,0 +1,149 @@
+#include "tool/routes/RouteDataCsv.h"
+
+#include "tool/formats/CsvLines.h"
+#include "tool/formats/NumberText.h"
+#include "tool/formats/WholeFile.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace cubes::tool {
+
+namespace {
+
+using VL::Interface::RouteFieldType;
+
+/// What a field's values may be.
+struct Type {
+    RouteFieldType type;
+    char const* name;
+    double least;
+    double most;
+    bool isWhole;
+};
+
+constexpr Type types[] = {
+    {VL::Interface::rftBoolean, "boolean", 0, 1, true},
+    {VL::Interface::rftBytes, "bytes", 0, 255, true},
+    {VL::Interface::rftSmallint, "smalint", -32768, 32767, true},
+    {VL::Interface::rftInteger, "integer", -2147483648.0, 2147483647.0, true},
+    {VL::Interface::rftFloat, "float", std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max(), false},
+    {VL::Interface::rftDouble, "double", std::numeric_limits<double>::lowest(), std::numeric_limits<double>::max(),
+        false},
+};
+
+Type const* findType(std::string_view name) {
+    if (isSameWord(name, "smallint")) return findType("smalint");
+    for (Type const& type : types)
+        if (isSameWord(name, type.name)) return &type;
+    return nullptr;
+}
+
+Type const& typeOf(RouteFieldType wanted) {
+    return *std::find_if(std::begin(types), std::end(types), [&](Type const& type) { return type.type == wanted; });
+}
+
+RouteValues fieldOf(std::string_view heading, Place const& place) {
+    auto const colon = heading.rfind(':');
+    auto const* const type = colon == std::string_view::npos ? findType("double") : findType(heading.substr(colon + 1));
+    auto const name = heading.substr(0, colon);
+    if (!type || name.empty())
+        unexpected(place, heading, "NAME:TYPE with the type boolean, bytes, smalint, integer, float or double");
+    return {std::string(name), type->type, {}};
+}
+
+std::vector<RouteValues> fieldsOf(CsvLines const& lines) {
+    auto const& header = lines.fields();
+    if (!isSameWord(header.front(), "route") || header.size() < 2)
+        unexpected(lines.place(), header.front(), "the header route,NAME:TYPE,...");
+    std::vector<RouteValues> fields;
+    for (std::size_t i = 1; i < header.size(); ++i) {
+        auto field = fieldOf(header[i], lines.place());
+        for (auto const& other : fields)
+            if (other.name == field.name) unexpected(lines.place(), header[i], "each field once");
+        fields.push_back(std::move(field));
+    }
+    return fields;
+}
+
+double valueOf(std::string_view text, RouteFieldType fieldType, Place const& place) {
+    Type const& type = typeOf(fieldType);
+    double value = finiteNumber(text, place);
+    bool const fits = value >= type.least && value <= type.most && (!type.isWhole || value == std::trunc(value));
+    if (!fits) unexpected(place, text, fmt::format("a value of the type {}", type.name));
+    return fieldType == VL::Interface::rftFloat ? static_cast<double>(static_cast<float>(value)) : value;
+}
+
+/// The values of a route and where they stand.
+struct Line {
+    std::uint32_t route;
+    std::size_t number;
+    std::vector<double> values;
+};
+
+Line lineOf(CsvLines const& lines, std::vector<RouteValues> const& fields) {
+    auto const& texts = lines.fields();
+    auto const place = lines.place();
+    if (texts.size() != fields.size() + 1)
+        throw FormatError(place, fmt::format("found {} fields, expected {}", texts.size(), fields.size() + 1));
+    Line line{wholeNumber(texts.front(), place), place.line, {}};
+    for (std::size_t i = 0; i < fields.size(); ++i) line.values.push_back(valueOf(texts[i + 1], fields[i].type, place));
+    return line;
+}
+
+void requireEachRoute(std::string const& path, std::vector<Line> const& lines) {
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        if (lines[i].route != i)
+            throw FormatError(
+                Place{path, lines[i].number}, fmt::format("found route {}, expected the routes from 0 to {}, each once",
+                                                  lines[i].route, lines.size() - 1));
+}
+
+}
+
+char const* typeName(RouteFieldType type) {
+    return typeOf(type).name;
+}
+
+std::vector<RouteValues> readRouteDataCsv(std::string const& path, ShareDone const& shareDone) {
+    auto const text = readWholeFile(path);
+    CsvLines csv(path, text, shareDone);
+    if (!csv.next()) throw FormatError(path, "is empty, expected the header route,NAME:TYPE,...");
+    auto fields = fieldsOf(csv);
+    std::vector<Line> lines;
+    while (csv.next()) lines.push_back(lineOf(csv, fields));
+    std::stable_sort(lines.begin(), lines.end(), [](Line const& a, Line const& b) { return a.route < b.route; });
+    requireEachRoute(path, lines);
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        for (auto const& line : lines) fields[i].values.push_back(line.values[i]);
+    return fields;
+}
+
+void writeRouteDataCsv(std::string const& path, std::vector<RouteValues> const& fields, ShareDone const& shareDone) {
+    NewFile file(path);
+    std::string text = "route";
+    for (auto const& field : fields) text += fmt::format(",{}:{}", field.name, typeName(field.type));
+    text += '\n';
+    std::size_t const routes = fields.empty() ? 0 : fields.front().values.size();
+    Milestones milestones(routes, shareDone);
+    for (std::size_t route = 0; route < routes; ++route) {
+        text += fmt::format("{}", route);
+        for (auto const& field : fields) {
+            bool const isFloat = field.type == VL::Interface::rftFloat;
+            text += isFloat ? fmt::format(",{}", static_cast<float>(field.values[route]))
+                            : fmt::format(",{}", field.values[route]);
+        }
+        text += '\n';
+        file.write(text);
+        text.clear();
+        milestones.reached(route + 1);
+    }
+    file.write(text);
+    file.publish();
+}
+
+}

@@ -1,0 +1,121 @@
+#include "tool/routes/RoutesCsv.h"
+
+#include "tool/formats/CsvColumns.h"
+#include "tool/formats/NumberText.h"
+#include "tool/formats/WholeFile.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+namespace cubes::tool {
+
+namespace {
+
+constexpr std::string_view columnNames[] = {"origin", "destination", "route", "sequence", "link", "share"};
+enum Column : std::size_t { origin, destination, route, sequence, link, share };
+constexpr std::string_view header = "origin,destination,route,sequence,link,share";
+constexpr std::size_t bytesAtOnce = 1 << 16;
+
+/// A line of the file.
+struct Line {
+    std::int32_t origin;
+    std::int32_t destination;
+    std::uint32_t route;
+    std::uint32_t sequence;
+    std::uint32_t link;
+    float share;
+    std::uint32_t number;
+    bool hasLink;
+
+    auto routeKey() const { return std::tie(origin, destination, route); }
+};
+
+Line lineOf(CsvColumns const& columns) {
+    auto const place = columns.place();
+    Line line{};
+    line.origin = zoneNumber(columns[origin], place);
+    line.destination = zoneNumber(columns[destination], place);
+    line.route = wholeNumber(columns[route], place);
+    line.share = static_cast<float>(finiteNumber(columns[share], place));
+    line.number = static_cast<std::uint32_t>(place.line);
+    line.hasLink = !columns[link].empty() || !columns[sequence].empty();
+    if (!line.hasLink) return line;
+    line.sequence = wholeNumber(columns[sequence], place);
+    line.link = wholeNumber(columns[link], place);
+    return line;
+}
+
+std::vector<Line> readLines(std::string const& path, ShareDone const& shareDone) {
+    auto const text = readWholeFile(path);
+    CsvColumns columns(path, text, columnNames, shareDone);
+    std::vector<Line> lines;
+    while (columns.next()) lines.push_back(lineOf(columns));
+    if (lines.empty()) throw FormatError(path, "found no routes after the header line");
+    return lines;
+}
+
+// Whether the line goes on with the route of the one before.
+bool goesOn(std::string const& path, Line const& before, Line const& line) {
+    if (before.routeKey() != line.routeKey()) return false;
+    Place const place{path, line.number};
+    if (before.share != line.share)
+        throw FormatError(place, fmt::format("found share {}, expected {} as in line {} of the same route", line.share,
+                                     before.share, before.number));
+    if (!before.hasLink || !line.hasLink)
+        throw FormatError(place, fmt::format("found a route without links, which has some in line {}",
+                                     before.hasLink ? before.number : line.number));
+    if (before.sequence == line.sequence)
+        throw FormatError(place,
+            fmt::format("found sequence {} of a route a second time, after line {}", line.sequence, before.number));
+    return true;
+}
+
+void appendLine(std::string& text, RouteList::Route const& one, std::uint32_t number, std::size_t place) {
+    text += fmt::format("{},{},{},", one.origin, one.destination, number);
+    text += one.links.empty() ? "," : fmt::format("{},{}", place + 1, one.links[place]);
+    text += ',';
+    appendValue(text, one.share);
+    text += '\n';
+}
+
+}
+
+RouteList readRoutesCsv(std::string const& path, ShareDone const& shareDone) {
+    auto lines = readLines(path, shareDone);
+    auto const order = [](Line const& line) {
+        return std::tie(line.origin, line.destination, line.route, line.sequence);
+    };
+    std::stable_sort(lines.begin(), lines.end(), [&](Line const& a, Line const& b) { return order(a) < order(b); });
+    RouteList routes;
+    Line const* before = nullptr;
+    for (Line const& line : lines) {
+        if (!before || !goesOn(path, *before, line)) routes.begin(line.origin, line.destination, line.share);
+        if (line.hasLink) routes.addLink(line.link);
+        before = &line;
+    }
+    return routes;
+}
+
+void writeRoutesCsv(std::string const& path, RouteList const& routes, ShareDone const& shareDone) {
+    NewFile file(path);
+    Milestones milestones(routes.size(), shareDone);
+    std::map<std::pair<std::int32_t, std::int32_t>, std::uint32_t> ofPair;
+    std::string text = std::string(header) + "\n";
+    for (std::size_t i = 0; i < routes.size(); ++i) {
+        auto const one = routes[i];
+        auto const number = ++ofPair[{one.origin, one.destination}];
+        for (std::size_t place = 0; place < std::max<std::size_t>(one.links.size(), 1); ++place)
+            appendLine(text, one, number, place);
+        if (text.size() < bytesAtOnce) continue;
+        file.write(text);
+        text.clear();
+        milestones.reached(i + 1);
+    }
+    file.write(text);
+    file.publish();
+}
+
+}
