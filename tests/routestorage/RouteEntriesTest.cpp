@@ -389,7 +389,7 @@ TEST_P(RouteEntries, areCopiedMovedAndClearedWithTheirFiles) {
         EXPECT_TRUE(kind.cube.Clear(1, 2, 3, 4, 5, 2, false));
         EXPECT_FALSE(std::filesystem::exists(fileOf(kind, "1-2-3-4-5-2")));
         EXPECT_TRUE(kind.cube.Clear());
-        EXPECT_EQ(filesIn(pathOf(kind.directory)), "");
+        EXPECT_EQ(matrixFiles(pathOf(kind.directory)), "");
         EXPECT_EQ(fake.calls(), "");
     }
 }

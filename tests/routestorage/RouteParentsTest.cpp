@@ -146,7 +146,7 @@ TEST_P(RouteChildren, canBeListedOfAnyEntryBehindOthers) {
 TEST_P(RouteChildren, areDeletedWithTheirFiles) {
     for (short const child : {short(11), short(12), short(13)}) writeFile(dataFile(child), "values");
     routes().DeleteChildren(data(), 1, 2, 3, 4, 5, 1);
-    EXPECT_EQ(filesIn(pathOf("RouteStorage_RouteData")), "1-2-3-4-5-13.FDB\n");
+    EXPECT_EQ(matrixFiles(pathOf("RouteStorage_RouteData")), "1-2-3-4-5-13.FDB\n");
     EXPECT_FALSE(data().Check(1, 2, 3, 4, 5, 11, false));
     EXPECT_FALSE(data().Check(1, 2, 3, 4, 5, 12, false));
     EXPECT_TRUE(data().Check(1, 2, 3, 4, 5, 13, false));

@@ -4,6 +4,8 @@
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
 #include <cubes/routestorage/RouteStorageInterface.h>
 
+#include <atomic>
+
 namespace VL::InterfaceUtilities {
 
 /// The last error that an object of the route-storage provider left, asked of the library
@@ -22,7 +24,8 @@ private:
     TLastError();
     ~TLastError() override;
 
-    VL::Interface::LastErrorGetter* getLastError_ = nullptr;
+    // Threads share the object.
+    std::atomic<VL::Interface::LastErrorGetter*> getLastError_ = nullptr;
 };
 
 }
