@@ -12,6 +12,8 @@ namespace VL::InterfaceUtilities {
 /// "vlinterfaceutilities64.dll".
 class CUBES_API TLastError final : public Pattern::DynamiclinkLibraryT<Pattern::DllNoUnloadpolicyA> {
 public:
+    ~TLastError() override;
+
     /// The one object of the process, made at the first call; it lives until the process ends.
     /// Throws DllNotLoaded when the library cannot be loaded; the next call tries again.
     static TLastError* getInstance();
@@ -22,7 +24,6 @@ public:
 
 private:
     TLastError();
-    ~TLastError() override;
 
     // Threads share the object.
     std::atomic<VL::Interface::LastErrorGetter*> getLastError_ = nullptr;
