@@ -1,6 +1,5 @@
 #include "routestorage/RouteKind.h"
 
-#include <cubes/routestorage/RouteStorageCubeData.h>
 #include <cubes/routestorage/TVlRouteStorageDataSet.h>
 #include <cubes/routestorage/TVlRouteStorageRouteSet.h>
 

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <cubes/catalogue/RkCubeTypes.h>
+#include <cubes/routestorage/RouteStorageCubeData.h>
 #include <cubes/routestorage/RouteStorageInterface.h>
 
 #include "varcubes/EntryRow.h"
 
 #include <string>
-
-class RouteStorageCubeData;
 
 namespace cubes::routestorage {
 

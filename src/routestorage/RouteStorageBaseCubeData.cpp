@@ -10,6 +10,8 @@
 #include "host/platform/Files.h"
 #include "routestorage/RouteKind.h"
 
+#include <stdexcept>
+
 using cubes::Reference;
 using cubes::routestorage::kindOf;
 using cubes::varcubes::Key;
@@ -25,8 +27,12 @@ Reference<RouteStorageInterface> storageOf(CubeDataInterface* data) {
 // A source that is not there leaves the target as it is.
 void copyIfThere(std::string const& source, std::string const& target) {
     if (target.empty() || !cubes::platform::isRegularFile(source)) return;
-    if (cubes::platform::overlap(source, target) || cubes::platform::copyFile(source, target)) return;
-    throw TRkCubesException(("cannot copy the routes in " + source + " to " + target).c_str(), 0);
+    if (cubes::platform::overlap(source, target)) return;
+    try {
+        cubes::platform::replaceByCopy(source, target);
+    } catch (std::runtime_error const& error) {
+        throw TRkCubesException(("cannot copy " + source + " to the entry's file: " + error.what()).c_str(), 0);
+    }
 }
 
 void storeCopy(RouteStorageInterface& storage, std::string const& file, Key const& key) {

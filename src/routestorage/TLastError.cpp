@@ -18,8 +18,9 @@ TLastError* TLastError::getInstance() {
 }
 
 char const* TLastError::VlGetLastError() {
-    if (!getLastError_) getProcedure("VlInterfaceGetLastError", getLastError_);
-    return getLastError_ ? getLastError_() : nullptr;
+    VL::Interface::LastErrorGetter* ask = getLastError_;
+    if (!ask && getProcedure("VlInterfaceGetLastError", ask)) getLastError_ = ask;
+    return ask ? ask() : nullptr;
 }
 
 }

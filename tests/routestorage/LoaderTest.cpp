@@ -90,6 +90,16 @@ INSTANTIATE_TEST_SUITE_P(, NameVariants,
         Variant{"full", true}, Variant{"leading", true}, Variant{"trailing", true}, Variant{"without", false}),
     [](auto const& variant) { return std::string(variant.param.directory); });
 
+TEST(Loader, makesNothingWithoutAFactory) {
+    FakeProvider fake("without");
+    TVlSettings settings("a.FDB");
+    TVlRouteStorageRouteSet routeSet("b.FDB");
+    TVlRouteStorageDataSet dataSet("c.FDB");
+    EXPECT_EQ(settings.CreateInterface("a.FDB"), nullptr);
+    EXPECT_EQ(routeSet.CreateVelmoraRouteStorageRouteSetInterface("b.FDB"), nullptr);
+    EXPECT_EQ(dataSet.CreateVelmoraRouteStorageDataSetInterface("c.FDB"), nullptr);
+}
+
 TEST(Loader, leavesTheLibraryLoaded) {
     FakeProvider fake;
     {

@@ -74,8 +74,13 @@ TEST(Record, isTheDataThatCubesTake) {
     data.setUser(4);
     data.setResult(5);
     data.setIteration(6);
-    for (int i = 0; i < 6; ++i) EXPECT_EQ((record.*parts[i].get)(), i + 1);
-    EXPECT_EQ(data.getPurpose() + data.getMode() + data.getTime() + data.getUser(), 10);
+    EXPECT_EQ(data.getPurpose(), 1);
+    EXPECT_EQ(data.getMode(), 2);
+    EXPECT_EQ(data.getTime(), 3);
+    EXPECT_EQ(data.getUser(), 4);
+    EXPECT_EQ(data.getResult(), 5);
+    EXPECT_EQ(data.getIteration(), 6);
+    EXPECT_EQ(record.getParentPurpose(), -1);
 }
 
 TEST(Record, freesItselfWithItsLastReference) {

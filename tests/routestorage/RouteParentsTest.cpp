@@ -1,6 +1,4 @@
-#include <cubes/catalogue/TRkCubes.h>
-
-#include <array>
+#include <cubes/database/TRkDatabaseException.h>
 
 #include "routestorage/RouteCubeTest.h"
 
@@ -81,6 +79,16 @@ TEST_P(RouteParents, ofMissingEntriesAreNotSet) {
     EXPECT_FALSE(routes().SetParentCubenr(1, 2, 3, 4, 5, 6, -9));
     EXPECT_FALSE(routes().SetParentPMTURI(1, 2, 3, 4, 5, 6, 1, 1, 1, 1, 1, 1));
     EXPECT_EQ(parentOf(routes(), 6), noParent);
+}
+
+TEST_P(RouteParents, areNotSetInATableWithoutTheirColumns) {
+    routes().Add(1, 2, 3, 4, 5, 6, -9, 1, 1, 1, 1, 1, 1, false);
+    project().execute("alter table " + table() + " rename column parentuser to other");
+    RouteStorageCube cube(project().settings());
+    EXPECT_THROW(cube.SetParentPMTURI(1, 2, 3, 4, 5, 6, 2, 2, 2, 2, 2, 2), TRkDatabaseException);
+    EXPECT_EQ(read("select parentpurpose, parentcubenr from " + table()), "1|-9\n");
+    EXPECT_TRUE(cube.SetParentCubenr(1, 2, 3, 4, 5, 6, -6));
+    EXPECT_EQ(read("select parentpurpose, parentcubenr from " + table()), "1|-6\n");
 }
 
 class RouteChildren : public RouteParents {

@@ -183,6 +183,15 @@ TEST_P(StoredRoutes, tellWhyTheirFileCannotBeMade) {
     EXPECT_TRUE(std::filesystem::exists(routeFile(6) + "/full"));
 }
 
+TEST_P(StoredRoutes, areRegisteredWhereTheirDirectoryCannotBeMade) {
+    writeFile(pathOf("RouteStorage_Routes"), "in the way");
+    EXPECT_TRUE(store(routes(), 6));
+    EXPECT_NE(lastError(), "");
+    EXPECT_TRUE(routes().Check(1, 2, 3, 4, 5, 6, false));
+    EXPECT_EQ(routes().GetData(1, 2, 3, 4, 5, 6, false), nullptr);
+    EXPECT_EQ(readFile(pathOf("RouteStorage_Routes")), "in the way");
+}
+
 TEST_P(StoredRoutes, haveDataWithFieldsThatAreTold) {
     ASSERT_TRUE(store(data(), 6));
     EXPECT_EQ(lastError(), "");

@@ -15,7 +15,7 @@ class DynamiclinkLibraryT {
 public:
     /// Throws DllNotLoaded.
     explicit DynamiclinkLibraryT(std::string library)
-        : library_(std::move(library)), module_(UnloadPolicy::load(library_)), loadCount_(1) {
+        : library_(std::move(library)), module_(UnloadPolicy::load(library_)) {
         if (!module_) throw DllNotLoaded(library_);
     }
     virtual ~DynamiclinkLibraryT() {
@@ -42,7 +42,7 @@ public:
 private:
     std::string library_;
     void* module_;
-    std::uint32_t loadCount_;
+    std::uint32_t loadCount_ = 1;
 };
 
 }

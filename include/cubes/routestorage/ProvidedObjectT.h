@@ -9,6 +9,10 @@ namespace VL::Interface {
 template <typename Provided>
 class ProvidedObjectT : public Pattern::DynamiclinkLibraryT<Pattern::DllNoUnloadpolicyA> {
 public:
+    ~ProvidedObjectT() override {
+        if (object_) object_->release();
+    }
+
     /// The object, without a reference; null when the provider does not make such objects.
     Provided* getInterface() const noexcept { return object_; }
 
@@ -17,9 +21,6 @@ protected:
 
     /// Throws DllNotLoaded.
     ProvidedObjectT() : DynamiclinkLibraryT("routeprovider64.dll") {}
-    ~ProvidedObjectT() override {
-        if (object_) object_->release();
-    }
 
     void own(Provided* object) noexcept { object_ = object; }
     /// What the exported factory makes, which the caller has to give up; null without a factory.

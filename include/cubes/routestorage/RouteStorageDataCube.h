@@ -25,8 +25,8 @@ public:
     static bool MakeFilename(char const* text, int& p, int& m, int& t, int& u, int& r, int& i);
 
     /// The fields of the entry's file by name and type, in their order. Keys are one-based. Empty
-    /// for an entry or a file that is missing, and for a file that cannot be read, of which
-    /// TLastError tells the reason. The precision is always 0; so is the size, except 1 for bytes.
+    /// for an entry or a file that is missing, and for a file that cannot be read: opening what
+    /// GetData gives tells why. The precision is always 0; so is the size, except 1 for bytes.
     /// The caller owns one reference. Throws DllNotLoaded without a provider.
     Metadata::Vector<Metadata::Field*>* getFieldMetadata(short p, short m, short t, short u, short r, short i) const;
 };

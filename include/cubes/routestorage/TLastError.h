@@ -4,12 +4,16 @@
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
 #include <cubes/routestorage/RouteStorageInterface.h>
 
+#include <atomic>
+
 namespace VL::InterfaceUtilities {
 
 /// The last error that an object of the route-storage provider left, asked of the library
 /// "vlinterfaceutilities64.dll".
 class CUBES_API TLastError final : public Pattern::DynamiclinkLibraryT<Pattern::DllNoUnloadpolicyA> {
 public:
+    ~TLastError() override;
+
     /// The one object of the process, made at the first call; it lives until the process ends.
     /// Throws DllNotLoaded when the library cannot be loaded; the next call tries again.
     static TLastError* getInstance();
@@ -20,9 +24,9 @@ public:
 
 private:
     TLastError();
-    ~TLastError() override;
 
-    VL::Interface::LastErrorGetter* getLastError_ = nullptr;
+    // Threads share the object.
+    std::atomic<VL::Interface::LastErrorGetter*> getLastError_ = nullptr;
 };
 
 }

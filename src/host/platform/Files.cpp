@@ -85,14 +85,18 @@ bool copy(std::string const& source, std::string const& target, bool overwrite) 
 bool copyFile(std::string const& source, std::string const& target) {
     if (!isRegularFile(source) || isDirectory(target) || isSamePath(source, target)) return false;
     try {
-        TemporaryFile beside(target);
-        copyContent(source, beside.file());
-        beside.file().flush();
-        beside.publish();
+        replaceByCopy(source, target);
         return true;
     } catch (std::exception const&) {
         return false;
     }
+}
+
+void replaceByCopy(std::string const& source, std::string const& target) {
+    TemporaryFile beside(target);
+    copyContent(source, beside.file());
+    beside.file().flush();
+    beside.publish();
 }
 
 bool overlap(std::string const& first, std::string const& second) {

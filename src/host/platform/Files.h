@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// Whole-file operations on narrow path texts. They report by their result and never throw.
+/// Whole-file operations on narrow path texts. Unless told otherwise they report by their result and never throw.
 namespace cubes::platform {
 
 bool exists(std::string const& path);
@@ -19,6 +19,8 @@ bool copy(std::string const& source, std::string const& target, bool overwrite);
 /// Copies a regular file over the target: it is written beside the target and takes its place when
 /// complete. False when that fails, for a directory, and for a file onto itself.
 bool copyFile(std::string const& source, std::string const& target);
+/// The same of two different files; throws what hinders it, std::system_error as a rule.
+void replaceByCopy(std::string const& source, std::string const& target);
 /// Whether both texts name the same file without asking the file system for links.
 bool isSamePath(std::string const& first, std::string const& second);
 /// Whether one path is the other or lies in it, links followed as far as they exist: then neither

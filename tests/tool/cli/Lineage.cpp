@@ -154,8 +154,7 @@ TEST_P(LineageSession, isWholeWhenTwoCopyToOnePlaceAtOnce) {
 TEST_P(LineageSession, ofCubesIsNotClearedTwiceByTwo) {
     for (int entry = 1; entry <= 20; ++entry) succeeds(cubes("copy Base/1/1/1/1 Much/1/1/1/" + std::to_string(entry)));
     auto const clearing = cubes("clear Much --json") + " 2>&1";
-    auto const both =
-        session_->run("{ " + clearing + " > a & " + clearing + " > b & wait; cat a b; }").output;
+    auto const both = session_->run("{ " + clearing + " > a & " + clearing + " > b & wait; cat a b; }").output;
     EXPECT_EQ(both.find("cannot clear"), std::string::npos) << both;
     EXPECT_EQ(output("entries Much --json"), "[]\n");
 }

@@ -16,8 +16,6 @@ public:
     void set(Value const& value) override { value_ = value; }
 
 private:
-    ~BasicType() override = default;
-
     Value value_;
 };
 

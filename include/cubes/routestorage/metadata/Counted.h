@@ -9,6 +9,7 @@ template <typename Interface>
 class Counted : public Interface {
 public:
     Counted() = default;
+    virtual ~Counted() = default;
     Counted(Counted const&) = delete;
     Counted& operator=(Counted const&) = delete;
 
@@ -25,9 +26,6 @@ public:
         return name &&
                (std::strcmp(name, this->getClassName()) == 0 || std::strcmp(name, Interface::InterfaceName) == 0);
     }
-
-protected:
-    virtual ~Counted() = default;
 
 private:
     long references_ = 1;

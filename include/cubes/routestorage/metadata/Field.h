@@ -12,6 +12,7 @@ namespace Metadata {
 class CUBES_API Field final : public Counted<MetadataFieldInterface> {
 public:
     Field();
+    ~Field() override;
 
     Field* dup() const override;
     char const* getClassName() const override;
@@ -27,8 +28,6 @@ public:
 private:
     using Long = BasicType<long, MetadataLongInterface>;
     using UnsignedLong = BasicType<unsigned long, MetadataUnsignedLongInterface>;
-
-    ~Field() override;
 
     cubes::Reference<String> name_;
     cubes::Reference<String> type_;

@@ -13,6 +13,7 @@ class CUBES_API String final : public Counted<MetadataStringInterface> {
 public:
     /// Null is the empty text.
     explicit String(char const* text = nullptr);
+    ~String() override;
 
     String* dup() const override;
     char const* getClassName() const override;
@@ -20,8 +21,6 @@ public:
     void set(char const* text) override;
 
 private:
-    ~String() override;
-
     std::string text_;
 };
 

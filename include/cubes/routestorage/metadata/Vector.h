@@ -33,8 +33,6 @@ public:
     Pointer operator[](std::size_t index) const noexcept { return items_[index].get(); }
 
 private:
-    ~Vector() override = default;
-
     std::vector<cubes::Reference<std::remove_pointer_t<Pointer>>> items_;
 };
 
