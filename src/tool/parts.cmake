@@ -24,6 +24,7 @@ add_library(cubes_tool_parts STATIC
   city/Gravity.cpp
   city/Layout.cpp
   city/ModeChoice.cpp
+  city/Roads.cpp
   city/SelectedLink.cpp
   city/Travel.cpp)
 target_include_directories(cubes_tool_parts PUBLIC ${PROJECT_SOURCE_DIR}/src)

@@ -1,5 +1,6 @@
 #include "tool/Catalogue.h"
 #include "tool/CityReport.h"
+#include "tool/CityRoutes.h"
 #include "tool/Errors.h"
 #include "tool/LineageReport.h"
 #include "tool/Progress.h"
@@ -21,10 +22,11 @@ namespace {
 constexpr double tolerance = 1e-4;
 
 std::string const firstTrips = std::string(tripsCube) + "/1/1/1/1";
+constexpr char const* firstDistances = "skim/1/1/1/1/1/1";
 
 constexpr char const* checked =
-    "\nEvery matrix was read back and is what was stored; the trips of each zone agree with what starts\n"
-    "and ends there to a share of {}.\n";
+    "\nEvery matrix and route was read back and is what was stored; the trips of each zone agree with what\n"
+    "starts and ends there to a share of {}.\n";
 
 /// A word as the shell takes it.
 std::string quoted(std::string const& word) {
@@ -87,25 +89,28 @@ public:
         Catalogue catalogue(Project::create(directory_, options_));
         storeAll(catalogue, matrices);
         check(catalogue, matrices);
-        show(city, matrices, imbalance, catalogue.project().root(), output);
+        auto const routes = storeRoutes(city, catalogue);
+        show(city, matrices, routes, imbalance, catalogue.project().root(), output);
         if (output.form() == Form::json) return;
         output.add("\n" + overview(city).asText());
-        output.add("\nWhat was derived from the trips to work by car in the morning:\n" + lineageOf(catalogue));
+        output.add("\nWhat was derived from the trips to work by car in the morning, and from the distances by car:\n" +
+                   lineageOf(firstTrips, catalogue) + lineageOf(firstDistances, catalogue));
         output.add(fmt::format(checked, tolerance) + nextCommands(surroundings.program, city));
     }
 
 private:
-    static std::string lineageOf(Catalogue const& catalogue) {
-        auto const trips = catalogue.entry(parseEntry(firstTrips));
-        return asText(tool::lineageOf(trips, Lineage(catalogue), catalogue));
+    static std::string lineageOf(std::string const& word, Catalogue const& catalogue) {
+        auto const entry = catalogue.entry(parseEntry(word));
+        return asText(tool::lineageOf(entry, Lineage(catalogue), catalogue));
     }
 
-    static void show(City const& city, std::vector<CityMatrix> const& matrices, double imbalance,
+    static void show(City const& city, std::vector<CityMatrix> const& matrices, std::size_t routes, double imbalance,
         std::string const& root, Output& output) {
         Record made;
         made.add("project", "project", root);
         made.add("zones", "zones", city.zones.size());
         made.add("matrices", "matrices", matrices.size());
+        made.add("routes", "routes", routes);
         made.add("imbalance", "", imbalance);
         made.add("entries", "", listed(matrices).asJson());
         output.show(made);
@@ -117,6 +122,8 @@ private:
         };
         return "\nTry next:\n" + line("list") + line("show " + firstTrips) + line("tree selectedlink/1/1/1/1/1/1") +
                line(fmt::format("cell skim/1/1/1/1/2/1 {} {}", city.zones.front().number, city.zones.back().number)) +
+               line(fmt::format(
+                   "routes show {} --od {} {}", cityRoutes, city.zones.back().number, city.zones.front().number)) +
                line("export " + firstTrips + " trips.csv");
     }
 

@@ -47,7 +47,7 @@ TEST_P(RoutesWithoutProvider, areCopiedAndClearedAllTheSame) {
     writeFile(pathOf("RouteStorage_Routes/1-1-1-1-1-1.FDB"), "some routes");
     EXPECT_TRUE(routes().Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, true, false));
     EXPECT_TRUE(routes().Clear());
-    EXPECT_EQ(matrixFiles(pathOf("RouteStorage_Routes")), "");
+    EXPECT_EQ(filesIn(pathOf("RouteStorage_Routes")), "");
 }
 
 }

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "tool/city/Zone.h"
+#include "tool/routes/RouteList.h"
+
+#include <vector>
+
+namespace cubes::tool {
+
+/// The city's roads: from each zone to the nearest ones and back, numbered from 1.
+class Roads {
+public:
+    struct Road {
+        int from = 0;
+        int to = 0;
+        double kilometres = 0;
+    };
+
+    explicit Roads(std::vector<Zone> const& zones);
+
+    std::vector<Road> const& roads() const noexcept { return roads_; }
+    /// The shortest routes by car between all zones, with the share 1.
+    RouteList shortestRoutes(std::vector<Zone> const& zones) const;
+    /// The length of a route.
+    double kilometres(RouteList::Route const& route) const;
+
+private:
+    std::vector<std::size_t> quickestRoadsTo(int origin, std::size_t zones) const;
+
+    std::vector<Road> roads_;
+    /// The roads that begin in a zone, by their places in roads_.
+    std::vector<std::vector<std::size_t>> leaving_;
+};
+
+}
