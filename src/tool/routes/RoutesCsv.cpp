@@ -73,6 +73,26 @@ bool goesOn(std::string const& path, Line const& before, Line const& line) {
     return true;
 }
 
+// The lines of each route, in the order in which the routes first appear in the file.
+std::vector<std::span<Line const>> routesOf(std::string const& path, std::span<Line const> lines) {
+    std::vector<std::span<Line const>> routes;
+    std::size_t first = 0;
+    for (std::size_t i = 1; i <= lines.size(); ++i) {
+        if (i < lines.size() && goesOn(path, lines[i - 1], lines[i])) continue;
+        routes.push_back(lines.subspan(first, i - first));
+        first = i;
+    }
+    auto const place = [](std::span<Line const> route) {
+        return std::ranges::min(route, {}, &Line::number).number;
+    };
+    std::vector<std::pair<std::uint32_t, std::size_t>> places;
+    for (std::size_t i = 0; i < routes.size(); ++i) places.emplace_back(place(routes[i]), i);
+    std::sort(places.begin(), places.end());
+    std::vector<std::span<Line const>> ordered;
+    for (auto const& [line, i] : places) ordered.push_back(routes[i]);
+    return ordered;
+}
+
 void appendLine(std::string& text, RouteList::Route const& one, std::uint32_t number, std::size_t place) {
     text += fmt::format("{},{},{},", one.origin, one.destination, number);
     text += one.links.empty() ? "," : fmt::format("{},{}", place + 1, one.links[place]);
@@ -85,16 +105,13 @@ void appendLine(std::string& text, RouteList::Route const& one, std::uint32_t nu
 
 RouteList readRoutesCsv(std::string const& path, ShareDone const& shareDone) {
     auto lines = readLines(path, shareDone);
-    auto const order = [](Line const& line) {
-        return std::tie(line.origin, line.destination, line.route, line.sequence);
-    };
+    auto const order = [](Line const& line) { return std::tie(line.origin, line.destination, line.route, line.sequence); };
     std::stable_sort(lines.begin(), lines.end(), [&](Line const& a, Line const& b) { return order(a) < order(b); });
     RouteList routes;
-    Line const* before = nullptr;
-    for (Line const& line : lines) {
-        if (!before || !goesOn(path, *before, line)) routes.begin(line.origin, line.destination, line.share);
-        if (line.hasLink) routes.addLink(line.link);
-        before = &line;
+    for (auto const& one : routesOf(path, lines)) {
+        routes.begin(one.front().origin, one.front().destination, one.front().share);
+        for (Line const& line : one)
+            if (line.hasLink) routes.addLink(line.link);
     }
     return routes;
 }
