@@ -62,12 +62,18 @@ std::string headingOf(RouteValues const& field) {
     return '"' + replaced(heading, "\"", "\"\"") + '"';
 }
 
+bool isControl(char letter) {
+    return static_cast<unsigned char>(letter) < ' ' || letter == '\x7f';
+}
+
 RouteValues fieldOf(std::string_view heading, Place const& place) {
     auto const colon = heading.rfind(':');
     auto const* const type = colon == std::string_view::npos ? findType("double") : findType(heading.substr(colon + 1));
     auto const name = heading.substr(0, colon);
     if (!type || name.empty())
         unexpected(place, heading, "NAME:TYPE with the type boolean, bytes, smalint, integer, float or double");
+    if (std::any_of(name.begin(), name.end(), isControl))
+        unexpected(place, heading, "a name without control characters");
     return {replaced(name, "\"\"", "\""), type->type, {}};
 }
 

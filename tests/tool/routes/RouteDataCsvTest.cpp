@@ -108,6 +108,8 @@ INSTANTIATE_TEST_SUITE_P(Header, BadRouteDataCsv,
         BadFile{"emptyName", "route,a,\n0,1,1\n", std::string(":1: found nothing, ") + typeError},
         BadFile{"emptyNameBeforeAType", "route,:float\n0,1\n", std::string(":1: found ':float', ") + typeError},
         BadFile{"unknownType", "route,a:text\n0,1\n", std::string(":1: found 'a:text', ") + typeError},
+        BadFile{"controlCharacterInAName", "route,a\tb\n0,1\n",
+            ":1: found 'a?b', expected a name without control characters"},
         BadFile{"emptyType", "route,a:\n0,1\n", std::string(":1: found 'a:', ") + typeError}),
     nameOf);
 
