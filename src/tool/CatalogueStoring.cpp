@@ -39,7 +39,11 @@ public:
     FileBeside& operator=(FileBeside const&) = delete;
 
     std::string path() const { return path_.string(); }
-    void takePlace() const { fs::rename(path_, place_); }
+    void takePlace() const {
+        std::error_code error;
+        fs::rename(path_, place_, error);
+        if (error) throw Failure(fmt::format("cannot write {}: {}", place_.string(), error.message()));
+    }
 
 private:
     fs::path place_;
@@ -124,11 +128,13 @@ bool Catalogue::fileIsThere(Entry const& entry) const {
 }
 
 // Takes back the row of an entry that was to be new, unless someone else stores it at the same
-// moment: who is at it holds the file's lock, who has done it left a file.
+// moment: who is at it holds the file's lock, who has done it left a file. In place of a directory nobody can.
 void Catalogue::takeBack(Entry const& entry, bool hadFile) {
     TRkMatrix const lock(
         1, 1, familyOf(entry.cube).matrixType(), path(entry).c_str(), 1, "", "", false, mkDefault, lsReadWrite);
-    if (!lock.IsValid() || (!hadFile && fileIsThere(entry))) return;
+    std::error_code ignored;
+    bool const isDirectory = fs::is_directory(path(entry), ignored);
+    if (!isDirectory && (!lock.IsValid() || (!hadFile && fileIsThere(entry)))) return;
     if (auto const table = familyOf(entry.cube).row(entry)) table->Delete();
 }
 

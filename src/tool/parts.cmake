@@ -1,4 +1,4 @@
-# What the commands are made of: file formats, statistics, the made-up city. A library of its own,
+# What the commands are made of: file formats, routes, statistics, the made-up city. A library of its own,
 # so that tests can link it.
 add_library(cubes_tool_parts STATIC
   formats/CellList.cpp
@@ -17,7 +17,9 @@ add_library(cubes_tool_parts STATIC
   formats/TntpScanner.cpp
   formats/WholeFile.cpp
   routes/RouteDataCsv.cpp
+  routes/RouteFiles.cpp
   routes/RoutesCsv.cpp
+  routes/SelectLink.cpp
   statistics/Statistics.cpp
   city/City.cpp
   city/Demand.cpp

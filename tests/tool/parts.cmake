@@ -7,5 +7,6 @@ function(cubes_parts_test name)
 endfunction()
 
 add_subdirectory(formats)
+add_subdirectory(routes)
 add_subdirectory(statistics)
 add_subdirectory(city)

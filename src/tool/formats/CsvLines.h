@@ -11,7 +11,7 @@ namespace cubes::tool {
 
 /// Walks the lines of comma-separated values. Lines end in LF or CR LF; blank ones and a byte
 /// order mark are passed over. Fields may stand in double quotes and between blanks; a quote
-/// inside a quoted field stays doubled, since no field we know contains one.
+/// inside a quoted field stays doubled.
 class CsvLines {
 public:
     /// REQUIRES: the arguments outlive this object.

@@ -81,6 +81,13 @@ double finiteNumber(std::string_view text, Place const& place) {
     return read.value;
 }
 
+float finiteFloat(std::string_view text, Place const& place) {
+    auto const read = readCell(text);
+    if (read.reading == Reading::outOfRange) unexpected(place, text, "a number from -3.4e38 to 3.4e38");
+    if (read.reading == Reading::notANumber || !std::isfinite(read.value)) unexpected(place, text, "a number");
+    return read.value;
+}
+
 void appendValue(std::string& text, float value) {
     append(text, value);
 }

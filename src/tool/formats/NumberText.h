@@ -22,6 +22,8 @@ std::uint32_t wholeNumber(std::string_view text, Place const& place);
 
 /// A finite number.
 double finiteNumber(std::string_view text, Place const& place);
+/// The same as a float; a number too small for one is 0.
+float finiteFloat(std::string_view text, Place const& place);
 
 /// Appends the shortest text that cellValue reads as the same value.
 void appendValue(std::string& text, float value);

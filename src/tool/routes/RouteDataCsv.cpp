@@ -47,13 +47,34 @@ Type const& typeOf(RouteFieldType wanted) {
     return *std::find_if(std::begin(types), std::end(types), [&](Type const& type) { return type.type == wanted; });
 }
 
+// The text with each `what` in it replaced.
+std::string replaced(std::string_view text, std::string_view what, std::string_view by) {
+    std::string result(text);
+    for (auto at = result.find(what); at != std::string::npos; at = result.find(what, at + by.size()))
+        result.replace(at, what.size(), by);
+    return result;
+}
+
+// As it stands in the first line: in quotes where a comma or a quote in it would mislead.
+std::string headingOf(RouteValues const& field) {
+    auto const heading = fmt::format("{}:{}", field.name, typeName(field.type));
+    if (heading.find_first_of(",\"") == std::string::npos) return heading;
+    return '"' + replaced(heading, "\"", "\"\"") + '"';
+}
+
+bool isControl(char letter) {
+    return static_cast<unsigned char>(letter) < ' ' || letter == '\x7f';
+}
+
 RouteValues fieldOf(std::string_view heading, Place const& place) {
     auto const colon = heading.rfind(':');
     auto const* const type = colon == std::string_view::npos ? findType("double") : findType(heading.substr(colon + 1));
     auto const name = heading.substr(0, colon);
     if (!type || name.empty())
         unexpected(place, heading, "NAME:TYPE with the type boolean, bytes, smalint, integer, float or double");
-    return {std::string(name), type->type, {}};
+    if (std::any_of(name.begin(), name.end(), isControl))
+        unexpected(place, heading, "a name without control characters");
+    return {replaced(name, "\"\"", "\""), type->type, {}};
 }
 
 std::vector<RouteValues> fieldsOf(CsvLines const& lines) {
@@ -71,11 +92,12 @@ std::vector<RouteValues> fieldsOf(CsvLines const& lines) {
 }
 
 double valueOf(std::string_view text, RouteFieldType fieldType, Place const& place) {
+    if (fieldType == VL::Interface::rftFloat) return static_cast<double>(finiteFloat(text, place));
     Type const& type = typeOf(fieldType);
-    double value = finiteNumber(text, place);
+    double const value = finiteNumber(text, place);
     bool const fits = value >= type.least && value <= type.most && (!type.isWhole || value == std::trunc(value));
     if (!fits) unexpected(place, text, fmt::format("a value of the type {}", type.name));
-    return fieldType == VL::Interface::rftFloat ? static_cast<double>(static_cast<float>(value)) : value;
+    return value;
 }
 
 /// The values of a route and where they stand.
@@ -126,7 +148,7 @@ std::vector<RouteValues> readRouteDataCsv(std::string const& path, ShareDone con
 void writeRouteDataCsv(std::string const& path, std::vector<RouteValues> const& fields, ShareDone const& shareDone) {
     NewFile file(path);
     std::string text = "route";
-    for (auto const& field : fields) text += fmt::format(",{}:{}", field.name, typeName(field.type));
+    for (auto const& field : fields) text += ',' + headingOf(field);
     text += '\n';
     std::size_t const routes = fields.empty() ? 0 : fields.front().values.size();
     Milestones milestones(routes, shareDone);

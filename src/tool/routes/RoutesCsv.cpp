@@ -39,7 +39,7 @@ Line lineOf(CsvColumns const& columns) {
     line.origin = zoneNumber(columns[origin], place);
     line.destination = zoneNumber(columns[destination], place);
     line.route = wholeNumber(columns[route], place);
-    line.share = static_cast<float>(finiteNumber(columns[share], place));
+    line.share = finiteFloat(columns[share], place);
     line.number = static_cast<std::uint32_t>(place.line);
     line.hasLink = !columns[link].empty() || !columns[sequence].empty();
     if (!line.hasLink) return line;
@@ -57,6 +57,17 @@ std::vector<Line> readLines(std::string const& path, ShareDone const& shareDone)
     return lines;
 }
 
+// Throws for two lines of which at least one says that their route has no links.
+[[noreturn]] void refuseLineWithoutLink(std::string const& path, Line const& before, Line const& line) {
+    if (!before.hasLink && !line.hasLink)
+        throw FormatError(Place{path, line.number},
+            fmt::format("found a route without links a second time, after line {}", before.number));
+    auto const& without = before.hasLink ? line : before;
+    auto const& with = before.hasLink ? before : line;
+    throw FormatError(Place{path, without.number},
+        fmt::format("found a route without links, which has some in line {}", with.number));
+}
+
 // Whether the line goes on with the route of the one before.
 bool goesOn(std::string const& path, Line const& before, Line const& line) {
     if (before.routeKey() != line.routeKey()) return false;
@@ -64,9 +75,7 @@ bool goesOn(std::string const& path, Line const& before, Line const& line) {
     if (before.share != line.share)
         throw FormatError(place, fmt::format("found share {}, expected {} as in line {} of the same route", line.share,
                                      before.share, before.number));
-    if (!before.hasLink || !line.hasLink)
-        throw FormatError(place, fmt::format("found a route without links, which has some in line {}",
-                                     before.hasLink ? before.number : line.number));
+    if (!before.hasLink || !line.hasLink) refuseLineWithoutLink(path, before, line);
     if (before.sequence == line.sequence)
         throw FormatError(place,
             fmt::format("found sequence {} of a route a second time, after line {}", line.sequence, before.number));

@@ -37,7 +37,9 @@ TripTable tripsOverLink(RouteSetFile const& routes, std::uint32_t link, TripTabl
         auto const one = routes.route(number);
         shares.at(zones[one.origin], zones[one.destination]) += one.share;
     }
-    for (std::size_t i = 0; i < shares.cells.size(); ++i) shares.cells[i] *= trips.cells[i];
+    // Without a share there are no trips, even where their number is infinite.
+    for (std::size_t i = 0; i < shares.cells.size(); ++i)
+        if (shares.cells[i] != 0) shares.cells[i] *= trips.cells[i];
     return shares;
 }
 

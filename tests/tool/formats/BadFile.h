@@ -26,19 +26,25 @@ inline std::string nameOf(testing::TestParamInfo<BadFile> const& info) {
     return info.param.name;
 }
 
-/// What reading a file of this content is refused with, behind the file's path; empty when it is read.
-inline std::string refusal(std::string const& fileName, std::string const& content) {
+/// What `read` of a file of this content is refused with, behind the file's path; empty when it is read.
+template <typename Read>
+std::string refusalOf(std::string const& fileName, std::string const& content, Read const& read) {
     test::TempDir const directory;
     auto const path = directory.file(fileName);
     test::writeFile(path, content);
     try {
-        readTripTable(path);
+        read(path);
         return {};
     } catch (FormatError const& error) {
         std::string const message = error.what();
         EXPECT_EQ(message.substr(0, path.size()), path);
         return message.substr(path.size());
     }
+}
+
+/// The same of a trip table.
+inline std::string refusal(std::string const& fileName, std::string const& content) {
+    return refusalOf(fileName, content, [](std::string const& path) { readTripTable(path); });
 }
 
 inline TripTable readContent(std::string const& fileName, std::string const& content) {
