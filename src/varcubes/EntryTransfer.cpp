@@ -3,7 +3,7 @@
 #include <cubes/core/TRkCubesException.h>
 
 #include "catalogue/EntryTable.h"
-#include "catalogue/MatrixReading.h"
+#include "catalogue/MatrixPlacing.h"
 #include "host/platform/Files.h"
 #include "host/platform/MoveFile.h"
 #include "host/platform/Paths.h"
