@@ -4,17 +4,19 @@
 
 #include <string>
 
-/// Whole matrix files put at other paths. What fails is told by the result.
+/// Whole matrix files put in place of others, or where none is, in one step: the target is the old
+/// file or the new one. They survive a power failure where the rule of the target's directory asks
+/// for that. What fails is told by the result.
 namespace cubes {
 
 /// Copies a matrix file as it is, holding the target's lock where `lock` asks for writing. False
-/// when the target is the source, through links too, cannot be written or is held by someone else;
-/// then it is left alone.
+/// for what is no file, when the target is a directory or the source, through links too, cannot be
+/// written or is held by someone else.
 bool copyMatrixFile(std::string const& source, std::string const& target, RkLockState lock);
 
-/// Removes the target and moves the source to its place, holding the target's lock. False when the
-/// source is missing or is the target, or the target is held by someone else, which leaves both
-/// alone, or when the file cannot be moved.
+/// Moves a matrix file, holding the target's lock; to another file system it is copied and then
+/// removed. False where copyMatrixFile is; then the source is kept, unless just the flush of the
+/// new name failed.
 bool moveMatrixFile(std::string const& source, std::string const& target);
 
 }
