@@ -16,17 +16,26 @@ namespace cubes {
 CountedPtr<Rktable::TRkTableProxy> buildEntryTable(
     TRkDBDataDictionary& dictionary, AnsiString const& schema, char const* alias);
 
-/// Writes an appended row. False when another process has added it meanwhile, which `isThere` finds
-/// out: its row is as good. Any other duplicate is an error.
-template <typename IsThere>
-bool postUnlessTaken(Rktable::TRkTableProxy& table, IsThere const& isThere) {
+/// Posts the row. False when the database refuses it for the reason given.
+inline bool postUnless(Rktable::TRkTableProxy& table, bool (TRkDatabaseException::*isReason)() const noexcept) {
     try {
         table.Post();
         return true;
     } catch (TRkDatabaseException const& error) {
-        if (!error.IsDuplicateKey() || !isThere()) throw;
+        if (!(error.*isReason)()) throw;
         return false;
     }
+}
+
+/// Adds the row that `append` begins and fills in, unless another process has added it meanwhile,
+/// which `isThere` finds out: its row is as good. When that is gone again the row is added anew,
+/// once. Any other duplicate is an error.
+template <typename Append, typename IsThere>
+void addUnlessTaken(Rktable::TRkTableProxy& table, Append const& append, IsThere const& isThere) {
+    append();
+    if (postUnless(table, &TRkDatabaseException::IsDuplicateKey) || isThere()) return;
+    append();
+    table.Post();
 }
 
 /// The native full path of the file that the row names; empty when it names none that may be used.

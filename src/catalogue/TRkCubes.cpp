@@ -7,10 +7,12 @@
 namespace {
 
 void appendUnlessTaken(Rktable::TRkTableProxy& table, RkCubeTypes cubenr, char const* name) {
-    table.Append();
-    table.FieldByName("cubenr")->SetAsInteger(cubenr);
-    table.FieldByName("name")->SetAsString(name);
-    cubes::postUnlessTaken(table, [&] { return table.Locate("cubenr", static_cast<int>(cubenr)); });
+    auto const append = [&] {
+        table.Append();
+        table.FieldByName("cubenr")->SetAsInteger(cubenr);
+        table.FieldByName("name")->SetAsString(name);
+    };
+    cubes::addUnlessTaken(table, append, [&] { return table.Locate("cubenr", static_cast<int>(cubenr)); });
 }
 
 }

@@ -19,15 +19,23 @@ namespace {
 using cubes::DebugLog;
 namespace platform = cubes::platform;
 
-// Does the work while the log is active. The log never disturbs those that write it.
+// What the work gives. The log never disturbs those that write it: work that fails, as for want of
+// memory, is given up and gives false or an empty text.
 template <class Work>
-void whenActive(Work const& work) {
+auto undisturbed(Work const& work) noexcept -> decltype(work()) {
     platform::LastErrorKept const kept;
     try {
-        if (ZebDebug::isDebuggingActive()) work();
+        return work();
     } catch (...) {
-        // A text for which there is no memory is not written.
+        return decltype(work())();
     }
+}
+
+template <class Work>
+void whenActive(Work const& work) {
+    undisturbed([&work] {
+        if (ZebDebug::isDebuggingActive()) work();
+    });
 }
 
 template <class Character>
@@ -83,23 +91,28 @@ std::string systemText(std::uint32_t code) {
 }
 
 bool ZebDebug::isDebuggingActive() {
-    auto const value = platform::environment("ZEB.DEBUG");
-    return value && platform::lowerCase(*value) == "true";
+    return undisturbed([] {
+        auto const value = platform::environment("ZEB.DEBUG");
+        return value && platform::lowerCase(*value) == "true";
+    });
 }
 
 bool ZebDebug::openStream() {
-    bool wasOpen = DebugLog::instance().isOpen();
-    whenActive([&wasOpen] { wasOpen = DebugLog::instance().keepOpen(); });
-    return wasOpen;
+    return undisturbed([] {
+        DebugLog& log = DebugLog::instance();
+        return isDebuggingActive() ? log.keepOpen() : log.isOpen();
+    });
 }
 
 std::string ZebDebug::now(TypeOfMessage type) {
-    static constexpr std::string_view letters = "LLDWE";
-    auto const index = static_cast<std::size_t>(type);
-    std::tm const time = platform::localTime();
-    std::array<char, 64> text{};
-    std::size_t const length = std::strftime(text.data(), text.size(), " [%d-%m-%Y %H:%M:%S] ", &time);
-    return (index < letters.size() ? letters[index] : 'L') + std::string(text.data(), length);
+    return undisturbed([type] {
+        static constexpr std::string_view letters = "LLDWE";
+        auto const index = static_cast<std::size_t>(type);
+        std::tm const time = platform::localTime();
+        std::array<char, 64> text{};
+        std::size_t const length = std::strftime(text.data(), text.size(), " [%d-%m-%Y %H:%M:%S] ", &time);
+        return (index < letters.size() ? letters[index] : 'L') + std::string(text.data(), length);
+    });
 }
 
 void ZebDebug::write(TypeOfMessage type, char const* text) {
@@ -181,9 +194,11 @@ void ZebDebug::setDebugOutput(std::string const& name) {
 }
 
 bool ZebDebug::isDebuggerPresent() {
-    return platform::isDebuggerAttached();
+    return undisturbed(platform::isDebuggerAttached);
 }
 
 void ZebDebug::doDebuggingBreak() {
-    if (isDebuggingActive() && isDebuggerPresent()) platform::breakIntoDebugger();
+    whenActive([] {
+        if (isDebuggerPresent()) platform::breakIntoDebugger();
+    });
 }

@@ -1,7 +1,7 @@
 #include "matcubes/EntryTransfer.h"
 
 #include "catalogue/EntryTable.h"
-#include "catalogue/MatrixReading.h"
+#include "catalogue/MatrixPlacing.h"
 
 namespace cubes::matcubes {
 

@@ -75,11 +75,13 @@ bool TRkMatCubes::Add(
     if (!key) return false;
     // Made before the row is begun: a number that the name cannot hold leaves no half-made row.
     TRkString const name = cubes::fileStem(*key) + extension_;
-    table->Append();
-    for (std::size_t i = 0; i < key->size(); ++i) table->FieldByName(keyColumns[i])->SetAsInteger((*key)[i]);
-    if (auto* const filename = table->FindField("filename")) filename->SetAsString(name.c_str());
-    if (auto* const counter = table->FindField(cubes::usageColumn)) counter->SetAsInteger(0);
-    cubes::postUnlessTaken(*table, [&] { return LookUp(table, cubenr, p, m, t, u, zeroBased); });
+    auto const append = [&] {
+        table->Append();
+        for (std::size_t i = 0; i < key->size(); ++i) table->FieldByName(keyColumns[i])->SetAsInteger((*key)[i]);
+        if (auto* const filename = table->FindField("filename")) filename->SetAsString(name.c_str());
+        if (auto* const counter = table->FindField(cubes::usageColumn)) counter->SetAsInteger(0);
+    };
+    cubes::addUnlessTaken(*table, append, [&] { return LookUp(table, cubenr, p, m, t, u, zeroBased); });
     return true;
 }
 

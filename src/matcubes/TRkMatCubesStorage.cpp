@@ -7,6 +7,7 @@
 #include <span>
 
 #include "catalogue/EntryKey.h"
+#include "catalogue/MatrixPlacing.h"
 #include "catalogue/MatrixReading.h"
 
 namespace {

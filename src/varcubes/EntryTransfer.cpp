@@ -3,9 +3,8 @@
 #include <cubes/core/TRkCubesException.h>
 
 #include "catalogue/EntryTable.h"
-#include "catalogue/MatrixReading.h"
+#include "catalogue/MatrixPlacing.h"
 #include "host/platform/Files.h"
-#include "host/platform/MoveFile.h"
 #include "host/platform/Paths.h"
 
 namespace cubes::varcubes {
@@ -36,7 +35,7 @@ bool moveEntryFile(std::string const& source, std::string const& target) {
         platform::removeDirectory(target, true);
     else
         platform::removeFile(target);
-    return platform::moveFile(source, target);
+    return platform::moveDirectory(source, target);
 }
 
 bool EntryTransfer::isDone() const {

@@ -12,7 +12,7 @@ namespace cubes::varcubes {
 using FileOperation = bool (*)(std::string const& source, std::string const& target);
 
 bool copyEntryFile(std::string const& source, std::string const& target);
-/// Removes an existing target first, unless the source is missing.
+/// A file takes the target's place in one step; before a directory comes what was there is removed.
 bool moveEntryFile(std::string const& source, std::string const& target);
 
 /// One entry that is to become another: of the same cube or of two cubes.

@@ -7,7 +7,7 @@
 #include <cubes/matrix/TRkMatrix.h>
 #include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
 
-#include "catalogue/MatrixReading.h"
+#include "catalogue/MatrixPlacing.h"
 
 namespace {
 

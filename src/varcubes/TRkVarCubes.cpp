@@ -108,8 +108,8 @@ bool TRkVarCubes::Add(CountedPtr<Rktable::TRkTableProxy> table, short cubenr, sh
         if (!LookUp(table, cubenr, p, m, t, u, r, i, zeroBased)) return false;
         table->Edit();
         row.changeParent(parent);
-        table->Post();
-        return true;
+        // Others may have cleared the entry since: then it is not there.
+        return cubes::postUnless(*table, &TRkDatabaseException::IsMissingRow);
     };
     if (changeParentIfThere()) return true;
     auto const key = cubes::storedKey(std::array{cubenr, p, m, t, u, r, i}, zeroBased);
@@ -117,9 +117,11 @@ bool TRkVarCubes::Add(CountedPtr<Rktable::TRkTableProxy> table, short cubenr, sh
     // Made before the row is begun: a number that the name cannot hold leaves no half-made row.
     auto const& [cube, kp, km, kt, ku, kr, ki] = *key;
     TRkString const name = createFilename(kp, km, kt, ku, kr, ki) + extension_;
-    table->Append();
-    row.fill(*key, parent, name.str());
-    cubes::postUnlessTaken(*table, changeParentIfThere);
+    auto const append = [&] {
+        table->Append();
+        row.fill(*key, parent, name.str());
+    };
+    cubes::addUnlessTaken(*table, append, changeParentIfThere);
     return true;
 }
 

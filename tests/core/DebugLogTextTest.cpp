@@ -154,17 +154,6 @@ TEST_F(DebugLogTest, tellsTheLastSystemError) {
     EXPECT_EQ(log(), expected);
 }
 
-TEST_F(DebugLogTest, leavesTheLastSystemErrorAsItWas) {
-    std::function<void()> const calls[] = {[] { ZebDebug::writeDebug("text"); }, [] { ZebDebug::writeLastError(); },
-        [] { ZebDebug::writeStack(); }, [] { ZebDebug::openStream(); }, [] { ZebDebug::setDebugOutput("none/x"); },
-        [] { ZebDebug::writeError("not written"); }};
-    for (auto const& call : calls) {
-        errno = EDOM;
-        call();
-        EXPECT_EQ(errno, EDOM);
-    }
-}
-
 TEST_F(DebugLogTest, writesNothingOfItToTheDebuggersOutput) {
     ZebDebug::writeToDebugger("text");
     ZebDebug::writeToDebugger(L"text");

@@ -139,6 +139,24 @@ TEST_P(EntryTransfer, thatCannotPlaceTheFileKeepsRowAndFileOfTheSource) {
     }
 }
 
+TEST_P(EntryTransfer, ofADirectoryIsFalseAndLosesNothing) {
+    for (auto const& form : forms) {
+        SCOPED_TRACE(form.name);
+        add(end(1, 1));
+        fs::create_directory(file(end(1, 1)));
+        writeFile(file(end(1, 1)) + "/inner", "precious");
+        store(end(2, 1), 2);
+        std::string const before = state();
+        EXPECT_FALSE(run(form, end(1, 1), end(2, 1)));
+        EXPECT_EQ(state(), before);
+        EXPECT_EQ(first(end(2, 1)), 2.0);
+        EXPECT_FALSE(run(form, end(1, 1), end(2, 2)));
+        EXPECT_FALSE(fs::exists(file(end(2, 2))));
+        EXPECT_EQ(readFile(file(end(1, 1)) + "/inner"), "precious");
+        clear();
+    }
+}
+
 TEST_P(EntryTransfer, ontoItselfIsFalseAndLosesNothing) {
     store(end(1, 1), 1);
     cubes().incUsage(1, 1, 1, 1, 1);

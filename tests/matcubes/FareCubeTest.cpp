@@ -1,4 +1,3 @@
-#include <cubes/core/TRkCubesException.h>
 #include <cubes/matcubes/TRkFareCube.h>
 
 #include <functional>
@@ -22,14 +21,6 @@ protected:
         ASSERT_TRUE(fares().Set(1, 1, 1, u, matrix(first), lsNone, false));
     }
     double first(short u) { return fares().Get(1, 1, 1, u, 0, 0, lsRead, false); }
-    static std::string messageOf(std::function<void()> const& call) {
-        try {
-            call();
-        } catch (TRkCubesException const& error) {
-            return error.what();
-        }
-        return "nothing was thrown";
-    }
 
 private:
     std::optional<TRkFareCube> fares_;

@@ -108,6 +108,40 @@ TEST_P(MatCube, answersForACubeThatIsNotThere) {
     EXPECT_EQ(list.Count(), 0);
 }
 
+// The empty name is a name like any other, no name is none.
+TEST_P(MatCube, withoutANameIsNoCube) {
+    TRkMatCube nameless(project().settings(), nullptr, true);
+    project().execute("insert into cube values (2, '')");
+    project().execute(
+        "insert into " + table() + " (cubenr, purpose, mode, time, \"user\", filename) values (2, 1, 1, 1, 1, 'x')");
+    std::string const before = cubeRows() + rows() + files();
+    for (TRkMatCube const& cube : {nameless, TRkMatCube(nameless)}) {
+        EXPECT_STREQ(cube.Name(), "");
+        EXPECT_FALSE(cube.Add() || cube.Check() || cube.Delete() || cube.Remove());
+        // As for a name that nobody knows.
+        EXPECT_TRUE(cube.Clear());
+        EXPECT_FALSE(cube.Add(1, 1, 1, 1, false));
+        EXPECT_FALSE(cube.Check(1, 1, 1, 1, false) || cube.Clear(1, 1, 1, 1, false) || cube.Delete(1, 1, 1, 1, false));
+        EXPECT_FALSE(cube.Remove(1, 1, 1, 1, false) || cube.Copy(1, 1, 1, 1, 1, 1, 1, 2, false, false));
+        EXPECT_TRUE(cube.FileName(1, 1, 1, 1, false).IsEmpty());
+        EXPECT_EQ(cube.GetHeader(1, 1, 1, 1, false), nullptr);
+        EXPECT_EQ(cube.Get(1, 1, 1, 1, lsRead, false), nullptr);
+        EXPECT_EQ(cube.Get(1, 1, 1, 1, 0, 0, lsRead, false), -1.0);
+        TRkAutoListT<TRkMatCubes::TKey> list;
+        EXPECT_TRUE(cube.Get(list));
+        EXPECT_EQ(list.Count(), 0);
+    }
+    EXPECT_FALSE(nameless.Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    EXPECT_EQ(cubeRows() + rows() + files(), before);
+    nameless.Name("");
+    EXPECT_TRUE(nameless.Check() && nameless.Check(1, 1, 1, 1, false));
+    nameless.Name(nullptr);
+    EXPECT_FALSE(nameless.Check());
+    nameless.Name("Named");
+    EXPECT_TRUE(nameless.Add());
+    EXPECT_EQ(cubeRows(), "1|Other\n2|\n3|Named\n");
+}
+
 TEST_P(MatCube, isRegisteredClearedAndRemovedAsAWhole) {
     EXPECT_TRUE(base().Add());
     EXPECT_TRUE(base().Check());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cubes/core/TRkCubesException.h>
 #include <cubes/database/TPgConnection.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 #include <cubes/matrix/TRkMatrix.h>
@@ -8,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,6 +57,16 @@ protected:
     double firstElement(short cubenr, short p, short m, short t, short u) {
         std::unique_ptr<TRkMatrix> const found(cubes().Get(cubenr, p, m, t, u, lsRead, false));
         return found ? found->RowAt(0, 8)[0] : -1.0;
+    }
+
+    /// The message of the error of cubes that the call throws.
+    static std::string messageOf(std::function<void()> const& call) {
+        try {
+            call();
+        } catch (TRkCubesException const& error) {
+            return error.what();
+        }
+        return "nothing was thrown";
     }
 
 private:

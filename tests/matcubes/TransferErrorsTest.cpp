@@ -142,5 +142,21 @@ TEST_P(TransferErrors, areNoneForANewNameWhichBecomesACube) {
     }
 }
 
+// Entries may be left of a cube that went out of the register by itself; its number is given anew.
+TEST_P(TransferErrors, ofAnEntryThatIsInTheWayLeaveTheCubeOfANewName) {
+    for (auto const& form : forms) {
+        if (!form.isByName) continue;
+        SCOPED_TRACE(form.name);
+        store(end(1, 1), 1);
+        store(end(3, 1), 3);
+        std::string const before = rows() + files();
+        EXPECT_EQ(messageOf([&] { run(form, end(1, 1), end(3, 1), failIfExists); }), form.refusal);
+        EXPECT_EQ(cubeRows(), "1|Base\n2|Other\n3|New\n");
+        EXPECT_EQ(rows() + files(), before);
+        EXPECT_EQ(first(end(3, 1)), 3.0);
+        clear();
+    }
+}
+
 }
 }

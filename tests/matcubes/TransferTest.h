@@ -1,10 +1,7 @@
 #pragma once
 
-#include <cubes/core/TRkCubesException.h>
-
 #include <array>
 #include <filesystem>
-#include <functional>
 #include <string>
 
 #include "matcubes/MatCubesTest.h"
@@ -116,14 +113,6 @@ protected:
         return read("select cubenr, purpose, mode, time, \"user\", \"usageCounter\", filename from " + table() +
                     " union all select cubenr, 0, 0, 0, 0, 0, name from cube order by 1, 2, 3, 4, 5") +
                files();
-    }
-    static std::string messageOf(std::function<void()> const& call) {
-        try {
-            call();
-        } catch (TRkCubesException const& error) {
-            return error.what();
-        }
-        return "nothing was thrown";
     }
 
 private:

@@ -23,6 +23,9 @@ private:
     std::filesystem::path path_;
 };
 
+/// A directory on another file system than `directory`; empty where there is none.
+std::string otherFileSystem(std::string const& directory);
+
 /// The names of all files and directories below `directory`, sorted; to show that nothing is left over.
 std::string listing(std::string const& directory);
 /// The same without the lock file of all writers of matrices.

@@ -135,6 +135,63 @@ TEST_P(ResultOverrides, showThatAnEntryAddedByAnotherMeanwhileIsAsGood) {
     EXPECT_EQ(parents(), "-6|1|2|3|4|5|6\n");
 }
 
+// A cube under whose hands others add and clear its entry: what they do before it names a new file
+// and after each time it has looked for the row.
+class Disturbed : public TRkSkimCube {
+public:
+    using Deed = std::function<void()>;
+
+    Disturbed(TRkGlobalSettings* settings, Deed beforeNaming, std::vector<Deed> afterLooking)
+        : TRkSkimCube(settings, true), beforeNaming_(std::move(beforeNaming)), afterLooking_(std::move(afterLooking)) {}
+    TRkString createFilename(short p, short m, short t, short u, short r, short i) const override {
+        beforeNaming_();
+        return TRkSkimCube::createFilename(p, m, t, u, r, i);
+    }
+    bool LookUp(CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t, short u, short r,
+        short i, bool zeroBased) const override {
+        bool const found = TRkSkimCube::LookUp(table, cubenr, p, m, t, u, r, i, zeroBased);
+        if (looks_ < afterLooking_.size()) afterLooking_[looks_]();
+        ++looks_;
+        return found;
+    }
+    using TRkSkimCube::LookUp;
+
+private:
+    Deed beforeNaming_;
+    std::vector<Deed> afterLooking_;
+    mutable std::size_t looks_ = 0;
+};
+
+TEST_P(ResultOverrides, showThatAnEntryClearedByAnotherMeanwhileIsAddedAnew) {
+    auto const insert = [&] {
+        project().execute("insert into " + table() +
+                          " (cubenr, purpose, mode, time, \"user\", result, iteration, \"usageCounter\", filename)"
+                          " values (-1, 1, 1, 1, 1, 1, 1, 3, 'theirs.skm')");
+    };
+    auto const clear = [&] { project().execute("delete from " + table()); };
+    auto const nothing = [] {};
+    struct Case {
+        char const* name;
+        bool isThere;
+        Disturbed::Deed beforeNaming;
+        std::vector<Disturbed::Deed> afterLooking;
+    };
+    Case const cases[] = {
+        {"cleared before it is changed", true, nothing, {clear}},
+        {"added and cleared again", false, insert, {nothing, clear}},
+        {"cleared, added and cleared again", true, insert, {clear, clear}},
+    };
+    for (auto const& [name, isThere, beforeNaming, afterLooking] : cases) {
+        SCOPED_TRACE(name);
+        clear();
+        if (isThere) insert();
+        Disturbed cube(project().settings(), beforeNaming, afterLooking);
+        EXPECT_TRUE(cube.Add(1, 1, 1, 1, 1, 1, -6, 1, 2, 3, 4, 5, 6, false));
+        EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n");
+        EXPECT_EQ(parents(), "-6|1|2|3|4|5|6\n");
+    }
+}
+
 // A cube that keeps its files in a directory below, whatever directory it was given.
 class Below : public TRkSkimCube {
 public:

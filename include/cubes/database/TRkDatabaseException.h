@@ -18,6 +18,8 @@ public:
     std::string const& SqlState() const noexcept { return sqlState_; }
     /// Whether a row with that unique or primary key was there already.
     bool IsDuplicateKey() const noexcept { return sqlState_ == "23505"; }
+    /// Whether the row to be changed is not there any more.
+    bool IsMissingRow() const noexcept { return sqlState_ == "02000"; }
     /// Whether the table is not there.
     bool IsMissingTable() const noexcept { return sqlState_ == "42P01"; }
     std::string const& Statement() const noexcept { return statement_; }

@@ -3,6 +3,8 @@
 #include <cubes/Export.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 
+#include <optional>
+
 /// One cube of matrices, bound by its name: every operation works on this cube, and a key alone
 /// names an entry. What an operation says of itself stands with its twin by name in TRkMatCubes.
 class CUBES_API TRkMatCube : public TRkMatCubes {
@@ -10,7 +12,8 @@ public:
     /// ".odm".
     static char const* const Ext;
 
-    /// The cube need not exist. `flag`: passed to new matrices.
+    /// The cube need not exist; null names none, and then nothing is found or added. `flag`: passed
+    /// to new matrices.
     TRkMatCube(TRkGlobalSettings* settings, char const* name, bool flag);
     /// A null or empty directory is taken from the settings.
     TRkMatCube(TRkGlobalSettings* settings, char const* matrixDir, char const* name, bool flag);
@@ -20,8 +23,9 @@ public:
     TRkMatCube& operator=(TRkMatCube const&);
     ~TRkMatCube() override;
 
+    /// The empty text when no cube is bound.
     char const* Name() const;
-    /// Binds another cube.
+    /// Binds another cube, or with null none.
     void Name(char const* name);
 
     /// Registers the cube when it is new, and adds the entry.
@@ -53,5 +57,7 @@ public:
     bool Get(TRkAutoListT<TKey>& list) const;
 
 private:
-    TRkString name_;
+    char const* bound() const;
+
+    std::optional<TRkString> name_;
 };

@@ -159,7 +159,8 @@ public:
     ///
     /// The cubes are checked first, as TRkBaseCubes::Copy says: it throws TRkCubesException for
     /// cubes, and by name it adds a target cube that is new. With `failIfExists` an existing target
-    /// entry throws too, before anything is written: ecEntryExists by number, ecMatrixExists by name.
+    /// entry throws too: ecEntryExists by number, ecMatrixExists by name. Nothing is written then,
+    /// but a cube that was added stays in the register.
     ///
     /// True also when there is no source entry, or a row names no file inside its directory: then
     /// no file is written. False when the check is false, there is no entry table, the file cannot
@@ -177,9 +178,9 @@ public:
     bool Copy(TRkMatCubes const& other, char const* cubeName, short p, short m, short t, short u,
         char const* toCubeName, short toP, short toM, short toT, short toU, bool failIfExists, bool zeroBased) const;
 
-    /// As Copy, but the file is moved, an existing target file being removed first, and the source's
-    /// row is deleted when that worked. An existing target entry throws ecCubeExists in every form.
-    /// A source file that is missing leaves the target's alone: false. Catalogues of two
+    /// As Copy, but the file is moved, in place of an existing target file, and the source's row is
+    /// deleted when that worked. An existing target entry throws ecCubeExists in every form. A
+    /// source file that is missing leaves the target's alone: false. Catalogues of two
     /// directories may share their table; then an entry that keeps its key has one row for both,
     /// and loses it.
     bool Move(short cubenr, short p, short m, short t, short u, short toCubenr, short toP, short toM, short toT,

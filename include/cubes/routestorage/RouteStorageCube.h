@@ -8,9 +8,9 @@ class CUBES_API RouteStorageCube : public RouteStorageBaseCube {
 public:
     static constexpr RkCubeTypes CubeType = ctRouteSet;
 
-    /// Takes the matrix directory from the settings.
+    /// Takes the working directory from the settings.
     explicit RouteStorageCube(TRkGlobalSettings* settings);
-    /// `directory`: the matrix directory; null or empty takes it from the settings.
+    /// `directory`: of the files; null or empty takes the working directory from the settings.
     RouteStorageCube(TRkGlobalSettings* settings, char const* directory);
     RouteStorageCube(RouteStorageCube const&);
     RouteStorageCube& operator=(RouteStorageCube const&);

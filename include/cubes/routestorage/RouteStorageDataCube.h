@@ -11,9 +11,9 @@ class CUBES_API RouteStorageDataCube : public RouteStorageBaseCube {
 public:
     static constexpr RkCubeTypes CubeType = ctRouteData;
 
-    /// Takes the matrix directory from the settings.
+    /// Takes the working directory from the settings.
     explicit RouteStorageDataCube(TRkGlobalSettings* settings);
-    /// `directory`: the matrix directory; null or empty takes it from the settings.
+    /// `directory`: of the files; null or empty takes the working directory from the settings.
     RouteStorageDataCube(TRkGlobalSettings* settings, char const* directory);
     RouteStorageDataCube(RouteStorageDataCube const&);
     RouteStorageDataCube& operator=(RouteStorageDataCube const&);

@@ -49,7 +49,9 @@ std::string functionAt(HANDLE process, DWORD64 place) {
     auto* const symbol = reinterpret_cast<SYMBOL_INFO*>(memory);
     symbol->SizeOfStruct = sizeof(SYMBOL_INFO);
     symbol->MaxNameLen = longestName;
-    return ::SymFromAddr(process, place, nullptr, symbol) ? demangled(symbol->Name) : std::string();
+    if (!::SymFromAddr(process, place, nullptr, symbol)) return {};
+    // The debug-help functions take the "_" of "_Z" for the one that C puts there, and cut it off.
+    return demangledWithoutUnderscore(symbol->Name);
 }
 
 std::optional<unsigned long> lineAt(HANDLE process, DWORD64 place) {

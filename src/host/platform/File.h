@@ -45,8 +45,12 @@ private:
     std::string path_;
 };
 
-/// Puts a complete file in place of another, or where none is, in one step.
-void replaceFile(std::string const& from, std::string const& to);
+/// Gives a file another name, in place of another file or where none is, in one step; a directory
+/// only where nothing is. False when the name lies on another file system: then nothing is done.
+/// Throws std::system_error when it can't be done.
+bool renameFile(std::string const& from, std::string const& to);
+/// Makes what was written to a file, by anyone, survive a power failure.
+void flushFile(std::string const& path);
 /// Makes names given in a directory survive a power failure.
 void flushDirectory(std::string const& directory);
 /// Removes a file that may be there; failures are of no interest.

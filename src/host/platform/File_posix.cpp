@@ -3,6 +3,7 @@
 #include "host/platform/SystemFailure.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -100,8 +101,14 @@ void File::close() noexcept {
     if (native_ != none) ::close(descriptor(std::exchange(native_, none)));
 }
 
-void replaceFile(std::string const& from, std::string const& to) {
-    if (::rename(from.c_str(), to.c_str()) != 0) throwSystemFailure("cannot put in place", to);
+bool renameFile(std::string const& from, std::string const& to) {
+    if (::rename(from.c_str(), to.c_str()) == 0) return true;
+    if (errno == EXDEV) return false;
+    throwSystemFailure("cannot put in place", to);
+}
+
+void flushFile(std::string const& path) {
+    File::openForReading(path).flush();
 }
 
 void flushDirectory(std::string const& directory) {

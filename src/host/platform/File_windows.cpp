@@ -2,6 +2,7 @@
 
 #include "host/platform/Paths.h"
 #include "host/platform/SystemFailure.h"
+#include "host/platform/TemporaryFile.h"
 
 #include <windows.h>
 
@@ -32,15 +33,17 @@ OVERLAPPED at(std::uint64_t offset) {
     return position;
 }
 
-// Moves the old file aside under a name that counts as left-over, so that objects that still
-// read it keep it, and puts the new one in its place.
-bool replaceInUse(std::wstring const& from, std::wstring const& to) {
-    std::wstring const aside = from + L".old.cubes-tmp";
+bool isFile(std::wstring const& path) {
+    DWORD const attributes = ::GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+// Moves the old file aside, so that objects that still read it keep it, and puts the new one in
+// its place.
+bool replaceInUse(std::wstring const& from, std::wstring const& to, std::wstring const& aside) {
     if (!::MoveFileExW(to.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
     if (!::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH)) {
-        DWORD const failure = ::GetLastError();
         ::MoveFileExW(aside.c_str(), to.c_str(), 0);
-        ::SetLastError(failure);
         return false;
     }
     ::DeleteFileW(aside.c_str());
@@ -123,11 +126,23 @@ void File::close() noexcept {
     if (native_ != none) ::CloseHandle(handle(std::exchange(native_, none)));
 }
 
-void replaceFile(std::string const& from, std::string const& to) {
+// The system is not allowed to copy: on another volume that would be neither one step nor checked.
+bool renameFile(std::string const& from, std::string const& to) {
     std::wstring const source = toPath(from).wstring();
     std::wstring const target = toPath(to).wstring();
-    if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return;
-    if (!replaceInUse(source, target)) throwSystemFailure("cannot put in place", to);
+    if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return true;
+    DWORD const failure = ::GetLastError();
+    if (failure == ERROR_NOT_SAME_DEVICE) return false;
+    if (isFile(target) && replaceInUse(source, target, toPath(temporaryPath(to)).wstring())) return true;
+    throwSystemFailure("cannot put in place", to, static_cast<int>(failure));
+}
+
+void flushFile(std::string const& path) {
+    HANDLE const opened = handle(openFile(path, GENERIC_WRITE, OPEN_EXISTING));
+    if (opened == INVALID_HANDLE_VALUE) throwSystemFailure("cannot open", path);
+    DWORD const failure = ::FlushFileBuffers(opened) ? ERROR_SUCCESS : ::GetLastError();
+    ::CloseHandle(opened);
+    if (failure != ERROR_SUCCESS) throwSystemFailure("cannot flush", path, static_cast<int>(failure));
 }
 
 // The renaming itself writes through.

@@ -33,6 +33,12 @@ std::string withoutLinks(std::string const& path) {
     return error ? path : fromPath(canonical);
 }
 
+// By whatever is there, a link to nowhere too.
+bool isTaken(std::string const& path) {
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(toPath(path), ignored));
+}
+
 }
 
 bool exists(std::string const& path) {
@@ -99,12 +105,26 @@ void replaceByCopy(std::string const& source, std::string const& target) {
     beside.publish();
 }
 
+bool moveDirectory(std::string const& source, std::string const& target) {
+    if (!isDirectory(source) || target.empty() || isTaken(target)) return false;
+    try {
+        return renameFile(source, target);
+    } catch (std::system_error const&) {
+        return false;
+    }
+}
+
 bool overlap(std::string const& first, std::string const& second) {
     std::error_code error;
     if (fs::equivalent(toPath(first), toPath(second), error)) return true;
     std::string const a = withoutLinks(first);
     std::string const b = withoutLinks(second);
     return isInside(a, b) || isInside(b, a);
+}
+
+std::string directoryOf(std::string const& path) {
+    fs::path const directory = toPath(path).parent_path();
+    return directory.empty() ? "." : fromPath(directory);
 }
 
 std::string absolutePath(std::string const& path) {

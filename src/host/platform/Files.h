@@ -21,11 +21,15 @@ bool copy(std::string const& source, std::string const& target, bool overwrite);
 bool copyFile(std::string const& source, std::string const& target);
 /// The same of two different files; throws what hinders it, std::system_error as a rule.
 void replaceByCopy(std::string const& source, std::string const& target);
+/// Gives a directory another name; false when that is taken or lies on another file system.
+bool moveDirectory(std::string const& source, std::string const& target);
 /// Whether both texts name the same file without asking the file system for links.
 bool isSamePath(std::string const& first, std::string const& second);
 /// Whether one path is the other or lies in it, links followed as far as they exist: then neither
 /// can take the other's place.
 bool overlap(std::string const& first, std::string const& second);
+/// The directory in which a path lies; "." for a name alone.
+std::string directoryOf(std::string const& path);
 /// The absolute, lexically normalised form of a path.
 std::string absolutePath(std::string const& path);
 

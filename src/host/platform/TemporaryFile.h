@@ -7,8 +7,11 @@
 
 namespace cubes::platform {
 
-/// A file in the making: it lies beside its target under a name of its own,
-/// ".<target>.<process>-<counter>.cubes-tmp", until it takes the target's place in one step.
+/// A path of its own beside the target: ".<target>.<process>-<counter>.cubes-tmp".
+std::string temporaryPath(std::string const& target);
+
+/// A file in the making: it lies beside its target under such a name until it takes the target's
+/// place in one step.
 /// Unpublished it is removed at the end. What a killed process leaves is known by its name.
 class TemporaryFile {
 public:
@@ -20,6 +23,7 @@ public:
 
     File& file() noexcept { return file_; }
     std::string const& path() const noexcept { return file_.path(); }
+    std::string const& target() const noexcept { return target_; }
     /// Closes the file and puts it in place of the target. When that throws the target is as before.
     void publish();
 

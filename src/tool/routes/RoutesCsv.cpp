@@ -91,9 +91,7 @@ std::vector<std::span<Line const>> routesOf(std::string const& path, std::span<L
         routes.push_back(lines.subspan(first, i - first));
         first = i;
     }
-    auto const place = [](std::span<Line const> route) {
-        return std::ranges::min(route, {}, &Line::number).number;
-    };
+    auto const place = [](std::span<Line const> route) { return std::ranges::min(route, {}, &Line::number).number; };
     std::vector<std::pair<std::uint32_t, std::size_t>> places;
     for (std::size_t i = 0; i < routes.size(); ++i) places.emplace_back(place(routes[i]), i);
     std::sort(places.begin(), places.end());
@@ -114,7 +112,9 @@ void appendLine(std::string& text, RouteList::Route const& one, std::uint32_t nu
 
 RouteList readRoutesCsv(std::string const& path, ShareDone const& shareDone) {
     auto lines = readLines(path, shareDone);
-    auto const order = [](Line const& line) { return std::tie(line.origin, line.destination, line.route, line.sequence); };
+    auto const order = [](Line const& line) {
+        return std::tie(line.origin, line.destination, line.route, line.sequence);
+    };
     std::stable_sort(lines.begin(), lines.end(), [&](Line const& a, Line const& b) { return order(a) < order(b); });
     RouteList routes;
     for (auto const& one : routesOf(path, lines)) {

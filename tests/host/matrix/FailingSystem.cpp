@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -17,12 +18,24 @@ bool armed = false;
 int callsLeft = 0;
 int errorGiven = 0;
 bool failed = false;
+std::string settledSteps;
 
 bool mustFail() {
     if (!armed) return false;
     if (!failed && --callsLeft == 0) failed = true;
     if (failed) errno = errorGiven;
     return failed;
+}
+
+// Gives what the system said, and remembers that it went well.
+int settle(int result, char const* step) {
+    if (armed && result == 0) settledSteps += (settledSteps.empty() ? "" : " ") + std::string(step);
+    return result;
+}
+
+bool isDirectory(int file) {
+    struct stat status {};
+    return fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 template <typename Function>
@@ -51,7 +64,13 @@ CUBES_VISIBLE ssize_t write(int file, void const* bytes, size_t count) {
 
 CUBES_VISIBLE int fsync(int file) {
     static auto const real = systems<int (*)(int)>("fsync");
-    return mustFail() ? -1 : real(file);
+    return mustFail() ? -1 : settle(real(file), isDirectory(file) ? "flush-directory" : "flush");
+}
+
+CUBES_VISIBLE ssize_t copy_file_range(
+    int from, off64_t* fromOffset, int to, off64_t* toOffset, size_t count, unsigned flags) {
+    static auto const real = systems<ssize_t (*)(int, off64_t*, int, off64_t*, size_t, unsigned)>("copy_file_range");
+    return mustFail() ? -1 : real(from, fromOffset, to, toOffset, count, flags);
 }
 
 CUBES_VISIBLE int ftruncate64(int file, off64_t size) noexcept {
@@ -66,7 +85,7 @@ CUBES_VISIBLE int ftruncate(int file, off_t size) noexcept {
 
 CUBES_VISIBLE int rename(char const* from, char const* to) noexcept {
     static auto const real = systems<int (*)(char const*, char const*)>("rename");
-    return mustFail() ? -1 : real(from, to);
+    return mustFail() ? -1 : settle(real(from, to), "rename");
 }
 
 CUBES_VISIBLE int open(char const* path, int flags, ...) {
@@ -84,6 +103,7 @@ FailingSystem::FailingSystem(int nth, int error) {
     callsLeft = nth;
     errorGiven = error;
     failed = false;
+    settledSteps.clear();
     armed = true;
 }
 
@@ -93,6 +113,10 @@ FailingSystem::~FailingSystem() {
 
 bool FailingSystem::hasFailed() const {
     return failed;
+}
+
+std::string FailingSystem::settled() const {
+    return settledSteps;
 }
 
 }

@@ -1,19 +1,25 @@
 #pragma once
 
+#include <string>
+
 namespace cubes::test {
 
 /// Makes the system fail for this process: while an object lives, the n-th of the calls that change
-/// the disk (write, flush, cut, rename, make a file), counted from 1, fails with `error`, whoever
+/// the disk (write, copy, flush, cut, rename, make a file), counted from 1, fails with `error`, whoever
 /// makes it, HDF5 included. All later writes fail too, as on a disk that stays full.
 class FailingSystem {
 public:
     FailingSystem(int nth, int error);
+    /// Lets nothing fail and only watches.
+    FailingSystem() : FailingSystem(0, 0) {}
     ~FailingSystem();
     FailingSystem(FailingSystem const&) = delete;
     FailingSystem& operator=(FailingSystem const&) = delete;
 
     /// Whether the failure has come.
     bool hasFailed() const;
+    /// The flushes and renames that went well, in their order: "flush rename flush-directory".
+    std::string settled() const;
 };
 
 }

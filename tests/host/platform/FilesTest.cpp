@@ -9,6 +9,7 @@
 namespace fs = std::filesystem;
 namespace platform = cubes::platform;
 using cubes::test::listing;
+using cubes::test::otherFileSystem;
 using cubes::test::readFile;
 using cubes::test::TempDir;
 using cubes::test::writeFile;
@@ -48,6 +49,47 @@ TEST(Files, copyAFileWholeOrNotAtAll) {
     EXPECT_FALSE(platform::copyFile(directory.file("d"), directory.file("c")));
     EXPECT_FALSE(platform::copyFile(directory.file("a"), directory.file("none/a")));
     EXPECT_EQ("a\nb\nd\n", listing(directory.str()));
+}
+
+TEST(Files, giveADirectoryAnotherName) {
+    TempDir const directory;
+    fs::create_directory(directory.file("a"));
+    writeFile(directory.file("a/inner"), "content");
+    EXPECT_TRUE(platform::moveDirectory(directory.file("a"), directory.file("b")));
+    EXPECT_EQ("b\nb/inner\n", listing(directory.str()));
+    EXPECT_EQ("content", readFile(directory.file("b/inner")));
+}
+
+TEST(Files, giveADirectoryNoNameThatIsTakenOrCannotBe) {
+    TempDir const directory;
+    for (char const* name : {"a", "empty"}) fs::create_directory(directory.file(name));
+    writeFile(directory.file("file"), "file");
+    fs::create_symlink(directory.file("none"), directory.file("link"));
+    for (char const* taken : {"empty", "file", "link", "a", "none/a"})
+        EXPECT_FALSE(platform::moveDirectory(directory.file("a"), directory.file(taken))) << taken;
+    for (char const* noDirectory : {"file", "missing"})
+        EXPECT_FALSE(platform::moveDirectory(directory.file(noDirectory), directory.file("b"))) << noDirectory;
+    EXPECT_FALSE(platform::moveDirectory(directory.file("a"), ""));
+    EXPECT_FALSE(platform::moveDirectory("", directory.file("b")));
+    EXPECT_EQ("file", readFile(directory.file("file")));
+    EXPECT_TRUE(fs::is_directory(directory.file("a")) && fs::is_symlink(directory.file("link")));
+    EXPECT_FALSE(fs::exists(directory.file("b")));
+}
+
+TEST(Files, leaveADirectoryOnItsFileSystem) {
+    TempDir const directory;
+    std::string const other = otherFileSystem(directory.str());
+    if (other.empty()) GTEST_SKIP() << "SKIPPED: no second file system here";
+    TempDir const there(other);
+    fs::create_directory(directory.file("a"));
+    EXPECT_FALSE(platform::moveDirectory(directory.file("a"), there.file("a")));
+    EXPECT_EQ("a\n", listing(directory.str()) + listing(there.str()));
+}
+
+TEST(Files, lieInADirectory) {
+    EXPECT_EQ("/data", platform::directoryOf("/data/a"));
+    EXPECT_EQ("data", platform::directoryOf("data/a"));
+    EXPECT_EQ(".", platform::directoryOf("a"));
 }
 
 TEST(Files, makePathsAbsoluteWithoutAskingForThem) {

@@ -15,6 +15,7 @@
 
 using namespace cubes::platform;
 using cubes::test::listing;
+using cubes::test::otherFileSystem;
 using cubes::test::readFile;
 using cubes::test::TempDir;
 using cubes::test::writeFile;
@@ -71,7 +72,7 @@ TEST(FileView, isPrivateAndKeepsTheStateOfAReplacedFile) {
     writeFile(directory.file("a"), "old");
     FileView view = FileView::open(directory.file("a"));
     writeFile(directory.file("b"), "newer");
-    replaceFile(directory.file("b"), directory.file("a"));
+    EXPECT_TRUE(renameFile(directory.file("b"), directory.file("a")));
     EXPECT_EQ(textOf(view.bytes()), "old");
     view.bytes()[0] = std::byte{'c'};
     EXPECT_EQ(textOf(view.bytes()), "cld");
@@ -81,6 +82,40 @@ TEST(FileView, isPrivateAndKeepsTheStateOfAReplacedFile) {
     EXPECT_TRUE(view.bytes().empty());
     writeFile(directory.file("empty"), "");
     EXPECT_TRUE(FileView::open(directory.file("empty")).bytes().empty());
+}
+
+TEST(File, takesAnotherNameInPlaceOfAFileButOfNoDirectory) {
+    TempDir const directory;
+    writeFile(directory.file("a"), "new");
+    writeFile(directory.file("b"), "old");
+    EXPECT_TRUE(renameFile(directory.file("a"), directory.file("b")));
+    EXPECT_EQ(readFile(directory.file("b")), "new");
+    std::filesystem::create_directory(directory.file("c"));
+    EXPECT_TRUE(failureOf([&] { renameFile(directory.file("b"), directory.file("c")); }));
+    EXPECT_EQ(failureOf([&] { renameFile(directory.file("none"), directory.file("d")); }),
+        std::errc::no_such_file_or_directory);
+    EXPECT_EQ(listing(directory.str()), "b\nc\n");
+}
+
+TEST(File, takesNoNameOnAnotherFileSystem) {
+    TempDir const directory;
+    std::string const other = otherFileSystem(directory.str());
+    if (other.empty()) GTEST_SKIP() << "SKIPPED: no second file system here";
+    TempDir const there(other);
+    writeFile(directory.file("a"), "a");
+    writeFile(there.file("a"), "old");
+    EXPECT_FALSE(renameFile(directory.file("a"), there.file("a")));
+    EXPECT_FALSE(renameFile(directory.file("a"), there.file("b")));
+    EXPECT_EQ(readFile(directory.file("a")) + readFile(there.file("a")), "aold");
+    EXPECT_EQ(listing(directory.str()) + listing(there.str()), "a\na\n");
+}
+
+TEST(File, isFlushedByItsNameWhenItIsThere) {
+    TempDir const directory;
+    writeFile(directory.file("a"), "a");
+    EXPECT_NO_THROW(flushFile(directory.file("a")));
+    EXPECT_EQ(failureOf([&] { flushFile(directory.file("b")); }), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(listing(directory.str()), "a\n");
 }
 
 TEST(TemporaryFile, takesTheTargetsPlaceOrLeavesNothing) {
