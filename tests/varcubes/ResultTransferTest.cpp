@@ -197,6 +197,26 @@ TEST_P(ResultTransfer, betweenProjectsWorksInBothTables) {
     EXPECT_EQ(filesIn(theirs.MatrixDirectory().str()), "1-1-1-1-1-1.skm\n");
 }
 
+TEST_P(ResultTransfer, betweenFileSystemsReplacesFilesAndMovesNoDirectory) {
+    std::string const elsewhere = otherFileSystem(directory());
+    if (elsewhere.empty()) GTEST_SKIP() << "SKIPPED: no second file system here";
+    TempDir const there(elsewhere);
+    TRkSkimCube theirs(project().settings(), there.str().c_str(), true);
+    store(skims(), 1, 1);
+    for (short const from : {short(2), short(3)}) {
+        store(theirs, from, from);
+        EXPECT_TRUE(from == 2 ? copyFrom(theirs, from, 1) : moveFrom(theirs, from, 1));
+        EXPECT_EQ(firstElement(skims(), 1), from);
+    }
+    EXPECT_EQ(filesIn(there.str()), "1-1-1-1-1-2.skm\n");
+    fs::create_directory(there.file("1-1-1-1-1-3.skm"));
+    add(theirs, 3);
+    EXPECT_FALSE(moveFrom(theirs, 3, 4));
+    EXPECT_TRUE(theirs.Check(1, 1, 1, 1, 1, 3, false));
+    EXPECT_EQ(filesIn(there.str()), "1-1-1-1-1-2.skm\n1-1-1-1-1-3.skm\n");
+    EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
+}
+
 TEST_P(ResultTransfer, mergesADirectoryIntoAnExistingOne) {
     for (short const i : {short(1), short(2)}) {
         add(skims(), i);

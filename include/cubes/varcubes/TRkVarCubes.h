@@ -121,8 +121,9 @@ public:
     virtual bool Copy(TRkVarCubes const& other, short p, short m, short t, short u, short r, short i, short toP,
         short toM, short toT, short toU, short toR, short toI, bool failIfExists, bool zeroBased);
 
-    /// As Copy, but the file is moved and the source's row is deleted when that worked. An existing
-    /// target file is removed first; one whose source file is missing is left alone.
+    /// As Copy, but the file is moved and the source's row is deleted when that worked. A file takes
+    /// the place of an existing one in one step; before a directory comes what was there is removed.
+    /// A target whose source file is missing is left alone.
     virtual bool Move(short p, short m, short t, short u, short r, short i, short toP, short toM, short toT, short toU,
         short toR, short toI, bool failIfExists, bool zeroBased);
 

@@ -140,9 +140,10 @@ bool renameFile(std::string const& from, std::string const& to) {
 void flushFile(std::string const& path) {
     HANDLE const opened = handle(openFile(path, GENERIC_WRITE, OPEN_EXISTING));
     if (opened == INVALID_HANDLE_VALUE) throwSystemFailure("cannot open", path);
-    DWORD const failure = ::FlushFileBuffers(opened) ? ERROR_SUCCESS : ::GetLastError();
+    bool const isFlushed = ::FlushFileBuffers(opened) != FALSE;
+    DWORD const failure = ::GetLastError();
     ::CloseHandle(opened);
-    if (failure != ERROR_SUCCESS) throwSystemFailure("cannot flush", path, static_cast<int>(failure));
+    if (!isFlushed) throwSystemFailure("cannot flush", path, static_cast<int>(failure));
 }
 
 // The renaming itself writes through.
