@@ -25,6 +25,8 @@ public:
         std::int32_t destination;
         /// By number, from 1 as they stand in the text.
         std::vector<std::uint32_t> links;
+
+        bool operator==(Way const&) const = default;
     };
     /// The cheapest way from each zone to each other, in the order of origin and destination; none
     /// where there is no way. Of ways that cost the same it is always the same one.
