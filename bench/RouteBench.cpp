@@ -1,12 +1,14 @@
 #include "Benches.h"
-#include "ShortestRoutes.h"
 #include "WorkDirectory.h"
 
 #include "RouteSet.h"
+#include "support/Network.h"
 
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 
@@ -15,6 +17,8 @@ namespace bench {
 namespace {
 
 using namespace VL::Interface;
+using cubes::test::Network;
+using Ways = std::vector<Network::Way>;
 
 struct Release {
     void operator()(RouteStorageInterface* storage) const { storage->release(); }
@@ -34,9 +38,22 @@ RouteSetOwner opened(std::string const& file, RouteOpenMode mode) {
     return set;
 }
 
-void store(ShortestRoutes const& routes, std::string const& file) {
+// Of the empty network.
+Ways quickestWays(std::string const& path) {
+    std::ifstream file(path);
+    std::string const text(std::istreambuf_iterator<char>(file), {});
+    return Network::parse(text).ways(Network::Cost::freeFlowTime);
+}
+
+double linksOf(Ways const& ways) {
+    std::size_t links = 0;
+    for (auto const& way : ways) links += way.links.size();
+    return static_cast<double>(links);
+}
+
+void store(Ways const& ways, std::string const& file) {
     RouteSetOwner const set = opened(file, romCreate);
-    for (auto const& way : routes.ways)
+    for (auto const& way : ways)
         set->addRoute(
             {way.origin, way.destination, 1.0f, way.links.data(), static_cast<std::int64_t>(way.links.size())});
     if (set->commit() != rrDone) throw std::runtime_error(VlInterfaceGetLastError());
@@ -75,17 +92,17 @@ Result figure(std::string const& name, double allowed, double ours) {
     return {name + " (bare: allowed)", allowed, ours, 1, 0};
 }
 
-double ofEachPair(VelmoraRouteStorageRouteSetInterface const& set, ShortestRoutes const& routes) {
+double ofEachPair(VelmoraRouteStorageRouteSetInterface const& set, Ways const& ways) {
     std::uint64_t sum = 0;
     double const all = medianOf([&] {
-        for (auto const& way : routes.ways) {
+        for (auto const& way : ways) {
             RouteNumbers found;
             set.findRoutesOfPair(way.origin, way.destination, &found);
             sum += sumOf(set, found);
         }
     });
     if (sum == 0) throw std::runtime_error("no route was found");
-    return all / static_cast<double>(routes.ways.size());
+    return all / static_cast<double>(ways.size());
 }
 
 std::uint32_t busiestLink(VelmoraRouteStorageRouteSetInterface const& set) {
@@ -115,19 +132,19 @@ double ofTheBusiestLink(VelmoraRouteStorageRouteSetInterface const& set) {
 }
 
 std::vector<Result> routes(std::string const& network) {
-    ShortestRoutes const routes = shortestRoutes(network);
+    Ways const ways = quickestWays(network);
     WorkDirectory const directory;
     std::string const file = directory.path("routes.FDB");
-    auto const links = static_cast<double>(routes.linkCount);
+    double const links = linksOf(ways);
     std::vector<Result> results;
     results.push_back(
-        figure("store all routes", links * microsecondsAStoredLink, medianOf([&] { store(routes, file); })));
+        figure("store all routes", links * microsecondsAStoredLink, medianOf([&] { store(ways, file); })));
     results.push_back(
         figure("bytes of the file", links * bytesALink, static_cast<double>(std::filesystem::file_size(file))));
     results.push_back(
         figure("open the file", links * microsecondsAStoredLink, medianOf([&] { opened(file, romRead); })));
     RouteSetOwner const set = opened(file, romRead);
-    results.push_back(figure("read the routes of a zone pair", microsecondsAPair, ofEachPair(*set, routes)));
+    results.push_back(figure("read the routes of a zone pair", microsecondsAPair, ofEachPair(*set, ways)));
     results.push_back(figure("read the routes of the busiest link", microsecondsALink, ofTheBusiestLink(*set)));
     return results;
 }

@@ -3,9 +3,9 @@
 
 #include <numeric>
 
+#include "support/Network.h"
 #include "support/Process.h"
 #include "support/SharedData.h"
-#include "varcubes/Network.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -90,6 +90,10 @@ TEST_P(NetworkSkim, leadsThroughNoZoneThatMayNotBePassed) {
         "<NUMBER OF ZONES> 3\n<NUMBER OF NODES> 4\n<FIRST THRU NODE> 4\n<END OF METADATA>\n~ header ;\n"
         "1 3 9 1 1 ;\n3 2 9 1 1 ;\n1 4 9 5 2 ;\n4 2 9 5 2 ;\n2 4 9 5 2 ;\n4 1 9 5 2 ;\n4 3 9 1 1 ;\n3 4 9 1 1 ;\n");
     storeAndCompare(file, 3);
+    auto const ways = Network::parse(readFile(file)).ways(Network::Cost::length);
+    ASSERT_EQ(ways.size(), 6u);
+    EXPECT_EQ(ways[0].destination, 2);
+    EXPECT_EQ(ways[0].links, (std::vector<std::uint32_t>{3, 4}));
     std::unique_ptr<TRkMatrix> const lengths(skims().Get(1, 1, 1, 1, 1, 1, lsRead, false));
     EXPECT_EQ(lengths->RowAt(0, 8)[1], 10.0f);
     EXPECT_EQ(lengths->RowAt(0, 8)[2], 1.0f);

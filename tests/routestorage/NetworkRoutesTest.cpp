@@ -1,0 +1,191 @@
+// The quickest routes of a real network: stored, fetched, and the trips of a real table divided
+// among them.
+
+#include <cubes/matcubes/TRkMatCubes.h>
+#include <cubes/varcubes/TRkSelectedLinkCube.h>
+
+#include <algorithm>
+#include <functional>
+#include <numeric>
+#include <sstream>
+
+#include "routestorage/RouteCubeTest.h"
+#include "support/Network.h"
+#include "support/Process.h"
+#include "support/SharedData.h"
+
+using namespace VL::Interface;
+
+namespace cubes::test {
+namespace {
+
+using Ways = std::vector<Network::Way>;
+using Numbers = std::vector<std::uint32_t>;
+using Cells = std::vector<float>;
+using RouteSet = Reference<VelmoraRouteStorageRouteSetInterface>;
+
+constexpr int zones = 387;
+
+std::size_t placeOf(std::int32_t origin, std::int32_t destination) {
+    return static_cast<std::size_t>((origin - 1) * zones + destination - 1);
+}
+
+// "Origin 1", then "1 : 0.5; 2 : 7;" and so on.
+Cells tripsIn(std::string text) {
+    text.erase(0, text.find("Origin", text.find("<END OF METADATA>")));
+    for (char& c : text)
+        if (c == ':' || c == ';') c = ' ';
+    Cells trips(zones * zones);
+    std::istringstream words(text);
+    int origin = 0;
+    for (std::string word; words >> word;)
+        if (word == "Origin")
+            words >> origin;
+        else
+            words >> trips.at(placeOf(origin, std::stoi(word)));
+    return trips;
+}
+
+TRkMatrix matrixOf(Cells const& cells) {
+    TRkMatrix matrix = TRkMatrix::inMemory(zones, zones);
+    for (int row = 0; row < zones; ++row) std::copy_n(cells.begin() + row * zones, zones, matrix.RowAt(row, 8));
+    return matrix;
+}
+
+Cells cellsOf(TRkMatrix const& matrix) {
+    Cells cells;
+    for (int row = 0; row < zones; ++row) cells.insert(cells.end(), matrix.RowAt(row, 8), matrix.RowAt(row, 8) + zones);
+    return cells;
+}
+
+// By link number: the routes over it, in order.
+std::vector<Numbers> routesByLink(Ways const& ways) {
+    std::vector<Numbers> routes;
+    for (std::uint32_t route = 0; route < ways.size(); ++route)
+        for (auto const link : ways[route].links) {
+            if (link >= routes.size()) routes.resize(link + 1);
+            routes[link].push_back(route);
+        }
+    return routes;
+}
+
+std::uint32_t busiest(std::vector<Numbers> const& byLink) {
+    auto const fewer = [](Numbers const& a, Numbers const& b) { return a.size() < b.size(); };
+    return static_cast<std::uint32_t>(std::max_element(byLink.begin(), byLink.end(), fewer) - byLink.begin());
+}
+
+// What another program finds in the three files.
+constexpr char const* independentSelection = R"(
+import h5py, numpy, sys
+set_file, trips_file, selected_file, link = sys.argv[1:]
+with h5py.File(set_file) as f:
+    origins, destinations, offsets, links = (f[name][:] for name in ('origins', 'destinations', 'offsets', 'links'))
+    print(len(origins), len(links), f.attrs['cube_type'], *f.attrs['key'])
+routes = numpy.unique(numpy.repeat(numpy.arange(len(origins)), numpy.diff(offsets.astype('i8')))[links == int(link)])
+trips, cells = (h5py.File(name)['data/matrix'][:] for name in (trips_file, selected_file))
+over = numpy.zeros(trips.shape, bool)
+over[origins[routes] - 1, destinations[routes] - 1] = True
+print(len(routes), numpy.array_equal(cells, numpy.where(over, trips, 0)))
+)";
+
+class NetworkRoutes : public RouteCubeTest {
+protected:
+    /// Stores the routes of a file elsewhere as 1/2/3/4/5/6.
+    void storeAll(Ways const& ways) {
+        TVlRouteStorageRouteSet made(elsewhere.file("made.FDB").c_str());
+        ASSERT_EQ(made.open(romCreate, nullptr), 1);
+        auto* const set = made.getInterface();
+        for (auto const& way : ways)
+            ASSERT_EQ(set->addRoute({way.origin, way.destination, 1, way.links.data(),
+                          static_cast<std::int64_t>(way.links.size())}),
+                rrDone);
+        ASSERT_EQ(set->commit(), rrDone);
+        Reference<RouteStorageCubeData> record(new RouteStorageCubeData);
+        set->addRef();
+        record->setRouteStorage(set);
+        EXPECT_TRUE(store(routes(), 6, record.get()));
+    }
+    RouteSet fetchSet() {
+        auto const record = fetch(routes(), 6);
+        RouteSet set(static_cast<VelmoraRouteStorageRouteSetInterface*>(record->getRouteStorage()));
+        set->open(romRead, nullptr);
+        return set;
+    }
+    static Ways waysOf(RouteSet const& set) {
+        Ways ways;
+        Route route{};
+        while (set->getRoute(static_cast<std::int64_t>(ways.size()), &route) == rrDone)
+            ways.push_back({route.origin, route.destination, {route.links, route.links + route.linkCount}});
+        return ways;
+    }
+    /// The trips of the pairs of the routes, by their shares.
+    static Cells divided(Cells const& trips, RouteSet const& set, RouteNumbers const& found) {
+        Cells selected(trips.size());
+        for (std::int64_t i = 0; i < found.count; ++i) {
+            Route route{};
+            EXPECT_EQ(set->getRoute(found.numbers[i], &route), rrDone);
+            auto const place = placeOf(route.origin, route.destination);
+            selected[place] += trips[place] * route.share;
+        }
+        return selected;
+    }
+    static bool setParent(TRkVarCubes& cube, short cubenr, short p, short m, short t, short u, short r, short i) {
+        return cube.SetParentCubenr(1, 2, 3, 4, 5, 6, cubenr) &&
+               cube.SetParentPMTURI(1, 2, 3, 4, 5, 6, p, m, t, u, r, i);
+    }
+
+    TempDir const elsewhere;
+
+private:
+    ProviderPath nowhere_{""};
+};
+
+CUBES_BOTH_BACKENDS(NetworkRoutes);
+
+TEST_P(NetworkRoutes, ofChicagoDivideItsTrips) {
+    CUBES_REQUIRE_DATA("tntp/ChicagoSketch_net.tntp");
+    CUBES_REQUIRE_DATA("tntp/ChicagoSketch_trips.tntp");
+    auto const network = Network::parse(readFile(sharedData("tntp/ChicagoSketch_net.tntp")));
+    auto const ways = network.ways(Network::Cost::freeFlowTime);
+    auto const trips = tripsIn(readFile(sharedData("tntp/ChicagoSketch_trips.tntp")));
+    EXPECT_NEAR(std::accumulate(trips.begin(), trips.end(), 0.0), 1260907.44, 0.01);
+
+    TRkMatCubes tables(project().settings(), ".odm", false);
+    ASSERT_TRUE(tables.Set("Base", 1, 1, 1, 1, matrixOf(trips), lsNone, false));
+    storeAll(ways);
+    EXPECT_TRUE(setParent(routes(), tables.CubeNameToNr("Base"), 1, 1, 1, 1, -1, -1));
+
+    auto const set = fetchSet();
+    EXPECT_EQ(set->countRoutes(), 149'382);
+    EXPECT_EQ(set->countLinks(), 2'620'494);
+    EXPECT_TRUE(waysOf(set) == ways);
+
+    auto const byLink = routesByLink(ways);
+    auto const link = busiest(byLink);
+    RouteNumbers found{};
+    ASSERT_EQ(set->findRoutesOfLink(link, &found), rrDone);
+    EXPECT_TRUE(Numbers(found.numbers, found.numbers + found.count) == byLink[link]);
+    auto const selected = divided(trips, set, found);
+    EXPECT_GT(std::count_if(selected.begin(), selected.end(), [](float cell) { return cell > 0; }), 1000);
+    auto rest = trips;
+    for (auto const route : byLink[link]) rest[placeOf(ways[route].origin, ways[route].destination)] = 0;
+    std::transform(rest.begin(), rest.end(), selected.begin(), rest.begin(), std::plus<>());
+    EXPECT_TRUE(rest == trips);
+
+    TRkSelectedLinkCube results(project().settings(), false);
+    ASSERT_TRUE(results.Set(1, 2, 3, 4, 5, 6, matrixOf(selected), lsNone, false));
+    EXPECT_TRUE(setParent(results, ctRouteSet, 1, 2, 3, 4, 5, 6));
+    std::unique_ptr<TRkMatrix> const stored(results.Get(1, 2, 3, 4, 5, 6, lsRead, false));
+    ASSERT_NE(stored, nullptr);
+    EXPECT_TRUE(cellsOf(*stored) == selected);
+    EXPECT_EQ(parents(), "1|1|1|1|1|-1|-1\n-9|1|2|3|4|5|6\n");
+
+    auto const seen =
+        runPython(independentSelection, {routeFile(6), project().matrixDirectory() + "1-1-1-1-1.odm",
+                                            results.FileName(1, 2, 3, 4, 5, 6, false).str(), std::to_string(link)});
+    EXPECT_EQ(seen.output, "149382 2620494 -9 1 2 3 4 5 6\n" + std::to_string(byLink[link].size()) + " True\n")
+        << seen.errors;
+}
+
+}
+}
