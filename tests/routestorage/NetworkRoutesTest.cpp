@@ -129,11 +129,6 @@ protected:
         }
         return selected;
     }
-    static bool setParent(TRkVarCubes& cube, short cubenr, short p, short m, short t, short u, short r, short i) {
-        return cube.SetParentCubenr(1, 2, 3, 4, 5, 6, cubenr) &&
-               cube.SetParentPMTURI(1, 2, 3, 4, 5, 6, p, m, t, u, r, i);
-    }
-
     TempDir const elsewhere;
 
 private:
@@ -153,7 +148,8 @@ TEST_P(NetworkRoutes, ofChicagoDivideItsTrips) {
     TRkMatCubes tables(project().settings(), ".odm", false);
     ASSERT_TRUE(tables.Set("Base", 1, 1, 1, 1, matrixOf(trips), lsNone, false));
     storeAll(ways);
-    EXPECT_TRUE(setParent(routes(), tables.CubeNameToNr("Base"), 1, 1, 1, 1, -1, -1));
+    EXPECT_TRUE(routes().SetParentCubenr(1, 2, 3, 4, 5, 6, tables.CubeNameToNr("Base")));
+    EXPECT_TRUE(routes().SetParentPMTURI(1, 2, 3, 4, 5, 6, 1, 1, 1, 1, -1, -1));
 
     auto const set = fetchSet();
     EXPECT_EQ(set->countRoutes(), 149'382);
@@ -174,7 +170,7 @@ TEST_P(NetworkRoutes, ofChicagoDivideItsTrips) {
 
     TRkSelectedLinkCube results(project().settings(), false);
     ASSERT_TRUE(results.Set(1, 2, 3, 4, 5, 6, matrixOf(selected), lsNone, false));
-    EXPECT_TRUE(setParent(results, ctRouteSet, 1, 2, 3, 4, 5, 6));
+    EXPECT_TRUE(results.Add(1, 2, 3, 4, 5, 6, ctRouteSet, 1, 2, 3, 4, 5, 6, false));
     std::unique_ptr<TRkMatrix> const stored(results.Get(1, 2, 3, 4, 5, 6, lsRead, false));
     ASSERT_NE(stored, nullptr);
     EXPECT_TRUE(cellsOf(*stored) == selected);
