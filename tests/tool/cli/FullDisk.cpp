@@ -4,6 +4,7 @@
 #include "ToolSession.h"
 
 #include <optional>
+#include <random>
 
 namespace {
 
@@ -28,6 +29,20 @@ protected:
     ProcessResult runWithFullDisk(std::string const& lines) const {
         if (!mayMount_) return runWithLimit("0", lines);
         return runWithDisk(". && cd .", "head -c 10M /dev/zero > filler 2>/dev/null\n" + lines + "rm filler\n");
+    }
+    /// Small files of routes and their data, and a large one that no compression makes small.
+    void writeRoutes() const {
+        session_->run("mkdir -p results");
+        std::string const header = "origin,destination,route,sequence,link,share\n";
+        session_->write("small.csv", header + "1,2,1,1,7,1\n1,2,1,2,8,1\n");
+        session_->write("other.csv", header + "1,2,1,1,9,1\n");
+        session_->write("data.csv", "route,length:float\n0,1.5\n");
+        std::mt19937 random(1);
+        std::string large = header;
+        for (int line = 0; line < 60'000; ++line)
+            large += "1," + std::to_string(line % 1000 + 1) + ",1," + std::to_string(line) + "," +
+                     std::to_string(random()) + ",1\n";
+        session_->write("large.csv", large);
     }
     void expectReason(std::string const& errors) const {
         auto const* const reason = mayMount_ ? "No space left on device" : "File too large";
@@ -104,6 +119,53 @@ cat disk/*
     EXPECT_EQ(result.output, "3\n3\nold\nold\n");
     EXPECT_NE(result.errors.find("disk/out.csv"), std::string::npos) << result.errors;
     EXPECT_NE(result.errors.find("disk/out.omx"), std::string::npos) << result.errors;
+}
+
+// In the place of one entry there is a file that no row tells of: it stays too.
+TEST_P(FullDisk, leavesTheOldRoutesAndNoNewEntry) {
+    session_->makeProject();
+    writeRoutes();
+    auto const result = runWithDisk("results", R"(
+cubes routes import small.csv routes/1/1/1/1/1/1 >/dev/null
+cp results/RouteStorage_Routes/1-1-1-1-1-1.FDB results/RouteStorage_Routes/1-1-1-1-1-3.FDB
+cubes routes import large.csv routes/1/1/1/1/1/1; echo $?
+cubes routes import large.csv routes/1/1/1/1/1/2; echo $?
+cubes routes import large.csv routes/1/1/1/1/1/3; echo $?
+ls -A results/RouteStorage_Routes
+cmp results/RouteStorage_Routes/1-1-1-1-1-1.FDB results/RouteStorage_Routes/1-1-1-1-1-3.FDB
+cubes routes show routes/1/1/1/1/1/1 --od 1 2
+cubes list
+)");
+    EXPECT_EQ(result.output, "3\n3\n3\n.cubes-lock\n1-1-1-1-1-1.FDB\n1-1-1-1-1-3.FDB\n"
+                             "route  origin  destination  share  links\n    0       1            2      1  7 8\n"
+                             "number  name    entries\n    -9  routes        1\n");
+    EXPECT_NE(result.errors.find("cannot import large.csv into routes/1/1/1/1/1/2: "), std::string::npos)
+        << result.errors;
+    expectReason(result.errors);
+}
+
+TEST_P(FullDisk, hasNoRoomForEvenASmallFileOfRoutes) {
+    if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
+    session_->makeProject();
+    writeRoutes();
+    auto const result = runWithDisk("results", R"(
+cubes routes import small.csv routes/1/1/1/1/1/1 >/dev/null
+cubes routes import data.csv routedata/1/1/1/1/1/1 >/dev/null
+head -c 10M /dev/zero > results/filler 2>/dev/null
+cubes routes import other.csv routes/1/1/1/1/1/1; echo $?
+cubes routes import data.csv routedata/1/1/1/1/1/1; echo $?
+cubes routes import data.csv routedata/1/1/1/1/1/2; echo $?
+rm results/filler
+cubes routes show routes/1/1/1/1/1/1 --od 1 2
+cubes routes export routedata/1/1/1/1/1/1 back.csv >/dev/null; cmp data.csv back.csv
+cubes list
+ls -A results/RouteStorage_Routes
+)");
+    EXPECT_EQ(result.output, "3\n3\n3\n"
+                             "route  origin  destination  share  links\n    0       1            2      1  7 8\n"
+                             "number  name       entries\n    -9  routes           1\n   -10  routedata        1\n"
+                             "1-1-1-1-1-1.FDB\n");
+    expectReason(result.errors);
 }
 
 TEST_P(FullDisk, leavesNothingOfANewProject) {
