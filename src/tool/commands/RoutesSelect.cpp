@@ -56,7 +56,7 @@ private:
     static void show(Entry const& stored, Statistics const& figures, std::string const& file, Output& output) {
         Record done;
         done.add("entry", "entry", stored.text());
-        done.add("pairs", "pairs of zones", cellsIn(figures) - figures.zeros);
+        done.add("pairs", "pairs of zones", cellsIn(figures));
         done.add("total", "total", trusted(figures.total, cellsIn(figures)));
         done.add("file", "file", file);
         output.show(done);

@@ -63,6 +63,7 @@ std::string wholeError(std::string const& found) {
 }
 
 constexpr char const* two = "1>3 0.75: 10 20\n1>3 0.25: 15\n";
+constexpr char const* secondFirst = "1>3 0.25: 15\n1>3 0.75: 10 20\n";
 
 }
 
@@ -78,7 +79,7 @@ INSTANTIATE_TEST_SUITE_P(RoutesCsv, GoodRoutesCsv,
             "share,link,sequence,route,destination,origin\n.75,10,1,1,3,1\n.75,20,2,1,3,1\n.25,15,1,2,3,1\n", two},
         GoodFile{"headerInCapitals",
             "Origin,DESTINATION,Route,Sequence,LINK,Share\n1,3,1,1,10,0.75\n1,3,1,2,20,0.75\n1,3,2,1,15,0.25\n", two},
-        GoodFile{"linesInAnyOrder", header + "1,3,2,1,15,0.25\n1,3,1,2,20,0.75\n1,3,1,1,10,0.75\n", two},
+        GoodFile{"linesInAnyOrder", header + "1,3,2,1,15,0.25\n1,3,1,2,20,0.75\n1,3,1,1,10,0.75\n", secondFirst},
         GoodFile{"byteOrderMarkAndWindowsLineEnds",
             "\xEF\xBB\xBForigin,destination,route,sequence,link,share\r\n1,3,1,1,10,0.75\r\n1,3,1,2,20,0.75\r\n"
             "1,3,2,1,15,0.25\r\n",
@@ -90,14 +91,17 @@ INSTANTIATE_TEST_SUITE_P(RoutesCsv, GoodRoutesCsv,
             "1,3,1,2,20,\"0.75\"\n1,3,\"2\",1,15,0.25 \n",
             two},
         GoodFile{"numbersOfRoutesAndSequencesWithGaps",
-            header + "1,3,4294967295,0,15,0.25\n1,3,0,4294967295,20,7.5e-1\n1,3,0,7,10,0.75\n", two},
+            header + "1,3,4294967295,0,15,0.25\n1,3,0,4294967295,20,7.5e-1\n1,3,0,7,10,0.75\n", secondFirst},
         GoodFile{"plusSigns", header + "+1,+3,+1,+1,+10,+0.75\n1,3,1,2,20,0.75\n1,3,2,1,15,0.25\n", two},
         GoodFile{
-            "pairsInAnyOrder", header + "2,1,1,1,5,1\n1,10,1,1,6,1\n1,2,1,1,7,1\n", "1>2 1: 7\n1>10 1: 6\n2>1 1: 5\n"},
+            "pairsInAnyOrder", header + "2,1,1,1,5,1\n1,10,1,1,6,1\n1,2,1,1,7,1\n", "2>1 1: 5\n1>10 1: 6\n1>2 1: 7\n"},
+        GoodFile{"routesInEachOther",
+            header + "5,4,1,2,8,1\n1,2,9,3,3,1\n5,4,1,1,7,1\n1,2,1,1,6,1\n1,2,9,1,1,1\n1,2,9,2,2,1\n",
+            "5>4 1: 7 8\n1>2 1: 1 2 3\n1>2 1: 6\n"},
         GoodFile{"withoutLinks", header + "4,4,1,,,1\n", "4>4 1:\n"},
         GoodFile{"withoutLinksInQuotes", header + "4,4,1,\"\", ,1\n", "4>4 1:\n"},
         GoodFile{
-            "someWithoutLinks", header + "1,2,2,1,7,0.5\n1,2,1,,,0.5\n1,1,1,,,1\n", "1>1 1:\n1>2 0.5:\n1>2 0.5: 7\n"},
+            "someWithoutLinks", header + "1,2,2,1,7,0.5\n1,2,1,,,0.5\n1,1,1,,,1\n", "1>2 0.5: 7\n1>2 0.5:\n1>1 1:\n"},
         GoodFile{"aLinkTwice", header + "1,2,1,1,5,1\n1,2,1,2,6,1\n1,2,1,3,5,1\n", "1>2 1: 5 6 5\n"},
         GoodFile{"largestNumbers", header + "2147483647,2147483647,1,1,4294967295,3.4028235e38\n",
             "2147483647>2147483647 3.4028235e+38: 4294967295\n"},
