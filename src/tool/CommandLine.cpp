@@ -19,7 +19,7 @@ constexpr char const* about =
 constexpr char const* entryHelp =
     "An ENTRY is CUBE/purpose/mode/time/user, the cube by name or number, the rest from 1: Base/1/1/1/1,\n"
     "or KIND/purpose/mode/time/user/result/iteration: skim/1/1/1/1/1/1. The kinds of results are skim,\n"
-    "selectedlink, cordon, screen, transit, path, stop2stop, routes and routedata. Fares are "
+    "selectedlink, cordon, screen, transit, path, stop2stop, routes and routedata. Fares are\n"
     "fare/purpose/mode/time/user.";
 constexpr char const* more = "`cubes COMMAND --help` tells more about a command.\n"
                              "Exit codes: 0 done, 1 not found or refused, 2 wrong usage, 3 failed";
