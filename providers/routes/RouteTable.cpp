@@ -69,6 +69,8 @@ void RouteTable::requireSound() const {
     if (size() > mostRoutes) throw std::runtime_error("it has too many routes");
     if (destinations.size() != size()) throw std::runtime_error("destinations has another size than origins");
     if (shares.size() != size()) throw std::runtime_error("shares has another size than origins");
+    if (!std::all_of(shares.begin(), shares.end(), [](float share) { return std::isfinite(share); }))
+        throw std::runtime_error("a share is no finite number");
     requireOffsets("offsets", offsets, size(), links.size());
 }
 

@@ -88,6 +88,7 @@ private:
         std::optional<Content> read;
         readStoredFile(fileName_, [&](hid_t file) {
             Stamp const stored = readRoot(file, Content::kind);
+            inFile_ = stored;
             read = Content::read(file);
             if (!stamp_.cubeType) stamp_.cubeType = stored.cubeType;
             if (!stamp_.key) stamp_.key = stored.key;
@@ -100,24 +101,29 @@ private:
         isForAdding_ = forAdding;
     }
 
-    void write(Content& content) const {
+    void write(Content& content) {
         writeStoredFile(fileName_, [&](hid_t file) {
             writeRoot(file, Content::kind, stamp_);
             content.write(file);
         });
+        inFile_ = stamp_;
     }
 
     void setStamp(Stamp const& changed) {
         answering("change the key of", [&] {
-            bool const isInFile = content_ && isForAdding_;
-            if (isInFile && changed != stamp_) restampStoredFile(fileName_, changed);
             stamp_ = changed;
+            bool const isInFile = content_ && isForAdding_;
+            if (!isInFile || inFile_ == changed) return VL::Interface::rrDone;
+            restampStoredFile(fileName_, changed);
+            inFile_ = changed;
             return VL::Interface::rrDone;
         });
     }
 
     std::string fileName_;
     Stamp stamp_;
+    /// What the file says, as far as it is known.
+    Stamp inFile_;
     std::optional<Content> content_;
     bool isForAdding_ = false;
 };

@@ -102,6 +102,7 @@ private:
     void place(Entry const& from, Entry const& to, FilePlacing placing, Existing existing);
     bool fileIsThere(Entry const& entry) const;
     void takeBack(Entry const& entry, bool hadFile);
+    TRkMatrix lockOf(Entry const& entry) const;
     void giveParent(Entry const& entry, ParentNumbers const& parent);
     std::string whyNotPlaced(std::string const& file, Entry const& to) const;
     Entry copyRoutes(std::string const& file, Entry const& from, EntryWord const& word, Existing existing);

@@ -2,12 +2,12 @@
 
 #include "tool/Catalogue.h"
 #include "tool/Errors.h"
+#include "tool/FileBeside.h"
 #include "tool/Kinds.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <random>
 
 namespace cubes::tool {
 
@@ -24,31 +24,6 @@ bool shareFiles(Entry const& a, Entry const& b) {
     if (a.cube.holdsRoutes() || b.cube.holdsRoutes()) return a.cube.kind == b.cube.kind;
     return a.cube.kind == b.cube.kind || (a.cube.isOfResults() && b.cube.isOfResults());
 }
-
-/// A file beside its place, which it takes when it is complete.
-class FileBeside {
-public:
-    explicit FileBeside(fs::path const& place)
-        : place_(place), path_(place.parent_path() / fmt::format(".{}.{:08x}.cubes-tmp", place.filename().string(),
-                                                         std::random_device()())) {}
-    ~FileBeside() {
-        std::error_code ignored;
-        fs::remove(path_, ignored);
-    }
-    FileBeside(FileBeside const&) = delete;
-    FileBeside& operator=(FileBeside const&) = delete;
-
-    std::string path() const { return path_.string(); }
-    void takePlace() const {
-        std::error_code error;
-        fs::rename(path_, place_, error);
-        if (error) throw Failure(fmt::format("cannot write {}: {}", place_.string(), error.message()));
-    }
-
-private:
-    fs::path place_;
-    fs::path path_;
-};
 
 // Taking back what was begun: what fails then is not what the user has to know.
 template <typename Undo>
@@ -92,9 +67,16 @@ Entry Catalogue::storeRoutes(
     return inCube(word, [&](Entry const& entry) {
         fill(entry, [&] {
             FileBeside const file(path(entry));
+            std::error_code ignored;
+            if (fs::is_directory(path(entry), ignored))
+                throw Failure(fmt::format("cannot write {}: it is a directory", path(entry)));
+            auto const lock = lockOf(entry);
+            if (!lock.IsValid()) throw Failure(lock.Reason());
             write(entry, file.path());
             file.takePlace();
         });
+        // Who failed to make the entry at the same moment may have taken its row away.
+        if (!has(entry)) familyOf(entry.cube).add(entry);
     });
 }
 
@@ -130,12 +112,17 @@ bool Catalogue::fileIsThere(Entry const& entry) const {
 // Takes back the row of an entry that was to be new, unless someone else stores it at the same
 // moment: who is at it holds the file's lock, who has done it left a file. In place of a directory nobody can.
 void Catalogue::takeBack(Entry const& entry, bool hadFile) {
-    TRkMatrix const lock(
-        1, 1, familyOf(entry.cube).matrixType(), path(entry).c_str(), 1, "", "", false, mkDefault, lsReadWrite);
+    auto const lock = lockOf(entry);
     std::error_code ignored;
     bool const isDirectory = fs::is_directory(path(entry), ignored);
-    if (!isDirectory && (!lock.IsValid() || (!hadFile && fileIsThere(entry)))) return;
+    bool const isHeld = !lock.IsValid() && FileBeside(path(entry)).canBeMade();
+    if (!isDirectory && (isHeld || (!hadFile && fileIsThere(entry)))) return;
     if (auto const table = familyOf(entry.cube).row(entry)) table->Delete();
+}
+
+// The lock of an entry's file, for as long as the object lives; not valid when it is refused.
+TRkMatrix Catalogue::lockOf(Entry const& entry) const {
+    return {1, 1, familyOf(entry.cube).matrixType(), path(entry).c_str(), 1, "", "", false, mkDefault, lsReadWrite};
 }
 
 void Catalogue::refuseToReplace(Entry const& entry) const {
@@ -227,14 +214,16 @@ std::string Catalogue::whyNotPlaced(std::string const& file, Entry const& to) co
     if (isDirectory != fs::is_directory(target, error)) return told + ": one is a directory";
     auto const room = fs::space(directoryOf(to.cube.kind), error).available;
     if (!error && room < size) return told + ": no space is left";
-    TRkMatrix const unwritable(
-        1, 1, familyOf(to.cube).matrixType(), target.c_str(), 1, "", "", false, mkDefault, lsReadWrite);
+    auto const unwritable = lockOf(to);
     return unwritable.IsValid() ? told : fmt::format("{}: {}", told, unwritable.Reason());
 }
 
 Entry Catalogue::copyFrom(Catalogue& source, Entry const& from, EntryWord const& word, Existing existing) {
     refuseSharedDirectory(source, from, word);
-    if (from.cube.holdsRoutes()) return copyRoutes(source.path(from), from, word, existing);
+    if (from.cube.holdsRoutes()) {
+        source.refuseUse(from);
+        return copyRoutes(source.path(from), from, word, existing);
+    }
     source.project_.makeCurrent();
     auto const found = source.matrix(from);
     project_.makeCurrent();
@@ -250,6 +239,8 @@ Entry Catalogue::copyRoutes(std::string const& file, Entry const& from, EntryWor
     if (word.cube.kind != from.cube.kind)
         throw Refusal(fmt::format("{} holds routes, {} does not", from.text(), word.text()));
     requireFile(from, file);
+    std::error_code ignored;
+    if (!fs::is_regular_file(file, ignored)) throw Failure(fmt::format("there is no file {}", file));
     refuseExisting(possibleEntry(word), existing);
     refuseUse(possibleEntry(word));
     auto const copied = storeRoutes(word, [&](Entry const&, std::string const& path) { fs::copy_file(file, path); });

@@ -42,6 +42,8 @@ class Record {
 public:
     /// An empty label: in JSON only.
     void add(std::string key, std::string label, Json value);
+    /// Adds all that is in another record.
+    void add(Record const& more) { facts_.insert(facts_.end(), more.facts_.begin(), more.facts_.end()); }
 
     std::string asText() const;
     Json asJson() const;

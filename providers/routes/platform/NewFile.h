@@ -4,7 +4,7 @@
 
 namespace cubes::routes::platform {
 
-/// A file in the making: it lies beside its target as ".<target>.<process>-<counter>.cubes-tmp" until
+/// A file in the making: it lies beside its target as ".<target>.<process>-<counter>r.cubes-tmp" until
 /// it takes the target's place. Without that it is removed at the end. Failures throw std::system_error.
 class NewFile {
 public:

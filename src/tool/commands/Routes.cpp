@@ -2,6 +2,7 @@
 
 #include "tool/Errors.h"
 #include "tool/Kinds.h"
+#include "tool/formats/NumberText.h"
 
 #include <cubes/catalogue/RkCubeTypes.h>
 
@@ -11,6 +12,27 @@
 #include <filesystem>
 
 namespace cubes::tool {
+
+namespace {
+
+template <typename Read>
+auto number(char const* what, std::string const& text, Read const& read) {
+    try {
+        return read(text, Place{what, 0});
+    } catch (FormatError const&) {
+        throw Refusal(fmt::format("\"{}\" is no number of a {}", text, what));
+    }
+}
+
+}
+
+std::int32_t parseZone(std::string const& text) {
+    return number("zone", text, zoneNumber);
+}
+
+std::uint32_t parseLink(std::string const& text) {
+    return number("link", text, wholeNumber);
+}
 
 EntryWord parseRoutes(std::string const& word) {
     auto const entry = parseEntry(word);

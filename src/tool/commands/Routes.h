@@ -17,6 +17,9 @@ public:
 EntryWord parseRoutes(std::string const& word);
 /// The same; route data are refused too.
 EntryWord parseRouteSet(std::string const& word);
+/// Both refuse a text that is no number of one.
+std::int32_t parseZone(std::string const& text);
+std::uint32_t parseLink(std::string const& text);
 /// The file of an entry that is there and not in use; Refusal and Failure otherwise.
 std::string routeFileOf(Entry const& entry, Catalogue const& catalogue);
 

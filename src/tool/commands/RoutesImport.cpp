@@ -34,30 +34,39 @@ public:
     }
 
 private:
-    void storeSet(EntryWord const& word, std::string const& directory, Output& output) const {
+    template <typename Reader>
+    auto read(Reader const& reader) const {
         Progress progress("reading " + file_);
-        auto const routes = readRoutesCsv(file_, [&](double share) { progress.reached(share); });
-        Catalogue catalogue(directory);
-        auto const entry = catalogue.storeRoutes(word,
-            [&](Entry const& stored, std::string const& path) { writeRouteSet(path, routeKeyOf(stored), routes); });
-        Record done;
-        done.add("entry", "entry", entry.text());
-        done.add("routes", "routes", routes.size());
-        done.add("links", "links", routes.linkCount());
-        done.add("file", "file", catalogue.path(entry));
-        output.show(done);
+        return reader(file_, [&](double share) { progress.reached(share); });
+    }
+
+    void storeSet(EntryWord const& word, std::string const& directory, Output& output) const {
+        auto const routes = read(readRoutesCsv);
+        Record facts;
+        facts.add("routes", "routes", routes.size());
+        facts.add("links", "links", routes.linkCount());
+        store(word, directory, facts, output,
+            [&](std::string const& path, RouteKey const& key) { writeRouteSet(path, key, routes); });
     }
 
     void storeData(EntryWord const& word, std::string const& directory, Output& output) const {
-        Progress progress("reading " + file_);
-        auto const fields = readRouteDataCsv(file_, [&](double share) { progress.reached(share); });
+        auto const fields = read(readRouteDataCsv);
+        Record facts;
+        facts.add("routes", "routes", fields.front().values.size());
+        facts.add("fields", "fields", fields.size());
+        store(word, directory, facts, output,
+            [&](std::string const& path, RouteKey const& key) { writeRouteData(path, key, fields); });
+    }
+
+    template <typename Write>
+    static void store(
+        EntryWord const& word, std::string const& directory, Record const& facts, Output& output, Write const& write) {
         Catalogue catalogue(directory);
-        auto const entry = catalogue.storeRoutes(word,
-            [&](Entry const& stored, std::string const& path) { writeRouteData(path, routeKeyOf(stored), fields); });
+        auto const entry = catalogue.storeRoutes(
+            word, [&](Entry const& stored, std::string const& path) { write(path, routeKeyOf(stored)); });
         Record done;
         done.add("entry", "entry", entry.text());
-        done.add("routes", "routes", fields.front().values.size());
-        done.add("fields", "fields", fields.size());
+        done.add(facts);
         done.add("file", "file", catalogue.path(entry));
         output.show(done);
     }

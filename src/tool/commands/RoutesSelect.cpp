@@ -5,7 +5,6 @@
 #include "tool/commands/Commands.h"
 #include "tool/commands/Routes.h"
 #include "tool/formats/MatrixTable.h"
-#include "tool/formats/NumberText.h"
 #include "tool/routes/SelectLink.h"
 
 #include <fmt/format.h>
@@ -29,6 +28,7 @@ public:
 
     void run(Surroundings const& surroundings, Output& output) override {
         auto const routesWord = parseRouteSet(entry_);
+        auto const link = parseLink(link_);
         auto const tripsWord = parseEntry(trips_);
         auto const resultWord = parseEntry(result_);
         if (!resultWord.cube.kind || !resultWord.cube.kind->isResult || resultWord.cube.kind->holdsRoutes)
@@ -37,7 +37,7 @@ public:
         auto const entry = catalogue.entry(routesWord);
         auto const trips = tableOf(*catalogue.matrix(catalogue.entry(tripsWord)));
         RouteSetFile const set(routeFileOf(entry, catalogue));
-        auto const selected = tripsOverLink(set, link(), trips);
+        auto const selected = tripsOverLink(set, link, trips);
         auto const matrix = matrixOf(selected);
         auto const stored = catalogue.store(resultWord, matrix);
         catalogue.setParent(stored, numbersOf(entry));
@@ -45,14 +45,6 @@ public:
     }
 
 private:
-    std::uint32_t link() const {
-        try {
-            return wholeNumber(link_, {"link", 0});
-        } catch (FormatError const&) {
-            throw Refusal(fmt::format("\"{}\" is no number of a link", link_));
-        }
-    }
-
     static void show(Entry const& stored, Statistics const& figures, std::string const& file, Output& output) {
         Record done;
         done.add("entry", "entry", stored.text());

@@ -2,7 +2,6 @@
 #include "tool/Messages.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Routes.h"
-#include "tool/formats/NumberText.h"
 
 #include <fmt/format.h>
 
@@ -11,20 +10,6 @@
 namespace cubes::tool {
 
 namespace {
-
-// The number of a zone or link in the text.
-template <typename Read>
-auto number(char const* what, std::string const& text, Read const& read) {
-    try {
-        return read(text, Place{what, 0});
-    } catch (FormatError const&) {
-        throw Refusal(fmt::format("\"{}\" is no number of a {}", text, what));
-    }
-}
-
-std::int32_t zone(std::string const& text) {
-    return number("zone", text, zoneNumber);
-}
 
 class RoutesShow : public RoutesCommand {
 public:
@@ -54,8 +39,8 @@ public:
 
 private:
     std::vector<std::size_t> picked(RouteSetFile const& set) const {
-        if (!pair_.empty()) return set.ofPair(zone(pair_[0]), zone(pair_[1]));
-        return set.overLink(number("link", link_, wholeNumber));
+        if (!pair_.empty()) return set.ofPair(parseZone(pair_[0]), parseZone(pair_[1]));
+        return set.overLink(parseLink(link_));
     }
 
     static void showSet(Entry const& entry, std::string const& file, RouteSetFile const& set, Output& output) {

@@ -37,10 +37,12 @@ void open(File& file, std::string const& path, long mode) {
 
 template <typename File>
 void create(File& file, std::string const& path, RouteKey const& key) {
-    open(file, path, romCreate);
     auto const& [p, m, t, u, r, i] = key.key;
-    file.getInterface()->setCubeType(key.cube);
-    file.getInterface()->setKey(p, m, t, u, r, i);
+    if (auto* const made = file.getInterface()) {
+        made->setCubeType(key.cube);
+        made->setKey(p, m, t, u, r, i);
+    }
+    open(file, path, romCreate);
 }
 
 std::vector<std::size_t> listOf(RouteNumbers const& found) {

@@ -90,6 +90,7 @@ Foreign const refused[] = {
     {"withRealLinks", "replace('links', [10, 10, 20, 20], 'f4')", "links has numbers of another type"},
     {"withTextLinks", "replace('links', [b'a', b'b'], 'S1')", "links has numbers of another type"},
     {"withFewOrigins", "replace('origins', [1], 'i4')", "destinations has another size"},
+    {"withAShareThatIsNoNumber", "replace('shares', [1, float('nan'), 1], 'f4')", "a share is no finite number"},
     {"withFewShares", "replace('shares', [1], 'f4')", "shares has another size"},
     {"withFewOffsets", "replace('offsets', [0, 4], 'u8')", "offsets does not fit"},
     {"withNoOffsets", "replace('offsets', [], 'u8')", "offsets does not fit"},

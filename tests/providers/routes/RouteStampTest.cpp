@@ -92,4 +92,15 @@ TEST_F(RouteStampTest, ofAFileThatIsGoneCanNotBeChanged) {
     std::filesystem::remove(file);
     set->setCubeType(-9);
     EXPECT_EQ(lastError(), "cannot change the key of " + file + ": there is no such file");
+    EXPECT_EQ(set->commit(), rrDone);
+    EXPECT_EQ(stampOf(file), (Stamp{-9, noKey}));
+}
+
+TEST_F(RouteStampTest, setBeforeOpeningForAddingIsWrittenWhenItIsSetAgain) {
+    routeSet(file, romCreate)->setKey(1, 1, 1, 1, 1, 1);
+    auto const set = routeSet(file);
+    set->setKey(2, 2, 2, 2, 2, 2);
+    set->open(romExtend, nullptr);
+    set->setKey(2, 2, 2, 2, 2, 2);
+    EXPECT_EQ(stampOf(file), (Stamp{0, Key{2, 2, 2, 2, 2, 2}}));
 }

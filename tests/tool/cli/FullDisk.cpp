@@ -164,7 +164,7 @@ ls -A results/RouteStorage_Routes
     EXPECT_EQ(result.output, "3\n3\n3\n"
                              "route  origin  destination  share  links\n    0       1            2      1  7 8\n"
                              "number  name       entries\n    -9  routes           1\n   -10  routedata        1\n"
-                             "1-1-1-1-1-1.FDB\n");
+                             ".cubes-lock\n1-1-1-1-1-1.FDB\n");
     expectReason(result.errors);
 }
 
