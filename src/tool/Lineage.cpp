@@ -16,6 +16,16 @@ std::vector<Entry> ancestorsOf(Entry const& entry, Catalogue const& catalogue) {
     return ancestors;
 }
 
+std::vector<Entry> derivedFrom(Entry const& entry, Catalogue const& catalogue) {
+    Lineage const lineage(catalogue);
+    std::vector<Entry> found = {entry};
+    std::set<Entry, EntryOrder> seen = {entry};
+    for (std::size_t i = 0; i < found.size(); ++i)
+        for (auto const& child : lineage.childrenOf(found[i]))
+            if (seen.insert(child).second) found.push_back(child);
+    return found;
+}
+
 Lineage::Lineage(Catalogue const& catalogue) {
     for (auto const& kind : kinds())
         for (auto const& row : catalogue.derivedOf(kind)) children_[catalogue.entryOf(row.parent)].push_back(row.entry);

@@ -19,6 +19,9 @@ struct EntryOrder {
 /// that lead in a circle end it.
 std::vector<Entry> ancestorsOf(Entry const& entry, Catalogue const& catalogue);
 
+/// The entry and all that was derived from it, each after what it was derived from.
+std::vector<Entry> derivedFrom(Entry const& entry, Catalogue const& catalogue);
+
 /// Which results were derived from which entries, of all results, read once.
 class Lineage {
 public:

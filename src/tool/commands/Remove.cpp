@@ -1,3 +1,4 @@
+#include "tool/Lineage.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Removal.h"
 
@@ -11,18 +12,34 @@ public:
 
     void declare(Arguments arguments) override {
         arguments.required("WHAT", what_, "CUBE, or ENTRY; fares or a kind of results stand for all their entries");
+        arguments.flag("--with-children", withChildren_, "Remove all that was derived from an entry as well");
     }
 
     std::string task() const override { return "remove " + what_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        if (isEntry(what_))
+        if (withChildren_)
+            removeWithChildren(parseEntry(what_), surroundings, output);
+        else if (isEntry(what_))
             removeEntry(parseEntry(what_), "removed", surroundings, output);
         else
             removeCube(parseCube(what_), surroundings, output);
     }
 
 private:
+    // Children go before what they were derived from; nothing goes when one of them is in use.
+    static void removeWithChildren(EntryWord const& word, Surroundings const& surroundings, Output& output) {
+        auto catalogue = Catalogue::open(surroundings);
+        auto const entries = derivedFrom(catalogue.entry(word), catalogue);
+        auto const files = filesOf(entries, catalogue);
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) catalogue.remove(*entry);
+        tellOfFilesThatStayed(files);
+        Record removed;
+        removed.add("removed", "removed", entries.front().text());
+        removed.add("entries", "entries", entries.size());
+        output.show(removed);
+    }
+
     static void removeCube(CubeWord const& word, Surroundings const& surroundings, Output& output) {
         auto catalogue = Catalogue::open(surroundings);
         auto const cube = catalogue.cube(word);
@@ -48,6 +65,7 @@ private:
     }
 
     std::string what_;
+    bool withChildren_ = false;
 };
 
 }

@@ -159,6 +159,18 @@ TEST_P(LineageSession, ofCubesIsNotClearedTwiceByTwo) {
     EXPECT_EQ(output("entries Much --json"), "[]\n");
 }
 
+TEST_P(LineageSession, isRemovedAsAWhole) {
+    succeeds(cubes("use skim/1/1/1/1/1/3 +1"));
+    EXPECT_EQ(exitCode("remove skim/1/1/1/1/1/1 --with-children"), 1);
+    EXPECT_EQ(output("tree skim/1/1/1/1/1/3").find("missing"), std::string::npos);
+    succeeds(cubes("use skim/1/1/1/1/1/3 -1"));
+    EXPECT_EQ(output("remove skim/1/1/1/1/1/2 --with-children"), "removed  skim/1/1/1/1/1/2\nentries  2\n");
+    EXPECT_EQ(output("tree Base/1/1/1/1"), "* Base/1/1/1/1\n    skim/1/1/1/1/1/1\n");
+    setParent(1, parentOne + std::string("1"));
+    EXPECT_EQ(output("remove skim/1/1/1/1/1/1 --with-children"), "removed  skim/1/1/1/1/1/1\nentries  1\n");
+    EXPECT_EQ(exitCode("remove Base --with-children"), 2);
+}
+
 TEST_P(LineageSession, countsUsersOnDemand) {
     EXPECT_EQ(output("use skim/1/1/1/1/1/1"), "entry  skim/1/1/1/1/1/1\nusers  0\n");
     succeeds(cubes("use skim/1/1/1/1/1/1 +1"));
