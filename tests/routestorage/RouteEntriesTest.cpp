@@ -3,54 +3,12 @@
 
 #include <filesystem>
 
-#include "routestorage/RouteCubeTest.h"
+#include "routestorage/RouteEntriesTest.h"
 
 namespace cubes::test {
 namespace {
 
-// Both cubes as the provider and the entry table see them.
-struct Kind {
-    RouteStorageBaseCube& cube;
-    std::string object;
-    std::string number;
-    std::string directory;
-};
-
-class RouteEntries : public RouteCubeTest {
-protected:
-    std::vector<Kind> kinds() {
-        return {{routes(), "set", "-9", "RouteStorage_Routes"}, {data(), "data", "-10", "RouteStorage_RouteData"}};
-    }
-    std::string fileOf(Kind const& kind, std::string const& key) { return pathOf(kind.directory + "/" + key + ".FDB"); }
-    static std::string rowOf(Kind const& kind, std::string const& parts, std::string const& name) {
-        return kind.number + "|" + parts + "|0|" + kind.directory + "\\" + name + ".FDB\n";
-    }
-    static std::string assigned(Kind const& kind, std::string const& key) {
-        return kind.object + ".setCubeType " + kind.number + "\n" + kind.object + ".setKey " + key + "\n";
-    }
-    static std::string created(Kind const& kind, std::string const& name, std::string const& key) {
-        std::string const& object = kind.object;
-        return object + ".make " + name + ".FDB\n" + assigned(kind, key) + object + ".getFileName\nsettings.make " +
-               name + ".FDB\n" + object + ".open 1 with settings\nsettings.release -1\n" + object + ".release -1\n";
-    }
-
-    // A record with a storage of the provider for a file that lies elsewhere.
-    template <typename Wrapper>
-    Reference<RouteStorageCubeData> recordFor(std::string const& file) {
-        Reference<RouteStorageCubeData> record(new RouteStorageCubeData);
-        Wrapper const wrapper(file.c_str());
-        wrapper.getInterface()->addRef();
-        record->setRouteStorage(wrapper.getInterface());
-        return record;
-    }
-    Reference<RouteStorageCubeData> recordFor(Kind const& kind, std::string const& file) {
-        if (kind.object == "set") return recordFor<VL::Interface::TVlRouteStorageRouteSet>(file);
-        return recordFor<VL::Interface::TVlRouteStorageDataSet>(file);
-    }
-
-    FakeProvider fake;
-    TempDir elsewhere;
-};
+class RouteEntries : public RouteEntriesTest {};
 
 CUBES_BOTH_BACKENDS(RouteEntries);
 
@@ -226,81 +184,6 @@ TEST_P(RouteEntries, ofTheOtherKindAreCopiedAllTheSame) {
     EXPECT_EQ(readFile(routeFile(6)), "some data");
 }
 
-TEST_P(RouteEntries, areFetchedWithAStorageForTheirFile) {
-    for (auto const& kind : kinds()) {
-        EXPECT_TRUE(kind.cube.SetData(nullptr, 1, 2, 3, 4, 5, 6, -9, 9, 8, 7, 6, 5, 4, false));
-        fake.calls();
-        auto record = fetch(kind.cube, 6);
-        ASSERT_NE(record, nullptr);
-        EXPECT_EQ(fake.calls(), kind.object + ".make 1-2-3-4-5-6.FDB\n" + assigned(kind, "1 2 3 4 5 6") + kind.object +
-                                    ".addRef 1\n" + kind.object + ".addRef 2\n" + kind.object + ".release 1\n");
-        EXPECT_EQ(keyOf(*record), "1 2 3 4 5 6");
-        EXPECT_EQ(record->getParentPurpose(), -1);
-        EXPECT_EQ(record->getParentCubeNr(), 0);
-        {
-            Reference<VL::Interface::RouteStorageInterface> const storage(record->getRouteStorage());
-            EXPECT_EQ(storage->getFileName(), fileOf(kind, "1-2-3-4-5-6"));
-        }
-        fake.calls();
-        EXPECT_EQ(record.release()->release(), 0);
-        EXPECT_EQ(fake.calls(), kind.object + ".release 0\n");
-        EXPECT_EQ(fake.living(), 0);
-    }
-}
-
-TEST_P(RouteEntries, givenZeroBasedAreFetchedWithTheirOneBasedKey) {
-    for (auto const& kind : kinds()) {
-        kind.cube.SetData(nullptr, 1, 1, 1, 1, 5, 6, 0, -1, -1, -1, -1, -1, -1, false);
-        fake.calls();
-        auto const record = recordOf(kind.cube.GetData(0, 0, 0, 0, 5, 6, true));
-        ASSERT_NE(record, nullptr);
-        EXPECT_EQ(keyOf(*record), "1 1 1 1 5 6");
-        EXPECT_EQ(fake.calls().find(kind.object + ".make 1-1-1-1-5-6.FDB\n" + assigned(kind, "1 1 1 1 5 6")), 0u);
-        EXPECT_EQ(kind.cube.GetData(0, 0, 0, 0, 5, 6, false), nullptr);
-        EXPECT_EQ(kind.cube.GetData(1, 1, 1, 1, 5, 6, true), nullptr);
-    }
-}
-
-TEST_P(RouteEntries, cannotBeFetchedWhenMissingInUseOrWithoutFile) {
-    for (auto const& kind : kinds()) {
-        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
-        store(kind.cube, 6);
-        kind.cube.incUsage(1, 2, 3, 4, 5, 6);
-        fake.calls();
-        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
-        kind.cube.decUsage(1, 2, 3, 4, 5, 6);
-        EXPECT_NE(fetch(kind.cube, 6), nullptr);
-        fake.calls();
-        std::filesystem::remove(fileOf(kind, "1-2-3-4-5-6"));
-        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
-        EXPECT_EQ(fake.calls(), "");
-    }
-}
-
-TEST_P(RouteEntries, withNamesThatLeadOutAreNeverOpened) {
-    for (auto const& kind : kinds()) {
-        store(kind.cube, 6);
-        fake.calls();
-        writeFile(project().root() + "/outside", "secret");
-        execute("update " + table() + " set filename = '..\\outside'");
-        EXPECT_EQ(kind.cube.GetData(1, 2, 3, 4, 5, 6, false), nullptr);
-        EXPECT_EQ(fake.calls(), "");
-        EXPECT_EQ(data().getFieldMetadata(1, 2, 3, 4, 5, 6)->release(), 0);
-        kind.cube.Clear();
-        EXPECT_EQ(readFile(project().root() + "/outside"), "secret");
-    }
-}
-
-TEST_P(RouteEntries, withKeysThatCannotBeStoredAreNotThere) {
-    constexpr short last = 32767;
-    for (auto const& kind : kinds()) {
-        EXPECT_TRUE(kind.cube.SetData(nullptr, last, 1, 1, 1, 1, 1, 0, -1, -1, -1, -1, -1, -1, true));
-        EXPECT_EQ(kind.cube.GetData(last, 1, 1, 1, 1, 1, true), nullptr);
-    }
-    EXPECT_EQ(rows(), "");
-    EXPECT_EQ(fake.calls(), "");
-}
-
 TEST_P(RouteEntries, areRegisteredWhenTheProviderMakesNoObjects) {
     FakeProvider without("without");
     for (auto const& kind : kinds()) {
@@ -330,77 +213,6 @@ TEST_P(RouteEntries, areTrueWithoutATable) {
         fake.calls(), "set.addRef 2\nset.getFileName\nset.setCubeType -9\nset.setKey 1 2 3 4 5 6\nset.release 1\n");
     EXPECT_EQ(routes().GetData(1, 2, 3, 4, 5, 6, false), nullptr);
     EXPECT_EQ(files(), "");
-}
-
-TEST_P(RouteEntries, makeTheirDirectoryWhenTheyAreAdded) {
-    for (auto const& kind : kinds()) {
-        EXPECT_FALSE(std::filesystem::exists(pathOf(kind.directory)));
-        EXPECT_TRUE(add(kind.cube, 1));
-        EXPECT_TRUE(std::filesystem::is_directory(pathOf(kind.directory)));
-        std::filesystem::remove(pathOf(kind.directory));
-        // For an entry that exists too.
-        EXPECT_TRUE(add(kind.cube, 1));
-        EXPECT_TRUE(std::filesystem::is_directory(pathOf(kind.directory)));
-    }
-}
-
-TEST_P(RouteEntries, thatAreNotAddedMakeNoDirectory) {
-    execute("drop table " + table());
-    for (auto const& kind : kinds()) {
-        EXPECT_FALSE(add(kind.cube, 1));
-        EXPECT_FALSE(kind.cube.Add({}, -9, 1, 1, 1, 1, 1, 1, 0, -1, -1, -1, -1, -1, -1, false));
-        EXPECT_FALSE(std::filesystem::exists(pathOf(kind.directory)));
-    }
-}
-
-TEST_P(RouteEntries, mayLieInAnotherDirectory) {
-    RouteStorageCube cube(project().settings(), elsewhere.str().c_str());
-    EXPECT_TRUE(store(cube, 6));
-    EXPECT_EQ(listing(elsewhere.str()), "RouteStorage_Routes\nRouteStorage_Routes/1-2-3-4-5-6.FDB\n");
-    RouteStorageDataCube const inProject(project().settings(), "");
-    EXPECT_EQ(inProject.MatrixDirectory().str(), directory());
-}
-
-TEST_P(RouteEntries, areListedLikeThoseOfAnyResultCube) {
-    store(routes(), 7);
-    store(routes(), 6);
-    store(data(), 6);
-    add(skims(), 1);
-    Keys list;
-    EXPECT_TRUE(routes().Get(list));
-    ASSERT_EQ(list.Count(), 2);
-    EXPECT_STREQ(list[0]->AsString().c_str(), "-9,1,2,3,4,5,6,RouteStorage_Routes\\1-2-3-4-5-6.FDB");
-    EXPECT_STREQ(list[1]->AsString().c_str(), "-9,1,2,3,4,5,7,RouteStorage_Routes\\1-2-3-4-5-7.FDB");
-    TRkAutoListT<TRkBaseCubes::TKey> cubes;
-    EXPECT_TRUE(data().Get(cubes));
-}
-
-TEST_P(RouteEntries, areCopiedMovedAndClearedWithTheirFiles) {
-    for (auto const& kind : kinds()) {
-        store(kind.cube, 1);
-        writeFile(fileOf(kind, "1-2-3-4-5-1"), "some routes");
-        fake.calls();
-        EXPECT_TRUE(kind.cube.Copy(1, 2, 3, 4, 5, 1, 1, 2, 3, 4, 5, 2, true, false));
-        EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-2")), "some routes");
-        EXPECT_TRUE(kind.cube.Move(1, 2, 3, 4, 5, 1, 1, 2, 3, 4, 5, 3, true, false));
-        EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-3")), "some routes");
-        EXPECT_FALSE(std::filesystem::exists(fileOf(kind, "1-2-3-4-5-1")));
-        EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|2", "1-2-3-4-5-2") + rowOf(kind, "1|2|3|4|5|3", "1-2-3-4-5-3"));
-        EXPECT_TRUE(kind.cube.Clear(1, 2, 3, 4, 5, 2, false));
-        EXPECT_FALSE(std::filesystem::exists(fileOf(kind, "1-2-3-4-5-2")));
-        EXPECT_TRUE(kind.cube.Clear());
-        EXPECT_EQ(filesIn(pathOf(kind.directory)), "");
-        EXPECT_EQ(fake.calls(), "");
-    }
-}
-
-TEST_P(RouteEntries, areCopiedIntoADirectoryThatWasNotThere) {
-    TestProject other(backend());
-    RouteStorageCube target(other.settings());
-    store(routes(), 1);
-    EXPECT_TRUE(target.Copy(routes(), 1, 2, 3, 4, 5, 1, 1, 2, 3, 4, 5, 2, true, false));
-    EXPECT_EQ(
-        readFile(target.MatrixDirectory().str() + "RouteStorage_Routes/1-2-3-4-5-2.FDB"), "made by the fake provider");
 }
 
 }
