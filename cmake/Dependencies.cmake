@@ -23,7 +23,7 @@ endfunction()
 
 dep_library(dep::sqlite sqlite3.h sqlite3 LINK Threads::Threads)
 dep_library(dep::pq libpq-fe.h pq SUFFIXES postgresql)
-dep_library(dep::hdf5 hdf5.h hdf5 LINK ZLIB::ZLIB SUFFIXES hdf5/serial)
+dep_library(dep::hdf5 hdf5.h hdf5 LINK ZLIB::ZLIB $<$<PLATFORM_ID:Windows>:ws2_32> SUFFIXES hdf5/serial)
 dep_library(dep::deflate libdeflate.h deflate)
 dep_library(dep::fmt fmt/format.h fmt)
 dep_headers(dep::xxhash xxhash.h XXH_INLINE_ALL=1)

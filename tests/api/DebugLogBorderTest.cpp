@@ -1,10 +1,10 @@
 #include <cubes/cubes.h>
 
 #include "support/TempDir.h"
+#include "support/Variable.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <sstream>
 #include <string>
 
@@ -21,18 +21,13 @@ public:
 
 class DebugLogBorder : public testing::Test {
 protected:
-    DebugLogBorder() {
-        setenv("ZEB.DEBUG", "true", 1);
-        ZebDebug::setDebugOutput(path());
-    }
-    ~DebugLogBorder() override {
-        ZebDebug::setDebugOutput("");
-        unsetenv("ZEB.DEBUG");
-    }
+    DebugLogBorder() { ZebDebug::setDebugOutput(path()); }
+    ~DebugLogBorder() override { ZebDebug::setDebugOutput(""); }
 
     std::string path() const { return directory_.file("log"); }
 
     cubes::test::TempDir directory_;
+    cubes::test::Variable active_{"ZEB.DEBUG", "true"};
 };
 
 }

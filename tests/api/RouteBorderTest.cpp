@@ -3,10 +3,9 @@
 #include <cubes/cubes.h>
 
 #include "support/TempDir.h"
+#include "support/Variable.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
 
 using namespace VL::Interface;
 
@@ -56,9 +55,10 @@ TEST_F(RouteBorder, handsOutWhatFieldsThereAre) {
 
 TEST_F(RouteBorder, throwsWhatTheApplicationKnowsWithoutAProvider) {
     cubes::test::writeFile(directory.file("routeprovider64.dll"), "no library");
-    setenv("CUBES_PROVIDER_PATH", directory.str().c_str(), 1);
-    EXPECT_THROW(TVlSettings("a.FDB"), DllNotLoaded);
-    EXPECT_THROW(TVlSettings("a.FDB"), std::exception);
-    unsetenv("CUBES_PROVIDER_PATH");
+    {
+        cubes::test::Variable const path("CUBES_PROVIDER_PATH", directory.str());
+        EXPECT_THROW(TVlSettings("a.FDB"), DllNotLoaded);
+        EXPECT_THROW(TVlSettings("a.FDB"), std::exception);
+    }
     EXPECT_NE(TVlSettings("a.FDB").getInterface(), nullptr);
 }

@@ -3,40 +3,16 @@
 #include <cubes/core/ZebDebug.h>
 
 #include "support/TempDir.h"
+#include "support/Variable.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace cubes::test {
-
-/// Gives a variable of the environment a value, or takes it away, until the end of the block.
-class Variable {
-public:
-    Variable(char const* name, std::optional<std::string> const& value) : name_(name) {
-        if (char const* const before = std::getenv(name)) before_ = before;
-        set(value);
-    }
-    ~Variable() { set(before_); }
-    Variable(Variable const&) = delete;
-    Variable& operator=(Variable const&) = delete;
-
-    void set(std::optional<std::string> const& value) {
-        if (value)
-            setenv(name_, value->c_str(), 1);
-        else
-            unsetenv(name_);
-    }
-
-private:
-    char const* name_;
-    std::optional<std::string> before_;
-};
 
 /// Whether the text begins as the pattern tells, in which "9" stands for any digit.
 inline bool beginsLike(std::string_view text, std::string_view pattern) {

@@ -89,7 +89,7 @@ TEST(DebugLogPrefix, tellsTheTimeOfNow) {
 
 TEST(DebugLogPrefix, tellsTheLocalTime) {
     EXPECT_EQ(1, inProcesses(1, [](int) {
-        setenv("TZ", "CUBES-5:30", 1);
+        Variable const zone("TZ", "CUBES-5:30");
         tzset();
         std::time_t const there = std::time(nullptr) + (5 * 60 + 30) * 60;
         std::string const prefix = ZebDebug::now(ZebDebug::mtDebug);

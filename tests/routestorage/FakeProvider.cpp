@@ -2,17 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <stdexcept>
 
-#include "host/platform/Environment.h"
 #include "support/Forked.h"
 
 namespace cubes::test {
 
 namespace {
-
-constexpr char const* variable = "CUBES_PROVIDER_PATH";
 
 template <typename Procedure>
 Procedure* procedure(Library const& library, char const* name) {
@@ -21,14 +17,6 @@ Procedure* procedure(Library const& library, char const* name) {
     return found;
 }
 
-}
-
-ProviderPath::ProviderPath(std::string const& directories) : before_(platform::environment(variable).value_or("")) {
-    setenv(variable, directories.c_str(), 1);
-}
-
-ProviderPath::~ProviderPath() {
-    setenv(variable, before_.c_str(), 1);
 }
 
 std::string fakeDirectory(std::string const& variant) {

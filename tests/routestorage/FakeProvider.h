@@ -2,6 +2,8 @@
 
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
 
+#include "support/Variable.h"
+
 #include <functional>
 #include <string>
 
@@ -10,15 +12,9 @@ namespace cubes::test {
 using Library = Pattern::DynamiclinkLibraryT<Pattern::DllNoUnloadpolicyA>;
 
 /// Sets where providers are looked for, until the end of the object; empty: nowhere in particular.
-class ProviderPath {
+class ProviderPath : public Variable {
 public:
-    explicit ProviderPath(std::string const& directories);
-    ~ProviderPath();
-    ProviderPath(ProviderPath const&) = delete;
-    ProviderPath& operator=(ProviderPath const&) = delete;
-
-private:
-    std::string before_;
+    explicit ProviderPath(std::string const& directories) : Variable("CUBES_PROVIDER_PATH", directories) {}
 };
 
 /// The directory of a fake provider: "full", "leading", "trailing", "without".

@@ -1,6 +1,7 @@
 #include "support/Backend.h"
 
 #include "support/Process.h"
+#include "support/platform/ServerHost.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -53,7 +54,7 @@ Rows ask(std::vector<std::string> const& client) {
 }
 
 Rows askPostgres(std::string const& url, std::string const& sql) {
-    return ask({"psql", "-X", "-q", "-A", "-t", "-v", "ON_ERROR_STOP=1", "-P", "null=NULL", "-F",
+    return ask({serverDirectory() + "/psql", "-X", "-q", "-A", "-t", "-v", "ON_ERROR_STOP=1", "-P", "null=NULL", "-F",
         std::string(1, cellEnd), "-R", std::string(1, rowEnd), "-d", url, "-c", sql});
 }
 
@@ -82,7 +83,7 @@ std::string postgresPort() {
 }
 
 std::string postgresUrl(std::string const& database) {
-    return "postgresql://cubes@/" + database + "?host=" + serverDirectory() + "&port=" + postgresPort();
+    return "postgresql://cubes@/" + database + "?host=" + serverHost(serverDirectory()) + "&port=" + postgresPort();
 }
 
 TestDatabase::TestDatabase(Backend backend, std::string const& options)

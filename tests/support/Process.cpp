@@ -2,11 +2,7 @@
 
 #include "support/TempDir.h"
 
-#include <cstdlib>
-
-#ifndef _WIN32
-#include <sys/wait.h>
-#endif
+#include "support/platform/Shell.h"
 
 namespace cubes::test {
 
@@ -18,14 +14,6 @@ std::string quoted(std::string const& word) {
     return result + "'";
 }
 
-int exitCodeOf(int status) {
-#ifdef _WIN32
-    return status;
-#else
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-#endif
-}
-
 }
 
 ProcessResult run(std::vector<std::string> const& command) {
@@ -34,7 +22,7 @@ ProcessResult run(std::vector<std::string> const& command) {
     for (auto const& word : command) line += quoted(word) + " ";
     line += "</dev/null >" + quoted(directory.file("out")) + " 2>" + quoted(directory.file("err"));
     ProcessResult result;
-    result.exitCode = exitCodeOf(std::system(line.c_str()));
+    result.exitCode = shell(line);
     result.output = readFile(directory.file("out"));
     result.errors = readFile(directory.file("err"));
     return result;

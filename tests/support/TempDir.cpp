@@ -7,8 +7,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include <sys/stat.h>
-
 namespace cubes::test {
 
 namespace fs = std::filesystem;
@@ -25,15 +23,6 @@ TempDir::~TempDir() {
     std::error_code ignored;
     fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, ignored);
     fs::remove_all(path_, ignored);
-}
-
-std::string otherFileSystem(std::string const& directory) {
-    constexpr char const* memory = "/dev/shm";
-    struct stat here {};
-    struct stat there {};
-    bool const isOther =
-        stat(directory.c_str(), &here) == 0 && stat(memory, &there) == 0 && here.st_dev != there.st_dev;
-    return isOther ? memory : "";
 }
 
 std::string listing(std::string const& directory) {

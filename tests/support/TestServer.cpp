@@ -2,6 +2,7 @@
 
 #include "support/Process.h"
 #include "support/TempDir.h"
+#include "support/platform/ServerHost.h"
 
 #include <random>
 #include <stdexcept>
@@ -35,7 +36,7 @@ std::string TestServer::port() const {
 }
 
 std::string TestServer::url() const {
-    return "postgresql://cubes@/postgres?host=" + directory_ + "&port=" + port();
+    return "postgresql://cubes@/postgres?host=" + serverHost(directory_) + "&port=" + port();
 }
 
 }

@@ -1,5 +1,6 @@
 #include "support/Backend.h"
 #include "support/Forked.h"
+#include "support/Variable.h"
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkDBDataDictionary.h>
@@ -11,7 +12,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 
@@ -40,10 +40,9 @@ std::string errorOf(Work const& work) {
 }
 
 // Sets CUBES_DATABASE for a while.
-class DatabaseOverride {
+class DatabaseOverride : public cubes::test::Variable {
 public:
-    explicit DatabaseOverride(std::string const& url) { setenv("CUBES_DATABASE", url.c_str(), 1); }
-    ~DatabaseOverride() { unsetenv("CUBES_DATABASE"); }
+    explicit DatabaseOverride(std::string const& url) : Variable("CUBES_DATABASE", url) {}
 };
 
 class ProjectOver : public cubes::test::BackendTest {

@@ -1,0 +1,25 @@
+# The run-time libraries that lie beside every program and library for Windows, in the build as in
+# an installation. Debian's carry debug information of many megabytes, which nobody asks for.
+set(CUBES_RUNTIME_LIBRARIES ${CMAKE_BINARY_DIR}/runtime)
+
+foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+    OUTPUT_VARIABLE library OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(NOT IS_ABSOLUTE ${library})
+    find_file(library_of_${name} ${name} PATH_SUFFIXES lib REQUIRED)
+    set(library ${library_of_${name}})
+  endif()
+  file(MAKE_DIRECTORY ${CUBES_RUNTIME_LIBRARIES})
+  execute_process(COMMAND ${CMAKE_STRIP} -o ${CUBES_RUNTIME_LIBRARIES}/${name} ${library} COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
+find_file(CUBES_LIBPQ libpq.dll PATH_SUFFIXES bin REQUIRED)
+file(COPY ${CUBES_LIBPQ} DESTINATION ${CUBES_RUNTIME_LIBRARIES})
+
+# cubes_runtime_beside(DIRECTORY): puts them there.
+function(cubes_runtime_beside directory)
+  file(GLOB libraries ${CUBES_RUNTIME_LIBRARIES}/*.dll)
+  file(COPY ${libraries} DESTINATION ${directory})
+endfunction()
+
+cubes_runtime_beside(${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+install(DIRECTORY ${CUBES_RUNTIME_LIBRARIES}/ DESTINATION ${CMAKE_INSTALL_BINDIR})

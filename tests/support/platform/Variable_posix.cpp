@@ -1,0 +1,12 @@
+#include "support/Variable.h"
+
+namespace cubes::test {
+
+void Variable::set(std::optional<std::string> const& value) {
+    if (value)
+        setenv(name_, value->c_str(), 1);
+    else
+        unsetenv(name_);
+}
+
+}

@@ -1,0 +1,10 @@
+#include "support/Variable.h"
+
+namespace cubes::test {
+
+// An empty value takes the variable away.
+void Variable::set(std::optional<std::string> const& value) {
+    _putenv_s(name_, value.value_or("").c_str());
+}
+
+}
