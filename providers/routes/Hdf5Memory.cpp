@@ -13,7 +13,7 @@ using Bytes = std::vector<std::byte>;
 
 constexpr std::size_t growth = std::size_t{1} << 20;
 // Files in memory are told apart by their names; ours live one at a time.
-constexpr char const* name = "route file in memory";
+constexpr char const* memoryName = "route file in memory";
 
 // HDF5 lets the application hold the memory of a file. (Its own way to copy a file out of memory
 // leaves a wrong checksum in this version of the format.)
@@ -64,13 +64,13 @@ Handle accessTo(Bytes& bytes) {
 
 Handle createIn(Bytes& bytes) {
     Handle const access = accessTo(bytes);
-    return Handle(H5Fcreate(name, H5F_ACC_TRUNC, H5P_DEFAULT, access.get()), H5Fclose, "make a file in memory");
+    return Handle(H5Fcreate(memoryName, H5F_ACC_TRUNC, H5P_DEFAULT, access.get()), H5Fclose, "make a file in memory");
 }
 
 Handle openIn(Bytes& bytes, Bytes existing) {
     Handle const access = accessTo(bytes);
     check(H5Pset_file_image(access.get(), existing.data(), existing.size()), "take the file into memory");
-    return Handle(H5Fopen(name, H5F_ACC_RDWR, access.get()), H5Fclose, "open it as HDF5");
+    return Handle(H5Fopen(memoryName, H5F_ACC_RDWR, access.get()), H5Fclose, "open it as HDF5");
 }
 
 }

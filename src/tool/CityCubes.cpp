@@ -6,32 +6,24 @@ namespace {
 
 constexpr short onlyUser = 1;
 constexpr short noPurpose = 1;
-constexpr short distances = 1;
-constexpr short times = 2;
+constexpr short distanceResult = 1;
+constexpr short timeResult = 2;
 constexpr short firstIteration = 1;
 
-int count(std::vector<std::string> const& names) {
-    return static_cast<int>(names.size());
-}
-
-std::string nameAt(std::vector<std::string> const& names, int index) {
-    return names[static_cast<std::size_t>(index)];
-}
-
-short oneBased(int index) {
+short numberAt(int index) {
     return static_cast<short>(index + 1);
 }
 
 EntryWord tripsAt(int purpose, int mode, int period) {
-    return {{tripsCube, std::nullopt}, {oneBased(purpose), oneBased(mode), oneBased(period), onlyUser}};
+    return {{tripsCube, std::nullopt}, {numberAt(purpose), numberAt(mode), numberAt(period), onlyUser}};
 }
 
 EntryWord skimAt(int mode, int period, short result) {
-    return {parseCube("skim"), {noPurpose, oneBased(mode), oneBased(period), onlyUser, result, firstIteration}};
+    return {parseCube("skim"), {noPurpose, numberAt(mode), numberAt(period), onlyUser, result, firstIteration}};
 }
 
 EntryWord selectedLinkAt(int purpose, short iteration) {
-    return {parseCube("selectedlink"), {oneBased(purpose), 1, 1, onlyUser, 1, iteration}};
+    return {parseCube("selectedlink"), {numberAt(purpose), 1, 1, onlyUser, 1, iteration}};
 }
 
 void addTrips(City const& city, std::vector<CityMatrix>& matrices) {
@@ -46,13 +38,13 @@ void addTrips(City const& city, std::vector<CityMatrix>& matrices) {
 void addSkims(City const& city, std::vector<CityMatrix>& matrices) {
     for (int mode = 0; mode < count(city.modes); ++mode)
         for (int period = 0; period < count(city.periods); ++period) {
-            auto const distance = skimAt(mode, period, distances);
+            auto const distance = skimAt(mode, period, distanceResult);
             auto const add = [&](EntryWord const& entry, std::optional<EntryWord> const& parent,
                                  TripTable const& table) {
                 matrices.push_back({entry, parent, "", nameAt(city.modes, mode), nameAt(city.periods, period), &table});
             };
             add(distance, {}, city.distance(mode, period));
-            add(skimAt(mode, period, times), distance, city.time(mode, period));
+            add(skimAt(mode, period, timeResult), distance, city.time(mode, period));
         }
 }
 
@@ -60,7 +52,7 @@ void addSelectedLinks(City const& city, std::vector<CityMatrix>& matrices) {
     for (int purpose = 0; purpose < count(city.purposes); ++purpose) {
         EntryWord parent = tripsAt(purpose, 0, 0);
         for (int link : {0, 1}) {
-            auto const entry = selectedLinkAt(purpose, oneBased(link));
+            auto const entry = selectedLinkAt(purpose, numberAt(link));
             matrices.push_back({entry, parent, nameAt(city.purposes, purpose), city.modes.front(), city.periods.front(),
                 &city.tripsOverLinks(purpose, link)});
             parent = entry;

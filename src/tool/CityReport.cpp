@@ -21,14 +21,6 @@ double meanOf(TripTable const& table) {
     return std::round(figuresOf(table).mean * 10) / 10;
 }
 
-int count(std::vector<std::string> const& names) {
-    return static_cast<int>(names.size());
-}
-
-std::string nameAt(std::vector<std::string> const& names, int index) {
-    return names[static_cast<std::size_t>(index)];
-}
-
 /// A line that begins with `head` and goes on with a figure for every period.
 template <typename Figure>
 void addLine(Table& table, City const& city, std::vector<Json> head, Figure figure) {

@@ -1,8 +1,8 @@
 #include "tool/CityRoutes.h"
 
 #include "tool/Errors.h"
+#include "tool/RouteEntries.h"
 #include "tool/city/Roads.h"
-#include "tool/commands/Routes.h"
 
 #include <fmt/format.h>
 
@@ -12,7 +12,7 @@ namespace cubes::tool {
 
 namespace {
 
-constexpr char const* distances = "skim/1/1/1/1/1/1";
+constexpr char const* carDistances = "skim/1/1/1/1/1/1";
 
 std::vector<RouteValues> dataOf(RouteList const& routes, Roads const& roads) {
     RouteValues kilometres{"kilometres", VL::Interface::rftFloat, {}};
@@ -56,7 +56,7 @@ std::size_t storeRoutes(City const& city, Catalogue& catalogue) {
         [&](Entry const& entry, std::string const& path) { writeRouteSet(path, routeKeyOf(entry), routes); });
     auto const values = catalogue.storeRoutes(parseEntry(cityRouteData),
         [&](Entry const& entry, std::string const& path) { writeRouteData(path, routeKeyOf(entry), data); });
-    catalogue.setParent(set, numbersOf(catalogue.entry(parseEntry(distances))));
+    catalogue.setParent(set, numbersOf(catalogue.entry(parseEntry(carDistances))));
     catalogue.setParent(values, numbersOf(set));
     require(isStored(routes, RouteSetFile(catalogue.path(set))), set);
     require(isStored(data, readRouteData(catalogue.path(values))), values);

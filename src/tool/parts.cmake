@@ -31,3 +31,4 @@ add_library(cubes_tool_parts STATIC
   city/Travel.cpp)
 target_include_directories(cubes_tool_parts PUBLIC ${PROJECT_SOURCE_DIR}/src)
 target_link_libraries(cubes_tool_parts PUBLIC cubes PRIVATE cubes_warnings dep::fmt)
+cubes_unite_folders(cubes_tool_parts)

@@ -7,12 +7,12 @@
 
 namespace {
 
-constexpr std::size_t parts = 6;
+constexpr std::size_t keyParts = 6;
 
-bool readDecimalName(std::string const& text, std::array<int*, parts> const& numbers) {
+bool readDecimalName(std::string const& text, std::array<int*, keyParts> const& numbers) {
     auto const pieces = TRkString(text).Split('-');
-    if (pieces.size() != parts) return false;
-    for (std::size_t part = 0; part < parts; ++part) *numbers[part] = pieces[part].ToInteger();
+    if (pieces.size() != keyParts) return false;
+    for (std::size_t part = 0; part < keyParts; ++part) *numbers[part] = pieces[part].ToInteger();
     return true;
 }
 
@@ -27,7 +27,7 @@ bool TRkVarCubes::MakeFilename(char const* stem, int& p, int& m, int& t, int& u,
     std::string const text(stem);
     std::array const numbers = {&p, &m, &t, &u, &r, &i};
     if (text.find('-') != std::string::npos) return readDecimalName(text, numbers);
-    if (text.size() != 2 * parts) return false;
+    if (text.size() != 2 * keyParts) return false;
     cubes::readBase40Stem(stem, numbers);
     return true;
 }

@@ -126,6 +126,14 @@ double largestError(std::vector<double> const& found, std::vector<double> const&
 
 }
 
+int count(std::vector<std::string> const& names) {
+    return static_cast<int>(names.size());
+}
+
+std::string const& nameAt(std::vector<std::string> const& names, int index) {
+    return names[static_cast<std::size_t>(index)];
+}
+
 TripTable const& City::trips(int purpose, int mode, int period) const {
     return tripTables[place(purpose, mode, period)];
 }

@@ -37,6 +37,10 @@ struct City {
     std::vector<TripTable> linkTables;
 };
 
+/// How many purposes, modes or periods there are, and what one of them is called.
+int count(std::vector<std::string> const& names);
+std::string const& nameAt(std::vector<std::string> const& names, int index);
+
 struct CityOptions {
     std::uint64_t seed = 1;
     /// At least 3.

@@ -41,10 +41,6 @@ constexpr Behaviour behaviours[] = {
     {0.50, peopleOf, {{0.15, 0.10}, {0.40, 0.35}, {0.35, 0.35}}},
 };
 
-double totalOf(Figures const& figures) {
-    return std::accumulate(figures.begin(), figures.end(), 0.0);
-}
-
 Figures productionsOf(Behaviour const& behaviour, std::vector<Zone> const& zones) {
     Figures figures;
     for (auto const& zone : zones) figures.push_back(behaviour.tripsPerResident * zone.residents);
@@ -65,6 +61,10 @@ Figures mixed(Figures const& first, double firstShare, Figures const& second, do
     return figures;
 }
 
+}
+
+double totalOf(std::vector<double> const& figures) {
+    return std::accumulate(figures.begin(), figures.end(), 0.0);
 }
 
 Margins marginsOf(Purpose purpose, Period period, std::vector<Zone> const& zones) {

@@ -18,6 +18,8 @@ struct Margins {
     std::vector<double> destinations;
 };
 
+double totalOf(std::vector<double> const& figures);
+
 /// Every trip goes out from home to where its purpose is, or back. Homes produce trips by their
 /// residents; zones attract them by jobs, school places or shops. Attractions are scaled so that
 /// both sides have the same total.

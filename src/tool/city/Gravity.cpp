@@ -38,10 +38,6 @@ Figures quotients(Figures const& totals, Figures const& sums) {
     return factors;
 }
 
-double totalOf(Figures const& figures) {
-    return std::accumulate(figures.begin(), figures.end(), 0.0);
-}
-
 void requireSameTotal(Margins const& margins) {
     double const origins = totalOf(margins.origins);
     if (std::abs(totalOf(margins.destinations) - origins) > tolerance * origins)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "tool/Catalogue.h"
-#include "tool/routes/RouteFiles.h"
+#include "tool/RouteEntries.h"
 
 /// What the commands for routes share.
 namespace cubes::tool {
@@ -12,21 +11,5 @@ public:
     using Command::Command;
     char const* groupSummary() const override { return "Store, show and use routes and their data"; }
 };
-
-/// The word as an entry of routes or route data; Refusal for another.
-EntryWord parseRoutes(std::string const& word);
-/// The same; route data are refused too.
-EntryWord parseRouteSet(std::string const& word);
-/// Both refuse a text that is no number of one.
-std::int32_t parseZone(std::string const& text);
-std::uint32_t parseLink(std::string const& text);
-/// The file of an entry that is there and not in use; Refusal and Failure otherwise.
-std::string routeFileOf(Entry const& entry, Catalogue const& catalogue);
-
-bool isRouteSet(Cube const& cube);
-bool isRouteSet(CubeWord const& cube);
-RouteKey routeKeyOf(Entry const& entry);
-/// The routes of a set, read.
-RouteList routesIn(RouteSetFile const& set);
 
 }

@@ -101,23 +101,23 @@ double valueOf(std::string_view text, RouteFieldType fieldType, Place const& pla
 }
 
 /// The values of a route and where they stand.
-struct Line {
+struct ValueLine {
     std::uint32_t route;
     std::size_t number;
     std::vector<double> values;
 };
 
-Line lineOf(CsvLines const& lines, std::vector<RouteValues> const& fields) {
+ValueLine valueLineOf(CsvLines const& lines, std::vector<RouteValues> const& fields) {
     auto const& texts = lines.fields();
     auto const place = lines.place();
     if (texts.size() != fields.size() + 1)
         throw FormatError(place, fmt::format("found {} fields, expected {}", texts.size(), fields.size() + 1));
-    Line line{wholeNumber(texts.front(), place), place.line, {}};
+    ValueLine line{wholeNumber(texts.front(), place), place.line, {}};
     for (std::size_t i = 0; i < fields.size(); ++i) line.values.push_back(valueOf(texts[i + 1], fields[i].type, place));
     return line;
 }
 
-void requireEachRoute(std::string const& path, std::vector<Line> const& lines) {
+void requireEachRoute(std::string const& path, std::vector<ValueLine> const& lines) {
     for (std::size_t i = 0; i < lines.size(); ++i)
         if (lines[i].route != i)
             throw FormatError(
@@ -136,9 +136,10 @@ std::vector<RouteValues> readRouteDataCsv(std::string const& path, ShareDone con
     CsvLines csv(path, text, shareDone);
     if (!csv.next()) throw FormatError(path, "is empty, expected the header route,NAME:TYPE,...");
     auto fields = fieldsOf(csv);
-    std::vector<Line> lines;
-    while (csv.next()) lines.push_back(lineOf(csv, fields));
-    std::stable_sort(lines.begin(), lines.end(), [](Line const& a, Line const& b) { return a.route < b.route; });
+    std::vector<ValueLine> lines;
+    while (csv.next()) lines.push_back(valueLineOf(csv, fields));
+    std::stable_sort(
+        lines.begin(), lines.end(), [](ValueLine const& a, ValueLine const& b) { return a.route < b.route; });
     requireEachRoute(path, lines);
     for (std::size_t i = 0; i < fields.size(); ++i)
         for (auto const& line : lines) fields[i].values.push_back(line.values[i]);

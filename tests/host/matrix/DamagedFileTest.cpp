@@ -31,7 +31,7 @@ protected:
             EXPECT_EQ(TRkMatrix().GetHeader(file.c_str()), nullptr);
             return;
         }
-        float sum = 0;
+        [[maybe_unused]] float sum = 0;
         try {
             for (int row = 0; row < matrix.Rows(); row += 17) sum += matrix.RowAt(row, 8)[matrix.Columns() - 1];
         } catch (TRkMatrixException const& error) {

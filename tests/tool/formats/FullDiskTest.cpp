@@ -42,7 +42,7 @@ void expectRefusal(std::string const& path) {
 }
 
 TEST(FullDisk, leavesTheOldFileAndNothingElse) {
-    for (rlim_t const room : {0, 1, 4096, 8000}) {
+    for (rlim_t const room : {0U, 1U, 4096U, 8000U}) {
         test::TempDir const directory;
         auto const path = directory.file("t.csv");
         test::writeFile(path, "old");

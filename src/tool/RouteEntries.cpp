@@ -1,4 +1,4 @@
-#include "tool/commands/Routes.h"
+#include "tool/RouteEntries.h"
 
 #include "tool/Errors.h"
 #include "tool/Kinds.h"
