@@ -23,5 +23,13 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/cubesConfigVersion.cmake 
 install(FILES ${PROJECT_BINARY_DIR}/cubesConfig.cmake ${PROJECT_BINARY_DIR}/cubesConfigVersion.cmake
   DESTINATION ${cubes_cmake_dir})
 
+# The build target "package" makes a zip of it, which runs where it is unpacked.
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_STRIP_FILES ON)
+  set(CPACK_PACKAGE_FILE_NAME cubes-${PROJECT_VERSION}-win64)
+  include(CPack)
+endif()
+
 configure_file(cmake/cubes.pc.in ${PROJECT_BINARY_DIR}/cubes.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/cubes.pc DESTINATION ${cubes_pkgconfig_dir})
