@@ -82,7 +82,7 @@ public:
     /// Makes the entry of the word what `from` is; a cube given by a new name is registered. A copy
     /// has no parent; what is moved keeps its own. An entry in use is refused: the target, and the
     /// source of a move. Onto itself nothing happens. When it fails nothing has changed, save that
-    /// a target's file may be lost that a move was to replace.
+    /// a directory may be lost that the move of another was to replace.
     Entry copy(Entry const& from, EntryWord const& to, Existing existing);
     Entry move(Entry const& from, EntryWord const& to, Existing existing);
     /// The same from another project, which may have another database. This project is the current

@@ -192,15 +192,13 @@ void Catalogue::place(Entry const& from, Entry const& to, FilePlacing placing, E
     bool const hadFile = fileIsThere(to);
     auto& family = familyOf(to.cube);
     auto const parent = isNew ? ParentNumbers() : family.parent(to);
-    std::string why;
     try {
         if ((family.*placing)(familyOf(from.cube), from, to, existing == Existing::refused)) return;
-        why = whyNotPlaced(file, to);
-    } catch (std::exception const& error) {
-        why = error.what();
+        throw Failure(whyNotPlaced(file, to));
+    } catch (...) {
+        shielded([&] { isNew ? takeBack(to, hadFile) : giveParent(to, parent); });
+        throw;
     }
-    shielded([&] { isNew ? takeBack(to, hadFile) : giveParent(to, parent); });
-    throw Failure(why);
 }
 
 // Copying and moving tell only that they failed.
