@@ -1,0 +1,30 @@
+# Packs the zip, unpacks it elsewhere, and makes the demo project with what came out.
+cmake_minimum_required(VERSION 3.25)
+file(REMOVE_RECURSE ${work})
+file(MAKE_DIRECTORY ${work}/unpacked)
+
+execute_process(COMMAND ${cpack} --config ${config} -B ${work} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+file(GLOB zip ${work}/*.zip)
+file(ARCHIVE_EXTRACT INPUT ${zip} DESTINATION ${work}/unpacked)
+file(GLOB top ${work}/unpacked/*)
+
+foreach(name
+    bin/cubes.exe bin/cubes.dll bin/routeprovider64.dll bin/vlinterfaceutilities64.dll
+    bin/libpq.dll bin/libstdc++-6.dll bin/libgcc_s_seh-1.dll bin/libwinpthread-1.dll
+    lib/libcubes.dll.a lib/cmake/cubes/cubesConfig.cmake include/cubes/cubes.h)
+  if(NOT EXISTS ${top}/${name})
+    message(FATAL_ERROR "the zip holds no ${name}")
+  endif()
+endforeach()
+
+# Routes are among the demo's entries: the provider is found where it lies.
+execute_process(COMMAND ${run} ${top}/bin/cubes.exe demo city WORKING_DIRECTORY ${work}
+  OUTPUT_VARIABLE told COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${run} ${top}/bin/cubes.exe list WORKING_DIRECTORY ${work}/city
+  OUTPUT_VARIABLE cubes COMMAND_ERROR_IS_FATAL ANY)
+message("${told}\n${cubes}")
+foreach(cube Trips skim routes)
+  if(NOT cubes MATCHES "${cube}")
+    message(FATAL_ERROR "the demo made no ${cube}")
+  endif()
+endforeach()
