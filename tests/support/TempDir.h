@@ -16,8 +16,8 @@ public:
     TempDir& operator=(TempDir const&) = delete;
 
     std::string str() const { return path_.string(); }
-    /// The path of `name` inside the directory.
-    std::string file(std::string const& name) const { return (path_ / name).string(); }
+    /// The path of `name` inside the directory, with the platform's delimiters.
+    std::string file(std::string const& name) const { return (path_ / name).make_preferred().string(); }
 
 private:
     std::filesystem::path path_;
