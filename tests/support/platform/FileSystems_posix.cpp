@@ -13,4 +13,8 @@ std::string otherFileSystem(std::string const& directory) {
     return isOther ? memory : "";
 }
 
+std::string temporaryDirectoryWithoutName() {
+    return "/tmp/";
+}
+
 }
