@@ -1,7 +1,7 @@
 // Several processes on one project at once, each with a connection of its own.
 
 #include "matcubes/MatCubesTest.h"
-#include "support/Forked.h"
+#include "support/OwnProcesses.h"
 
 #include <cubes/catalogue/TRkCubes.h>
 
@@ -21,12 +21,14 @@ protected:
     }
 
     /// Runs `work` in several processes, each on a project object of its own.
-    int race(std::function<void(int, TRkMatCubes&)> const& work) const {
-        return inProcesses(processes, [&](int number) {
-            Project const own = Project::open(root_);
+    template <typename Work>
+    int race(Work) const {
+        auto const live = [](std::string const& root, int number) {
+            Project const own = Project::open(root);
             TRkMatCubes cubes(own.settings(), ".odm", true);
-            work(number, cubes);
-        });
+            Work()(number, cubes);
+        };
+        return inOwnProcesses(processes, live, root_);
     }
 
     static void require(bool done) {

@@ -32,6 +32,9 @@ std::string nativePath(std::string const& path);
 /// A directory on another file system than `directory`; empty where there is none.
 std::string otherFileSystem(std::string const& directory);
 
+/// Whether a file may be removed while somebody reads it.
+bool readFilesCanBeRemoved();
+
 /// The names of all files and directories below `directory`, sorted; to show that nothing is left over.
 std::string listing(std::string const& directory);
 /// The same without the lock file of all writers of matrices.

@@ -4,7 +4,7 @@
 #include <functional>
 #include <stdexcept>
 
-#include "support/Forked.h"
+#include "support/OwnProcesses.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -312,16 +312,13 @@ TEST_P(ResultTransfer, leavesATargetAloneThatSomeoneWrites) {
     std::string const root = project().root();
     auto const writing = open(skims(), 2, lsReadWrite);
     ASSERT_NE(writing, nullptr);
-    EXPECT_EQ(inProcesses(1,
-                  [&](int) {
-                      Project const own = Project::open(root);
-                      TRkSkimCube cube(own.settings(), true);
-                      if (cube.Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false))
-                          throw std::runtime_error("copied");
-                      if (cube.Move(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false))
-                          throw std::runtime_error("moved");
-                  }),
-        1);
+    auto const transfer = [](std::string const& project, int) {
+        Project const own = Project::open(project);
+        TRkSkimCube cube(own.settings(), true);
+        if (cube.Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false)) throw std::runtime_error("copied");
+        if (cube.Move(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false)) throw std::runtime_error("moved");
+    };
+    EXPECT_EQ(inOwnProcesses(1, transfer, root), 1);
     EXPECT_EQ(firstElement(skims(), 1), 1.0);
     EXPECT_EQ(firstElement(skims(), 2), 2.0);
 }

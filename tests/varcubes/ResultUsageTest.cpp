@@ -1,6 +1,6 @@
 #include <stdexcept>
 
-#include "support/Forked.h"
+#include "support/OwnProcesses.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -81,14 +81,13 @@ TEST_P(ResultUsage, findsACounterColumnOfOtherLetterCase) {
 
 TEST_P(ResultUsage, losesNoChangeOfTwoProcesses) {
     std::string const root = project().root();
-    EXPECT_EQ(inProcesses(2,
-                  [&](int) {
-                      Project const own = Project::open(root);
-                      TRkSkimCube cube(own.settings(), true);
-                      for (int i = 0; i < 50; ++i)
-                          if (!cube.incUsage(1, 1, 1, 1, 1, 1)) throw std::runtime_error("not raised");
-                  }),
-        2);
+    auto const raiseOften = [](std::string const& project, int) {
+        Project const own = Project::open(project);
+        TRkSkimCube cube(own.settings(), true);
+        for (int i = 0; i < 50; ++i)
+            if (!cube.incUsage(1, 1, 1, 1, 1, 1)) throw std::runtime_error("not raised");
+    };
+    EXPECT_EQ(inOwnProcesses(2, raiseOften, root), 2);
     EXPECT_EQ(counter(), "100\n");
 }
 

@@ -17,4 +17,8 @@ std::string temporaryDirectoryWithoutName() {
     return "/tmp/";
 }
 
+bool readFilesCanBeRemoved() {
+    return true;
+}
+
 }

@@ -14,4 +14,8 @@ std::string temporaryDirectoryWithoutName() {
     return fixed;
 }
 
+bool readFilesCanBeRemoved() {
+    return false;
+}
+
 }
