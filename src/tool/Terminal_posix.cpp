@@ -4,6 +4,9 @@
 
 namespace cubes::tool {
 
+// They do so by themselves.
+void prepareStreams() {}
+
 bool messagesAreWatched() {
     return ::isatty(STDERR_FILENO) == 1;
 }
