@@ -244,7 +244,8 @@ Entry Catalogue::copyRoutes(std::string const& file, Entry const& from, EntryWor
     if (!fs::is_regular_file(toPath(file), ignored)) throw Failure(fmt::format("there is no file {}", file));
     refuseExisting(possibleEntry(word), existing);
     refuseUse(possibleEntry(word));
-    auto const copied = storeRoutes(word, [&](Entry const&, std::string const& path) { fs::copy_file(toPath(file), toPath(path)); });
+    auto const copied =
+        storeRoutes(word, [&](Entry const&, std::string const& path) { fs::copy_file(toPath(file), toPath(path)); });
     giveParent(copied, {});
     return copied;
 }

@@ -57,9 +57,9 @@ std::string withPathsOfTheShell(std::string text) {
 int shell(std::string const& line) {
     TempDir const directory;
     auto const script = directory.file("script");
-    writeFile(script,
-        withPathsOfTheShell("(" + line + "\n)\necho $? >'" + directory.file("status.new") + "'\n" + "mv '" +
-                                  directory.file("status.new") + "' '" + directory.file("status") + "'\n"));
+    writeFile(
+        script, withPathsOfTheShell("(" + line + "\n)\necho $? >'" + directory.file("status.new") + "'\n" + "mv '" +
+                                    directory.file("status.new") + "' '" + directory.file("status") + "'\n"));
     start("\"Z:\\bin\\sh\" " + withPathsOfTheShell("\"" + script + "\""));
     return statusIn(directory.file("status"));
 }

@@ -1,6 +1,7 @@
 #include "ToolSession.h"
 
 #include "support/SharedData.h"
+#include "support/SystemWords.h"
 #include "support/platform/Shell.h"
 
 #include <filesystem>
@@ -53,14 +54,16 @@ ToolSession::ToolSession(Backend backend) : database_(backend) {}
 ProcessResult ToolSession::run(std::string const& line) const {
     return test::run({"env", "-u", "CUBES_DATABASE", "DATABASE=" + database_.url(), "DATA=" + sharedData(""),
         "SERVER_PORT=" + (database_.backend() == Backend::postgres ? postgresPort() : std::string()), "sh", "-c",
-        std::string(withoutPrivileges) + "PATH='" CUBES_TOOL_DIRECTORY "':$PATH; cd '" + directory_.str() + "' && " + line});
+        std::string(withoutPrivileges) + "PATH='" CUBES_TOOL_DIRECTORY "':$PATH; cd '" + directory_.str() + "' && " +
+            line});
 }
 
 std::string ToolSession::shown(std::string const& line) const {
     auto const result = run(line);
     std::string text = result.output + headed(result.errors, "! ");
     if (result.exitCode != 0) text += "[" + std::to_string(result.exitCode) + "]\n";
-    text = withPathsOfTheShell(text);
+    text = replaced(withPathsOfTheShell(text), CUBES_TOOL, "cubes");
+    text = replaced(text, noSuchFile(), "No such file or directory");
     text = replaced(text, withPathsOfTheShell(database_.url()), "<DATABASE>");
     return replaced(text, withPathsOfTheShell(directory_.str()), "<DIR>");
 }
