@@ -262,8 +262,7 @@ Entry Catalogue::moveFrom(Catalogue& source, Entry const& from, EntryWord const&
 // Files are named by their keys: one project would write over the files of the other.
 void Catalogue::refuseSharedDirectory(Catalogue const& source, Entry const& from, EntryWord const& to) const {
     auto const theirs = source.directoryOf(from.cube.kind);
-    std::error_code ignored;
-    if (fs::equivalent(toPath(theirs), toPath(directoryOf(to.cube.kind)), ignored))
+    if (isSameDirectory(theirs, directoryOf(to.cube.kind)))
         throw Refusal(fmt::format("both projects keep their files in {}", theirs));
 }
 

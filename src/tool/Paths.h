@@ -10,4 +10,7 @@ namespace cubes::tool {
 std::filesystem::path toPath(std::string const& text);
 std::string toText(std::filesystem::path const& path);
 
+/// Whether both paths lead to one directory that is there.
+bool isSameDirectory(std::string const& first, std::string const& second);
+
 }

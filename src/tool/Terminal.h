@@ -8,4 +8,7 @@ void prepareStreams();
 /// Whether somebody watches: the stream of messages is a terminal.
 bool messagesAreWatched();
 
+/// Whether the last write failed because nobody reads any more.
+bool readerWentAway();
+
 }

@@ -1,5 +1,6 @@
 #include "tool/Terminal.h"
 
+#include <cerrno>
 #include <unistd.h>
 
 namespace cubes::tool {
@@ -9,6 +10,10 @@ void prepareStreams() {}
 
 bool messagesAreWatched() {
     return ::isatty(STDERR_FILENO) == 1;
+}
+
+bool readerWentAway() {
+    return errno == EPIPE;
 }
 
 }

@@ -1,6 +1,7 @@
 #include "tool/Terminal.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <io.h>
 
@@ -16,6 +17,11 @@ void prepareStreams() {
 
 bool messagesAreWatched() {
     return ::_isatty(::_fileno(stderr)) != 0;
+}
+
+// The C library takes it for a wrong argument.
+bool readerWentAway() {
+    return _doserrno == ERROR_NO_DATA || _doserrno == ERROR_BROKEN_PIPE;
 }
 
 }

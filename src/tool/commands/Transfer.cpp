@@ -53,7 +53,7 @@ private:
 
     bool isElsewhere(Catalogue const& catalogue) const {
         if (!fromProject_) return false;
-        return !std::filesystem::equivalent(toPath(findProject(*fromProject_)), toPath(catalogue.project().root()));
+        return !isSameDirectory(findProject(*fromProject_), catalogue.project().root());
     }
 
     void runWithin(Catalogue& catalogue, Output& output) {
