@@ -1,3 +1,6 @@
+# Nothing here tells source lines from what this compiler writes of them, but every start reads it.
+add_link_options(-s)
+
 # The run-time libraries that lie beside every program and library for Windows, in the build as in
 # an installation. Debian's carry debug information of many megabytes, which nobody asks for.
 set(CUBES_RUNTIME_LIBRARIES ${CMAKE_BINARY_DIR}/runtime)

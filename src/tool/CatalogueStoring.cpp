@@ -4,6 +4,7 @@
 #include "tool/Errors.h"
 #include "tool/FileBeside.h"
 #include "tool/Kinds.h"
+#include "tool/Paths.h"
 
 #include <fmt/format.h>
 
@@ -16,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string fileOf(std::string const& path) {
-    return fs::path(path).filename().string();
+    return toText(toPath(path).filename());
 }
 
 /// Whether the file of one serves the other as it is.
@@ -68,7 +69,7 @@ Entry Catalogue::storeRoutes(
         fill(entry, [&] {
             FileBeside const file(path(entry));
             std::error_code ignored;
-            if (fs::is_directory(path(entry), ignored))
+            if (fs::is_directory(toPath(path(entry)), ignored))
                 throw Failure(fmt::format("cannot write {}: it is a directory", path(entry)));
             auto const lock = lockOf(entry);
             if (!lock.IsValid()) throw Failure(lock.Reason());
@@ -106,7 +107,7 @@ void Catalogue::fill(Entry const& entry, Write const& write) {
 // What is at the place of an entry that may have no row.
 bool Catalogue::fileIsThere(Entry const& entry) const {
     std::error_code ignored;
-    return fs::exists(fs::path(directoryOf(entry.cube.kind)) / familyOf(entry.cube).fileName(entry), ignored);
+    return fs::exists(toPath(directoryOf(entry.cube.kind)) / toPath(familyOf(entry.cube).fileName(entry)), ignored);
 }
 
 // Takes back the row of an entry that was to be new, unless someone else stores it at the same
@@ -114,7 +115,7 @@ bool Catalogue::fileIsThere(Entry const& entry) const {
 void Catalogue::takeBack(Entry const& entry, bool hadFile) {
     auto const lock = lockOf(entry);
     std::error_code ignored;
-    bool const isDirectory = fs::is_directory(path(entry), ignored);
+    bool const isDirectory = fs::is_directory(toPath(path(entry)), ignored);
     bool const isHeld = !lock.IsValid() && FileBeside(path(entry)).canBeMade();
     if (!isDirectory && (isHeld || (!hadFile && fileIsThere(entry)))) return;
     if (auto const table = familyOf(entry.cube).row(entry)) table->Delete();
@@ -186,7 +187,7 @@ void Catalogue::place(Entry const& from, Entry const& to, FilePlacing placing, E
     auto const file = path(from);
     requireFile(from, file);
     std::error_code ignored;
-    if (!fs::exists(file, ignored)) throw Failure(fmt::format("there is no file {}", file));
+    if (!fs::exists(toPath(file), ignored)) throw Failure(fmt::format("there is no file {}", file));
     bool const isNew = !has(to);
     if (!isNew) requireFile(to, path(to));
     bool const hadFile = fileIsThere(to);
@@ -206,11 +207,11 @@ std::string Catalogue::whyNotPlaced(std::string const& file, Entry const& to) co
     auto const target = path(to);
     auto const told = fmt::format("the file {} could not be placed at {}", file, target);
     std::error_code error;
-    auto const isDirectory = fs::is_directory(file, error);
-    auto const size = isDirectory ? 0 : fs::file_size(file, error);
+    auto const isDirectory = fs::is_directory(toPath(file), error);
+    auto const size = isDirectory ? 0 : fs::file_size(toPath(file), error);
     if (error) return fmt::format("{}: {}", told, error.message());
-    if (isDirectory != fs::is_directory(target, error)) return told + ": one is a directory";
-    auto const room = fs::space(directoryOf(to.cube.kind), error).available;
+    if (isDirectory != fs::is_directory(toPath(target), error)) return told + ": one is a directory";
+    auto const room = fs::space(toPath(directoryOf(to.cube.kind)), error).available;
     if (!error && room < size) return told + ": no space is left";
     auto const unwritable = lockOf(to);
     return unwritable.IsValid() ? told : fmt::format("{}: {}", told, unwritable.Reason());
@@ -238,10 +239,11 @@ Entry Catalogue::copyRoutes(std::string const& file, Entry const& from, EntryWor
         throw Refusal(fmt::format("{} holds routes, {} does not", from.text(), word.text()));
     requireFile(from, file);
     std::error_code ignored;
-    if (!fs::is_regular_file(file, ignored)) throw Failure(fmt::format("there is no file {}", file));
+    if (!fs::is_regular_file(toPath(file), ignored)) throw Failure(fmt::format("there is no file {}", file));
     refuseExisting(possibleEntry(word), existing);
     refuseUse(possibleEntry(word));
-    auto const copied = storeRoutes(word, [&](Entry const&, std::string const& path) { fs::copy_file(file, path); });
+    auto const copied =
+        storeRoutes(word, [&](Entry const&, std::string const& path) { fs::copy_file(toPath(file), toPath(path)); });
     giveParent(copied, {});
     return copied;
 }
@@ -258,8 +260,7 @@ Entry Catalogue::moveFrom(Catalogue& source, Entry const& from, EntryWord const&
 // Files are named by their keys: one project would write over the files of the other.
 void Catalogue::refuseSharedDirectory(Catalogue const& source, Entry const& from, EntryWord const& to) const {
     auto const theirs = source.directoryOf(from.cube.kind);
-    std::error_code ignored;
-    if (fs::equivalent(theirs, directoryOf(to.cube.kind), ignored))
+    if (isSameDirectory(theirs, directoryOf(to.cube.kind)))
         throw Refusal(fmt::format("both projects keep their files in {}", theirs));
 }
 

@@ -125,6 +125,8 @@ ExitCode runTool(int argc, char** argv) {
     line.set_version_flag("--version", "cubes " CUBES_VERSION, "Print the version and exit");
     line.footer(std::string(entryHelp) + "\n" + more);
     line.require_subcommand(1);
+    // An entry of a cube without a name is no option.
+    line.allow_windows_style_options(false);
     auto const formatter = std::make_shared<CLI::Formatter>();
     wordHelp(*formatter);
     line.formatter(formatter);

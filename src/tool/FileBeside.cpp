@@ -2,6 +2,7 @@
 
 #include "tool/Durable.h"
 #include "tool/Errors.h"
+#include "tool/Paths.h"
 
 #include <fmt/format.h>
 
@@ -12,13 +13,18 @@ namespace cubes::tool {
 
 namespace fs = std::filesystem;
 
-FileBeside::FileBeside(fs::path const& place)
-    : place_(place), path_(place.parent_path() /
-                           fmt::format(".{}.{:08x}.cubes-tmp", place.filename().string(), std::random_device()())) {}
+FileBeside::FileBeside(std::string const& place)
+    : place_(toPath(place)),
+      path_(place_.parent_path() /
+            toPath(fmt::format(".{}.{:08x}.cubes-tmp", toText(place_.filename()), std::random_device()()))) {}
 
 FileBeside::~FileBeside() {
     std::error_code ignored;
     fs::remove(path_, ignored);
+}
+
+std::string FileBeside::path() const {
+    return toText(path_);
 }
 
 bool FileBeside::canBeMade() const {
@@ -26,11 +32,11 @@ bool FileBeside::canBeMade() const {
 }
 
 void FileBeside::takePlace() const {
-    flushToDisk(path_.string());
+    flushToDisk(toText(path_));
     std::error_code error;
     fs::rename(path_, place_, error);
-    if (error) throw Failure(fmt::format("cannot write {}: {}", place_.string(), error.message()));
-    flushToDisk(place_.parent_path().string());
+    if (error) throw Failure(fmt::format("cannot write {}: {}", toText(place_), error.message()));
+    flushToDisk(toText(place_.parent_path()));
 }
 
 }

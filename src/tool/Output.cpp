@@ -1,6 +1,7 @@
 #include "tool/Output.h"
 
 #include "tool/Errors.h"
+#include "tool/Terminal.h"
 
 #include <fmt/format.h>
 
@@ -41,7 +42,7 @@ void Output::show(Json const& value) {
 }
 
 void Output::write() const {
-    if (written(text_) || errno == EPIPE) return;
+    if (written(text_) || readerWentAway()) return;
     throw Failure(fmt::format("standard output: {}", std::strerror(errno)));
 }
 

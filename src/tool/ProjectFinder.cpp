@@ -1,6 +1,7 @@
 #include "tool/ProjectFinder.h"
 
 #include "tool/Errors.h"
+#include "tool/Paths.h"
 
 #include <cubes/project/ProjectPathHelpers.h>
 
@@ -14,7 +15,7 @@ namespace fs = std::filesystem;
 
 bool isProject(std::string const& directory) {
     std::error_code ignored;
-    return fs::exists(fs::path(directory) / "cubes.toml", ignored);
+    return fs::exists(toPath(directory) / "cubes.toml", ignored);
 }
 
 void refuseProject(std::string const& directory) {
@@ -26,7 +27,7 @@ std::string findProject(std::string const& given) {
         if (isProject(given)) return given;
         throw Refusal(fmt::format("there is no project in {}: it has no cubes.toml", given));
     }
-    auto const here = fs::current_path().string();
+    auto const here = toText(fs::current_path());
     std::string const found = ProjectPathHelpers::getProjectDirectory(here).c_str();
     if (isProject(found)) return found;
     throw Refusal(fmt::format("there is no project here: no cubes.toml in {} or any directory above; "

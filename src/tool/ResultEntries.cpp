@@ -1,5 +1,6 @@
 #include "tool/EntryFamily.h"
 #include "tool/Kinds.h"
+#include "tool/Paths.h"
 
 #include <fmt/format.h>
 
@@ -151,7 +152,7 @@ public:
         auto name = onKey(e, [&](auto... k) { return cube_->createFilename(k...).str(); }) + kind_.extension;
         // Stored names have a backslash on every platform.
         std::replace(name.begin(), name.end(), '\\', '/');
-        return std::filesystem::path(name).make_preferred().string();
+        return toText(toPath(name).make_preferred());
     }
 
     RkMatrixType matrixType() const override { return kind_.matrixType; }

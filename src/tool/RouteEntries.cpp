@@ -2,6 +2,7 @@
 
 #include "tool/Errors.h"
 #include "tool/Kinds.h"
+#include "tool/Paths.h"
 #include "tool/formats/NumberText.h"
 
 #include <cubes/catalogue/RkCubeTypes.h>
@@ -51,7 +52,7 @@ std::string routeFileOf(Entry const& entry, Catalogue const& catalogue) {
     auto const file = catalogue.path(entry);
     if (file.empty()) throw Failure("its row names no file inside its directory");
     std::error_code ignored;
-    if (!std::filesystem::exists(file, ignored)) throw Failure(fmt::format("there is no file {}", file));
+    if (!std::filesystem::exists(toPath(file), ignored)) throw Failure(fmt::format("there is no file {}", file));
     return file;
 }
 

@@ -1,6 +1,8 @@
 # What the commands are made of: file formats, routes, statistics, the made-up city. A library of its own,
 # so that tests can link it.
 add_library(cubes_tool_parts STATIC
+  Paths.cpp
+  Paths_${platform}.cpp
   formats/CellList.cpp
   formats/CsvColumns.cpp
   formats/CsvLines.cpp

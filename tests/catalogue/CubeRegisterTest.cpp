@@ -5,11 +5,16 @@
 #include <cubes/project/TRkGlobalSettings.h>
 
 #include "catalogue/CatalogueTest.h"
+#include "host/platform/NarrowText.h"
 
 namespace cubes::test {
 namespace {
 
-class CubeRegister : public CatalogueTest {};
+class CubeRegister : public CatalogueTest {
+protected:
+    /// A UTF-8 text as callers of this platform write it.
+    static std::string narrow(std::string const& text) { return platform::fromUtf8(text); }
+};
 
 CUBES_BOTH_BACKENDS(CubeRegister);
 
@@ -48,7 +53,7 @@ TEST_P(CubeRegister, findsACubeByNameWithoutRegardToLetterCase) {
     project().execute("insert into cube (cubenr, name) values (3, 'Base'), (4, 'Gr\xC3\xBC\xC3\x9F Z\xC3\x9Crich')");
     for (char const* const name : {"Base", "BASE", "base", "bAsE"})
         EXPECT_EQ(catalogue().CubeNameToNr(name), 3) << name;
-    EXPECT_EQ(catalogue().CubeNameToNr("gr\xC3\x9C\xC3\x9F z\xC3\xBCrich"), 4);
+    EXPECT_EQ(catalogue().CubeNameToNr(narrow("gr\xC3\x9C\xC3\x9F z\xC3\xBCrich").c_str()), 4);
     EXPECT_EQ(catalogue().CubeNameToNr("Bas"), 0);
     EXPECT_EQ(catalogue().CubeNameToNr("Base "), 0);
     EXPECT_EQ(catalogue().CubeNameToNr("%"), 0);
@@ -66,8 +71,8 @@ TEST_P(CubeRegister, cutsANameByCharactersNotBytes) {
     std::string umlauts;
     for (int i = 0; i < 128; ++i) umlauts += "\xC3\xA4";
     project().execute("insert into cube (cubenr, name) values (9, '" + umlauts + "')");
-    EXPECT_EQ(catalogue().CubeNameToNr(umlauts.c_str()), 9);
-    EXPECT_EQ(catalogue().CubeNameToNr((umlauts + "x").c_str()), 9);
+    EXPECT_EQ(catalogue().CubeNameToNr(narrow(umlauts).c_str()), 9);
+    EXPECT_EQ(catalogue().CubeNameToNr(narrow(umlauts + "x").c_str()), 9);
 }
 
 TEST_P(CubeRegister, convertsBetweenNumberAndName) {

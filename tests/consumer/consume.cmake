@@ -1,12 +1,13 @@
 # Installs the library into a fresh prefix, moves that away, and builds and runs the project
 # against it: with find_package, and with pkg-config. The program is the example of the README.
+# For another platform there are a toolchain file and an emulator as well.
 function(must_run)
   execute_process(COMMAND ${ARGN} COMMAND_ECHO STDOUT COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
 # Runs the built program, which stores one cell and prints it as it was read back.
 function(must_print_the_cell program directory)
-  execute_process(COMMAND ${program} ${directory} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND ${emulator} ${program}${suffix} ${directory} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
   if(NOT output STREQUAL "12.5\n")
     message(FATAL_ERROR "${program} printed: ${output}")
   endif()
@@ -26,7 +27,7 @@ file(RENAME ${work}/elsewhere ${work}/prefix)
 
 # The route-storage provider lies beside the library.
 file(GLOB_RECURSE provider ${work}/prefix/*/routeprovider64.dll ${work}/prefix/*/vlinterfaceutilities64.dll)
-file(GLOB_RECURSE library ${work}/prefix/*/libcubes.so)
+file(GLOB_RECURSE library ${work}/prefix/*/${library_name})
 list(APPEND provider ${library})
 list(TRANSFORM provider REPLACE "/[^/]*$" "" OUTPUT_VARIABLE provider_directories)
 list(LENGTH provider_directories count)
@@ -36,8 +37,17 @@ if(NOT count EQUAL 3 OR NOT places EQUAL 1)
   message(FATAL_ERROR "not the library and both provider libraries side by side: ${provider}")
 endif()
 
+set(toolchain_option)
+set(rpath_option)
+if(toolchain)
+  # What is found beside a program on its platform, this one finds where it was installed.
+  set(ENV{WINEPATH} ${work}/prefix/bin)
+  # That file tells where packages are looked for.
+  file(GLOB package_directory ${work}/prefix/*/cmake/cubes)
+  set(toolchain_option -D CMAKE_TOOLCHAIN_FILE=${toolchain} -D cubes_DIR=${package_directory})
+endif()
 must_run(${CMAKE_COMMAND} -S ${project} -B ${work}/cmake -G Ninja
-  -D CMAKE_CXX_COMPILER=${compiler} -D CMAKE_PREFIX_PATH=${work}/prefix -D CMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON)
+  -D CMAKE_CXX_COMPILER=${compiler} ${toolchain_option} -D CMAKE_PREFIX_PATH=${work}/prefix -D CMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON)
 must_run(${CMAKE_COMMAND} --build ${work}/cmake)
 must_print_the_cell(${work}/cmake/consumer ${work}/project-by-cmake)
 
@@ -52,10 +62,13 @@ foreach(what cflags libs)
 endforeach()
 execute_process(COMMAND ${pkg_config} --variable=libdir cubes
   OUTPUT_VARIABLE libdir OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-must_run(${compiler} -std=c++20 ${cflags} ${project}/main.cpp -o ${work}/consumer ${libs} -Wl,-rpath,${libdir})
+if(NOT toolchain)
+  set(rpath_option -Wl,-rpath,${libdir})
+endif()
+must_run(${compiler} -std=c++20 ${cflags} ${project}/main.cpp -o ${work}/consumer${suffix} ${libs} ${rpath_option})
 must_print_the_cell(${work}/consumer ${work}/project-by-pkg-config)
 
 # The tool runs from where it was installed.
-if(EXISTS ${work}/prefix/bin/cubes)
-  must_run(${work}/prefix/bin/cubes --version)
+if(EXISTS ${work}/prefix/bin/cubes${suffix})
+  must_run(${emulator} ${work}/prefix/bin/cubes${suffix} --version)
 endif()

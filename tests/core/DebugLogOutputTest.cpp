@@ -1,4 +1,5 @@
 #include "core/DebugLogTest.h"
+#include "support/OpenFiles.h"
 
 #include <functional>
 #include <random>
@@ -30,16 +31,6 @@ void callEveryOperation() {
     ZebDebug::doDebuggingBreak();
 }
 
-// How often this process has the file open.
-int openings(std::string const& path) {
-    int count = 0;
-    for (auto const& entry : fs::directory_iterator("/proc/self/fd")) {
-        std::error_code gone;
-        if (fs::read_symlink(entry.path(), gone) == fs::path(path)) ++count;
-    }
-    return count;
-}
-
 // A directory whose path with a "/" behind it has so many characters.
 std::string directoryOfLength(std::string directory, std::size_t length) {
     while (directory.size() + 1 < length) {
@@ -53,11 +44,12 @@ std::string directoryOfLength(std::string directory, std::size_t length) {
 // A name of our own in the system's temporary directory, where others write too.
 class SystemLog {
 public:
-    SystemLog() { ZebDebug::setDebugOutput(name_); }
+    explicit SystemLog(std::string directory) : directory_(std::move(directory)) { ZebDebug::setDebugOutput(name_); }
     ~SystemLog() { fs::remove(path()); }
-    std::string path() const { return "/tmp/" + name_; }
+    std::string path() const { return directory_ + name_; }
 
 private:
+    std::string directory_;
     std::string name_ = "cubes-test-" + std::to_string(std::random_device{}()) + ".log";
 };
 
@@ -167,7 +159,7 @@ TEST_F(DebugLogTest, takesADirectoryThatEndsInADelimiter) {
 
 TEST_F(DebugLogTest, takesTheSystemsDirectoryWhenNoneIsNamed) {
     for (auto const& value : {std::optional<std::string>(), std::optional<std::string>("")}) {
-        SystemLog const log;
+        SystemLog const log("/tmp/");
         temporary_.set(value);
         ZebDebug::writeDebug("text");
         EXPECT_EQ(logIn(log.path()), "D [time] text\n");
@@ -186,7 +178,7 @@ TEST_F(DebugLogTest, takesTheSystemsDirectoryForALongerOne) {
     auto const directory = directoryOfLength(directory_.str(), 260);
     ASSERT_EQ((directory + "/").size(), 260U);
     temporary_.set(directory);
-    SystemLog const log;
+    SystemLog const log(temporaryDirectoryWithoutName());
     ZebDebug::writeDebug("text");
     EXPECT_EQ(logIn(log.path()), "D [time] text\n");
     EXPECT_EQ(listing(directory), "");

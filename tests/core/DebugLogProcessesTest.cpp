@@ -1,7 +1,6 @@
 #include "core/DebugLogTest.h"
-#include "support/Forked.h"
+#include "support/Errand.h"
 
-#include <csignal>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -47,19 +46,44 @@ struct LastWords {
 };
 LastWords lastWords;
 
+void writeAllWhileOpen(int writer) {
+    ZebDebug::openStream();
+    writeAll(writer);
+}
+
+void writeStacks() {
+    for (int i = 0; i < 50; ++i) ZebDebug::writeStack();
+}
+
+[[noreturn]] void writeAndDie(bool keptOpen) {
+    if (keptOpen) ZebDebug::openStream();
+    ZebDebug::writeDebug("text");
+    killThisProcess();
+}
+
+[[noreturn]] void endWithWords() {
+    ZebDebug::setDebugOutput("a name that is long enough to lie on the heap.log");
+    ZebDebug::writeDebug("words");
+    lastWords.spoken = true;
+    std::exit(0);
+}
+
+Errand const messagesOfOne("messages", [](int writer, std::string const&) { writeAll(writer); });
+Errand const messagesKeptOpen("messages, kept open", [](int writer, std::string const&) { writeAllWhileOpen(writer); });
+Errand const stacks("stacks", [](int, std::string const&) { writeStacks(); });
+Errand const sudden("sudden end", [](int, std::string const& told) { writeAndDie(told == "open"); });
+Errand const wordsAtTheEnd("words at the end", [](int, std::string const&) { endWithWords(); });
+
 }
 
 TEST_F(DebugLogTest, holdsEveryLineOfTwoProcessesWhole) {
-    EXPECT_EQ(2, inProcesses(2, writeAll));
-    EXPECT_TRUE(linesOf(readFile(path())) == linesOfAll(2));
+    EXPECT_EQ(2, messagesOfOne.inProcesses(2));
+    EXPECT_TRUE(linesOf(readText(path())) == linesOfAll(2));
 }
 
 TEST_F(DebugLogTest, holdsEveryLineOfTwoProcessesWholeThatKeepItOpen) {
-    EXPECT_EQ(2, inProcesses(2, [](int writer) {
-        ZebDebug::openStream();
-        writeAll(writer);
-    }));
-    EXPECT_TRUE(linesOf(readFile(path())) == linesOfAll(2));
+    EXPECT_EQ(2, messagesKeptOpen.inProcesses(2));
+    EXPECT_TRUE(linesOf(readText(path())) == linesOfAll(2));
 }
 
 TEST_F(DebugLogTest, holdsEveryLineOfSeveralThreadsWhole) {
@@ -68,44 +92,31 @@ TEST_F(DebugLogTest, holdsEveryLineOfSeveralThreadsWhole) {
     ZebDebug::openStream();
     ZebDebug::setDebugOutput("");
     for (auto& thread : threads) thread.join();
-    EXPECT_TRUE(linesOf(readFile(path())) == linesOfAll(4));
+    EXPECT_TRUE(linesOf(readText(path())) == linesOfAll(4));
 }
 
 TEST_F(DebugLogTest, keepsStacksOfTwoProcessesApart) {
-    EXPECT_EQ(2, inProcesses(2, [](int) {
-        for (int i = 0; i < 50; ++i) ZebDebug::writeStack();
-    }));
-    std::istringstream stream(readFile(path()));
-    int stacks = 0;
+    EXPECT_EQ(2, stacks.inProcesses(2));
+    std::istringstream stream(readText(path()));
+    int found = 0;
     int frame = 0;
     for (std::string line; std::getline(stream, line);) {
         bool const heading = line.ends_with("] writeStack");
         std::string const number = "\t" + std::to_string(frame) + ": ";
         ASSERT_TRUE(heading || line.starts_with(number)) << line;
-        stacks += heading ? 1 : 0;
+        found += heading ? 1 : 0;
         frame = heading ? 0 : frame + 1;
     }
-    EXPECT_EQ(stacks, 100);
+    EXPECT_EQ(found, 100);
 }
 
 TEST_F(DebugLogTest, losesNothingWhenTheProcessIsKilled) {
-    for (bool const keptOpen : {false, true}) {
-        EXPECT_EQ(0, inProcesses(1, [&](int) {
-            if (keptOpen) ZebDebug::openStream();
-            ZebDebug::writeDebug("text");
-            raise(SIGKILL);
-        }));
-    }
+    for (char const* const state : {"closed", "open"}) EXPECT_EQ(0, sudden.inProcesses(1, state));
     EXPECT_EQ(log(), "D [time] text\nD [time] text\n");
 }
 
 TEST_F(DebugLogTest, isThereForDestructorsThatRunAtTheEnd) {
-    EXPECT_EQ(1, inProcesses(1, [](int) {
-        ZebDebug::setDebugOutput("a name that is long enough to lie on the heap.log");
-        ZebDebug::writeDebug("words");
-        lastWords.spoken = true;
-        std::exit(0);
-    }));
+    EXPECT_EQ(1, wordsAtTheEnd.inProcesses(1));
     EXPECT_EQ(logIn(directory_.file("a name that is long enough to lie on the heap.log")),
         "D [time] words\nD [time] last words\n");
 }

@@ -34,9 +34,9 @@ inline std::string withoutTimes(std::string_view text) {
     return result;
 }
 
-/// The bytes of a log with "[time]" for its times; "(none)" when there is no such file.
+/// The text of a log with "[time]" for its times and "\n" for its line ends; "(none)" when there is no such file.
 inline std::string logIn(std::string const& path) {
-    return std::filesystem::exists(path) ? withoutTimes(readFile(path)) : "(none)";
+    return std::filesystem::exists(path) ? withoutTimes(readText(path)) : "(none)";
 }
 
 /// An active log in a temporary directory of its own.
@@ -53,7 +53,7 @@ protected:
     // Made before the variable that would lead it elsewhere.
     TempDir directory_;
     Variable active_{"ZEB.DEBUG", "true"};
-    Variable temporary_{"TMPDIR", directory_.str()};
+    Variable temporary_{Variable::temporaryDirectory, directory_.str()};
 };
 
 }

@@ -217,10 +217,11 @@ TEST_P(EntryStorage, copiesTheFileOfAnUnchangedMatrixAndGivesFalse) {
 }
 
 TEST_P(EntryStorage, writesAnUnchangedMatrixWhoseFileIsGone) {
+    TempDir const elsewhere;
     storeBase();
     auto const source = open(lsUnchanged);
     ASSERT_TRUE(source);
-    std::filesystem::remove(pathOf("1-1-1-1-1.odm"));
+    std::filesystem::rename(pathOf("1-1-1-1-1.odm"), elsewhere.file("1-1-1-1-1.odm"));
     EXPECT_TRUE(cubes().SaveMatrix(*source, 1, 1, 1, 1, 2, lsReadWrite, false));
     cubes().Add("Base", 1, 1, 1, 2, false);
     EXPECT_EQ(firstElement(1, 1, 1, 1, 2), 1.0);

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "matcubes/TransferTest.h"
-#include "support/Forked.h"
+#include "support/Errand.h"
 
 namespace cubes::test {
 namespace {
@@ -227,21 +227,19 @@ TEST_P(EntryTransfer, toAKeyThatHasNoSuccessorIsTrueAndMakesNothing) {
     EXPECT_EQ(state(), before);
 }
 
+Errand const refusedTransfers("refused transfers", [](int, std::string const& root) {
+    Project const own = Project::open(root);
+    TRkMatCubes const theirs(own.settings(), ".odm", true);
+    for (auto const& form : forms)
+        if (form.call(theirs, TRkMatCubes(theirs), end(1, 1), end(1, 2), {})) throw std::runtime_error(form.name);
+});
+
 TEST_P(EntryTransfer, leavesATargetAloneThatSomeoneWrites) {
     store(end(1, 1), 1);
     store(end(1, 2), 2);
-    std::string const root = project().root();
     std::unique_ptr<TRkMatrix> const writing(cubes().Get(1, 1, 1, 1, 2, lsReadWrite, false));
     ASSERT_NE(writing, nullptr);
-    EXPECT_EQ(inProcesses(1,
-                  [&](int) {
-                      Project const own = Project::open(root);
-                      TRkMatCubes const theirs(own.settings(), ".odm", true);
-                      for (auto const& form : forms)
-                          if (form.call(theirs, TRkMatCubes(theirs), end(1, 1), end(1, 2), {}))
-                              throw std::runtime_error(form.name);
-                  }),
-        1);
+    EXPECT_EQ(refusedTransfers.inProcesses(1, project().root()), 1);
     EXPECT_EQ(first(end(1, 1)), 1.0);
     EXPECT_EQ(first(end(1, 2)), 2.0);
 }

@@ -48,12 +48,12 @@ TEST_P(FareCube, keepsItsTypeWhenItIsCopiedAndAssigned) {
     TempDir const own;
     TRkFareCube const there(project().settings(), own.str().c_str(), true);
     TRkFareCube copied = there;
-    EXPECT_EQ(copied.MatrixDirectory().str(), own.str() + "/");
+    EXPECT_EQ(copied.MatrixDirectory().str(), own.file(""));
     ASSERT_TRUE(copied.Add(1, 1, 1, 1, false));
     ASSERT_TRUE(copied.Set(1, 1, 1, 1, matrix(5), lsNone, false));
     EXPECT_EQ(copied.GetHeader(1, 1, 1, 1, false)->Type(), mtFare);
     fares() = copied;
-    EXPECT_EQ(fares().MatrixDirectory().str(), own.str() + "/");
+    EXPECT_EQ(fares().MatrixDirectory().str(), own.file(""));
     EXPECT_EQ(first(1), 5.0);
 }
 

@@ -54,10 +54,10 @@ TEST_P(MatCube, isCopiedAndAssignedWithItsName) {
     TRkMatCube const there(project().settings(), own.str().c_str(), "There", false);
     TRkMatCube const copied = there;
     EXPECT_STREQ(copied.Name(), "There");
-    EXPECT_EQ(copied.MatrixDirectory().str(), own.str() + "/");
+    EXPECT_EQ(copied.MatrixDirectory().str(), own.file(""));
     base() = copied;
     EXPECT_STREQ(base().Name(), "There");
-    EXPECT_EQ(base().MatrixDirectory().str(), own.str() + "/");
+    EXPECT_EQ(base().MatrixDirectory().str(), own.file(""));
 }
 
 TEST_P(MatCube, takesTheMatrixDirectoryFromTheSettingsWhenNoneIsGiven) {

@@ -1,7 +1,7 @@
 // Several processes on one project at once, each with a connection of its own.
 
 #include "matcubes/MatCubesTest.h"
-#include "support/Forked.h"
+#include "support/Errand.h"
 
 #include <cubes/catalogue/TRkCubes.h>
 
@@ -15,67 +15,64 @@ constexpr int rounds = 5;
 
 class Race : public MatCubesTest {
 protected:
-    void SetUp() override {
-        MatCubesTest::SetUp();
-        if (!IsSkipped()) root_ = project().root();
-    }
-
-    /// Runs `work` in several processes, each on a project object of its own.
-    int race(std::function<void(int, TRkMatCubes&)> const& work) const {
-        return inProcesses(processes, [&](int number) {
-            Project const own = Project::open(root_);
-            TRkMatCubes cubes(own.settings(), ".odm", true);
-            work(number, cubes);
-        });
-    }
-
-    static void require(bool done) {
-        if (!done) throw std::runtime_error("refused");
-    }
-
-private:
-    std::string root_;
+    int run(Errand const& errand) { return errand.inProcesses(processes, project().root()); }
 };
 
 CUBES_BOTH_BACKENDS(Race);
 
+// Each process is told its number and works on a project object of its own.
+Errand errandOf(char const* name, void (*work)(int, TRkMatCubes&)) {
+    return Errand(name, [work](int number, std::string const& root) {
+        Project const own = Project::open(root);
+        TRkMatCubes cubes(own.settings(), ".odm", true);
+        work(number, cubes);
+    });
+}
+
+void require(bool done) {
+    if (!done) throw std::runtime_error("refused");
+}
+
+Errand const sameCubes = errandOf("same cubes", [](int, TRkMatCubes& cubes) {
+    for (int round = 0; round < rounds; ++round) require(cubes.Add(("Cube" + std::to_string(round)).c_str()));
+});
+Errand const differentCubes = errandOf("different cubes", [](int number, TRkMatCubes& cubes) {
+    for (int round = 0; round < rounds; ++round)
+        require(cubes.Add((std::to_string(number) + "-" + std::to_string(round)).c_str()));
+});
+Errand const sameEntries = errandOf("same entries", [](int, TRkMatCubes& cubes) {
+    for (short user = 1; user <= rounds; ++user) require(cubes.Add("Base", 1, 1, 1, user, false));
+});
+Errand const users = errandOf("users", [](int, TRkMatCubes& cubes) {
+    for (int round = 0; round < rounds; ++round) require(cubes.incUsage(1, 1, 1, 1, 1));
+});
+Errand const reservedRows =
+    errandOf("reserved rows", [](int, TRkMatCubes& cubes) { TRkCubes const kinds(cubes.Settings()); });
+
 TEST_P(Race, ofOneNameEndsWithOneCube) {
-    EXPECT_EQ(race([](int, TRkMatCubes& cubes) {
-        for (int round = 0; round < rounds; ++round) require(cubes.Add(("Cube" + std::to_string(round)).c_str()));
-    }),
-        processes);
+    EXPECT_EQ(run(sameCubes), processes);
     EXPECT_EQ(cubeRows(), "1|Cube0\n2|Cube1\n3|Cube2\n4|Cube3\n5|Cube4\n");
 }
 
 TEST_P(Race, ofDifferentNamesGivesDifferentNumbers) {
-    EXPECT_EQ(race([](int number, TRkMatCubes& cubes) {
-        for (int round = 0; round < rounds; ++round)
-            require(cubes.Add((std::to_string(number) + "-" + std::to_string(round)).c_str()));
-    }),
-        processes);
+    EXPECT_EQ(run(differentCubes), processes);
     EXPECT_EQ(read("select count(*), count(distinct cubenr), max(cubenr) from cube"), "20|20|20\n");
 }
 
 TEST_P(Race, ofOneEntryEndsWithOneRow) {
-    EXPECT_EQ(race([](int, TRkMatCubes& cubes) {
-        for (short user = 1; user <= rounds; ++user) require(cubes.Add("Base", 1, 1, 1, user, false));
-    }),
-        processes);
+    EXPECT_EQ(run(sameEntries), processes);
     EXPECT_EQ(read("select count(*), max(\"user\") from " + table()), "5|5\n");
     EXPECT_EQ(cubeRows(), "1|Base\n");
 }
 
 TEST_P(Race, ofUsersLosesNone) {
     ASSERT_TRUE(cubes().Add("Base", 1, 1, 1, 1, false));
-    EXPECT_EQ(race([](int, TRkMatCubes& cubes) {
-        for (int round = 0; round < rounds; ++round) require(cubes.incUsage(1, 1, 1, 1, 1));
-    }),
-        processes);
+    EXPECT_EQ(run(users), processes);
     EXPECT_EQ(read("select \"usageCounter\" from " + table()), "20\n");
 }
 
 TEST_P(Race, ofReservedRowsEndsWithOneOfEach) {
-    EXPECT_EQ(race([](int, TRkMatCubes& cubes) { TRkCubes const kinds(cubes.Settings()); }), processes);
+    EXPECT_EQ(run(reservedRows), processes);
     EXPECT_EQ(read("select count(*), min(cubenr), max(cubenr) from cube"), "6|-6|-1\n");
 }
 

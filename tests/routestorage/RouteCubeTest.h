@@ -59,7 +59,7 @@ protected:
 
 private:
     std::string fileIn(std::string const& name, short iteration) {
-        return pathOf(name + "/1-2-3-4-5-" + std::to_string(iteration) + ".FDB");
+        return nativePath(pathOf(name + "/1-2-3-4-5-" + std::to_string(iteration) + ".FDB"));
     }
 
     std::unique_ptr<RouteStorageCube> routes_;

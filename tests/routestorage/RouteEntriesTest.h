@@ -22,7 +22,7 @@ protected:
         return {{routes(), "set", "-9", "RouteStorage_Routes"}, {data(), "data", "-10", "RouteStorage_RouteData"}};
     }
     std::string fileOf(RouteKind const& kind, std::string const& key) {
-        return pathOf(kind.directory + "/" + key + ".FDB");
+        return nativePath(pathOf(kind.directory + "/" + key + ".FDB"));
     }
     static std::string rowOf(RouteKind const& kind, std::string const& parts, std::string const& name) {
         return kind.number + "|" + parts + "|0|" + kind.directory + "\\" + name + ".FDB\n";

@@ -25,6 +25,10 @@ TempDir::~TempDir() {
     fs::remove_all(path_, ignored);
 }
 
+std::string nativePath(std::string const& path) {
+    return fs::path(path).make_preferred().string();
+}
+
 std::string listing(std::string const& directory) {
     std::vector<std::string> names;
     for (auto const& entry : fs::recursive_directory_iterator(directory))
@@ -44,6 +48,12 @@ std::string filesIn(std::string const& directory) {
 
 std::string readFile(std::string const& path) {
     std::ifstream stream(path, std::ios::binary);
+    if (!stream) throw std::runtime_error("cannot read " + path);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string readText(std::string const& path) {
+    std::ifstream stream(path);
     if (!stream) throw std::runtime_error("cannot read " + path);
     return {std::istreambuf_iterator<char>(stream), {}};
 }

@@ -16,21 +16,32 @@ public:
     TempDir& operator=(TempDir const&) = delete;
 
     std::string str() const { return path_.string(); }
-    /// The path of `name` inside the directory.
-    std::string file(std::string const& name) const { return (path_ / name).string(); }
+    /// The path of `name` inside the directory, with the platform's delimiters.
+    std::string file(std::string const& name) const { return (path_ / name).make_preferred().string(); }
 
 private:
     std::filesystem::path path_;
 };
 
+/// Where temporary files lie when the user's directory for them cannot be told, with a delimiter at its end.
+std::string temporaryDirectoryWithoutName();
+
+/// The path with the platform's delimiters.
+std::string nativePath(std::string const& path);
+
 /// A directory on another file system than `directory`; empty where there is none.
 std::string otherFileSystem(std::string const& directory);
+
+/// Whether a file may be removed while somebody reads it.
+bool readFilesCanBeRemoved();
 
 /// The names of all files and directories below `directory`, sorted; to show that nothing is left over.
 std::string listing(std::string const& directory);
 /// The same without the lock file of all writers of matrices.
 std::string filesIn(std::string const& directory);
 std::string readFile(std::string const& path);
+/// The same of a text, with "\n" for the platform's line ends.
+std::string readText(std::string const& path);
 void writeFile(std::string const& path, std::string const& bytes);
 
 }

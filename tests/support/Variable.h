@@ -19,6 +19,9 @@ public:
 
     void set(std::optional<std::string> const& value);
 
+    /// Of the variable that names the user's temporary directory.
+    static char const* const temporaryDirectory;
+
 private:
     char const* name_;
     std::optional<std::string> before_;

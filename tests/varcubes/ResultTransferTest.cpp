@@ -4,7 +4,7 @@
 #include <functional>
 #include <stdexcept>
 
-#include "support/Forked.h"
+#include "support/Errand.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -306,22 +306,19 @@ TEST_P(ResultTransfer, losesNothingThroughALinkToTheSameDirectory) {
 }
 #endif
 
+Errand const refusedTransfers("refused transfers", [](int, std::string const& root) {
+    Project const own = Project::open(root);
+    TRkSkimCube cube(own.settings(), true);
+    if (cube.Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false)) throw std::runtime_error("copied");
+    if (cube.Move(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false)) throw std::runtime_error("moved");
+});
+
 TEST_P(ResultTransfer, leavesATargetAloneThatSomeoneWrites) {
     store(skims(), 1, 1);
     store(skims(), 2, 2);
-    std::string const root = project().root();
     auto const writing = open(skims(), 2, lsReadWrite);
     ASSERT_NE(writing, nullptr);
-    EXPECT_EQ(inProcesses(1,
-                  [&](int) {
-                      Project const own = Project::open(root);
-                      TRkSkimCube cube(own.settings(), true);
-                      if (cube.Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false))
-                          throw std::runtime_error("copied");
-                      if (cube.Move(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false))
-                          throw std::runtime_error("moved");
-                  }),
-        1);
+    EXPECT_EQ(refusedTransfers.inProcesses(1, project().root()), 1);
     EXPECT_EQ(firstElement(skims(), 1), 1.0);
     EXPECT_EQ(firstElement(skims(), 2), 2.0);
 }

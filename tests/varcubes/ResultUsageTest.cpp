@@ -1,6 +1,6 @@
 #include <stdexcept>
 
-#include "support/Forked.h"
+#include "support/Errand.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -79,16 +79,15 @@ TEST_P(ResultUsage, findsACounterColumnOfOtherLetterCase) {
     EXPECT_FALSE(isCorrect());
 }
 
+Errand const manyUsers("many users", [](int, std::string const& root) {
+    Project const own = Project::open(root);
+    TRkSkimCube cube(own.settings(), true);
+    for (int i = 0; i < 50; ++i)
+        if (!cube.incUsage(1, 1, 1, 1, 1, 1)) throw std::runtime_error("not raised");
+});
+
 TEST_P(ResultUsage, losesNoChangeOfTwoProcesses) {
-    std::string const root = project().root();
-    EXPECT_EQ(inProcesses(2,
-                  [&](int) {
-                      Project const own = Project::open(root);
-                      TRkSkimCube cube(own.settings(), true);
-                      for (int i = 0; i < 50; ++i)
-                          if (!cube.incUsage(1, 1, 1, 1, 1, 1)) throw std::runtime_error("not raised");
-                  }),
-        2);
+    EXPECT_EQ(manyUsers.inProcesses(2, project().root()), 2);
     EXPECT_EQ(counter(), "100\n");
 }
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "support/Forked.h"
+#include "support/Errand.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -126,22 +126,21 @@ TEST_P(SelectedLinkCube, isTheOnlyKindWithScreenLinesThatCopies) {
     EXPECT_EQ(skims().GetHeader(1, 1, 1, 1, 1, 1, false)->Type(), mtSkim);
 }
 
+Errand const refusedSaving("refused saving", [](int, std::string const& root) {
+    Project const own = Project::open(root);
+    TRkSelectedLinkCube cube(own.settings(), true);
+    TempDir const there;
+    TRkMatrix matrix = TRkMatrix::selectedLink(2, 3, there.file("b").c_str());
+    dynamic_cast<TRkVLSelectedLinkMatrix&>(*matrix.Body()).Add(0, 0, 7);
+    if (cube.SaveMatrix(matrix, 1, 1, 1, 1, 1, 1, lsRead, false)) throw std::runtime_error("saved");
+});
+
 TEST_P(SelectedLinkCube, leavesAFileAloneThatSomeoneWrites) {
     ASSERT_TRUE(linkCube().Set(1, 1, 1, 1, 1, 1, filled(elsewhere_.file("a")), lsRead, false));
     std::string const before = readFile(pathOf("1-1-1-1-1-1.slm"));
-    std::string const root = project().root();
-    std::string const other = elsewhere_.file("b");
     auto const writing = open(linkCube(), 1, lsReadWrite);
     ASSERT_NE(writing, nullptr);
-    EXPECT_EQ(inProcesses(1,
-                  [&](int) {
-                      Project const own = Project::open(root);
-                      TRkSelectedLinkCube cube(own.settings(), true);
-                      TRkMatrix matrix = TRkMatrix::selectedLink(2, 3, other.c_str());
-                      dynamic_cast<TRkVLSelectedLinkMatrix&>(*matrix.Body()).Add(0, 0, 7);
-                      if (cube.SaveMatrix(matrix, 1, 1, 1, 1, 1, 1, lsRead, false)) throw std::runtime_error("saved");
-                  }),
-        1);
+    EXPECT_EQ(refusedSaving.inProcesses(1, project().root()), 1);
     EXPECT_EQ(readFile(pathOf("1-1-1-1-1-1.slm")), before);
 }
 

@@ -1,7 +1,5 @@
 #include "host/matrix/Hdf5.h"
 
-#include "host/platform/Paths.h"
-
 namespace cubes::matrix::hdf5 {
 
 namespace {
@@ -65,11 +63,6 @@ Handle fileAccess() {
     Handle access(H5Pcreate(H5P_FILE_ACCESS), H5Pclose, "prepare the access to a file");
     check(H5Pset_file_locking(access.get(), false, true), "prepare the access to a file");
     return access;
-}
-
-Handle openFile(std::string const& path) {
-    std::string const name = platform::toUtf8(path);
-    return Handle(H5Fopen(name.c_str(), H5F_ACC_RDONLY, fileAccess().get()), H5Fclose, "open it as HDF5");
 }
 
 Handle openGroup(hid_t parent, char const* name) {

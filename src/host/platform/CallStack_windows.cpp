@@ -21,6 +21,8 @@ constexpr std::size_t longestName = 1024;
 std::vector<void*> returnAddresses() {
     std::vector<void*> addresses(deepest);
     addresses.resize(::RtlCaptureStackBackTrace(0, static_cast<DWORD>(deepest), addresses.data(), nullptr));
+    // What is told behind the outermost call, which returns to nowhere, is no call any more.
+    addresses.erase(std::find(addresses.begin(), addresses.end(), nullptr), addresses.end());
     return addresses;
 }
 

@@ -39,6 +39,19 @@ bool isTaken(std::string const& path) {
     return fs::exists(fs::symlink_status(toPath(path), ignored));
 }
 
+// Not the standard library's: for that one, on Windows, all that exists is one and the same.
+bool copyDirectory(fs::path const& source, fs::path const& target, bool overwrite) {
+    std::error_code error;
+    fs::create_directory(target, source, error);
+    fs::directory_iterator entry;
+    if (!error) entry = fs::directory_iterator(source, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        fs::path const& from = entry->path();
+        if (!copy(fromPath(from), fromPath(target / from.filename()), overwrite)) return false;
+    }
+    return !error;
+}
+
 }
 
 bool exists(std::string const& path) {
@@ -82,10 +95,7 @@ bool copy(std::string const& source, std::string const& target, bool overwrite) 
     if (source.empty() || target.empty() || isInside(target, source)) return false;
     if (isRegularFile(source) && !isDirectory(target))
         return (overwrite || !exists(target)) && copyFile(source, target);
-    auto const existing = overwrite ? fs::copy_options::overwrite_existing : fs::copy_options::none;
-    std::error_code error;
-    fs::copy(toPath(source), toPath(target), existing | fs::copy_options::recursive, error);
-    return !error;
+    return copyDirectory(toPath(source), toPath(target), overwrite);
 }
 
 bool copyFile(std::string const& source, std::string const& target) {

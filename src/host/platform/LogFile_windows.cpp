@@ -14,6 +14,23 @@ HANDLE handle(std::intptr_t native) {
     return reinterpret_cast<HANDLE>(native);
 }
 
+/// Finding the end and writing there is one step on a local disk, but not on every other: writers take turns.
+class Turn {
+public:
+    explicit Turn(HANDLE file) : file_(file) {
+        // A byte that no log will ever have, so that nobody is kept from reading.
+        byte_.OffsetHigh = 0x7FFFFFFF;
+        ::LockFileEx(file_, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &byte_);
+    }
+    ~Turn() { ::UnlockFileEx(file_, 0, 1, 0, &byte_); }
+    Turn(Turn const&) = delete;
+    Turn& operator=(Turn const&) = delete;
+
+private:
+    HANDLE file_;
+    OVERLAPPED byte_{};
+};
+
 std::string withLineEnds(std::string_view text) {
     std::string result;
     result.reserve(text.size() + 2);
@@ -28,8 +45,8 @@ std::string withLineEnds(std::string_view text) {
 
 std::optional<LogFile> LogFile::open(std::string const& path) {
     constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    // With this access and no other, the system puts every write at the end of the file.
-    constexpr DWORD access = FILE_APPEND_DATA | SYNCHRONIZE;
+    // Without the right to write elsewhere, the system puts every write at the end of the file.
+    constexpr DWORD access = FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE;
     HANDLE const opened =
         ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
@@ -52,6 +69,7 @@ LogFile::~LogFile() {
 // A disk without room for the whole takes nothing of it.
 void LogFile::append(std::string_view text) {
     std::string const bytes = withLineEnds(text);
+    Turn const turn(handle(native_));
     DWORD put = 0;
     ::WriteFile(handle(native_), bytes.data(), static_cast<DWORD>(bytes.size()), &put, nullptr);
 }

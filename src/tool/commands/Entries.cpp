@@ -1,5 +1,6 @@
 #include "tool/Catalogue.h"
 #include "tool/Messages.h"
+#include "tool/Paths.h"
 #include "tool/Progress.h"
 #include "tool/commands/Commands.h"
 
@@ -25,7 +26,7 @@ struct FileFacts {
 FileFacts factsOf(Entry const& entry, std::string const& path) {
     FileFacts facts;
     std::error_code missing;
-    auto const size = fs::file_size(path, missing);
+    auto const size = fs::file_size(toPath(path), missing);
     if (missing) return facts;
     // Whether routes are readable their provider knows, who has to read all of them to tell.
     facts.state = entry.cube.holdsRoutes() ? "ok" : "unreadable";
@@ -74,7 +75,7 @@ private:
         for (std::size_t part = 0; part < longestKey; ++part)
             row.push_back(part < entry.key.size() ? Json(entry.key[part]) : Json());
         for (auto const& fact :
-            {Json(fs::path(path).filename().string()), Json(facts.state), facts.size, facts.rows, facts.columns})
+            {Json(toText(toPath(path).filename())), Json(facts.state), facts.size, facts.rows, facts.columns})
             row.push_back(fact);
         return row;
     }

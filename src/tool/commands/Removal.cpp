@@ -3,6 +3,7 @@
 #include "tool/Errors.h"
 #include "tool/Lineage.h"
 #include "tool/Messages.h"
+#include "tool/Paths.h"
 
 #include <fmt/format.h>
 
@@ -38,7 +39,7 @@ void tellOfOrphans(std::string const& gone, std::size_t count) {
 void tellOfFilesThatStayed(std::vector<std::string> const& files) {
     std::error_code ignored;
     for (auto const& file : files)
-        if (std::filesystem::exists(file, ignored)) tellWarning(file + " could not be removed");
+        if (std::filesystem::exists(toPath(file), ignored)) tellWarning(file + " could not be removed");
 }
 
 }

@@ -1,5 +1,6 @@
 #include "tool/Catalogue.h"
 #include "tool/Errors.h"
+#include "tool/Paths.h"
 #include "tool/ProjectFinder.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Removal.h"
@@ -52,7 +53,7 @@ private:
 
     bool isElsewhere(Catalogue const& catalogue) const {
         if (!fromProject_) return false;
-        return !std::filesystem::equivalent(findProject(*fromProject_), catalogue.project().root());
+        return !isSameDirectory(findProject(*fromProject_), catalogue.project().root());
     }
 
     void runWithin(Catalogue& catalogue, Output& output) {

@@ -1,5 +1,6 @@
 #include "tool/formats/Formats.h"
 
+#include "tool/Paths.h"
 #include "tool/formats/Csv.h"
 #include "tool/formats/FormatError.h"
 #include "tool/formats/NumberText.h"
@@ -77,7 +78,7 @@ constexpr std::array formats = {
 };
 
 Format const& formatOf(std::string const& path) {
-    auto const extension = std::filesystem::path(path).extension().string();
+    auto const extension = toText(toPath(path).extension());
     auto const found = std::find_if(
         formats.begin(), formats.end(), [&](Format const& format) { return isSameWord(format.extension, extension); });
     if (found != formats.end()) return *found;

@@ -1,5 +1,6 @@
 #include "tool/formats/WholeFile.h"
 
+#include "tool/Paths.h"
 #include "tool/formats/FormatError.h"
 
 #include <fmt/format.h>
@@ -31,7 +32,7 @@ std::string temporaryBeside(std::string const& path) {
 // Renaming over a directory, a device or a pipe is never meant.
 void requireRegularOrNew(std::string const& path) {
     std::error_code ignored;
-    auto const status = fs::status(path, ignored);
+    auto const status = fs::status(toPath(path), ignored);
     if (fs::is_directory(status)) throw FormatError(path, "is a directory, expected a file");
     if (fs::exists(status) && !fs::is_regular_file(status)) throw FormatError(path, "is not a regular file");
 }
@@ -40,11 +41,12 @@ void requireRegularOrNew(std::string const& path) {
 
 std::string readWholeFile(std::string const& path) {
     std::error_code ignored;
-    if (fs::is_directory(path, ignored)) throw FormatError(path, "is a directory, expected a file");
+    fs::path const place = toPath(path);
+    if (fs::is_directory(place, ignored)) throw FormatError(path, "is a directory, expected a file");
     errno = 0;
-    std::ifstream stream(fs::path(path), std::ios::binary);
+    std::ifstream stream(place, std::ios::binary);
     if (!stream) throw FormatError(path, cannotBe("read", errno));
-    auto const size = fs::is_regular_file(path, ignored) ? fs::file_size(path, ignored) : 0;
+    auto const size = fs::is_regular_file(place, ignored) ? fs::file_size(place, ignored) : 0;
     std::string bytes;
     bytes.reserve(ignored ? 0 : size);
     char block[1 << 16];
@@ -57,14 +59,14 @@ std::string readWholeFile(std::string const& path) {
 NewFile::NewFile(std::string path) : path_(std::move(path)), temporary_(temporaryBeside(path_)) {
     requireRegularOrNew(path_);
     errno = 0;
-    stream_.open(fs::path(temporary_), std::ios::binary);
+    stream_.open(toPath(temporary_), std::ios::binary);
     if (!stream_) fail();
 }
 
 NewFile::~NewFile() {
     stream_.close();
     std::error_code ignored;
-    fs::remove(temporary_, ignored);
+    fs::remove(toPath(temporary_), ignored);
 }
 
 void NewFile::write(std::string_view bytes) {
@@ -76,7 +78,7 @@ void NewFile::publish() {
     stream_.close();
     if (!stream_) fail();
     std::error_code error;
-    fs::rename(temporary_, path_, error);
+    fs::rename(toPath(temporary_), toPath(path_), error);
     if (error) throw FormatError(path_, fmt::format("cannot be written: {}", error.message()));
 }
 

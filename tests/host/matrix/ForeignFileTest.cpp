@@ -2,6 +2,7 @@
 
 #include "support/Process.h"
 #include "support/SharedData.h"
+#include "support/SystemWords.h"
 
 #include <cubes/matrix/OmxFile.h>
 #include <cubes/matrix/TRkMatrixException.h>
@@ -256,9 +257,9 @@ TEST(OmxFile, aFileThatCanNotBeOpenedIsNamedWithTheReason) {
     std::filesystem::create_directory(directory.file("directory"));
     struct Case {
         char const* name;
-        char const* reason;
+        std::string reason;
     };
-    for (auto const& [name, reason] : {Case{"none", "No such file"}, Case{"empty", "is empty"}, Case{"text", "as HDF5"},
+    for (auto const& [name, reason] : {Case{"none", noSuchFile()}, Case{"empty", "is empty"}, Case{"text", "as HDF5"},
              Case{"directory", "directory"}}) {
         std::string const file = directory.file(name);
         EXPECT_NE(reasonOf(file).find(reason), std::string::npos) << reasonOf(file);

@@ -1,5 +1,7 @@
 #include "host/matrix/Samples.h"
 
+#include "support/SystemWords.h"
+
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/TRkMatrixException.h>
 
@@ -247,7 +249,7 @@ TEST(MatrixFile, whatCanNotBeCreatedIsNotValid) {
         std::string reason;
     };
     for (auto const& [file, rows, columns, reason] : {
-             Case{directory.file("none/a.skm"), 2, 2, "No such file or directory"},
+             Case{directory.file("none/a.skm"), 2, 2, noSuchDirectory()},
              Case{directory.file("d"), 2, 2, "it is a directory"},
              Case{"", 2, 2, ""},
              Case{directory.file("a.skm"), 0, 2, "0 x 2"},

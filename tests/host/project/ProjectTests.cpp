@@ -332,7 +332,7 @@ TEST(TestProject, isAProjectOverItsDatabase) {
     cubes::test::TestProject project(Backend::sqlite);
     project.execute("INSERT INTO \"cube\" VALUES (1, 'Base')");
     EXPECT_EQ(project.sql("SELECT * FROM \"cube\""), (Rows{{"1", "Base"}}));
-    EXPECT_EQ(project.matrixDirectory(), project.root() + "/matrices/");
+    EXPECT_EQ(project.matrixDirectory(), cubes::test::nativePath(project.root() + "/matrices/"));
 }
 
 }

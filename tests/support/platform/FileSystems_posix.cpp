@@ -13,4 +13,12 @@ std::string otherFileSystem(std::string const& directory) {
     return isOther ? memory : "";
 }
 
+std::string temporaryDirectoryWithoutName() {
+    return "/tmp/";
+}
+
+bool readFilesCanBeRemoved() {
+    return true;
+}
+
 }

@@ -8,4 +8,14 @@ std::string otherFileSystem(std::string const&) {
     return std::filesystem::is_directory(memory) ? memory : "";
 }
 
+std::string temporaryDirectoryWithoutName() {
+    constexpr char const* fixed = "c:\\temp\\";
+    std::filesystem::create_directories(fixed);
+    return fixed;
+}
+
+bool readFilesCanBeRemoved() {
+    return false;
+}
+
 }

@@ -8,4 +8,7 @@ namespace cubes::test {
 /// are written as this program's own system writes them.
 int shell(std::string const& line);
 
+/// The text with its paths as the shell writes them.
+std::string withPathsOfTheShell(std::string text);
+
 }

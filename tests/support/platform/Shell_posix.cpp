@@ -11,4 +11,8 @@ int shell(std::string const& line) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+std::string withPathsOfTheShell(std::string text) {
+    return text;
+}
+
 }

@@ -15,20 +15,6 @@ namespace {
 
 constexpr auto patience = std::chrono::minutes(2);
 
-// "Z:\tmp\a" is "/tmp/a" for the system that Wine runs on.
-std::string withPathsOfTheSystemBelow(std::string line) {
-    for (std::size_t at = line.find("Z:"); at != std::string::npos; at = line.find("Z:", at)) {
-        if (at + 2 < line.size() && line[at + 2] != '\\' && line[at + 2] != '/') {
-            at += 2;
-            continue;
-        }
-        line.erase(at, 2);
-        for (; at < line.size() && std::string_view(" '\"\n:;,|<>()").find(line[at]) == std::string_view::npos; ++at)
-            if (line[at] == '\\') line[at] = '/';
-    }
-    return line;
-}
-
 void start(std::string command) {
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
@@ -51,13 +37,30 @@ int statusIn(std::string const& path) {
 
 }
 
+// "Z:\tmp\a" is "/tmp/a" for the system that Wine runs on; quoted in JSON it is "Z:\\tmp\\a".
+std::string withPathsOfTheShell(std::string text) {
+    for (std::size_t at = text.find("Z:"); at != std::string::npos; at = text.find("Z:", at)) {
+        if (at + 2 < text.size() && text[at + 2] != '\\' && text[at + 2] != '/') {
+            at += 2;
+            continue;
+        }
+        text.erase(at, 2);
+        for (; at < text.size() && std::string_view("'\"\n:;,|<>()").find(text[at]) == std::string_view::npos; ++at) {
+            if (text[at] != '\\') continue;
+            text[at] = '/';
+            if (at + 1 < text.size() && text[at + 1] == '\\') text.erase(at + 1, 1);
+        }
+    }
+    return text;
+}
+
 int shell(std::string const& line) {
     TempDir const directory;
     auto const script = directory.file("script");
-    writeFile(script,
-        withPathsOfTheSystemBelow("(" + line + "\n)\necho $? >'" + directory.file("status.new") + "'\n" + "mv '" +
-                                  directory.file("status.new") + "' '" + directory.file("status") + "'\n"));
-    start("\"Z:\\bin\\sh\" " + withPathsOfTheSystemBelow("\"" + script + "\""));
+    writeFile(
+        script, withPathsOfTheShell("(" + line + "\n)\necho $? >'" + directory.file("status.new") + "'\n" + "mv '" +
+                                    directory.file("status.new") + "' '" + directory.file("status") + "'\n"));
+    start("\"Z:\\bin\\sh\" " + withPathsOfTheShell("\"" + script + "\""));
     return statusIn(directory.file("status"));
 }
 

@@ -2,6 +2,8 @@
 
 namespace cubes::test {
 
+char const* const Variable::temporaryDirectory = "TMPDIR";
+
 void Variable::set(std::optional<std::string> const& value) {
     if (value)
         setenv(name_, value->c_str(), 1);

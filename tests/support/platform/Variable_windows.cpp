@@ -2,6 +2,8 @@
 
 namespace cubes::test {
 
+char const* const Variable::temporaryDirectory = "TMP";
+
 // An empty value takes the variable away.
 void Variable::set(std::optional<std::string> const& value) {
     _putenv_s(name_, value.value_or("").c_str());

@@ -44,23 +44,4 @@ TEST_F(Terminal, seesNothingOfProgressWhenMessagesGoElsewhere) {
     EXPECT_EQ(session.run("cubes entries").errors, "");
 }
 
-TEST_F(Terminal, isLeftQuietlyWhenTheReaderOfResultsGoesAway) {
-    session.write("reader.py", R"(
-import os, subprocess, sys
-for restored in (True, False):
-    reading, writing = os.pipe()
-    os.close(reading)
-    tool = subprocess.run(["cubes", "entries"], stdout=writing, stderr=subprocess.PIPE, restore_signals=restored)
-    os.close(writing)
-    sys.stdout.buffer.write(b"said: " + tool.stderr + b"\n")
-)");
-    EXPECT_EQ(session.run("/usr/bin/python3 reader.py").output, "said: \nsaid: \n");
-}
-
-TEST_F(Terminal, saysWhenResultsCannotBeWritten) {
-    auto const result = session.run("cubes entries >/dev/full");
-    EXPECT_EQ(result.exitCode, 3);
-    EXPECT_EQ(result.errors, "cubes: cannot list the entries: standard output: No space left on device\n");
-}
-
 }

@@ -1,6 +1,8 @@
 #include "ToolSession.h"
 
 #include "support/SharedData.h"
+#include "support/SystemWords.h"
+#include "support/platform/Shell.h"
 
 #include <filesystem>
 #include <sstream>
@@ -41,27 +43,27 @@ std::string contentOf(fs::path const& file) {
 }
 
 // The superuser may read every file.
-char const* const withoutPrivileges =
-    "AS_ANYBODY=; [ $(id -u) != 0 ] || "
-    "AS_ANYBODY='setpriv --bounding-set=-dac_override,-dac_read_search --inh-caps=-dac_override,-dac_read_search'; ";
+char const* const withoutPrivileges = "AS_ANYBODY=; [ $(id -u) != 0 ] || AS_ANYBODY='" CUBES_AS_ANYBODY "'; ";
 
 }
 
 ToolSession::ToolSession(Backend backend) : database_(backend) {}
 
 ProcessResult ToolSession::run(std::string const& line) const {
-    auto const tools = fs::path(CUBES_TOOL).parent_path().string();
     return test::run({"env", "-u", "CUBES_DATABASE", "DATABASE=" + database_.url(), "DATA=" + sharedData(""),
         "SERVER_PORT=" + (database_.backend() == Backend::postgres ? postgresPort() : std::string()), "sh", "-c",
-        withoutPrivileges + std::string("PATH='") + tools + "':$PATH; cd '" + directory_.str() + "' && " + line});
+        std::string(withoutPrivileges) + "PATH='" CUBES_TOOL_DIRECTORY "':$PATH; cd '" + directory_.str() + "' && " +
+            line});
 }
 
 std::string ToolSession::shown(std::string const& line) const {
     auto const result = run(line);
     std::string text = result.output + headed(result.errors, "! ");
     if (result.exitCode != 0) text += "[" + std::to_string(result.exitCode) + "]\n";
-    text = replaced(text, database_.url(), "<DATABASE>");
-    return replaced(text, directory_.str(), "<DIR>");
+    text = replaced(withPathsOfTheShell(text), CUBES_TOOL, "cubes");
+    text = replaced(text, noSuchFile(), "No such file or directory");
+    text = replaced(text, withPathsOfTheShell(database_.url()), "<DATABASE>");
+    return replaced(text, withPathsOfTheShell(directory_.str()), "<DIR>");
 }
 
 void ToolSession::makeProject() const {

@@ -1,0 +1,34 @@
+#include "support/Errand.h"
+
+#include "support/Forked.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <stdexcept>
+#include <utility>
+
+#include <unistd.h>
+
+namespace cubes::test {
+
+Errand::Errand(std::string name, Work work) : name_(std::move(name)), work_(std::move(work)) {}
+
+// A process that divides has the work already.
+int Errand::inProcesses(int count, std::string const& told) const {
+    return test::inProcesses(count, [&](int number) {
+        run(number, told);
+        if (testing::Test::HasFailure()) throw std::runtime_error(name_ + " failed");
+    });
+}
+
+void killThisProcess() {
+    raise(SIGKILL);
+    std::abort();
+}
+
+void leaveAtOnce(bool isWell) {
+    _exit(isWell ? 0 : 1);
+}
+
+}

@@ -1,0 +1,17 @@
+#include "support/SystemWords.h"
+
+namespace cubes::test {
+
+std::string noSuchFile() {
+    return "No such file or directory";
+}
+
+std::string noSuchDirectory() {
+    return noSuchFile();
+}
+
+std::string isADirectory() {
+    return "Is a directory";
+}
+
+}

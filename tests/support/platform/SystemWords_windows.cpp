@@ -1,0 +1,22 @@
+#include "support/SystemWords.h"
+
+#include <system_error>
+
+#include <windows.h>
+
+namespace cubes::test {
+
+// Wine's words are not those of Windows.
+std::string noSuchFile() {
+    return std::system_category().message(ERROR_FILE_NOT_FOUND);
+}
+
+std::string noSuchDirectory() {
+    return std::system_category().message(ERROR_PATH_NOT_FOUND);
+}
+
+std::string isADirectory() {
+    return std::system_category().message(ERROR_ACCESS_DENIED);
+}
+
+}

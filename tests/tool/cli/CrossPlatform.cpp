@@ -1,0 +1,241 @@
+// One project for two platforms: what the tool of one has made, the tool of the other opens, reads,
+// and goes on with.
+
+#include "ToolSession.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <map>
+#include <optional>
+
+namespace {
+
+using namespace cubes::test;
+namespace fs = std::filesystem;
+
+constexpr char const* here = "cubes";
+constexpr char const* linux = "'" CUBES_LINUX_TOOL "'";
+
+struct Direction {
+    char const* name;
+    char const* maker;
+    char const* other;
+};
+constexpr std::array directions = {Direction{"fromLinux", linux, here}, Direction{"fromWindows", here, linux}};
+
+void requireLinuxTool() {
+    if (fs::exists(CUBES_LINUX_TOOL)) return;
+    char const* const ci = std::getenv("CI");
+    if (ci && std::string(ci) == "true") FAIL() << "no tool for Linux: " CUBES_LINUX_TOOL;
+    GTEST_SKIP() << "SKIPPED: no tool for Linux: " CUBES_LINUX_TOOL
+                    "; run: cmake --preset release && cmake --build --preset release --target cubes_tool";
+}
+
+/// The line with that tool for "cubes", in the project's directory.
+std::string with(std::string const& tool, std::string line) {
+    for (auto at = line.find("cubes "); at != std::string::npos; at = line.find("cubes ", at + tool.size()))
+        line.replace(at, 5, tool);
+    return "cd delta && " + line;
+}
+
+/// A trip table, routes and data of routes, as any other program might write them.
+void writeSources(ToolSession const& session) {
+    session.write("delta/trips.csv", ",10,20,30\n10,0,1.5,2\n20,3,0,0.1\n30,1e7,5,0\n");
+    session.write("delta/routes.csv",
+        "origin,destination,route,sequence,link,share\n10,20,1,1,7,0.75\n10,20,1,2,8,0.75\n"
+        "10,20,2,1,9,0.25\n30,10,1,1,8,1\n");
+    session.write("delta/data.csv", "route,length:float,tolled:boolean\n0,5.5,1\n1,7.25,0\n2,0.1,0\n");
+}
+
+// Everything that a project may hold, one command a line.
+constexpr std::array making = {
+    "cubes import trips.csv 'Base \xC3\xBC/1/1/1/1'",
+    "cubes import trips.csv fare/1/1/1/1",
+    "cubes import trips.csv skim/1/1/1/1/1/1",
+    "cubes parent skim/1/1/1/1/1/1 1/1/1/1/1",
+    "cubes routes import routes.csv routes/1/1/1/1/1/1",
+    "cubes parent routes/1/1/1/1/1/1 1/1/1/1/1",
+    "cubes routes import data.csv routedata/1/1/1/1/1/1",
+    "cubes routes select routes/1/1/1/1/1/1 8 1/1/1/1/1 selectedlink/1/1/1/1/1/1",
+    "cubes use fare/1/1/1/1 +1",
+};
+
+// What is asked of it.
+constexpr std::array reading = {
+    "cubes list",
+    "cubes entries",
+    "cubes entries fare --json",
+    "cubes show 1/1/1/1/1 --json",
+    "cubes cell 1/1/1/1/1 30 10",
+    "cubes tree 1/1/1/1/1",
+    "cubes parent selectedlink/1/1/1/1/1/1",
+    "cubes use fare/1/1/1/1",
+    "cubes show skim/1/1/1/1/1/1",
+    "cubes routes show routes/1/1/1/1/1/1 --od 10 20",
+    "cubes routes show routes/1/1/1/1/1/1 --link 8 --json",
+    "cubes routes fields routedata/1/1/1/1/1/1",
+    "cubes export 1/1/1/1/1 out.csv && cat out.csv",
+    "cubes export selectedlink/1/1/1/1/1/1 out.csv && cat out.csv",
+    "cubes routes export routes/1/1/1/1/1/1 out.csv && cat out.csv",
+    "cubes routes export routedata/1/1/1/1/1/1 out.csv && cat out.csv",
+};
+
+// How the other one goes on; the copies are of the bytes as they are.
+constexpr std::array goingOn = {
+    "cubes copy 1/1/1/1/1 1/1/1/1/2 && cmp matrices/1-1-1-1-1.odm matrices/1-1-1-1-2.odm",
+    "cubes copy routes/1/1/1/1/1/1 routes/1/1/1/1/1/2",
+    "cmp results/RouteStorage_Routes/1-1-1-1-1-1.FDB results/RouteStorage_Routes/1-1-1-1-1-2.FDB",
+    "cubes move skim/1/1/1/1/1/1 skim/2/2/2/2/2/2",
+    "cubes import trips.csv 'Plan/1/1/1/1'",
+    "cubes use fare/1/1/1/1 -1",
+    "cubes remove fare/1/1/1/1",
+};
+
+// All that another reader finds in the files.
+constexpr char const* contentOfAll = R"(
+import glob, h5py, sys
+def tell(name, item):
+    values = item[()].tolist() if isinstance(item, h5py.Dataset) else ''
+    print(' ', name, getattr(item, 'compression', ''), sorted((key, str(item.attrs[key])) for key in item.attrs), values)
+for path in sorted(glob.glob(sys.argv[1] + '/delta/*/**/*.*', recursive=True)):
+    print(path[len(sys.argv[1]):])
+    with h5py.File(path) as file:
+        tell('/', file)
+        file.visititems(tell)
+)";
+
+using Parameters = std::tuple<Backend, Direction, char const*>;
+
+class CrossPlatform : public testing::TestWithParam<Parameters> {
+protected:
+    void SetUp() override {
+        requireBackend(backend());
+        if (!IsSkipped() && !HasFatalFailure()) requireLinuxTool();
+        if (IsSkipped() || HasFatalFailure()) return;
+        session_.emplace(backend());
+    }
+
+    Backend backend() const { return std::get<Backend>(GetParam()); }
+    Direction direction() const { return std::get<Direction>(GetParam()); }
+
+    /// An SQLite database lies in the project's directory, as it does where nothing is said.
+    std::string init(std::string const& tool) const {
+        std::string const database = backend() == Backend::postgres ? " --database \"$DATABASE\"" : "";
+        return tool + " init delta --storage " + std::get<char const*>(GetParam()) + database;
+    }
+    void make(ToolSession const& session, std::string const& tool) const {
+        succeeds(session, init(tool));
+        writeSources(session);
+        for (auto const* line : making) succeeds(session, with(tool, line));
+    }
+    static void succeeds(ToolSession const& session, std::string const& line) {
+        auto const result = session.run(line);
+        ASSERT_EQ(result.exitCode, 0) << line << "\n" << result.errors;
+    }
+    static std::string read(ToolSession const& session, std::string const& tool) {
+        std::string text;
+        for (auto const* line : reading) text += "$ " + std::string(line) + "\n" + session.shown(with(tool, line));
+        return text;
+    }
+    static std::string content(ToolSession const& session) {
+        auto const result = runPython(contentOfAll, {session.directory()});
+        EXPECT_EQ(result.exitCode, 0) << result.errors;
+        return result.output;
+    }
+    /// The rows that an independent client finds.
+    std::string rows(ToolSession const& session) const {
+        std::string const numbers = "purpose, mode, time, \"user\"";
+        std::string const results = "result, iteration, filename, parentcubenr, parentpurpose, parentresult";
+        return joined(sql(session, "select cubenr, name from cube order by cubenr")) +
+               joined(sql(session, "select cubenr, " + numbers + ", filename, \"usageCounter\" from " +
+                                       table(session, "public", "cube4data1") + " order by 1, 2, 3, 4, 5")) +
+               joined(sql(session, "select cubenr, " + numbers + ", " + results + " from " +
+                                       table(session, "delta", "cube5data1") + " order by 1, 2, 3, 4, 5, 6, 7"));
+    }
+
+    std::optional<ToolSession> session_;
+
+private:
+    Rows sql(ToolSession const& session, std::string const& text) const {
+        if (backend() == Backend::postgres) return session.database().sql(text);
+        auto const result =
+            run({"sqlite3", "-batch", "-bail", "-nullvalue", "NULL", session.file("delta/cubes.db"), text});
+        EXPECT_EQ(result.exitCode, 0) << result.errors;
+        return {{result.output}};
+    }
+    std::string table(ToolSession const& session, std::string const& schema, std::string const& name) const {
+        return session.database().table(schema, name);
+    }
+};
+
+/// The bytes of all files of one of these kinds, with their names.
+std::string bytesOf(ToolSession const& session, std::vector<std::string> const& extensions) {
+    std::map<std::string, std::string> files;
+    for (auto const& entry : fs::recursive_directory_iterator(session.directory()))
+        if (std::count(extensions.begin(), extensions.end(), entry.path().extension().string()))
+            files[entry.path().filename().string()] = readFile(entry.path().string());
+    std::string text;
+    for (auto const& [file, bytes] : files) text += file + "\n" + bytes + "\n";
+    return text;
+}
+
+std::vector<std::string> const matrices = {".odm", ".frs", ".skm", ".slm"};
+std::vector<std::string> const everything = {".odm", ".frs", ".skm", ".slm", ".FDB", ".toml"};
+
+std::string nameOf(testing::TestParamInfo<Parameters> const& info) {
+    auto const& [backend, direction, storage] = info.param;
+    return std::string(direction.name) + "_" + storage + "_" + backendName(backend);
+}
+
+INSTANTIATE_TEST_SUITE_P(, CrossPlatform,
+    testing::Combine(testing::Values(Backend::sqlite, Backend::postgres), testing::ValuesIn(directions),
+        testing::Values("plain", "deflate")),
+    nameOf);
+
+TEST_P(CrossPlatform, readsWhatTheOtherHasMadeAndChangesNothing) {
+    auto const [name, maker, other] = direction();
+    make(*session_, maker);
+    auto const asMade = read(*session_, maker);
+    EXPECT_NE(asMade.find("Base \xC3\xBC"), std::string::npos) << asMade;
+    EXPECT_EQ(asMade.find("\n! "), std::string::npos) << asMade;
+    auto const files = bytesOf(*session_, everything);
+    auto const rowsAsMade = rows(*session_);
+    EXPECT_EQ(read(*session_, other), asMade);
+    EXPECT_EQ(bytesOf(*session_, everything), files);
+    EXPECT_EQ(rows(*session_), rowsAsMade);
+}
+
+TEST_P(CrossPlatform, goesOnWithWhatTheOtherHasMade) {
+    auto const [name, maker, other] = direction();
+    make(*session_, maker);
+    for (auto const* line : goingOn) succeeds(*session_, with(other, line));
+    EXPECT_EQ(session_->shown(with(maker, "cubes list")), session_->shown(with(other, "cubes list")));
+    for (auto const* line : {"cubes entries --json", "cubes tree skim/2/2/2/2/2/2", "cubes cell Plan/1/1/1/1 20 30",
+             "cubes routes show routes/1/1/1/1/1/2 --link 8", "cubes show 1/1/1/1/2"}) {
+        auto const seen = session_->shown(with(maker, line));
+        EXPECT_EQ(seen, session_->shown(with(other, line))) << line;
+        EXPECT_EQ(seen.find("! "), std::string::npos) << line << "\n" << seen;
+    }
+    auto const found = content(*session_);
+    for (auto const* file :
+        {"/1-1-1-1-1.odm", "/1-1-1-1-2.odm", "/2-1-1-1-1.odm", "/2-2-2-2-2-2.skm", "/1-1-1-1-1-2.FDB"})
+        EXPECT_NE(found.find(file), std::string::npos) << found;
+    EXPECT_NE(found.find("[10000000.0, 5.0, 0.0]"), std::string::npos) << found;
+}
+
+TEST_P(CrossPlatform, makesTheSameProjectAsTheOther) {
+    auto const [name, maker, other] = direction();
+    ToolSession const theirs(backend());
+    make(*session_, maker);
+    make(theirs, other);
+    EXPECT_EQ(listing(theirs.directory()), listing(session_->directory()));
+    // Files of routes tell when they were made.
+    EXPECT_EQ(bytesOf(theirs, matrices), bytesOf(*session_, matrices));
+    EXPECT_EQ(rows(theirs), rows(*session_));
+    EXPECT_EQ(read(theirs, other), read(*session_, maker));
+    EXPECT_EQ(content(theirs), content(*session_));
+    EXPECT_EQ(theirs.shown("cat delta/cubes.toml"), session_->shown("cat delta/cubes.toml"));
+}
+
+}
