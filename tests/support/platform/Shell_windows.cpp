@@ -13,7 +13,7 @@ namespace cubes::test {
 
 namespace {
 
-constexpr auto patience = std::chrono::minutes(2);
+constexpr auto longestLine = std::chrono::minutes(2);
 
 void start(std::string command) {
     STARTUPINFOA startup{};
@@ -27,7 +27,7 @@ void start(std::string command) {
 
 // What Wine starts of the system below cannot be waited for: it tells of its end by a file.
 int statusIn(std::string const& path) {
-    auto const end = std::chrono::steady_clock::now() + patience;
+    auto const end = std::chrono::steady_clock::now() + longestLine;
     while (!std::filesystem::exists(path)) {
         if (std::chrono::steady_clock::now() > end) throw std::runtime_error("the shell does not end");
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
