@@ -32,6 +32,8 @@ std::string nativePath(std::string const& path);
 /// A directory on another file system than `directory`; empty where there is none.
 std::string otherFileSystem(std::string const& directory);
 
+/// Makes a symbolic link to a directory.
+void makeLink(std::string const& directory, std::string const& link);
 /// Whether a file may be removed while somebody reads it.
 bool readFilesCanBeRemoved();
 

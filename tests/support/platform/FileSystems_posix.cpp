@@ -17,6 +17,10 @@ std::string temporaryDirectoryWithoutName() {
     return "/tmp/";
 }
 
+void makeLink(std::string const& directory, std::string const& link) {
+    std::filesystem::create_directory_symlink(directory, link);
+}
+
 bool readFilesCanBeRemoved() {
     return true;
 }

@@ -1,4 +1,7 @@
+#include "support/Process.h"
 #include "support/TempDir.h"
+
+#include <stdexcept>
 
 namespace cubes::test {
 
@@ -12,6 +15,11 @@ std::string temporaryDirectoryWithoutName() {
     constexpr char const* fixed = "c:\\temp\\";
     std::filesystem::create_directories(fixed);
     return fixed;
+}
+
+// Wine follows the links of the system below, and makes none.
+void makeLink(std::string const& directory, std::string const& link) {
+    if (run({"ln", "-s", directory, link}).exitCode != 0) throw std::runtime_error("no link " + link);
 }
 
 bool readFilesCanBeRemoved() {
