@@ -2,6 +2,7 @@
 
 #include "host/platform/CopyContent.h"
 #include "host/platform/Paths.h"
+#include "host/platform/RemoveTree.h"
 #include "host/platform/TemporaryFile.h"
 
 #include <algorithm>
@@ -64,12 +65,9 @@ bool createDirectories(std::string const& path) {
 
 bool removeDirectory(std::string const& path, bool withContent) {
     if (!isDirectory(path)) return false;
+    if (withContent) return removeTree(path);
     std::error_code error;
-    if (withContent)
-        fs::remove_all(toPath(path), error);
-    else
-        fs::remove(toPath(path), error);
-    return !error;
+    return fs::remove(toPath(path), error) && !error;
 }
 
 bool removeFile(std::string const& path) {

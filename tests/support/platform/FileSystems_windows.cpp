@@ -8,6 +8,19 @@ std::string otherFileSystem(std::string const&) {
     return std::filesystem::is_directory(memory) ? memory : "";
 }
 
+std::string endlessDevice() {
+    return {};
+}
+
+// Wine makes none, and shows those of the system below as what they lead to.
+bool makeLink(std::string const&, std::string const&) {
+    return false;
+}
+
+bool isLink(std::string const&) {
+    return false;
+}
+
 std::string temporaryDirectoryWithoutName() {
     constexpr char const* fixed = "c:\\temp\\";
     std::filesystem::create_directories(fixed);
