@@ -22,10 +22,15 @@ HANDLE handle(std::intptr_t native) {
     return reinterpret_cast<HANDLE>(native);
 }
 
+// Names like "NUL" and "COM1" are those of devices in every directory.
 std::intptr_t openFile(std::string const& path, DWORD access, DWORD disposition) {
     HANDLE const opened =
         ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return reinterpret_cast<std::intptr_t>(opened);
+    if (opened == INVALID_HANDLE_VALUE || ::GetFileType(opened) == FILE_TYPE_DISK)
+        return reinterpret_cast<std::intptr_t>(opened);
+    ::CloseHandle(opened);
+    ::SetLastError(ERROR_INVALID_NAME);
+    return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
 }
 
 OVERLAPPED at(std::uint64_t offset) {
@@ -73,9 +78,7 @@ bool replaceInUse(fs::path const& from, fs::path const& to, fs::path const& asid
 File File::openForReading(std::string const& path) {
     std::intptr_t const opened = openFile(path, GENERIC_READ, OPEN_EXISTING);
     if (opened == none) throwSystemFailure("cannot open", path);
-    File file(opened, path);
-    if (::GetFileType(handle(opened)) != FILE_TYPE_DISK) throwSystemFailure("cannot open", path, ERROR_INVALID_NAME);
-    return file;
+    return File(opened, path);
 }
 
 File File::createNew(std::string const& path) {

@@ -2,8 +2,8 @@
 
 #include "host/platform/CopyContent.h"
 #include "host/platform/Paths.h"
-#include "host/platform/RemoveTree.h"
 #include "host/platform/TemporaryFile.h"
+#include "host/platform/Tree.h"
 
 #include <algorithm>
 #include <exception>
@@ -80,10 +80,7 @@ bool copy(std::string const& source, std::string const& target, bool overwrite) 
     if (source.empty() || target.empty() || isInside(target, source)) return false;
     if (isRegularFile(source) && !isDirectory(target))
         return (overwrite || !exists(target)) && copyFile(source, target);
-    auto const existing = overwrite ? fs::copy_options::overwrite_existing : fs::copy_options::none;
-    std::error_code error;
-    fs::copy(toPath(source), toPath(target), existing | fs::copy_options::recursive, error);
-    return !error;
+    return copyTree(source, target, overwrite);
 }
 
 bool copyFile(std::string const& source, std::string const& target) {
@@ -126,9 +123,7 @@ std::string directoryOf(std::string const& path) {
 }
 
 std::string absolutePath(std::string const& path) {
-    std::error_code error;
-    fs::path const absolute = fs::absolute(toPath(path), error);
-    return fromPath((error ? toPath(path) : absolute).lexically_normal());
+    return fromPath(normalForm(fromRoot(toPath(path))));
 }
 
 bool isSamePath(std::string const& first, std::string const& second) {
