@@ -11,14 +11,26 @@ std::string otherFileSystem(std::string const&) {
     return std::filesystem::is_directory(memory) ? memory : "";
 }
 
+std::string endlessDevice() {
+    return {};
+}
+
+// Wine makes none, and shows those of the system below as what they lead to.
+bool makeLink(std::string const&, std::string const&) {
+    return false;
+}
+
+bool isLink(std::string const&) {
+    return false;
+}
+
 std::string temporaryDirectoryWithoutName() {
     constexpr char const* fixed = "c:\\temp\\";
     std::filesystem::create_directories(fixed);
     return fixed;
 }
 
-// Wine follows the links of the system below, and makes none.
-void makeLink(std::string const& directory, std::string const& link) {
+void linkDirectory(std::string const& directory, std::string const& link) {
     if (run({"ln", "-s", directory, link}).exitCode != 0) throw std::runtime_error("no link " + link);
 }
 
