@@ -19,9 +19,10 @@ bool messagesAreWatched() {
     return ::_isatty(::_fileno(stderr)) != 0;
 }
 
-// The C library takes it for a wrong argument.
+// The C library takes it for a wrong argument. Wine has the last of these errors for it.
 bool readerWentAway() {
-    return _doserrno == ERROR_NO_DATA || _doserrno == ERROR_BROKEN_PIPE;
+    auto const error = _doserrno;
+    return error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE || error == ERROR_PIPE_NOT_CONNECTED;
 }
 
 }

@@ -244,10 +244,9 @@ TEST_P(EntryTransfer, leavesATargetAloneThatSomeoneWrites) {
     EXPECT_EQ(first(end(1, 2)), 2.0);
 }
 
-#ifndef _WIN32
 TEST_P(EntryTransfer, losesNothingThroughALinkToTheSameDirectory) {
     TempDir const elsewhere;
-    fs::create_directory_symlink(project().matrixDirectory(), elsewhere.file("link"));
+    linkDirectory(project().matrixDirectory(), elsewhere.file("link"));
     TRkMatCubes const linked(project().settings(), elsewhere.file("link").c_str(), ".odm", true);
     store(end(1, 1), 1);
     std::string const before = state();
@@ -259,7 +258,6 @@ TEST_P(EntryTransfer, losesNothingThroughALinkToTheSameDirectory) {
     }
     EXPECT_EQ(state(), before);
 }
-#endif
 
 }
 }

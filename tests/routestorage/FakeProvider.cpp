@@ -4,8 +4,6 @@
 
 #include <stdexcept>
 
-#include "support/Forked.h"
-
 namespace cubes::test {
 
 namespace {
@@ -48,13 +46,6 @@ void FakeProvider::setFields(char const* names) {
 
 void FakeProvider::setLastError(char const* text) {
     procedure<void(char const*)>(utilities_, "FakeLastError")(text);
-}
-
-bool worksInOwnProcess(std::function<void()> const& work) {
-    return inProcesses(1, [&work](int) {
-        work();
-        if (testing::Test::HasFailure()) throw std::runtime_error("failed");
-    }) == 1;
 }
 
 }

@@ -4,7 +4,6 @@
 
 #include "support/Variable.h"
 
-#include <functional>
 #include <string>
 
 namespace cubes::test {
@@ -39,8 +38,5 @@ private:
     Library library_;
     Library utilities_;
 };
-
-/// Whether `work` ends well in a process of its own, that is without throwing and without failures.
-bool worksInOwnProcess(std::function<void()> const& work);
 
 }

@@ -8,5 +8,7 @@ namespace cubes::test {
 std::string noSuchFile();
 std::string noSuchDirectory();
 std::string isADirectory();
+/// And with reading behind the end of a file.
+std::string pastTheEnd();
 
 }

@@ -25,8 +25,9 @@ TempDir::~TempDir() {
     fs::remove_all(path_, ignored);
 }
 
-std::string nativePath(std::string const& path) {
-    return fs::path(path).make_preferred().string();
+std::string nativePath(std::string path) {
+    std::replace(path.begin(), path.end(), '/', static_cast<char>(fs::path::preferred_separator));
+    return path;
 }
 
 std::string listing(std::string const& directory) {

@@ -5,6 +5,9 @@
 
 namespace cubes::test {
 
+/// The path with the platform's delimiters. (Texts beyond ASCII are in its narrow encoding.)
+std::string nativePath(std::string path);
+
 /// A directory of its own for one test, removed with its content at the end.
 class TempDir {
 public:
@@ -17,7 +20,7 @@ public:
 
     std::string str() const { return path_.string(); }
     /// The path of `name` inside the directory, with the platform's delimiters.
-    std::string file(std::string const& name) const { return (path_ / name).make_preferred().string(); }
+    std::string file(std::string const& name) const { return nativePath(str() + "/" + name); }
 
 private:
     std::filesystem::path path_;
@@ -26,14 +29,20 @@ private:
 /// Where temporary files lie when the user's directory for them cannot be told, with a delimiter at its end.
 std::string temporaryDirectoryWithoutName();
 
-/// The path with the platform's delimiters.
-std::string nativePath(std::string const& path);
-
 /// A directory on another file system than `directory`; empty where there is none.
 std::string otherFileSystem(std::string const& directory);
 
+/// Makes another way to a directory, on every platform.
+void linkDirectory(std::string const& directory, std::string const& link);
 /// Whether a file may be removed while somebody reads it.
 bool readFilesCanBeRemoved();
+
+/// What can be read without end and is no file; empty where there is no such thing.
+std::string endlessDevice();
+
+/// Makes a symbolic link to a file or directory, or to nothing; false where none can be made.
+bool makeLink(std::string const& target, std::string const& link);
+bool isLink(std::string const& path);
 
 /// The names of all files and directories below `directory`, sorted; to show that nothing is left over.
 std::string listing(std::string const& directory);

@@ -11,8 +11,21 @@ namespace {
 
 constexpr std::size_t largestTransfer = std::size_t{1} << 30;
 
-[[noreturn]] void fail(char const* action) {
-    throw std::system_error(static_cast<int>(::GetLastError()), std::system_category(), action);
+[[noreturn]] void fail(char const* action, DWORD failure = ::GetLastError()) {
+    throw std::system_error(static_cast<int>(failure), std::system_category(), action);
+}
+
+// HDF5 opens a file so that nobody can replace it while it is read.
+constexpr int mostAttempts = 50;
+constexpr DWORD pauseInMilliseconds = 20;
+
+bool isForAMoment(DWORD failure) {
+    return failure == ERROR_SHARING_VIOLATION || failure == ERROR_ACCESS_DENIED;
+}
+
+bool isFile(std::string const& path) {
+    DWORD const attributes = ::GetFileAttributesA(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 HANDLE handle(NativeFile file) {
@@ -46,8 +59,13 @@ void closeFile(NativeFile file) noexcept {
 }
 
 void replaceFile(std::string const& from, std::string const& to) {
-    if (!::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-        fail("cannot put the new file in place");
+    constexpr DWORD how = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    for (int attempts = 1; !::MoveFileExA(from.c_str(), to.c_str(), how); ++attempts) {
+        DWORD const failure = ::GetLastError();
+        if (attempts == mostAttempts || !isForAMoment(failure) || !isFile(to))
+            fail("cannot put the new file in place", failure);
+        ::Sleep(pauseInMilliseconds);
+    }
 }
 
 void discardFile(std::string const& path) noexcept {

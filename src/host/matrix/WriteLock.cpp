@@ -18,15 +18,15 @@ constexpr char lockName[] = ".cubes-lock";
 
 // The directory without links, so that the same file has the same key by whatever path.
 std::string keyOf(std::string const& path) {
-    auto const file = std::filesystem::absolute(platform::toPath(path));
+    auto const file = platform::fromRoot(platform::toPath(path));
     std::error_code unresolved;
     auto const directory = std::filesystem::canonical(file.parent_path(), unresolved);
-    auto const resolved = unresolved ? file.lexically_normal() : directory / file.filename();
+    auto const resolved = unresolved ? platform::normalForm(file) : directory / file.filename();
     return platform::foldCase(platform::fromPath(resolved));
 }
 
 std::string lockFileBeside(std::string const& path) {
-    return platform::fromPath(std::filesystem::absolute(platform::toPath(path)).parent_path() / lockName);
+    return platform::fromPath(platform::fromRoot(platform::toPath(path)).parent_path() / lockName);
 }
 
 // Positions in a file are signed numbers.

@@ -11,6 +11,8 @@
 
 namespace cubes::platform {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
@@ -20,10 +22,15 @@ HANDLE handle(std::intptr_t native) {
     return reinterpret_cast<HANDLE>(native);
 }
 
+// Names like "NUL" and "COM1" are those of devices in every directory.
 std::intptr_t openFile(std::string const& path, DWORD access, DWORD disposition) {
     HANDLE const opened =
         ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return reinterpret_cast<std::intptr_t>(opened);
+    if (opened == INVALID_HANDLE_VALUE || ::GetFileType(opened) == FILE_TYPE_DISK)
+        return reinterpret_cast<std::intptr_t>(opened);
+    ::CloseHandle(opened);
+    ::SetLastError(ERROR_INVALID_NAME);
+    return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
 }
 
 OVERLAPPED at(std::uint64_t offset) {
@@ -33,20 +40,36 @@ OVERLAPPED at(std::uint64_t offset) {
     return position;
 }
 
-bool isFile(std::wstring const& path) {
+// Neither a directory nor a file that its owner wants to stay as it is.
+bool isReplaceable(fs::path const& path) {
+    constexpr DWORD unfit = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
     DWORD const attributes = ::GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & unfit);
+}
+
+// The end of the names of files that have been replaced while they were read.
+constexpr wchar_t outdated[] = L".old.cubes-tmp";
+
+// Removes them from a directory, but for those that are read still.
+void removeOutdated(fs::path const& directory) {
+    WIN32_FIND_DATAW entry{};
+    HANDLE const search = ::FindFirstFileW((directory / (std::wstring(L".*") + outdated)).c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE) return;
+    do ::DeleteFileW((directory / entry.cFileName).c_str());
+    while (::FindNextFileW(search, &entry));
+    ::FindClose(search);
 }
 
 // Moves the old file aside, so that objects that still read it keep it, and puts the new one in
-// its place.
-bool replaceInUse(std::wstring const& from, std::wstring const& to, std::wstring const& aside) {
+// its place. What is mapped can be moved but not removed.
+bool replaceInUse(fs::path const& from, fs::path const& to, fs::path const& aside) {
     if (!::MoveFileExW(to.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
     if (!::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH)) {
         ::MoveFileExW(aside.c_str(), to.c_str(), 0);
         return false;
     }
-    ::DeleteFileW(aside.c_str());
+    if (!::DeleteFileW(aside.c_str()))
+        ::MoveFileExW(aside.c_str(), fs::path(aside).replace_extension(outdated).c_str(), 0);
     return true;
 }
 
@@ -55,9 +78,7 @@ bool replaceInUse(std::wstring const& from, std::wstring const& to, std::wstring
 File File::openForReading(std::string const& path) {
     std::intptr_t const opened = openFile(path, GENERIC_READ, OPEN_EXISTING);
     if (opened == none) throwSystemFailure("cannot open", path);
-    File file(opened, path);
-    if (::GetFileType(handle(opened)) != FILE_TYPE_DISK) throwSystemFailure("cannot open", path, ERROR_INVALID_NAME);
-    return file;
+    return File(opened, path);
 }
 
 File File::createNew(std::string const& path) {
@@ -128,12 +149,13 @@ void File::close() noexcept {
 
 // The system is not allowed to copy: on another volume that would be neither one step nor checked.
 bool renameFile(std::string const& from, std::string const& to) {
-    std::wstring const source = toPath(from).wstring();
-    std::wstring const target = toPath(to).wstring();
+    fs::path const source = toPath(from);
+    fs::path const target = toPath(to);
+    removeOutdated(target.parent_path());
     if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return true;
     DWORD const failure = ::GetLastError();
     if (failure == ERROR_NOT_SAME_DEVICE) return false;
-    if (isFile(target) && replaceInUse(source, target, toPath(temporaryPath(to)).wstring())) return true;
+    if (isReplaceable(target) && replaceInUse(source, target, toPath(temporaryPath(to)))) return true;
     throwSystemFailure("cannot put in place", to, static_cast<int>(failure));
 }
 

@@ -3,6 +3,7 @@
 #include "host/platform/CopyContent.h"
 #include "host/platform/Paths.h"
 #include "host/platform/TemporaryFile.h"
+#include "host/platform/Tree.h"
 
 #include <algorithm>
 #include <exception>
@@ -39,19 +40,6 @@ bool isTaken(std::string const& path) {
     return fs::exists(fs::symlink_status(toPath(path), ignored));
 }
 
-// Not the standard library's: for that one, on Windows, all that exists is one and the same.
-bool copyDirectory(fs::path const& source, fs::path const& target, bool overwrite) {
-    std::error_code error;
-    fs::create_directory(target, source, error);
-    fs::directory_iterator entry;
-    if (!error) entry = fs::directory_iterator(source, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        fs::path const& from = entry->path();
-        if (!copy(fromPath(from), fromPath(target / from.filename()), overwrite)) return false;
-    }
-    return !error;
-}
-
 }
 
 bool exists(std::string const& path) {
@@ -77,12 +65,9 @@ bool createDirectories(std::string const& path) {
 
 bool removeDirectory(std::string const& path, bool withContent) {
     if (!isDirectory(path)) return false;
+    if (withContent) return removeTree(path);
     std::error_code error;
-    if (withContent)
-        fs::remove_all(toPath(path), error);
-    else
-        fs::remove(toPath(path), error);
-    return !error;
+    return fs::remove(toPath(path), error) && !error;
 }
 
 bool removeFile(std::string const& path) {
@@ -95,7 +80,7 @@ bool copy(std::string const& source, std::string const& target, bool overwrite) 
     if (source.empty() || target.empty() || isInside(target, source)) return false;
     if (isRegularFile(source) && !isDirectory(target))
         return (overwrite || !exists(target)) && copyFile(source, target);
-    return copyDirectory(toPath(source), toPath(target), overwrite);
+    return copyTree(source, target, overwrite);
 }
 
 bool copyFile(std::string const& source, std::string const& target) {
@@ -138,9 +123,7 @@ std::string directoryOf(std::string const& path) {
 }
 
 std::string absolutePath(std::string const& path) {
-    std::error_code error;
-    fs::path const absolute = fs::absolute(toPath(path), error);
-    return fromPath((error ? toPath(path) : absolute).lexically_normal());
+    return fromPath(normalForm(fromRoot(toPath(path))));
 }
 
 bool isSamePath(std::string const& first, std::string const& second) {

@@ -22,6 +22,23 @@ std::string narrowed(std::wstring_view wide, UINT codePage) {
     return text;
 }
 
+bool isText(std::string_view utf8) {
+    int const bytes = static_cast<int>(utf8.size());
+    return bytes == 0 || MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8.data(), bytes, nullptr, 0) > 0;
+}
+
+std::string textInLowerCase(std::string_view utf8) {
+    std::wstring wide = widened(utf8, CP_UTF8);
+    CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
+    return narrowed(wide, CP_UTF8);
+}
+
+std::size_t sequenceLength(std::string_view utf8) {
+    std::size_t length = 1;
+    while (length < utf8.size() && (static_cast<unsigned char>(utf8[length]) & 0xC0u) == 0x80u) ++length;
+    return length;
+}
+
 std::size_t characterLength(std::string_view text) {
     return text.size() > 1 && IsDBCSLeadByte(static_cast<BYTE>(text[0])) ? 2 : 1;
 }
@@ -51,9 +68,15 @@ std::string_view firstCharacters(std::string_view narrow, std::size_t count) {
 }
 
 std::string lowerCase(std::string_view utf8) {
-    std::wstring wide = widened(utf8, CP_UTF8);
-    CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
-    return narrowed(wide, CP_UTF8);
+    if (isText(utf8)) return textInLowerCase(utf8);
+    // Bytes that are no text stay as they are, and what is around them does not.
+    std::string result;
+    while (!utf8.empty()) {
+        std::string_view const sequence = utf8.substr(0, sequenceLength(utf8));
+        result += isText(sequence) ? textInLowerCase(sequence) : std::string(sequence);
+        utf8.remove_prefix(sequence.size());
+    }
+    return result;
 }
 
 }

@@ -14,6 +14,12 @@ char pathDelimiter();
 /// The path a narrow text names. Texts are in the platform's narrow encoding.
 std::filesystem::path toPath(std::string_view text);
 std::string fromPath(std::filesystem::path const& path);
+/// The path from the root on; the path itself when the system cannot tell.
+std::filesystem::path fromRoot(std::filesystem::path const& path);
+/// A path from the root on without "." and "..", by its text alone.
+std::filesystem::path normalForm(std::filesystem::path const& path);
+/// The path of a text that may be relative to a directory.
+std::string resolved(std::string const& directory, std::string const& path);
 /// The text for libraries that take UTF-8 paths on every platform.
 std::string toUtf8(std::string const& text);
 

@@ -16,6 +16,20 @@ std::string fromPath(std::filesystem::path const& path) {
     return path.string();
 }
 
+std::filesystem::path fromRoot(std::filesystem::path const& path) {
+    std::error_code error;
+    auto const absolute = std::filesystem::absolute(path, error);
+    return error ? path : absolute;
+}
+
+std::filesystem::path normalForm(std::filesystem::path const& path) {
+    return path.lexically_normal();
+}
+
+std::string resolved(std::string const& directory, std::string const& path) {
+    return fromPath(toPath(directory) / toPath(path));
+}
+
 std::string toUtf8(std::string const& text) {
     return text;
 }

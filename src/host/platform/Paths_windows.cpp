@@ -16,13 +16,34 @@ std::filesystem::path toPath(std::string_view text) {
     return std::filesystem::path(wide);
 }
 
+// A letter that the code page does not have becomes "?", which no name holds, rather than one that
+// looks alike: that would be the name of another file.
 std::string fromPath(std::filesystem::path const& path) {
+    DWORD const flags = GetACP() == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;
     std::wstring const& wide = path.native();
     int const units = static_cast<int>(wide.size());
-    int const length = WideCharToMultiByte(CP_ACP, 0, wide.data(), units, nullptr, 0, nullptr, nullptr);
+    int const length = WideCharToMultiByte(CP_ACP, flags, wide.data(), units, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, 0, wide.data(), units, text.data(), length, nullptr, nullptr);
+    WideCharToMultiByte(CP_ACP, flags, wide.data(), units, text.data(), length, nullptr, nullptr);
     return text;
+}
+
+// The C++ library does not know a path on a server for a whole one.
+std::filesystem::path fromRoot(std::filesystem::path const& path) {
+    if (path.empty()) return path;
+    std::wstring text(::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+    text.resize(::GetFullPathNameW(path.c_str(), static_cast<DWORD>(text.size()), text.data(), nullptr));
+    return text.empty() ? path : std::filesystem::path(text);
+}
+
+std::filesystem::path normalForm(std::filesystem::path const& path) {
+    return fromRoot(path);
+}
+
+std::string resolved(std::string const& directory, std::string const& path) {
+    auto const isDelimiter = [&path](std::size_t place) { return path[place] == '\\' || path[place] == '/'; };
+    bool const isOnServer = path.size() > 2 && isDelimiter(0) && isDelimiter(1);
+    return isOnServer ? path : fromPath(toPath(directory) / toPath(path));
 }
 
 std::string toUtf8(std::string const& text) {

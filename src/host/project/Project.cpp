@@ -36,7 +36,7 @@ std::string absoluteDirectory(std::string const& directory) {
 
 // A path of "cubes.toml" as the system takes it.
 std::string resolved(std::string const& root, std::string const& path) {
-    return platform::absolutePath(platform::fromPath(platform::toPath(root) / platform::toPath(path)));
+    return platform::absolutePath(platform::resolved(root, path));
 }
 
 std::string resolvedUrl(std::string const& root, std::string const& url) {

@@ -1,7 +1,10 @@
 #include "host/database/TableTest.h"
 
+#include "host/platform/NarrowText.h"
+
 namespace {
 
+using cubes::platform::fromUtf8;
 using cubes::test::Rows;
 using cubes::test::sqlStateOf;
 
@@ -42,7 +45,7 @@ TEST_P(Field, readsNumbersAndTextsAsEither) {
 
 TEST_P(Field, cutsATextToItsSizeInCharacters) {
     add(1, "123456789");
-    add(2, "äöüÄÖÜß€x");
+    add(2, fromUtf8("äöüÄÖÜß€x"));
     add(3, "12345678");
     EXPECT_EQ(rows(), (Rows{{"1", "12345678", "NULL"}, {"2", "äöüÄÖÜß€", "NULL"}, {"3", "12345678", "NULL"}}));
 }

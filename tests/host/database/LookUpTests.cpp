@@ -3,9 +3,14 @@
 #include "host/database/KnownTable.h"
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
+#include "host/platform/NarrowText.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
+using cubes::platform::fromUtf8;
 using cubes::test::Backend;
 using cubes::test::sqlStateOf;
 using Rktable::LocateOptions;
@@ -13,8 +18,10 @@ using Rktable::Value;
 
 class LookUp : public cubes::test::TableTest {
 protected:
-    long foundIgnoringCase(char const* name) {
-        return table.Locate("name", name, LocateOptions::ignoringCase()) ? table.FieldByName("cubenr")->AsInteger() : 0;
+    long foundIgnoringCase(std::string const& name) {
+        return table.Locate("name", name.c_str(), LocateOptions::ignoringCase())
+                   ? table.FieldByName("cubenr")->AsInteger()
+                   : 0;
     }
 };
 CUBES_BOTH_BACKENDS(LookUp);
@@ -76,20 +83,28 @@ struct Names {
     char const* asked;
 };
 
+// Whether the platform's narrow encoding has all the letters.
+bool isNarrow(std::string const& utf8) {
+    return cubes::platform::toUtf8(std::string_view(fromUtf8(utf8))) == utf8;
+}
+
 TEST_P(LookUp, ignoresLetterCaseInAllLanguages) {
-    Names const equal[] = {{"Base", "bASE"}, {"ÜBERSEE", "übersee"}, {"ärger", "ÄRGER"}, {"Łódź", "łÓDŹ"},
+    Names const all[] = {{"Base", "bASE"}, {"ÜBERSEE", "übersee"}, {"ärger", "ÄRGER"}, {"Łódź", "łÓDŹ"},
         {"МОСКВА", "москва"}, {"Αθήνα", "ΑΘΉΝΑ"}, {"a-1_b", "A-1_B"}};
+    std::vector<Names> equal;
+    std::ranges::copy_if(all, std::back_inserter(equal), [](Names const& names) { return isNarrow(names.stored); });
     long number = 0;
-    for (auto const& names : equal) add(++number, names.stored);
+    for (auto const& names : equal) add(++number, fromUtf8(names.stored));
     number = 0;
     for (auto const& names : equal) {
-        EXPECT_EQ(foundIgnoringCase(names.asked), ++number) << names.stored;
-        EXPECT_FALSE(table.Locate("name", names.asked)) << names.stored;
+        EXPECT_EQ(foundIgnoringCase(fromUtf8(names.asked)), ++number) << names.stored;
+        EXPECT_FALSE(table.Locate("name", fromUtf8(names.asked))) << names.stored;
     }
 }
 
 TEST_P(LookUp, tellsDifferentNamesApart) {
-    for (char const* const name : {"Base", "ÜBERSEE", "100%", "a_b"}) add(static_cast<long>(rows().size()) + 1, name);
+    for (char const* const name : {"Base", "ÜBERSEE", "100%", "a_b"})
+        add(static_cast<long>(rows().size()) + 1, fromUtf8(name));
     for (char const* const other : {"Bas", "Base ", "UBERSEE", "ubersee", "10%", "axb", "a%", ""})
         EXPECT_EQ(foundIgnoringCase(other), 0) << other;
 }
@@ -125,11 +140,11 @@ TEST(PostgresDatabase, postgresFoldsAllLettersInADatabaseOfLocaleC) {
     EXPECT_EQ(plain.sql("SELECT lower('Ü')"), (cubes::test::Rows{{"Ü"}}));
     Pgaccess::TPgConnection connection(plain.url());
     connection.Execute("CREATE TABLE \"cube\" (\"cubenr\" smallint PRIMARY KEY, \"name\" varchar(8))");
-    connection.Execute("INSERT INTO \"cube\" VALUES (1, 'Übersee')");
+    connection.Execute(fromUtf8("INSERT INTO \"cube\" VALUES (1, 'Übersee')"));
     Rktable::TRkTableProxy table("cube", "", "cube");
     table.SetConnection(&connection);
     table.Open();
-    EXPECT_TRUE(table.Locate("name", "üBERSEE", LocateOptions::ignoringCase()));
+    EXPECT_TRUE(table.Locate("name", fromUtf8("üBERSEE"), LocateOptions::ignoringCase()));
 }
 
 }

@@ -51,10 +51,10 @@ protected:
         table.Open();
     }
 
-    void add(long number, char const* name) {
+    void add(long number, std::string const& name) {
         table.Append();
         table.FieldByName("cubenr")->SetAsInteger(number);
-        table.FieldByName("name")->SetAsString(name);
+        table.FieldByName("name")->SetAsString(name.c_str());
         table.Post();
     }
     /// Rows numbered from 1, written behind the library's back.

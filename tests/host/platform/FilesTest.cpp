@@ -8,7 +8,10 @@
 
 namespace fs = std::filesystem;
 namespace platform = cubes::platform;
+using cubes::test::isLink;
 using cubes::test::listing;
+using cubes::test::makeLink;
+using cubes::test::nativePath;
 using cubes::test::otherFileSystem;
 using cubes::test::readFile;
 using cubes::test::TempDir;
@@ -30,8 +33,8 @@ TEST(Files, removeALinkAndNotWhatItLeadsTo) {
     TempDir const directory;
     platform::createDirectories(directory.file("kept"));
     writeFile(directory.file("kept/a"), "A");
-    fs::create_directory_symlink(directory.file("kept"), directory.file("directory"));
-    fs::create_symlink(directory.file("kept/a"), directory.file("file"));
+    if (!makeLink(directory.file("kept"), directory.file("directory"))) GTEST_SKIP() << "SKIPPED: no links here";
+    makeLink(directory.file("kept/a"), directory.file("file"));
     EXPECT_TRUE(platform::removeDirectory(directory.file("directory"), true));
     EXPECT_TRUE(platform::removeFile(directory.file("file")));
     EXPECT_EQ("kept\nkept/a\n", listing(directory.str()));
@@ -64,15 +67,16 @@ TEST(Files, giveADirectoryNoNameThatIsTakenOrCannotBe) {
     TempDir const directory;
     for (char const* name : {"a", "empty"}) fs::create_directory(directory.file(name));
     writeFile(directory.file("file"), "file");
-    fs::create_symlink(directory.file("none"), directory.file("link"));
-    for (char const* taken : {"empty", "file", "link", "a", "none/a"})
+    bool const hasLink = makeLink(directory.file("none"), directory.file("link"));
+    for (char const* taken : {"empty", "file", hasLink ? "link" : "file", "a", "none/a"})
         EXPECT_FALSE(platform::moveDirectory(directory.file("a"), directory.file(taken))) << taken;
     for (char const* noDirectory : {"file", "missing"})
         EXPECT_FALSE(platform::moveDirectory(directory.file(noDirectory), directory.file("b"))) << noDirectory;
     EXPECT_FALSE(platform::moveDirectory(directory.file("a"), ""));
     EXPECT_FALSE(platform::moveDirectory("", directory.file("b")));
     EXPECT_EQ("file", readFile(directory.file("file")));
-    EXPECT_TRUE(fs::is_directory(directory.file("a")) && fs::is_symlink(directory.file("link")));
+    EXPECT_TRUE(fs::is_directory(directory.file("a")));
+    EXPECT_EQ(isLink(directory.file("link")), hasLink);
     EXPECT_FALSE(fs::exists(directory.file("b")));
 }
 
@@ -93,6 +97,7 @@ TEST(Files, lieInADirectory) {
 }
 
 TEST(Files, makePathsAbsoluteWithoutAskingForThem) {
-    EXPECT_EQ("/data/b", platform::absolutePath("/data/./a/../b"));
+    TempDir const directory;
+    EXPECT_EQ(directory.file("b"), platform::absolutePath(directory.file("./a/../b")));
     EXPECT_EQ((fs::current_path() / "a").string(), platform::absolutePath("a"));
 }

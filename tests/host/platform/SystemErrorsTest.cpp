@@ -1,5 +1,6 @@
 #include "host/platform/SystemErrors.h"
 
+#include "support/SystemWords.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +15,7 @@ using cubes::platform::setLastError;
 TEST(SystemErrors, haveTheSystemsOwnText) {
     auto const text = errorText(2);
     ASSERT_TRUE(text);
-    EXPECT_TRUE(text->starts_with("No such file") || text->starts_with("The system cannot find")) << *text;
+    EXPECT_TRUE(text->starts_with(cubes::test::noSuchFile())) << *text;
 }
 
 TEST(SystemErrors, haveNoTextForNumbersThatTheSystemDoesNotKnow) {

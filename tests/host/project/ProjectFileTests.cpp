@@ -1,3 +1,4 @@
+#include "host/platform/NarrowText.h"
 #include "host/project/ProjectFile.h"
 #include "support/TempDir.h"
 
@@ -11,6 +12,7 @@ namespace {
 
 using cubes::Durability;
 using cubes::Storage;
+using cubes::platform::fromUtf8;
 using cubes::project::ProjectFile;
 using cubes::test::TempDir;
 
@@ -44,7 +46,7 @@ TEST(ProjectFile, saysWhatAProjectIs) {
                                       "schema = 'delta_2'\n"
                                       "something_later = 3\n");
     EXPECT_EQ(file.database, "postgresql://server/db");
-    EXPECT_EQ(file.matrixDirectory, "/m ü");
+    EXPECT_EQ(file.matrixDirectory, fromUtf8("/m ü"));
     EXPECT_EQ(file.workingDirectory, "w");
     EXPECT_EQ(file.storage.storage, Storage::deflate);
     EXPECT_EQ(file.storage.durability, Durability::process);

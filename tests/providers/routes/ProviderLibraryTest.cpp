@@ -1,10 +1,10 @@
+#include "host/platform/SharedLibrary.h"
 #include "support/TempDir.h"
 
 #include <cubes/routestorage/RouteStorageInterface.h>
 
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -15,14 +15,14 @@ using namespace VL::Interface;
 namespace {
 
 void* library(char const* path) {
-    void* const loaded = dlopen(path, RTLD_NOW | RTLD_LOCAL);
-    EXPECT_NE(loaded, nullptr) << dlerror();
+    void* const loaded = cubes::platform::loadLibraryFile(path);
+    EXPECT_NE(loaded, nullptr) << path;
     return loaded;
 }
 
 template <typename Function>
 Function* exported(char const* path, char const* name) {
-    void* const found = dlsym(library(path), name);
+    void* const found = cubes::platform::findSymbol(library(path), name);
     EXPECT_NE(found, nullptr) << name;
     return reinterpret_cast<Function*>(found);
 }
@@ -51,7 +51,8 @@ TEST_F(ProviderLibrary, bearsTheFixedFileNames) {
 }
 
 TEST_F(ProviderLibrary, exportsNothingElseOfItsOwn) {
-    EXPECT_EQ(dlsym(library(ROUTE_PROVIDER), "_ZN5cubes6routes8RouteSet8addRouteERKN2VL9Interface5RouteE"), nullptr);
+    char const* const inner = "_ZN5cubes6routes8RouteSet8addRouteERKN2VL9Interface5RouteE";
+    EXPECT_EQ(cubes::platform::findSymbol(library(ROUTE_PROVIDER), inner), nullptr);
 }
 
 TEST_F(ProviderLibrary, storesAndReadsAcrossTheBorder) {

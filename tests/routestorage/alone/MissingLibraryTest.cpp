@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "routestorage/FakeProvider.h"
+#include "support/Errand.h"
 #include "support/TempDir.h"
 
 using namespace VL::Interface;
@@ -35,7 +36,6 @@ public:
     HalfAProvider() {
         std::filesystem::copy(fakeDirectory("full") + "/routeprovider64.dll", directory_.file("routeprovider64.dll"));
     }
-    std::string directory() const { return directory_.str(); }
     std::string file() const { return directory_.file("a.FDB"); }
 
 private:
@@ -49,54 +49,70 @@ TEST(MissingProvider, isToldByEveryWrapper) {
     EXPECT_EQ(failureOf([] { TVlRouteStorageDataSet("a.FDB"); }), noProvider);
 }
 
-TEST(MissingProvider, isFoundOnceItIsThere) {
+// What is found first stays until the process ends, so each of these has one of its own.
+
+Errand const finding("finding", [](int, std::string const&) {
     ProviderPath const nowhere("");
     EXPECT_EQ(failureOf([] { TVlSettings("a.FDB"); }), noProvider);
     ProviderPath const path(fakeDirectory("full"));
     EXPECT_NE(TVlSettings("a.FDB").getInterface(), nullptr);
+});
+
+Errand const askingUntilTheyAreThere("asking until they are there", [](int, std::string const&) {
+    ProviderPath const nowhere("");
+    EXPECT_EQ(failureOf([] { TLastError::getInstance(); }), noUtilities);
+    EXPECT_EQ(failureOf([] { TLastError::getInstance(); }), noUtilities);
+    FakeProvider fake;
+    fake.setLastError("the disk is full");
+    EXPECT_STREQ(TLastError::getInstance()->VlGetLastError(), "the disk is full");
+});
+
+// Told a file beside half a provider.
+Errand const openingWithout("opening without them", [](int, std::string const& file) {
+    ProviderPath const path(std::filesystem::path(file).parent_path().string());
+    TVlRouteStorageRouteSet routeSet(file.c_str());
+    EXPECT_EQ(failureOf([&] { routeSet.open(1, nullptr); }), noUtilities);
+    TVlRouteStorageDataSet dataSet(file.c_str());
+    EXPECT_EQ(failureOf([&] { dataSet.open(0, nullptr); }), noUtilities);
+});
+
+Errand const askingSilentOnes("asking silent ones", [](int, std::string const&) {
+    ProviderPath const path(fakeDirectory("without"));
+    EXPECT_EQ(TLastError::getInstance()->VlGetLastError(), nullptr);
+    FakeProvider fake;
+    fake.setLastError("not heard");
+    TVlRouteStorageRouteSet routeSet("a.FDB");
+    EXPECT_EQ(routeSet.open(0, nullptr), 1);
+    EXPECT_EQ(TLastError::getInstance()->VlGetLastError(), nullptr);
+});
+
+// Told the variant.
+Errand const asking("asking", [](int, std::string const& variant) {
+    FakeProvider fake(variant);
+    fake.setLastError(variant.c_str());
+    EXPECT_STREQ(TLastError::getInstance()->VlGetLastError(), variant.c_str());
+});
+
+TEST(MissingProvider, isFoundOnceItIsThere) {
+    EXPECT_EQ(finding.inProcesses(1), 1);
 }
 
 TEST(MissingUtilities, areToldAtEachCallUntilTheyAreThere) {
-    EXPECT_TRUE(worksInOwnProcess([] {
-        ProviderPath const nowhere("");
-        EXPECT_EQ(failureOf([] { TLastError::getInstance(); }), noUtilities);
-        EXPECT_EQ(failureOf([] { TLastError::getInstance(); }), noUtilities);
-        FakeProvider fake;
-        fake.setLastError("the disk is full");
-        EXPECT_STREQ(TLastError::getInstance()->VlGetLastError(), "the disk is full");
-    }));
+    EXPECT_EQ(askingUntilTheyAreThere.inProcesses(1), 1);
 }
 
 TEST(MissingUtilities, areToldByOpening) {
     HalfAProvider const half;
-    EXPECT_TRUE(worksInOwnProcess([&half] {
-        ProviderPath const path(half.directory());
-        TVlRouteStorageRouteSet routeSet(half.file().c_str());
-        EXPECT_EQ(failureOf([&] { routeSet.open(1, nullptr); }), noUtilities);
-        TVlRouteStorageDataSet dataSet(half.file().c_str());
-        EXPECT_EQ(failureOf([&] { dataSet.open(0, nullptr); }), noUtilities);
-    }));
+    EXPECT_EQ(openingWithout.inProcesses(1, half.file()), 1);
 }
 
 TEST(SilentUtilities, countAsNoError) {
-    EXPECT_TRUE(worksInOwnProcess([] {
-        ProviderPath const path(fakeDirectory("without"));
-        EXPECT_EQ(TLastError::getInstance()->VlGetLastError(), nullptr);
-        FakeProvider fake;
-        fake.setLastError("not heard");
-        TVlRouteStorageRouteSet routeSet("a.FDB");
-        EXPECT_EQ(routeSet.open(0, nullptr), 1);
-        EXPECT_EQ(TLastError::getInstance()->VlGetLastError(), nullptr);
-    }));
+    EXPECT_EQ(askingSilentOnes.inProcesses(1), 1);
 }
 
 TEST(UtilitiesWithUnderscores, areAsked) {
     for (char const* const variant : {"full", "leading", "trailing"})
-        EXPECT_TRUE(worksInOwnProcess([variant] {
-            FakeProvider fake(variant);
-            fake.setLastError(variant);
-            EXPECT_STREQ(TLastError::getInstance()->VlGetLastError(), variant);
-        }));
+        EXPECT_EQ(asking.inProcesses(1, variant), 1) << variant;
 }
 
 }

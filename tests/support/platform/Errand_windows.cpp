@@ -89,9 +89,10 @@ std::string ownPath() {
     return {path, GetModuleFileNameA(nullptr, path, MAX_PATH)};
 }
 
+// A process that was itself started for an errand runs no test, but was told of one.
 std::string currentTest() {
     auto const* const test = testing::UnitTest::GetInstance()->current_test_info();
-    return std::string(test->test_suite_name()) + "." + test->name();
+    return test ? std::string(test->test_suite_name()) + "." + test->name() : testing::GTEST_FLAG(filter);
 }
 
 Handle startAgain() {

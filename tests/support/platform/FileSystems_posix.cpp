@@ -13,8 +13,25 @@ std::string otherFileSystem(std::string const& directory) {
     return isOther ? memory : "";
 }
 
+std::string endlessDevice() {
+    return "/dev/zero";
+}
+
+bool makeLink(std::string const& target, std::string const& link) {
+    std::filesystem::create_symlink(target, link);
+    return true;
+}
+
+bool isLink(std::string const& path) {
+    return std::filesystem::is_symlink(path);
+}
+
 std::string temporaryDirectoryWithoutName() {
     return "/tmp/";
+}
+
+void linkDirectory(std::string const& directory, std::string const& link) {
+    std::filesystem::create_directory_symlink(directory, link);
 }
 
 bool readFilesCanBeRemoved() {

@@ -1,4 +1,7 @@
+#include "support/Process.h"
 #include "support/TempDir.h"
+
+#include <stdexcept>
 
 namespace cubes::test {
 
@@ -8,10 +11,27 @@ std::string otherFileSystem(std::string const&) {
     return std::filesystem::is_directory(memory) ? memory : "";
 }
 
+std::string endlessDevice() {
+    return {};
+}
+
+// Wine makes none, and shows those of the system below as what they lead to.
+bool makeLink(std::string const&, std::string const&) {
+    return false;
+}
+
+bool isLink(std::string const&) {
+    return false;
+}
+
 std::string temporaryDirectoryWithoutName() {
     constexpr char const* fixed = "c:\\temp\\";
     std::filesystem::create_directories(fixed);
     return fixed;
+}
+
+void linkDirectory(std::string const& directory, std::string const& link) {
+    if (run({"ln", "-s", directory, link}).exitCode != 0) throw std::runtime_error("no link " + link);
 }
 
 bool readFilesCanBeRemoved() {

@@ -14,4 +14,8 @@ std::string isADirectory() {
     return "Is a directory";
 }
 
+std::string pastTheEnd() {
+    return "Input/output error";
+}
+
 }

@@ -19,4 +19,8 @@ std::string isADirectory() {
     return std::system_category().message(ERROR_ACCESS_DENIED);
 }
 
+std::string pastTheEnd() {
+    return std::system_category().message(ERROR_HANDLE_EOF);
+}
+
 }

@@ -1,0 +1,23 @@
+#include "support/User.h"
+
+#include "support/TempDir.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace cubes::test {
+
+// A file that is read-only is so for everybody; but not for the superuser of the system below Wine.
+bool canBeOrdinaryUser() {
+    TempDir const directory;
+    std::string const file = directory.file("file");
+    writeFile(file, "");
+    std::filesystem::permissions(file, std::filesystem::perms(0444));
+    bool const isRefused = !std::ofstream(file, std::ios::app);
+    std::filesystem::permissions(file, std::filesystem::perms(0666));
+    return isRefused;
+}
+
+void becomeOrdinaryUser() {}
+
+}
