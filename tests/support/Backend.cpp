@@ -8,6 +8,8 @@
 #include <random>
 #include <stdexcept>
 
+#include <libpq-fe.h>
+
 namespace cubes::test {
 
 namespace {
@@ -86,16 +88,29 @@ std::string postgresUrl(std::string const& database) {
     return "postgresql://cubes@/" + database + "?host=" + serverHost(serverDirectory()) + "&port=" + postgresPort();
 }
 
+namespace {
+
+// By hand: an independent client takes longer to start than most tests take.
+void onServer(std::string const& sql) {
+    std::unique_ptr<PGconn, decltype(&PQfinish)> const connection(
+        PQconnectdb(postgresUrl("postgres").c_str()), PQfinish);
+    std::unique_ptr<PGresult, decltype(&PQclear)> const result(PQexec(connection.get(), sql.c_str()), PQclear);
+    if (PQresultStatus(result.get()) != PGRES_COMMAND_OK)
+        throw std::runtime_error(sql + ": " + PQerrorMessage(connection.get()));
+}
+
+}
+
 TestDatabase::TestDatabase(Backend backend, std::string const& options)
     : backend_(backend), name_(backend == Backend::sqlite ? directory_.file("cubes.db") : uniqueName()),
       url_(backend == Backend::sqlite ? "sqlite:" + name_ : postgresUrl(name_)) {
-    if (backend == Backend::postgres) askPostgres(postgresUrl("postgres"), "CREATE DATABASE " + name_ + " " + options);
+    if (backend == Backend::postgres) onServer("CREATE DATABASE " + name_ + " " + options);
 }
 
 TestDatabase::~TestDatabase() {
     if (backend_ == Backend::sqlite) return;
     try {
-        askPostgres(postgresUrl("postgres"), "DROP DATABASE " + name_ + " WITH (FORCE)");
+        onServer("DROP DATABASE " + name_ + " WITH (FORCE)");
     } catch (std::exception const&) {
         // The server goes with all its databases when the tests end.
     }
