@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 // The C++ library takes a link to a directory for the directory, and of a path of more than 260
@@ -28,24 +29,30 @@ Entry entryAt(fs::path const& path) {
     return {path, ::GetFileAttributesW(path.c_str())};
 }
 
-std::vector<Entry> entriesIn(fs::path const& directory) {
+// Nothing where not all of them can be told.
+std::optional<std::vector<Entry>> entriesIn(fs::path const& directory) {
     std::vector<Entry> entries;
     WIN32_FIND_DATAW found{};
     HANDLE const search = ::FindFirstFileW((directory / L"*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return entries;
+    if (search == INVALID_HANDLE_VALUE) return std::nullopt;
     do {
         std::wstring const name = found.cFileName;
         if (name != L"." && name != L"..") entries.push_back({directory / name, found.dwFileAttributes});
     } while (::FindNextFileW(search, &found));
+    bool const isAll = ::GetLastError() == ERROR_NO_MORE_FILES;
     ::FindClose(search);
-    return entries;
+    return isAll ? std::optional(entries) : std::nullopt;
+}
+
+template <typename Work>
+bool forEachIn(fs::path const& directory, Work const& work) {
+    auto const entries = entriesIn(directory);
+    return entries && std::all_of(entries->begin(), entries->end(), work);
 }
 
 bool remove(Entry const& entry) {
     if (!entry.isDirectory()) return ::DeleteFileW(entry.path.c_str()) != FALSE;
-    if (!entry.isLink())
-        for (Entry const& inner : entriesIn(entry.path))
-            if (!remove(inner)) return false;
+    if (!entry.isLink() && !forEachIn(entry.path, remove)) return false;
     return ::RemoveDirectoryW(entry.path.c_str()) != FALSE;
 }
 
@@ -55,8 +62,7 @@ bool copy(Entry const& source, Entry const& target, bool overwrite) {
         return ::CopyFileW(source.path.c_str(), file.c_str(), !overwrite) != FALSE;
     }
     if (!target.isDirectory() && !::CreateDirectoryW(target.path.c_str(), nullptr)) return false;
-    auto const inner = entriesIn(source.path);
-    return std::all_of(inner.begin(), inner.end(),
+    return forEachIn(source.path,
         [&](Entry const& entry) { return copy(entry, entryAt(target.path / entry.path.filename()), overwrite); });
 }
 
