@@ -1,7 +1,7 @@
 #include "core/DebugLogTest.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/SystemErrors.h"
-#include "support/Forked.h"
+#include "support/Errand.h"
 
 #include <ctime>
 #include <functional>
@@ -81,17 +81,19 @@ TEST(DebugLogPrefix, tellsTheTimeOfNow) {
     EXPECT_TRUE(found) << prefix;
 }
 
+Errand const elsewhere("elsewhere", [](int, std::string const&) {
+    Variable const zone("TZ", "CUB-5:30");
+    tzset();
+    std::time_t const there = std::time(nullptr) + (5 * 60 + 30) * 60;
+    std::string const prefix = ZebDebug::now(ZebDebug::mtDebug);
+    std::time_t const later = there + 1;
+    if (prefix == formatted("D [%d-%m-%Y %H:%M:%S] ", *std::gmtime(&there))) return;
+    if (prefix == formatted("D [%d-%m-%Y %H:%M:%S] ", *std::gmtime(&later))) return;
+    throw std::runtime_error(prefix);
+});
+
 TEST(DebugLogPrefix, tellsTheLocalTime) {
-    EXPECT_EQ(1, inProcesses(1, [](int) {
-        Variable const zone("TZ", "CUB-5:30");
-        tzset();
-        std::time_t const there = std::time(nullptr) + (5 * 60 + 30) * 60;
-        std::string const prefix = ZebDebug::now(ZebDebug::mtDebug);
-        std::time_t const later = there + 1;
-        if (prefix == formatted("D [%d-%m-%Y %H:%M:%S] ", *std::gmtime(&there))) return;
-        if (prefix == formatted("D [%d-%m-%Y %H:%M:%S] ", *std::gmtime(&later))) return;
-        throw std::runtime_error(prefix);
-    }));
+    EXPECT_EQ(1, elsewhere.inProcesses(1));
 }
 
 TEST_P(Writers, writeOneLine) {

@@ -2,7 +2,7 @@
 #include "host/database/sqlite/Waiting.h"
 #include "host/platform/NarrowText.h"
 
-#include "support/Forked.h"
+#include "support/Errand.h"
 #include "support/User.h"
 
 #include <filesystem>
@@ -95,7 +95,24 @@ TEST(SqliteFile, isMadeWhenMissingAndLeavesNothingBesideIt) {
     EXPECT_EQ(cubes::test::listing(directory.str()), "ü b.db\n");
 }
 
+void expect(bool claim, std::string const& what) {
+    if (!claim) throw std::runtime_error("not so: " + what);
+}
+
 // The superuser may write everywhere, so another user tries.
+cubes::test::Errand const readingAndChanging("reading and changing", [](int, std::string const& path) {
+    cubes::test::becomeOrdinaryUser();
+    TPgConnection connection("sqlite:" + path);
+    Rktable::TRkTableProxy table("cube", "", "cube");
+    table.SetConnection(&connection);
+    table.Open();
+    expect(table.Locate("cubenr", 5), "row read");
+    table.Edit();
+    table.FieldByName("cubenr")->SetAsInteger(6);
+    std::string const message = messageOf([&] { table.Post(); });
+    expect(holds(message, "readonly") && holds(message, path), message);
+});
+
 TEST(SqliteFile, thatIsReadOnlyIsReadAndRefusesChanges) {
     if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
     TempDir const directory;
@@ -108,23 +125,7 @@ TEST(SqliteFile, thatIsReadOnlyIsReadAndRefusesChanges) {
         connection.Execute("INSERT INTO \"cube\" VALUES (5)");
     }
     std::filesystem::permissions(path, std::filesystem::perms(0444));
-    auto const expect = [](bool claim, std::string const& what) {
-        if (!claim) throw std::runtime_error("not so: " + what);
-    };
-    EXPECT_EQ(cubes::test::inProcesses(1,
-                  [&](int) {
-                      cubes::test::becomeOrdinaryUser();
-                      TPgConnection connection("sqlite:" + path);
-                      Rktable::TRkTableProxy table("cube", "", "cube");
-                      table.SetConnection(&connection);
-                      table.Open();
-                      expect(table.Locate("cubenr", 5), "row read");
-                      table.Edit();
-                      table.FieldByName("cubenr")->SetAsInteger(6);
-                      std::string const message = messageOf([&] { table.Post(); });
-                      expect(holds(message, "readonly") && holds(message, path), message);
-                  }),
-        1);
+    EXPECT_EQ(readingAndChanging.inProcesses(1, path), 1);
     EXPECT_EQ(cubes::test::listing(directory.str()), "cubes.db\n");
 }
 

@@ -2,7 +2,7 @@
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
 #include "host/database/TableTest.h"
-#include "support/Forked.h"
+#include "support/Errand.h"
 
 namespace {
 
@@ -10,16 +10,20 @@ using cubes::database::makeMissingTables;
 using cubes::test::Backend;
 using cubes::test::Rows;
 
+void makeOn(std::string const& url) {
+    Pgaccess::TPgConnection connection(url);
+    makeMissingTables(connection.Backend(), "delta");
+}
+
+cubes::test::Errand const making("making", [](int, std::string const& url) { makeOn(url); });
+
 class Definition : public cubes::test::BackendTest {
 protected:
     void SetUp() override {
         BackendTest::SetUp();
         if (!IsSkipped() && !HasFatalFailure()) database.emplace(backend());
     }
-    void make() const {
-        Pgaccess::TPgConnection connection(database->url());
-        makeMissingTables(connection.Backend(), "delta");
-    }
+    void make() const { makeOn(database->url()); }
     // Name, type, whether null is refused, and the place in the primary key.
     Rows columns(std::string const& schema, std::string const& name) const {
         if (backend() == Backend::sqlite)
@@ -62,7 +66,7 @@ TEST_P(Definition, neverChangesWhatExists) {
 }
 
 TEST_P(Definition, isMadeBySeveralProcessesAtOnce) {
-    EXPECT_EQ(cubes::test::inProcesses(4, [this](int) { make(); }), 4);
+    EXPECT_EQ(making.inProcesses(4, database->url()), 4);
     EXPECT_EQ(columns("delta", "cube5data1").size(), 16u);
 }
 

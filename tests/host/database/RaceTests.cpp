@@ -1,13 +1,11 @@
 #include "host/database/ExclusiveAccess.h"
 #include "host/database/TableTest.h"
-#include "support/Forked.h"
-
-#include <functional>
+#include "support/Errand.h"
 
 namespace {
 
 using cubes::database::ExclusiveAccess;
-using cubes::test::inProcesses;
+using cubes::test::Errand;
 using cubes::test::Rows;
 using cubes::test::sqlStateOf;
 using Rktable::TRkTableProxy;
@@ -33,53 +31,52 @@ void addNext(TRkTableProxy& table, std::string const& name) {
     access.commit();
 }
 
+constexpr int processes = 4;
+
+Errand const raises("raises of a counter", [](int, std::string const& url) {
+    Opened opened(url);
+    for (int i = 0; i < 50; ++i)
+        if (!opened.table.Locate("cubenr", 1) || !opened.table.Raise("usageCounter"))
+            throw std::runtime_error("row not found");
+});
+Errand const equalRows("equal rows", [](int number, std::string const& url) {
+    Opened opened(url);
+    opened.table.Append();
+    opened.table.FieldByName("cubenr")->SetAsInteger(1);
+    opened.table.FieldByName("name")->SetAsString(("p" + std::to_string(number)).c_str());
+    std::string const state = sqlStateOf([&] { opened.table.Post(); });
+    if (state != "none" && state != "23505") throw std::runtime_error("unexpected: " + state);
+    if (!opened.table.Locate("cubenr", 1)) throw std::runtime_error("row not found");
+});
+Errand const nextNumbers("next numbers", [](int process, std::string const& url) {
+    Opened opened(url);
+    for (int i = 0; i < 20; ++i) addNext(opened.table, std::to_string(process) + "-" + std::to_string(i));
+});
+
 class Race : public cubes::test::TableTest {
 protected:
-    // An open SQLite file must not be carried into another process.
-    int inProcessesOfTheirOwn(std::function<void(int)> const& work) {
+    int run(Errand const& errand) {
+        // An open SQLite file must not be carried into another process.
         table.SetConnection(nullptr);
         connection.reset();
-        return inProcesses(4, work);
+        return errand.inProcesses(processes, database->url());
     }
 };
 CUBES_BOTH_BACKENDS(Race);
 
 TEST_P(Race, losesNoRaiseOfACounter) {
     fill(1);
-    EXPECT_EQ(inProcesses(4,
-                  [this](int) {
-                      Opened opened(database->url());
-                      for (int i = 0; i < 50; ++i) {
-                          if (!opened.table.Locate("cubenr", 1) || !opened.table.Raise("usageCounter"))
-                              throw std::runtime_error("row not found");
-                      }
-                  }),
-        4);
+    EXPECT_EQ(run(raises), processes);
     EXPECT_EQ(rows(), (Rows{{"1", "n1", "202"}}));
 }
 
 TEST_P(Race, letsOneOfTwoEqualRowsIn) {
-    int const winners = inProcessesOfTheirOwn([this](int number) {
-        Opened opened(database->url());
-        opened.table.Append();
-        opened.table.FieldByName("cubenr")->SetAsInteger(1);
-        opened.table.FieldByName("name")->SetAsString(("p" + std::to_string(number)).c_str());
-        std::string const state = sqlStateOf([&] { opened.table.Post(); });
-        if (state != "none" && state != "23505") throw std::runtime_error("unexpected: " + state);
-        if (!opened.table.Locate("cubenr", 1)) throw std::runtime_error("row not found");
-    });
-    EXPECT_EQ(winners, 4);
+    EXPECT_EQ(run(equalRows), processes);
     EXPECT_EQ(rows().size(), 1u);
 }
 
 TEST_P(Race, givesDifferentNumbersToThoseWhoAddExclusively) {
-    EXPECT_EQ(inProcesses(4,
-                  [this](int process) {
-                      Opened opened(database->url());
-                      for (int i = 0; i < 20; ++i)
-                          addNext(opened.table, std::to_string(process) + "-" + std::to_string(i));
-                  }),
-        4);
+    EXPECT_EQ(run(nextNumbers), processes);
     EXPECT_EQ(database->sql("SELECT count(*), count(DISTINCT \"name\"), max(\"cubenr\") FROM \"cube\""),
         (Rows{{"80", "80", "80"}}));
 }

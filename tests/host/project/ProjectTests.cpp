@@ -1,5 +1,5 @@
 #include "support/Backend.h"
-#include "support/Forked.h"
+#include "support/Errand.h"
 #include "support/Variable.h"
 
 #include <cubes/database/TPgConnection.h>
@@ -44,6 +44,10 @@ class DatabaseOverride : public cubes::test::Variable {
 public:
     explicit DatabaseOverride(std::string const& url) : Variable("CUBES_DATABASE", url) {}
 };
+
+cubes::test::Errand const making("making",
+    [](int number, std::string const& directory) { Project::create(directory + "/p" + std::to_string(number)); });
+cubes::test::Errand const opening("opening", [](int, std::string const& root) { Project::open(root); });
 
 class ProjectOver : public cubes::test::BackendTest {
 protected:
@@ -131,8 +135,9 @@ TEST_P(ProjectOver, goesOnWithTablesThatOthersMade) {
 }
 
 TEST_P(ProjectOver, isMadeAndOpenedBySeveralProcessesAtOnce) {
-    EXPECT_EQ(cubes::test::inProcesses(3, [this](int number) { create("p" + std::to_string(number)); }), 3);
-    EXPECT_EQ(cubes::test::inProcesses(3, [this](int) { Project::open(directory.file("p0")); }), 3);
+    DatabaseOverride const override(database->url());
+    EXPECT_EQ(making.inProcesses(3, directory.str()), 3);
+    EXPECT_EQ(opening.inProcesses(3, directory.file("p0")), 3);
     for (char const* const schema : {"p0", "p1", "p2"}) EXPECT_EQ(rowsOf(schema, "cube5data1"), 0u);
 }
 
