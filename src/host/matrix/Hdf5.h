@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/platform/File.h"
+
 #include <hdf5.h>
 
 #include <mutex>
@@ -61,7 +63,9 @@ Status check(Status status, char const* action) {
     return status;
 }
 
-Handle openFile(std::string const& path);
+/// Opens a file for reading through our own: that can be replaced and removed meanwhile on every system, and
+/// fails in the system's words.
+Handle openFile(platform::File file);
 Handle openGroup(hid_t parent, char const* name);
 bool hasLink(hid_t parent, char const* name);
 /// Access that leaves locking to us.

@@ -3,7 +3,6 @@
 #include "host/matrix/BlockCodec.h"
 #include "host/matrix/OmxLookups.h"
 #include "host/matrix/OmxNames.h"
-#include "host/platform/File.h"
 #include "host/platform/Parallel.h"
 
 #include <algorithm>
@@ -220,9 +219,10 @@ void OmxTable::inflateBand(BlockDecoder& decoder, int firstRow, float* elements)
 
 OmxReader::OmxReader(std::string const& path) {
     // Missing, unreadable and empty files in plainer words than HDF5's.
-    if (platform::File::openForReading(path).size() == 0) throw std::runtime_error("it is empty");
+    auto file = platform::File::openForReading(path);
+    if (file.size() == 0) throw std::runtime_error("it is empty");
     hdf5::Session const session;
-    file_ = hdf5::openFile(path);
+    file_ = hdf5::openFile(std::move(file));
 }
 
 std::vector<std::string> OmxReader::tables() const {

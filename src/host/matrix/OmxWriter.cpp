@@ -2,7 +2,7 @@
 
 #include "host/matrix/FileIndex.h"
 #include "host/matrix/OmxNames.h"
-#include "host/platform/Paths.h"
+#include "host/platform/NarrowText.h"
 
 #include <algorithm>
 #include <array>

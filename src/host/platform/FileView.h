@@ -13,8 +13,6 @@ class FileView {
 public:
     /// Throws std::system_error; an empty file gives an empty view.
     static FileView open(std::string const& path);
-    /// The same for reading alone, which takes no memory of the system however large the file is.
-    static FileView openUnchanged(std::string const& path);
 
     FileView(FileView&& other) noexcept;
     FileView& operator=(FileView&& other) noexcept;

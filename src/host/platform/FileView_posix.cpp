@@ -8,27 +8,15 @@
 
 namespace cubes::platform {
 
-namespace {
-
-std::span<std::byte> mapped(std::string const& path, int protection) {
+FileView FileView::open(std::string const& path) {
     File const file = File::openForReading(path);
     auto const size = static_cast<std::size_t>(file.size());
-    if (size == 0) return {};
+    if (size == 0) return FileView({});
     // Private pages are made only for what is written, so none are set aside beforehand.
     void* const start =
-        ::mmap(nullptr, size, protection, MAP_PRIVATE | MAP_NORESERVE, static_cast<int>(file.native()), 0);
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE, static_cast<int>(file.native()), 0);
     if (start == MAP_FAILED) throwSystemFailure("cannot map", path);
-    return {static_cast<std::byte*>(start), size};
-}
-
-}
-
-FileView FileView::open(std::string const& path) {
-    return FileView(mapped(path, PROT_READ | PROT_WRITE));
-}
-
-FileView FileView::openUnchanged(std::string const& path) {
-    return FileView(mapped(path, PROT_READ));
+    return FileView({static_cast<std::byte*>(start), size});
 }
 
 FileView::FileView(FileView&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}

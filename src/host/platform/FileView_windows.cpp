@@ -9,30 +9,18 @@
 
 namespace cubes::platform {
 
-namespace {
-
-std::span<std::byte> mapped(std::string const& path, DWORD protection, DWORD access) {
+FileView FileView::open(std::string const& path) {
     File const file = File::openForReading(path);
     auto const size = static_cast<std::size_t>(file.size());
-    if (size == 0) return {};
+    if (size == 0) return FileView({});
     HANDLE const mapping =
-        ::CreateFileMappingW(reinterpret_cast<HANDLE>(file.native()), nullptr, protection, 0, 0, nullptr);
+        ::CreateFileMappingW(reinterpret_cast<HANDLE>(file.native()), nullptr, PAGE_WRITECOPY, 0, 0, nullptr);
     if (!mapping) throwSystemFailure("cannot map", path);
-    void* const start = ::MapViewOfFile(mapping, access, 0, 0, 0);
+    void* const start = ::MapViewOfFile(mapping, FILE_MAP_COPY, 0, 0, 0);
     DWORD const failure = ::GetLastError();
     ::CloseHandle(mapping);
     if (!start) throwSystemFailure("cannot map", path, static_cast<int>(failure));
-    return {static_cast<std::byte*>(start), size};
-}
-
-}
-
-FileView FileView::open(std::string const& path) {
-    return FileView(mapped(path, PAGE_WRITECOPY, FILE_MAP_COPY));
-}
-
-FileView FileView::openUnchanged(std::string const& path) {
-    return FileView(mapped(path, PAGE_READONLY, FILE_MAP_READ));
+    return FileView({static_cast<std::byte*>(start), size});
 }
 
 FileView::FileView(FileView&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}

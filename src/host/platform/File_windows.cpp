@@ -151,11 +151,13 @@ void File::close() noexcept {
 bool renameFile(std::string const& from, std::string const& to) {
     fs::path const source = toPath(from);
     fs::path const target = toPath(to);
-    removeOutdated(target.parent_path());
+    // New names are given without looking around.
+    bool const replaces = isReplaceable(target);
+    if (replaces) removeOutdated(target.parent_path());
     if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return true;
     DWORD const failure = ::GetLastError();
     if (failure == ERROR_NOT_SAME_DEVICE) return false;
-    if (isReplaceable(target) && replaceInUse(source, target, toPath(temporaryPath(to)))) return true;
+    if (replaces && replaceInUse(source, target, toPath(temporaryPath(to)))) return true;
     throwSystemFailure("cannot put in place", to, static_cast<int>(failure));
 }
 

@@ -11,6 +11,7 @@ namespace cubes::platform {
 std::string narrowEncoding();
 
 std::string toUtf8(std::string_view narrow);
+/// A character that the narrow encoding does not have becomes "?".
 std::string fromUtf8(std::string_view utf8);
 std::string toNarrow(std::wstring_view wide);
 

@@ -14,11 +14,15 @@ std::wstring widened(std::string_view text, UINT codePage) {
     return wide;
 }
 
+// A letter that the code page does not have becomes "?", which no path holds, rather than one that looks alike:
+// that would be the name of another file.
 std::string narrowed(std::wstring_view wide, UINT codePage) {
+    bool const isUtf8 = codePage == CP_UTF8 || GetACP() == CP_UTF8;
+    DWORD const flags = isUtf8 ? 0 : WC_NO_BEST_FIT_CHARS;
     int const units = static_cast<int>(wide.size());
-    int const length = WideCharToMultiByte(codePage, 0, wide.data(), units, nullptr, 0, nullptr, nullptr);
+    int const length = WideCharToMultiByte(codePage, flags, wide.data(), units, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(codePage, 0, wide.data(), units, text.data(), length, nullptr, nullptr);
+    WideCharToMultiByte(codePage, flags, wide.data(), units, text.data(), length, nullptr, nullptr);
     return text;
 }
 

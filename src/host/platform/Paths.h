@@ -20,8 +20,6 @@ std::filesystem::path fromRoot(std::filesystem::path const& path);
 std::filesystem::path normalForm(std::filesystem::path const& path);
 /// The path of a text that may be relative to a directory.
 std::string resolved(std::string const& directory, std::string const& path);
-/// The text for libraries that take UTF-8 paths on every platform.
-std::string toUtf8(std::string const& text);
 
 /// The text with the delimiters of other platforms made native. Windows takes both as they are.
 std::string withNativeDelimiters(std::string text);

@@ -30,10 +30,6 @@ std::string resolved(std::string const& directory, std::string const& path) {
     return fromPath(toPath(directory) / toPath(path));
 }
 
-std::string toUtf8(std::string const& text) {
-    return text;
-}
-
 std::string withNativeDelimiters(std::string text) {
     std::replace(text.begin(), text.end(), '\\', '/');
     return text;

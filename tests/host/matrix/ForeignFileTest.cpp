@@ -250,6 +250,31 @@ TEST(OmxFile, writesATableOfAnyNameWithZones) {
     EXPECT_EQ(listing(directory.str()), "a.omx\n");
 }
 
+TEST(OmxFile, keepsTheStateItWasOpenedOn) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    OmxFile::write(file, "matrix", numbered(3, 3));
+    OmxFile const omx = OmxFile::open(file);
+    OmxFile::write(file, "matrix", times(5, 5));
+    EXPECT_EQ(difference(omx.read("matrix"), numbered(3, 3)), "");
+    EXPECT_EQ(difference(OmxFile::open(file).read("matrix"), times(5, 5)), "");
+}
+
+TEST(OmxFile, isToldToEndWhereAnotherProgramCutIt) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    OmxFile::write(file, "matrix", numbered(300, 300));
+    OmxFile const omx = OmxFile::open(file);
+    std::filesystem::resize_file(file, 10'000);
+    try {
+        omx.read("matrix");
+        ADD_FAILURE() << "read";
+    } catch (TRkMatrixException const& error) {
+        EXPECT_NE(std::string(error.what()).find(pastTheEnd()), std::string::npos) << error.what();
+        EXPECT_EQ(error.File(), file);
+    }
+}
+
 TEST(OmxFile, aFileThatCanNotBeOpenedIsNamedWithTheReason) {
     TempDir const directory;
     writeFile(directory.file("empty"), "");

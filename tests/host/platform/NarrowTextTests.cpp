@@ -38,6 +38,12 @@ TEST(NarrowText, ofFourBytesForACharacterIsCutBetweenCharacters) {
     EXPECT_EQ(firstCharacters("€𐐀x", 2), "€𐐀");
 }
 
+TEST(NarrowText, hasNoLookAlikesOfCharactersThatItLacks) {
+    std::string const expected = narrowEncoding() == "UTF8" ? "Ā" : "?";
+    EXPECT_EQ(fromUtf8("Ā"), expected);
+    EXPECT_EQ(toNarrow(L"Ā"), expected);
+}
+
 TEST(NarrowText, isMadeOfWideText) {
     EXPECT_EQ(toNarrow(L"usageCounter"), "usageCounter");
     EXPECT_EQ(toNarrow(L"ä€"), fromUtf8("ä€"));
