@@ -9,3 +9,8 @@ function(cubes_unite_folders target)
     set_property(SOURCE ${source} TARGET_DIRECTORY ${target} PROPERTY UNITY_GROUP "${folder}")
   endforeach()
 endfunction()
+
+# compiled_alone(SOURCE...): what has the same names as files beside it.
+function(compiled_alone)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()

@@ -1,8 +1,8 @@
 #include "tool/FileBeside.h"
 
-#include "tool/Durable.h"
 #include "tool/Errors.h"
 #include "tool/Paths.h"
+#include "tool/PutInPlace.h"
 
 #include <fmt/format.h>
 
@@ -32,11 +32,8 @@ bool FileBeside::canBeMade() const {
 }
 
 void FileBeside::takePlace() const {
-    flushToDisk(toText(path_));
-    std::error_code error;
-    fs::rename(path_, place_, error);
-    if (error) throw Failure(fmt::format("cannot write {}: {}", toText(place_), error.message()));
-    flushToDisk(toText(place_.parent_path()));
+    if (auto const error = putInPlace(path_, place_))
+        throw Failure(fmt::format("cannot write {}: {}", toText(place_), error.message()));
 }
 
 }

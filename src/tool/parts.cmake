@@ -3,6 +3,7 @@
 add_library(cubes_tool_parts STATIC
   Paths.cpp
   Paths_${platform}.cpp
+  PutInPlace_${platform}.cpp
   formats/CellList.cpp
   formats/CsvColumns.cpp
   formats/CsvLines.cpp

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -41,10 +42,11 @@ std::string listing(std::string const& directory) {
 }
 
 std::string filesIn(std::string const& directory) {
-    std::string names = listing(directory);
-    std::string const lock = ".cubes-lock\n";
-    std::size_t const place = names.find(lock);
-    return place == std::string::npos ? names : names.erase(place, lock.size());
+    std::istringstream names(listing(directory));
+    std::string kept;
+    for (std::string name; std::getline(names, name);)
+        if (name != ".cubes-lock" && !name.ends_with(".old.cubes-tmp")) kept += name + "\n";
+    return kept;
 }
 
 std::string readFile(std::string const& path) {

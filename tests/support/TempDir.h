@@ -34,8 +34,6 @@ std::string otherFileSystem(std::string const& directory);
 
 /// Makes another way to a directory, on every platform.
 void linkDirectory(std::string const& directory, std::string const& link);
-/// Whether a file may be removed while somebody reads it.
-bool readFilesCanBeRemoved();
 
 /// What can be read without end and is no file; empty where there is no such thing.
 std::string endlessDevice();
@@ -46,7 +44,8 @@ bool isLink(std::string const& path);
 
 /// The names of all files and directories below `directory`, sorted; to show that nothing is left over.
 std::string listing(std::string const& directory);
-/// The same without the lock file of all writers of matrices.
+/// The same without the lock file of all writers of matrices, and without what has been set aside for those who
+/// still read it.
 std::string filesIn(std::string const& directory);
 std::string readFile(std::string const& path);
 /// The same of a text, with "\n" for the platform's line ends.

@@ -23,9 +23,11 @@ bool isForAMoment(DWORD failure) {
     return failure == ERROR_SHARING_VIOLATION || failure == ERROR_ACCESS_DENIED;
 }
 
-bool isFile(std::string const& path) {
+// Neither a directory nor a file that its owner wants to stay as it is.
+bool isReplaceable(std::string const& path) {
+    constexpr DWORD unfit = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
     DWORD const attributes = ::GetFileAttributesA(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & unfit);
 }
 
 HANDLE handle(NativeFile file) {
@@ -62,7 +64,7 @@ void replaceFile(std::string const& from, std::string const& to) {
     constexpr DWORD how = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     for (int attempts = 1; !::MoveFileExA(from.c_str(), to.c_str(), how); ++attempts) {
         DWORD const failure = ::GetLastError();
-        if (attempts == mostAttempts || !isForAMoment(failure) || !isFile(to))
+        if (attempts == mostAttempts || !isForAMoment(failure) || !isReplaceable(to))
             fail("cannot put the new file in place", failure);
         ::Sleep(pauseInMilliseconds);
     }

@@ -17,6 +17,7 @@ struct FileHeader {
     int columns = 0;
     std::optional<RkMatrixType> type;
     std::optional<RkMatrixKind> kind;
+    /// In UTF-8.
     std::string name;
     std::vector<std::int32_t> zones;
     /// Whether it is a selected-link matrix. Only compressed files keep this.

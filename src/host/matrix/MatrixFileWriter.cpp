@@ -5,6 +5,7 @@
 #include "host/matrix/PlainStorage.h"
 #include "host/matrix/Publishing.h"
 #include "host/platform/Files.h"
+#include "host/platform/NarrowText.h"
 
 #include <cubes/matrix/MatrixStorage.h>
 
@@ -20,7 +21,7 @@ auto writerOf(Storage storage) {
 
 FileHeader fileHeader(TRkMatrixHeader const& header) {
     return {header.Rows(), header.Columns(), header.Type(), static_cast<RkMatrixKind>(header.Kind()),
-        header.Name().str(), header.Zones()};
+        platform::toUtf8(header.Name().str()), header.Zones()};
 }
 
 void writeMatrixFile(platform::TemporaryFile& temporary, std::string const& target, std::string const& table,

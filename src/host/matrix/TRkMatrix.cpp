@@ -5,6 +5,7 @@
 #include "host/matrix/NewFileBody.h"
 #include "host/matrix/SelectedLinkBody.h"
 #include "host/matrix/WriteLock.h"
+#include "host/platform/NarrowText.h"
 
 #include <optional>
 
@@ -47,7 +48,7 @@ struct TRkMatrix::State {
     void take(FileHeader const& stored, RkMatrixKind kind) {
         header = TRkMatrixHeader(
             stored.rows, stored.columns, stored.type.value_or(mtMatrixCube), stored.kind.value_or(kind));
-        header.name_ = TRkString(stored.name);
+        header.name_ = TRkString(cubes::platform::fromUtf8(stored.name));
         header.zones_ = stored.zones;
     }
     cubes::matrix::Body& usableBody() const {

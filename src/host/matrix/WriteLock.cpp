@@ -1,6 +1,7 @@
 #include "host/matrix/WriteLock.h"
 
 #include "host/platform/ByteLock.h"
+#include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
 
 #include <xxhash.h>
@@ -19,19 +20,17 @@ constexpr char lockName[] = ".cubes-lock";
 // The directory without links, so that the same file has the same key by whatever path.
 std::string keyOf(std::string const& path) {
     auto const file = platform::fromRoot(platform::toPath(path));
-    std::error_code unresolved;
-    auto const directory = std::filesystem::canonical(file.parent_path(), unresolved);
-    auto const resolved = unresolved ? platform::normalForm(file) : directory / file.filename();
-    return platform::foldCase(platform::fromPath(resolved));
+    auto const directory = platform::withoutLinks(file.parent_path());
+    return platform::foldCase(platform::fromPath(directory / file.filename()));
 }
 
 std::string lockFileBeside(std::string const& path) {
     return platform::fromPath(platform::fromRoot(platform::toPath(path)).parent_path() / lockName);
 }
 
-// Positions in a file are signed numbers.
+// Positions in a file are signed numbers. Programs of different encodings agree on a name in UTF-8.
 std::uint64_t positionOf(std::string const& key) {
-    std::string const name = platform::fromPath(platform::toPath(key).filename());
+    std::string const name = platform::toUtf8(platform::fromPath(platform::toPath(key).filename()));
     return XXH3_64bits(name.data(), name.size()) >> 1;
 }
 

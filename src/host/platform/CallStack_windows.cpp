@@ -1,6 +1,7 @@
 #include "host/platform/CallStack.h"
 
 #include "host/platform/Demangled.h"
+#include "host/platform/ModuleFile_windows.h"
 #include "host/platform/NarrowText.h"
 
 #include <windows.h>
@@ -37,14 +38,6 @@ HANDLE symbols() {
     return process;
 }
 
-std::string moduleAt(void const* address) {
-    constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    HMODULE module = nullptr;
-    if (!::GetModuleHandleExW(flags, static_cast<wchar_t const*>(address), &module)) return {};
-    wchar_t path[MAX_PATH];
-    return toNarrow({path, ::GetModuleFileNameW(module, path, MAX_PATH)});
-}
-
 std::string functionAt(HANDLE process, DWORD64 place) {
     // The name follows the structure, whose last member is its first character.
     alignas(SYMBOL_INFO) char memory[sizeof(SYMBOL_INFO) + longestName] = {};
@@ -68,8 +61,8 @@ StackFrame frameAt(HANDLE process, void* address) {
     // A call may be the last instruction of its function; one back we are inside it for certain.
     char* const call = static_cast<char*>(address) - 1;
     auto const place = static_cast<DWORD64>(reinterpret_cast<std::uintptr_t>(call));
-    return {
-        reinterpret_cast<std::uintptr_t>(address), moduleAt(call), functionAt(process, place), lineAt(process, place)};
+    return {reinterpret_cast<std::uintptr_t>(address), toNarrow(moduleFile(call)), functionAt(process, place),
+        lineAt(process, place)};
 }
 
 }

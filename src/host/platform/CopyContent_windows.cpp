@@ -9,12 +9,14 @@ namespace cubes::platform {
 
 // The system copies between names, not between open files.
 void copyContent(std::string const& source, File& target) {
+    // What is wrong with the source is told of the source.
+    File const original = File::openForReading(source);
     std::string const path = target.path();
-    std::wstring const wide = toPath(path).wstring();
+    auto const copy = toPath(path);
     target.close();
-    if (!::CopyFileW(toPath(source).wstring().c_str(), wide.c_str(), FALSE)) throwSystemFailure("cannot copy to", path);
+    if (!::CopyFileW(toPath(source).c_str(), copy.c_str(), FALSE)) throwSystemFailure("cannot copy to", path);
     // A copy is read-only where its source is; this one has yet to be flushed and put in place.
-    ::SetFileAttributesW(wide.c_str(), FILE_ATTRIBUTE_NORMAL);
+    ::SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
     target = File::openShared(path);
 }
 

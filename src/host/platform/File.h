@@ -53,8 +53,8 @@ bool renameFile(std::string const& from, std::string const& to);
 void flushFile(std::string const& path);
 /// Makes names given in a directory survive a power failure.
 void flushDirectory(std::string const& directory);
-/// Removes a file that may be there; failures are of no interest.
-void discardFile(std::string const& path) noexcept;
+/// Removes a file; objects that read it keep it. False when it cannot be removed or is not there.
+bool discardFile(std::string const& path) noexcept;
 std::uint64_t processId();
 
 }

@@ -120,8 +120,8 @@ void flushDirectory(std::string const& directory) {
     if (failure != 0 && failure != EINVAL) throwSystemFailure("cannot flush", directory, failure);
 }
 
-void discardFile(std::string const& path) noexcept {
-    ::unlink(path.c_str());
+bool discardFile(std::string const& path) noexcept {
+    return ::unlink(path.c_str()) == 0;
 }
 
 std::uint64_t processId() {

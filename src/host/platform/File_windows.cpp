@@ -40,11 +40,15 @@ OVERLAPPED at(std::uint64_t offset) {
     return position;
 }
 
+bool isReadOnly(fs::path const& path) {
+    DWORD const attributes = ::GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
+}
+
 // Neither a directory nor a file that its owner wants to stay as it is.
 bool isReplaceable(fs::path const& path) {
-    constexpr DWORD unfit = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
     DWORD const attributes = ::GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & unfit);
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY) && !isReadOnly(path);
 }
 
 // The end of the names of files that have been replaced while they were read.
@@ -60,16 +64,32 @@ void removeOutdated(fs::path const& directory) {
     ::FindClose(search);
 }
 
-// Moves the old file aside, so that objects that still read it keep it, and puts the new one in
-// its place. What is mapped can be moved but not removed.
-bool replaceInUse(fs::path const& from, fs::path const& to, fs::path const& aside) {
-    if (!::MoveFileExW(to.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
+// A name of its own beside a file.
+fs::path nameBeside(fs::path const& file) {
+    return toPath(temporaryPath(fromPath(file)));
+}
+
+// What is mapped can be moved but not removed, or not before it is mapped no more: it goes aside, and objects that
+// still read it keep it.
+bool removeOrSetAside(fs::path const& file, fs::path aside) {
+    bool const isRemoved = ::DeleteFileW(file.c_str()) != FALSE;
+    if (!isReplaceable(file)) return isRemoved;
+    removeOutdated(file.parent_path());
+    aside.replace_extension(outdated);
+    if (!::MoveFileExW(file.c_str(), aside.c_str(), 0)) return false;
+    ::DeleteFileW(aside.c_str());
+    return true;
+}
+
+// Moves the old file away and puts the new one in its place.
+bool replaceInUse(fs::path const& from, fs::path const& to) {
+    fs::path const old = nameBeside(to);
+    if (!::MoveFileExW(to.c_str(), old.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
     if (!::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH)) {
-        ::MoveFileExW(aside.c_str(), to.c_str(), 0);
+        ::MoveFileExW(old.c_str(), to.c_str(), 0);
         return false;
     }
-    if (!::DeleteFileW(aside.c_str()))
-        ::MoveFileExW(aside.c_str(), fs::path(aside).replace_extension(outdated).c_str(), 0);
+    removeOrSetAside(old, old);
     return true;
 }
 
@@ -157,11 +177,13 @@ bool renameFile(std::string const& from, std::string const& to) {
     if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return true;
     DWORD const failure = ::GetLastError();
     if (failure == ERROR_NOT_SAME_DEVICE) return false;
-    if (replaces && replaceInUse(source, target, toPath(temporaryPath(to)))) return true;
+    if (replaces && replaceInUse(source, target)) return true;
     throwSystemFailure("cannot put in place", to, static_cast<int>(failure));
 }
 
 void flushFile(std::string const& path) {
+    // The system lets only those flush who may write: what is read-only has been left to it.
+    if (isReadOnly(toPath(path))) return;
     HANDLE const opened = handle(openFile(path, GENERIC_WRITE, OPEN_EXISTING));
     if (opened == INVALID_HANDLE_VALUE) throwSystemFailure("cannot open", path);
     bool const isFlushed = ::FlushFileBuffers(opened) != FALSE;
@@ -173,8 +195,9 @@ void flushFile(std::string const& path) {
 // The renaming itself writes through.
 void flushDirectory(std::string const&) {}
 
-void discardFile(std::string const& path) noexcept {
-    ::DeleteFileW(toPath(path).c_str());
+bool discardFile(std::string const& path) noexcept {
+    fs::path const file = toPath(path);
+    return removeOrSetAside(file, nameBeside(file));
 }
 
 std::uint64_t processId() {

@@ -1,6 +1,7 @@
 #include "host/platform/Files.h"
 
 #include "host/platform/CopyContent.h"
+#include "host/platform/File.h"
 #include "host/platform/Paths.h"
 #include "host/platform/TemporaryFile.h"
 #include "host/platform/Tree.h"
@@ -26,12 +27,6 @@ bool isInside(std::string const& path, std::string const& directory) {
     fs::path const outer = comparable(directory);
     fs::path const inner = comparable(path);
     return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
-}
-
-std::string withoutLinks(std::string const& path) {
-    std::error_code error;
-    fs::path const canonical = fs::weakly_canonical(toPath(path), error);
-    return error ? path : fromPath(canonical);
 }
 
 // By whatever is there, a link to nowhere too.
@@ -71,9 +66,7 @@ bool removeDirectory(std::string const& path, bool withContent) {
 }
 
 bool removeFile(std::string const& path) {
-    if (!isRegularFile(path)) return false;
-    std::error_code error;
-    return fs::remove(toPath(path), error) && !error;
+    return isRegularFile(path) && discardFile(path);
 }
 
 bool copy(std::string const& source, std::string const& target, bool overwrite) {
@@ -112,8 +105,8 @@ bool moveDirectory(std::string const& source, std::string const& target) {
 bool overlap(std::string const& first, std::string const& second) {
     std::error_code error;
     if (fs::equivalent(toPath(first), toPath(second), error)) return true;
-    std::string const a = withoutLinks(first);
-    std::string const b = withoutLinks(second);
+    std::string const a = fromPath(withoutLinks(toPath(first)));
+    std::string const b = fromPath(withoutLinks(toPath(second)));
     return isInside(a, b) || isInside(b, a);
 }
 
@@ -123,7 +116,7 @@ std::string directoryOf(std::string const& path) {
 }
 
 std::string absolutePath(std::string const& path) {
-    return fromPath(normalForm(fromRoot(toPath(path))));
+    return fromPath(normalForm(toPath(path)));
 }
 
 bool isSamePath(std::string const& first, std::string const& second) {

@@ -46,7 +46,7 @@ private:
     sigset_t pendingBefore_{};
 };
 
-int openFile(std::intptr_t native) {
+int logDescriptor(std::intptr_t native) {
     return static_cast<int>(native);
 }
 
@@ -92,12 +92,12 @@ LogFile::~LogFile() {
 // The system appends what one write brings in one piece; a second write for the rest would not be part of it.
 void LogFile::append(std::string_view text) {
     WriteSignalsHeld const held;
-    ssize_t const put = writeOnce(openFile(native_), text);
-    if (put > 0 && static_cast<std::size_t>(put) < text.size()) takeBack(openFile(native_), put);
+    ssize_t const put = writeOnce(logDescriptor(native_), text);
+    if (put > 0 && static_cast<std::size_t>(put) < text.size()) takeBack(logDescriptor(native_), put);
 }
 
 void LogFile::close() noexcept {
-    if (native_ != none) ::close(openFile(std::exchange(native_, none)));
+    if (native_ != none) ::close(logDescriptor(std::exchange(native_, none)));
 }
 
 }

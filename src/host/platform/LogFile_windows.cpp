@@ -10,7 +10,7 @@ namespace cubes::platform {
 
 namespace {
 
-HANDLE openFile(std::intptr_t native) {
+HANDLE logHandle(std::intptr_t native) {
     return reinterpret_cast<HANDLE>(native);
 }
 
@@ -69,13 +69,13 @@ LogFile::~LogFile() {
 // A disk without room for the whole takes nothing of it.
 void LogFile::append(std::string_view text) {
     std::string const bytes = withLineEnds(text);
-    Turn const turn(openFile(native_));
+    Turn const turn(logHandle(native_));
     DWORD put = 0;
-    ::WriteFile(openFile(native_), bytes.data(), static_cast<DWORD>(bytes.size()), &put, nullptr);
+    ::WriteFile(logHandle(native_), bytes.data(), static_cast<DWORD>(bytes.size()), &put, nullptr);
 }
 
 void LogFile::close() noexcept {
-    if (native_ != none) ::CloseHandle(openFile(std::exchange(native_, none)));
+    if (native_ != none) ::CloseHandle(logHandle(std::exchange(native_, none)));
 }
 
 }

@@ -16,8 +16,10 @@ std::filesystem::path toPath(std::string_view text);
 std::string fromPath(std::filesystem::path const& path);
 /// The path from the root on; the path itself when the system cannot tell.
 std::filesystem::path fromRoot(std::filesystem::path const& path);
-/// A path from the root on without "." and "..", by its text alone.
+/// The same without "." and "..", by its text alone.
 std::filesystem::path normalForm(std::filesystem::path const& path);
+/// The same by what is there: links and other names of directories followed as far as they exist.
+std::filesystem::path withoutLinks(std::filesystem::path const& path);
 /// The path of a text that may be relative to a directory.
 std::string resolved(std::string const& directory, std::string const& path);
 
@@ -25,6 +27,6 @@ std::string resolved(std::string const& directory, std::string const& path);
 std::string withNativeDelimiters(std::string text);
 
 /// The text made fit for comparing paths: letter case folded where the file system ignores it.
-std::string foldCase(std::string path);
+std::string foldCase(std::string const& path);
 
 }

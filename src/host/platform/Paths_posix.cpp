@@ -23,7 +23,13 @@ std::filesystem::path fromRoot(std::filesystem::path const& path) {
 }
 
 std::filesystem::path normalForm(std::filesystem::path const& path) {
-    return path.lexically_normal();
+    return fromRoot(path).lexically_normal();
+}
+
+std::filesystem::path withoutLinks(std::filesystem::path const& path) {
+    std::error_code error;
+    auto const canonical = std::filesystem::weakly_canonical(fromRoot(path), error);
+    return error ? normalForm(path) : canonical;
 }
 
 std::string resolved(std::string const& directory, std::string const& path) {
@@ -35,7 +41,7 @@ std::string withNativeDelimiters(std::string text) {
     return text;
 }
 
-std::string foldCase(std::string path) {
+std::string foldCase(std::string const& path) {
     return path;
 }
 

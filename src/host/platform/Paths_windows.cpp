@@ -6,6 +6,23 @@
 
 namespace cubes::platform {
 
+namespace {
+
+// The path of what is there as the system keeps it, whatever names lead to it; empty where nothing is.
+std::filesystem::path finalPath(std::filesystem::path const& path) {
+    constexpr DWORD everything = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    constexpr DWORD longest = 32768;
+    HANDLE const opened =
+        ::CreateFileW(path.c_str(), 0, everything, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return {};
+    std::wstring text(longest, L'\0');
+    text.resize(::GetFinalPathNameByHandleW(opened, text.data(), longest, FILE_NAME_NORMALIZED));
+    ::CloseHandle(opened);
+    return text;
+}
+
+}
+
 char pathDelimiter() {
     return '\\';
 }
@@ -31,6 +48,18 @@ std::filesystem::path normalForm(std::filesystem::path const& path) {
     return fromRoot(path);
 }
 
+std::filesystem::path withoutLinks(std::filesystem::path const& path) {
+    std::filesystem::path existing = fromRoot(path);
+    std::filesystem::path rest;
+    for (;;) {
+        auto const final = finalPath(existing);
+        if (!final.empty()) return rest.empty() ? final : final / rest;
+        if (!existing.has_relative_path()) return fromRoot(path);
+        rest = rest.empty() ? existing.filename() : existing.filename() / rest;
+        existing = existing.parent_path();
+    }
+}
+
 std::string resolved(std::string const& directory, std::string const& path) {
     auto const isDelimiter = [&path](std::size_t place) { return path[place] == '\\' || path[place] == '/'; };
     bool const isOnServer = path.size() > 2 && isDelimiter(0) && isDelimiter(1);
@@ -41,9 +70,8 @@ std::string withNativeDelimiters(std::string text) {
     return text;
 }
 
-std::string foldCase(std::string path) {
-    CharLowerBuffA(path.data(), static_cast<DWORD>(path.size()));
-    return path;
+std::string foldCase(std::string const& path) {
+    return fromUtf8(lowerCase(toUtf8(path)));
 }
 
 }

@@ -1,5 +1,6 @@
 #include "host/platform/SharedLibrary.h"
 
+#include "host/platform/ModuleFile_windows.h"
 #include "host/platform/Paths.h"
 
 #include <windows.h>
@@ -9,23 +10,12 @@
 
 namespace cubes::platform {
 
-namespace {
-
-// Paths may be longer than MAX_PATH.
-constexpr DWORD longestPath = 32768;
-
-}
-
 char searchPathDelimiter() {
     return ';';
 }
 
 std::string ownDirectory() {
-    constexpr DWORD byAddress = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    HMODULE module = nullptr;
-    if (!::GetModuleHandleExW(byAddress, reinterpret_cast<wchar_t const*>(&ownDirectory), &module)) return {};
-    std::wstring file(longestPath, L'\0');
-    file.resize(::GetModuleFileNameW(module, file.data(), longestPath));
+    std::wstring const file = moduleFile(reinterpret_cast<void const*>(&ownDirectory));
     if (file.empty()) return {};
     return fromPath(std::filesystem::path(file).parent_path()) + pathDelimiter();
 }

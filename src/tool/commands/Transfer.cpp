@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <optional>
 
 namespace cubes::tool {

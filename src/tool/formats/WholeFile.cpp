@@ -1,6 +1,7 @@
 #include "tool/formats/WholeFile.h"
 
 #include "tool/Paths.h"
+#include "tool/PutInPlace.h"
 #include "tool/formats/FormatError.h"
 
 #include <fmt/format.h>
@@ -77,9 +78,8 @@ void NewFile::publish() {
     errno = 0;
     stream_.close();
     if (!stream_) fail();
-    std::error_code error;
-    fs::rename(toPath(temporary_), toPath(path_), error);
-    if (error) throw FormatError(path_, fmt::format("cannot be written: {}", error.message()));
+    if (auto const error = putInPlace(toPath(temporary_), toPath(path_)))
+        throw FormatError(path_, fmt::format("cannot be written: {}", error.message()));
 }
 
 void NewFile::fail() const {

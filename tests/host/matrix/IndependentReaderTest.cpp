@@ -3,6 +3,7 @@
 #include "host/matrix/FileIndex.h"
 #include "host/matrix/PlainStorage.h"
 #include "host/platform/FileView.h"
+#include "host/platform/NarrowText.h"
 #include "support/Process.h"
 
 #include <cubes/matrix/MatrixStorage.h>
@@ -82,6 +83,21 @@ print(d.attrs['cubes_checksum'].dtype)
                   file),
         "0.2 [50, 50] int32\n['matrix'] ['zone'] <f4 True\nint32 [1000, 999, 998] 50\n"
         "CARRAY 23 6 Base [1,2,3,4]\nuint64\n");
+}
+
+TEST_P(EachStorageRead, h5pyReadsANameOfAnyLetters) {
+    std::string const name = cubes::platform::fromUtf8("Zürich");
+    {
+        TRkMatrix target(3, 3, mtFare, file.c_str(), 1, name.c_str(), "", true, mkTransit, lsNone);
+        target.AssignFrom(times(3, 3));
+        ASSERT_TRUE(target.IsValid()) << target.Reason();
+    }
+    EXPECT_EQ(python("attributes = h5py.File(file)['data/matrix'].attrs\n"
+                     "print(attributes.get_id('cubes_name').get_type().get_cset() == h5py.h5t.CSET_UTF8)\n"
+                     "print(ascii(attributes['cubes_name'].decode('utf-8')))",
+                  file),
+        "True\n'Z\\xfcrich'\n");
+    EXPECT_EQ(opened(file).Name().str(), name);
 }
 
 TEST_P(EachStorageRead, pyTablesListsTheMatrixAsOmxToolsDo) {

@@ -1,6 +1,8 @@
 #include "host/matrix/Samples.h"
 
 #include "host/matrix/WriteLock.h"
+#include "host/platform/ByteLock.h"
+#include "host/platform/NarrowText.h"
 #include "support/Errand.h"
 
 #include <gtest/gtest.h>
@@ -154,6 +156,18 @@ TEST_F(WriteLocks, theLockFileAppearsOnlyForALock) {
     EXPECT_EQ(std::filesystem::file_size(directory.file(".cubes-lock")), 0u);
     EXPECT_TRUE(cubes::matrix::isLockName(".cubes-lock"));
     EXPECT_FALSE(cubes::matrix::isLockName("a.skm"));
+}
+
+TEST_F(WriteLocks, theLockIsAByteThatProgramsOfAllEncodingsAgreeOn) {
+    std::string const name = directory.file(cubes::platform::fromUtf8("zürich.skm"));
+    ASSERT_TRUE(save(numbered(3, 3), name));
+    // Half of the XXH3 of "zürich.skm" in UTF-8.
+    constexpr std::uint64_t position = 8172326146006134247;
+    auto const held = [&] { return !cubes::platform::ByteLock::tryTake(directory.file(".cubes-lock"), position); };
+    EXPECT_FALSE(held());
+    TRkMatrix const writer = opened(name, lsReadWrite);
+    ASSERT_TRUE(writer.IsValid()) << writer.Reason();
+    EXPECT_TRUE(held());
 }
 
 TEST_F(WriteLocks, aMovedObjectTakesItsLockAlong) {

@@ -50,6 +50,17 @@ TEST(CopyContent, isAnErrorForWhatIsNoFile) {
     EXPECT_THROW(copyContent(directory.str(), target), std::system_error);
 }
 
+TEST(CopyContent, namesTheFileThatIsNotThere) {
+    TempDir const directory;
+    File target = File::createNew(directory.file("target"));
+    try {
+        copyContent(directory.file("none"), target);
+        ADD_FAILURE() << "copied";
+    } catch (std::system_error const& error) {
+        EXPECT_TRUE(std::string(error.what()).starts_with("cannot open " + directory.file("none"))) << error.what();
+    }
+}
+
 TEST(CopyContent, sharesNothingThatIsChangedLater) {
     TempDir const directory;
     writeFile(directory.file("source"), "old content");

@@ -15,6 +15,7 @@
 #include <vector>
 
 using namespace cubes::platform;
+using cubes::test::filesIn;
 using cubes::test::isADirectory;
 using cubes::test::listing;
 using cubes::test::noSuchFile;
@@ -86,6 +87,23 @@ TEST(FileView, isPrivateAndKeepsTheStateOfAReplacedFile) {
     EXPECT_TRUE(view.bytes().empty());
     writeFile(directory.file("empty"), "");
     EXPECT_TRUE(FileView::open(directory.file("empty")).bytes().empty());
+}
+
+TEST(FileView, keepsTheStateOfARemovedFile) {
+    TempDir const directory;
+    writeFile(directory.file("a"), "old");
+    {
+        FileView const view = FileView::open(directory.file("a"));
+        EXPECT_TRUE(discardFile(directory.file("a")));
+        EXPECT_EQ(filesIn(directory.str()), "");
+        EXPECT_EQ(textOf(view.bytes()), "old");
+        EXPECT_FALSE(discardFile(directory.file("a")));
+    }
+    // What had to be kept for the view goes when a file is replaced.
+    writeFile(directory.file("b"), "old");
+    writeFile(directory.file("c"), "new");
+    EXPECT_TRUE(renameFile(directory.file("c"), directory.file("b")));
+    EXPECT_EQ(listing(directory.str()), "b\n");
 }
 
 TEST(File, takesAnotherNameInPlaceOfAFileButOfNoDirectory) {

@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <string>
 
+#include <windows.h>
+
 namespace platform = cubes::platform;
 using cubes::test::listing;
 using cubes::test::TempDir;
@@ -74,6 +76,22 @@ TEST(WindowsPaths, nameTheFileInAnyLetterCaseAndWithEitherDelimiter) {
     EXPECT_TRUE(platform::isRegularFile(directory.str() + "/DATA/A.SKM"));
     EXPECT_TRUE(platform::isRegularFile(directory.str() + "\\data\\a.skm"));
     EXPECT_EQ(platform::File::openForReading(directory.str() + "/data\\A.skm").size(), 1u);
+}
+
+TEST(WindowsPaths, areTheSameByWhateverDriveLeadsToThem) {
+    TempDir const directory;
+    std::filesystem::create_directory(directory.file("inner"));
+    if (!DefineDosDeviceW(0, L"S:", std::filesystem::path(directory.str()).c_str()))
+        GTEST_SKIP() << "SKIPPED: no drive can be made of a directory";
+    bool const isInside = platform::overlap("S:\\inner", directory.str());
+    bool const isNewInside = platform::overlap(directory.str(), "S:\\inner\\new");
+    bool const isElsewhere = platform::overlap("S:\\inner", directory.file("other"));
+    bool const isKnown = platform::withoutLinks("S:\\inner") == platform::withoutLinks(directory.file("inner"));
+    DefineDosDeviceW(DDD_REMOVE_DEFINITION, L"S:", nullptr);
+    EXPECT_FALSE(isElsewhere);
+    if (!isKnown) GTEST_SKIP() << "SKIPPED: Wine does not tell what a drive stands for";
+    EXPECT_TRUE(isInside);
+    EXPECT_TRUE(isNewInside);
 }
 
 TEST(WindowsPaths, mayHaveTheLettersOfTheCodePage) {

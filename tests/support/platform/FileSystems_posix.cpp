@@ -34,8 +34,4 @@ void linkDirectory(std::string const& directory, std::string const& link) {
     std::filesystem::create_directory_symlink(directory, link);
 }
 
-bool readFilesCanBeRemoved() {
-    return true;
-}
-
 }

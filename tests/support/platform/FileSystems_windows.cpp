@@ -34,8 +34,4 @@ void linkDirectory(std::string const& directory, std::string const& link) {
     if (run({"ln", "-s", directory, link}).exitCode != 0) throw std::runtime_error("no link " + link);
 }
 
-bool readFilesCanBeRemoved() {
-    return false;
-}
-
 }
