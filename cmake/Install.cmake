@@ -26,7 +26,6 @@ install(FILES ${PROJECT_BINARY_DIR}/cubesConfig.cmake ${PROJECT_BINARY_DIR}/cube
 # The build target "package" makes a zip of it, which runs where it is unpacked.
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
-  set(CPACK_STRIP_FILES ON)
   set(CPACK_PACKAGE_FILE_NAME cubes-${PROJECT_VERSION}-win64)
   include(CPack)
 endif()
