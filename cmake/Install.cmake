@@ -25,6 +25,9 @@ install(FILES ${PROJECT_BINARY_DIR}/cubesConfig.cmake ${PROJECT_BINARY_DIR}/cube
 
 # The build target "package" makes a zip of it, which runs where it is unpacked.
 if(WIN32)
+  if(CUBES_WINDOWS_DEPS)
+    install(DIRECTORY ${CUBES_WINDOWS_DEPS}/licences DESTINATION ${CMAKE_INSTALL_DOCDIR})
+  endif()
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME cubes-${PROJECT_VERSION}-win64)
   include(CPack)

@@ -11,7 +11,8 @@ file(GLOB top ${work}/unpacked/*)
 foreach(name
     bin/cubes.exe bin/cubes.dll bin/routeprovider64.dll bin/vlinterfaceutilities64.dll
     bin/libpq.dll bin/libstdc++-6.dll bin/libgcc_s_seh-1.dll bin/libwinpthread-1.dll
-    lib/libcubes.dll.a lib/cmake/cubes/cubesConfig.cmake include/cubes/cubes.h)
+    lib/libcubes.dll.a lib/cmake/cubes/cubesConfig.cmake include/cubes/cubes.h
+    share/doc/cubes/licences/hdf5.txt share/doc/cubes/licences/gcc-mingw-w64-base.txt)
   if(NOT EXISTS ${top}/${name})
     message(FATAL_ERROR "the zip holds no ${name}")
   endif()
