@@ -62,12 +62,18 @@ void publish(std::string const& target, std::string const& content) {
     file.publish();
 }
 
-Errand const taking(
-    "taking", [](int, std::string const& path) { leaveAtOnce(platform::ByteLock::tryTake(path, 7).has_value()); });
+bool canBeTaken(std::string const& path) {
+    return platform::ByteLock::tryTake(path, 7).has_value();
+}
+
+Errand const taking("taking", [](int, std::string const& path) { leaveAtOnce(canBeTaken(path)); });
+
+// Apart from the other, so that a process that cannot even try does not pass for one that was refused.
+Errand const beingRefused("being refused", [](int, std::string const& path) { leaveAtOnce(!canBeTaken(path)); });
 
 Errand const takingAndEnding("taking and ending", [](int, std::string const& path) {
     auto const lock = platform::ByteLock::tryTake(path, 7);
-    leaveAtOnce(lock && taking.inProcesses(1, path) == 0);
+    leaveAtOnce(lock && beingRefused.inProcesses(1, path) == 1);
 });
 
 }
@@ -204,7 +210,7 @@ TEST(WindowsLock, isSeenByAnotherProcessAndEndsWithItsOwn) {
     {
         auto const lock = platform::ByteLock::tryTake(file, 7);
         ASSERT_TRUE(lock);
-        EXPECT_EQ(taking.inProcesses(1, file), 0);
+        EXPECT_EQ(beingRefused.inProcesses(1, file), 1);
     }
     EXPECT_EQ(taking.inProcesses(1, file), 1);
     EXPECT_EQ(takingAndEnding.inProcesses(1, file), 1);
