@@ -4,7 +4,6 @@
 #include <csignal>
 #include <stdexcept>
 
-#ifdef __linux__
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -94,4 +93,3 @@ TEST_F(DebugLogTest, writesWhileADebuggerIsAttached) {
 }
 
 }
-#endif

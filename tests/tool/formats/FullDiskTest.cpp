@@ -5,10 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <stdexcept>
 
-#ifdef __linux__
-#include <csignal>
 #include <sys/resource.h>
 
 namespace cubes::tool {
@@ -59,4 +58,3 @@ TEST(FullDisk, leavesTheOldFileAndNothingElse) {
 }
 
 }
-#endif
