@@ -79,8 +79,12 @@ int runErrand(Errand const& errand) {
 class Errands : public testing::Environment {
 public:
     void SetUp() override {
-        auto const wanted = errands().find(variable(nameVariable));
-        if (wanted != errands().end()) leaveAtOnce(runErrand(*wanted->second) == 0);
+        std::string const name = variable(nameVariable);
+        if (name.empty()) return;
+        auto const wanted = errands().find(name);
+        // Its test would start this program again, and so on without end.
+        if (wanted == errands().end()) std::fprintf(stderr, "no errand is named '%s'\n", name.c_str());
+        leaveAtOnce(wanted != errands().end() && runErrand(*wanted->second) == 0);
     }
 };
 
@@ -116,7 +120,7 @@ bool endsWell(Handle const& process) {
 
 Errand::Errand(std::string name, Work work) : name_(std::move(name)), work_(std::move(work)) {
     if (errands().empty()) testing::AddGlobalTestEnvironment(new Errands);
-    errands()[name_] = this;
+    if (!errands().emplace(name_, this).second) throw std::logic_error("two errands are named '" + name_ + "'");
 }
 
 int Errand::inProcesses(int count, std::string const& told) const {
