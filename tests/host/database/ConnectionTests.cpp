@@ -95,10 +95,6 @@ TEST(SqliteFile, isMadeWhenMissingAndLeavesNothingBesideIt) {
     EXPECT_EQ(cubes::test::listing(directory.str()), "ü b.db\n");
 }
 
-void expect(bool claim, std::string const& what) {
-    if (!claim) throw std::runtime_error("not so: " + what);
-}
-
 // The superuser may write everywhere, so another user tries.
 cubes::test::Errand const readingAndChanging("reading and changing", [](int, std::string const& path) {
     cubes::test::becomeOrdinaryUser();
@@ -106,11 +102,11 @@ cubes::test::Errand const readingAndChanging("reading and changing", [](int, std
     Rktable::TRkTableProxy table("cube", "", "cube");
     table.SetConnection(&connection);
     table.Open();
-    expect(table.Locate("cubenr", 5), "row read");
+    EXPECT_TRUE(table.Locate("cubenr", 5));
     table.Edit();
     table.FieldByName("cubenr")->SetAsInteger(6);
     std::string const message = messageOf([&] { table.Post(); });
-    expect(holds(message, "readonly") && holds(message, path), message);
+    EXPECT_TRUE(holds(message, "readonly") && holds(message, path)) << message;
 });
 
 TEST(SqliteFile, thatIsReadOnlyIsReadAndRefusesChanges) {

@@ -1,5 +1,7 @@
 #include "support/Forked.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
@@ -20,7 +22,7 @@ namespace {
     }
     try {
         work(number);
-        _exit(0);
+        _exit(testing::Test::HasFailure() ? 1 : 0);
     } catch (std::exception const& error) {
         std::fprintf(stderr, "process %d: %s\n", number, error.what());
         _exit(1);
