@@ -1,6 +1,7 @@
 #include "support/Backend.h"
 
 #include "support/Process.h"
+#include "support/Required.h"
 #include "support/platform/ServerHost.h"
 
 #include <atomic>
@@ -131,8 +132,7 @@ void BackendTest::SetUp() {
 
 void requireBackend(Backend backend) {
     if (backend == Backend::sqlite || serverIsHere()) return;
-    char const* const ci = std::getenv("CI");
-    if (ci && std::string(ci) == "true") FAIL() << "no PostgreSQL server in " << serverDirectory();
+    if (everythingIsRequired()) FAIL() << "no PostgreSQL server in " << serverDirectory();
     GTEST_SKIP() << "SKIPPED: no PostgreSQL server; run: tests/support/postgres setup " << serverDirectory();
 }
 

@@ -12,9 +12,4 @@ std::string sharedData(std::string const& name) {
     return std::filesystem::exists(path) ? path.string() : std::string();
 }
 
-bool sharedDataIsRequired() {
-    char const* const ci = std::getenv("CI");
-    return ci && std::string(ci) == "true";
-}
-
 }

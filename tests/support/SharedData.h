@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Required.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,14 +11,11 @@ namespace cubes::test {
 /// The path of a file of real data ("tntp/SiouxFalls_trips.tntp"); empty when it is not here.
 std::string sharedData(std::string const& name);
 
-/// Whether missing real data is a failure: on the machines that guard every change.
-bool sharedDataIsRequired();
-
 }
 
 /// Ends a test whose real data is not here: skipped loudly, failed where it must be there.
 #define CUBES_REQUIRE_DATA(name)                                                                                       \
     if (cubes::test::sharedData(name).empty()) {                                                                       \
-        if (cubes::test::sharedDataIsRequired()) FAIL() << "missing test data: " << (name);                            \
+        if (cubes::test::everythingIsRequired()) FAIL() << "missing test data: " << (name);                            \
         GTEST_SKIP() << "SKIPPED: test data " << (name) << " is missing; set CUBES_TEST_DATA";                         \
     }

@@ -3,6 +3,8 @@
 
 #include "ToolSession.h"
 
+#include "support/Required.h"
+
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -26,8 +28,7 @@ std::vector<Direction> const directions = {Direction{"fromLinux", linux, here}, 
 
 void requireLinuxTool() {
     if (fs::exists(CUBES_LINUX_TOOL)) return;
-    char const* const ci = std::getenv("CI");
-    if (ci && std::string(ci) == "true") FAIL() << "no tool for Linux: " CUBES_LINUX_TOOL;
+    if (everythingIsRequired()) FAIL() << "no tool for Linux: " CUBES_LINUX_TOOL;
     GTEST_SKIP() << "SKIPPED: no tool for Linux: " CUBES_LINUX_TOOL
                     "; run: cmake --preset release && cmake --build --preset release --target cubes_tool";
 }
@@ -169,12 +170,12 @@ private:
     }
 };
 
-/// The bytes of all files of one of these kinds, with their names.
+/// The bytes of all files of one of these kinds, with their paths in the session.
 std::string bytesOf(ToolSession const& session, std::vector<std::string> const& extensions) {
     std::map<std::string, std::string> files;
     for (auto const& entry : fs::recursive_directory_iterator(session.directory()))
         if (std::count(extensions.begin(), extensions.end(), entry.path().extension().string()))
-            files[entry.path().filename().string()] = readFile(entry.path().string());
+            files[fs::relative(entry.path(), session.directory()).generic_string()] = readFile(entry.path().string());
     std::string text;
     for (auto const& [file, bytes] : files) text += file + "\n" + bytes + "\n";
     return text;
