@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -25,9 +25,7 @@ protected:
 
 TEST_F(DebugLogBorder, isOneLogForTheApplicationAndTheLibrary) {
     ZebDebug::writeError("from outside");
-    std::ifstream log(path());
-    std::string line;
-    ASSERT_TRUE(std::getline(log, line));
-    EXPECT_TRUE(line.ends_with("] from outside")) << line;
-    EXPECT_FALSE(std::getline(log, line)) << line;
+    auto const log = cubes::test::readText(path());
+    EXPECT_TRUE(log.ends_with("] from outside\n")) << log;
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
 }
