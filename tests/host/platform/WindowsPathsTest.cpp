@@ -108,7 +108,7 @@ TEST(WindowsPaths, mayHaveTheLettersOfTheCodePage) {
 }
 
 TEST(WindowsPaths, areNotMistakenForOthersThatLookAlike) {
-    CUBES_REQUIRE_LETTERS("A");
+    if (platform::narrowEncoding() == "UTF8") GTEST_SKIP() << "SKIPPED: the code page has all letters";
     EXPECT_EQ(platform::fromPath(L"\u0100\uFF21.skm"), "??.skm");
     TempDir const directory;
     EXPECT_THROW(platform::File::createNew(directory.file("??.skm")), std::system_error);
