@@ -133,6 +133,26 @@ TEST_P(StoredRoutes, areReplacedByAnEmptySet) {
     EXPECT_EQ(readRoutes(*setOf(routes(), 6)), "");
 }
 
+TEST_P(StoredRoutes, givenZeroBasedReplaceThoseOfTheOneBasedKey) {
+    store(routes(), 6);
+    auto set = setOf(routes(), 6);
+    set->open(romExtend, nullptr);
+    addRoutes(*set);
+    set.reset();
+    // One further than the key, where a key that is counted up twice would lead.
+    EXPECT_TRUE(routes().SetData(nullptr, 2, 3, 4, 5, 5, 6, 0, -1, -1, -1, -1, -1, -1, false));
+    auto const neighbour = pathOf("RouteStorage_Routes/2-3-4-5-5-6.FDB");
+    writeFile(neighbour, "of the neighbour");
+    auto const before = rows();
+    EXPECT_TRUE(routes().SetData(nullptr, 0, 1, 2, 3, 5, 6, 0, -1, -1, -1, -1, -1, -1, true));
+    EXPECT_EQ(lastError(), "");
+    EXPECT_EQ(rows(), before);
+    EXPECT_EQ(readRoutes(*setOf(routes(), 6)), "");
+    EXPECT_EQ(stampOf(routeFile(6)), "-9 1 2 3 4 5 6\n");
+    EXPECT_EQ(readFile(neighbour), "of the neighbour");
+    EXPECT_EQ(filesIn(pathOf("RouteStorage_Routes")), "1-2-3-4-5-6.FDB\n2-3-4-5-5-6.FDB\n");
+}
+
 TEST_P(StoredRoutes, areCopiedAndMovedAsEntries) {
     store(routes(), 1);
     {
