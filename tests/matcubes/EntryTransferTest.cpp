@@ -246,7 +246,7 @@ TEST_P(EntryTransfer, leavesATargetAloneThatSomeoneWrites) {
 
 TEST_P(EntryTransfer, losesNothingThroughALinkToTheSameDirectory) {
     TempDir const elsewhere;
-    linkDirectory(project().matrixDirectory(), elsewhere.file("link"));
+    DirectoryLink const link(project().matrixDirectory(), elsewhere.file("link"));
     TRkMatCubes const linked(project().settings(), elsewhere.file("link").c_str(), ".odm", true);
     store(end(1, 1), 1);
     std::string const before = state();

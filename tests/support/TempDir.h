@@ -32,8 +32,17 @@ std::string temporaryDirectoryWithoutName();
 /// A directory on another file system than `directory`; empty where there is none.
 std::string otherFileSystem(std::string const& directory);
 
-/// Makes another way to a directory, on every platform.
-void linkDirectory(std::string const& directory, std::string const& link);
+/// Another way to a directory, on every platform, as long as the object lives.
+class DirectoryLink {
+public:
+    DirectoryLink(std::string const& directory, std::string link);
+    ~DirectoryLink();
+    DirectoryLink(DirectoryLink const&) = delete;
+    DirectoryLink& operator=(DirectoryLink const&) = delete;
+
+private:
+    std::string link_;
+};
 
 /// What can be read without end and is no file; empty where there is no such thing.
 std::string endlessDevice();

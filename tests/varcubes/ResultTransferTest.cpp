@@ -296,7 +296,7 @@ TEST_P(ResultTransfer, ofADirectoryIntoItselfIsFalseAndKeepsIt) {
 TEST_P(ResultTransfer, losesNothingThroughALinkToTheSameDirectory) {
     store(skims(), 1, 1);
     TempDir const elsewhere;
-    linkDirectory(directory(), elsewhere.file("link"));
+    DirectoryLink const link(directory(), elsewhere.file("link"));
     TRkSkimCube const linked(project().settings(), elsewhere.file("link").c_str(), true);
     EXPECT_FALSE(moveFrom(linked, 1, 1));
     EXPECT_FALSE(copyFrom(linked, 1, 1));

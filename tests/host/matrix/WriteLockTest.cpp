@@ -152,8 +152,8 @@ TEST_F(WriteLocks, otherFilesOfTheDirectoryAreFree) {
 
 TEST_F(WriteLocks, aFileIsTheSameByWhateverPath) {
     std::filesystem::create_directory(directory.file("sub"));
-    linkDirectory(directory.file("sub"), directory.file("link"));
-    linkDirectory(directory.str(), directory.file("here"));
+    DirectoryLink const link(directory.file("sub"), directory.file("link"));
+    DirectoryLink const here(directory.str(), directory.file("here"));
     TRkMatrix const first = opened(file, lsReadWrite);
     for (char const* const path : {"./a.skm", "link/../a.skm", "here/a.skm"}) {
         TRkMatrix const second = opened(directory.file(path), lsReadWrite);

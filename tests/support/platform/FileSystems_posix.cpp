@@ -1,5 +1,8 @@
 #include "support/TempDir.h"
 
+#include <system_error>
+#include <utility>
+
 #include <sys/stat.h>
 
 namespace cubes::test {
@@ -30,8 +33,13 @@ std::string temporaryDirectoryWithoutName() {
     return "/tmp/";
 }
 
-void linkDirectory(std::string const& directory, std::string const& link) {
-    std::filesystem::create_directory_symlink(directory, link);
+DirectoryLink::DirectoryLink(std::string const& directory, std::string link) : link_(std::move(link)) {
+    std::filesystem::create_directory_symlink(directory, link_);
+}
+
+DirectoryLink::~DirectoryLink() {
+    std::error_code ignored;
+    std::filesystem::remove(link_, ignored);
 }
 
 }

@@ -2,6 +2,7 @@
 #include "support/TempDir.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace cubes::test {
 
@@ -30,8 +31,17 @@ std::string temporaryDirectoryWithoutName() {
     return fixed;
 }
 
-void linkDirectory(std::string const& directory, std::string const& link) {
-    if (run({"ln", "-s", directory, link}).exitCode != 0) throw std::runtime_error("no link " + link);
+DirectoryLink::DirectoryLink(std::string const& directory, std::string link) : link_(std::move(link)) {
+    if (run({"ln", "-s", directory, link_}).exitCode != 0) throw std::runtime_error("no link " + link_);
+}
+
+// A program of Wine takes it for a directory, and would empty that and remove nothing.
+DirectoryLink::~DirectoryLink() {
+    try {
+        run({"rm", link_});
+    } catch (std::exception const&) {
+        // It stays then.
+    }
 }
 
 }
