@@ -143,8 +143,8 @@ TEST_F(DebugLogTest, tellsTheLastSystemError) {
         platform::setLastError(code);
         ZebDebug::writeLastError();
     }
-    EXPECT_EQ(
-        log(), "E [time] failed with error 2: [" + noSuchFile() + "]\nE [time] failed with error 536870911: []\n");
+    EXPECT_EQ(log(),
+        "E [time] failed with error 2: [" + noSuchFileSentence() + "]\nE [time] failed with error 536870911: []\n");
 }
 
 TEST_F(DebugLogTest, writesNothingOfItToTheDebuggersOutput) {

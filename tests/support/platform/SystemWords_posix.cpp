@@ -6,6 +6,10 @@ std::string noSuchFile() {
     return "No such file or directory";
 }
 
+std::string noSuchFileSentence() {
+    return noSuchFile();
+}
+
 std::string noSuchDirectory() {
     return noSuchFile();
 }

@@ -11,6 +11,11 @@ std::string noSuchFile() {
     return std::system_category().message(ERROR_FILE_NOT_FOUND);
 }
 
+// The C++ library leaves the full stop out.
+std::string noSuchFileSentence() {
+    return noSuchFile() + ".";
+}
+
 std::string noSuchDirectory() {
     return std::system_category().message(ERROR_PATH_NOT_FOUND);
 }
