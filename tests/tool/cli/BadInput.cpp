@@ -118,6 +118,16 @@ std::vector<Case> const projectCases = {
     {"a database file in no directory", "CUBES_DATABASE=sqlite:none/x.db cubes list", 3, {"none/x.db"}},
 };
 
+// Of a directory that takes no files: of new cubes, new entries, and entries that have a file there.
+std::vector<Case> const unwritableCases = {
+    {"a new cube", "$AS_ANYBODY cubes import good.csv New/1/1/1/1", 3, {"2-1-1-1-1.odm", "Permission denied"}},
+    {"a new entry", "$AS_ANYBODY cubes import good.csv Base/1/1/1/9", 3, {"1-1-1-1-9.odm", "Permission denied"}},
+    {"a good entry", "$AS_ANYBODY cubes import good.csv Base/1/1/1/1", 3, {"1-1-1-1-1.odm", "Permission denied"}},
+    {"a new fare", "$AS_ANYBODY cubes import good.csv fare/1/1/1/1", 3, {"-8-1-1-1-1.frs", "Permission denied"}},
+    {"a copy", "$AS_ANYBODY cubes copy Base/1/1/1/1 New/1/1/1/1", 3, {"2-1-1-1-1.odm", "Permission denied"}},
+    {"a move", "$AS_ANYBODY cubes move Base/1/1/1/1 Base/1/1/1/9", 3, {"1-1-1-1-9.odm", "Permission denied"}},
+};
+
 void makeBadFiles(ToolSession const& session) {
     for (auto const& file : badFiles) session.write(file.name, file.content);
     fs::create_directory(session.file("folder.csv"));
@@ -192,6 +202,16 @@ CUBES_BOTH_BACKENDS(BadInput);
 
 TEST_P(BadInput, ofProjectsIsToldAndChangesNothing) {
     refuse(projectCases);
+}
+
+TEST_P(BadInput, whereNothingMayBeWrittenIsToldAndChangesNothing) {
+    auto const matrices = session->file("matrices");
+    fs::permissions(
+        matrices, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+    bool const isWritable = session->run("$AS_ANYBODY touch matrices/new && rm matrices/new").exitCode == 0;
+    if (!isWritable) refuse(unwritableCases);
+    fs::permissions(matrices, fs::perms::owner_write, fs::perm_options::add);
+    if (isWritable) GTEST_SKIP() << "SKIPPED: whoever runs this may write into every directory";
 }
 
 // Files are read before any database is asked: one database is enough.

@@ -140,4 +140,51 @@ TEST_P(BetweenProjects, aFileCutShortIsToldAndNothingChanges) {
     EXPECT_NE(output("cubes entries --project other").find("unreadable"), std::string::npos);
 }
 
+struct RoutesRoad {
+    char const* entry;
+    char const* other;
+    char const* csv;
+    char const* file;
+    char const* otherFile;
+};
+
+constexpr RoutesRoad roadsOfRoutes[] = {
+    {"routes/1/1/1/1/1/1", "routes/1/1/1/1/1/2", "routes.csv", "RouteStorage_Routes/1-1-1-1-1-1.FDB",
+        "RouteStorage_Routes/1-1-1-1-1-2.FDB"},
+    {"routedata/1/1/1/1/1/1", "routedata/1/1/1/1/1/2", "data.csv", "RouteStorage_RouteData/1-1-1-1-1-1.FDB",
+        "RouteStorage_RouteData/1-1-1-1-1-2.FDB"},
+};
+
+TEST_P(BetweenProjects, routesInUseAreNeitherReadNorReplaced) {
+    session->write("routes.csv", "origin,destination,route,sequence,link,share\n1,2,1,1,7,1\n");
+    session->write("data.csv", "route,length:float\n0,5.5\n");
+    succeeds("cubes init other");
+    for (auto const& [entry, other, csv, file, otherFile] : roadsOfRoutes) {
+        SCOPED_TRACE(entry);
+        auto const refused = [&, from = std::string(entry), to = std::string(other)](std::string const& inUse) {
+            auto const files = listing(session->directory());
+            auto const rows = output("cubes entries --json; cubes entries --json --project other");
+            for (auto const* command : {"cubes copy ", "cubes move "}) {
+                auto const result = session->run(command + from + " " + to + " --from-project other");
+                EXPECT_EQ(result.exitCode, 1);
+                EXPECT_NE(result.errors.find(inUse + " is in use (users: 1)"), std::string::npos) << result.errors;
+            }
+            EXPECT_EQ(listing(session->directory()), files);
+            EXPECT_EQ(output("cubes entries --json; cubes entries --json --project other"), rows);
+        };
+        auto const use = std::string("cubes use ");
+        succeeds(std::string("cubes routes import ") + csv + " " + entry + " --project other");
+        succeeds(use + entry + " +1 --project other");
+        refused(entry);
+        succeeds(use + entry + " -1 --project other");
+        succeeds(std::string("cubes routes import ") + csv + " " + other + " && " + use + other + " +1");
+        auto const before = session->read(std::string("results/") + otherFile);
+        refused(other);
+        EXPECT_EQ(session->read(std::string("results/") + otherFile), before);
+        succeeds(use + other + " -1");
+        succeeds(std::string("cubes copy ") + entry + " " + other + " --from-project other");
+        succeeds(std::string("cmp other/results/") + file + " results/" + otherFile);
+    }
+}
+
 }

@@ -30,7 +30,8 @@ void requireLinuxTool() {
     if (fs::exists(CUBES_LINUX_TOOL)) return;
     if (everythingIsRequired()) FAIL() << "no tool for Linux: " CUBES_LINUX_TOOL;
     GTEST_SKIP() << "SKIPPED: no tool for Linux: " CUBES_LINUX_TOOL
-                    "; run: cmake --preset release && cmake --build --preset release --target cubes_tool";
+                    "; run: cmake --preset release && cmake --build --preset release --target cubes_tool routeprovider "
+                    "vlinterfaceutilities";
 }
 
 /// The line with that tool for "cubes", in the project's directory.

@@ -60,7 +60,7 @@ std::string ToolSession::shown(std::string const& line) const {
     auto const result = run(line);
     std::string text = result.output + headed(result.errors, "! ");
     if (result.exitCode != 0) text += "[" + std::to_string(result.exitCode) + "]\n";
-    text = replaced(withPathsOfTheShell(text), CUBES_TOOL, "cubes");
+    text = replaced(withPathsOfTheShell(text), CUBES_TOOL_NAME, "cubes");
     text = replaced(text, noSuchFile(), "No such file or directory");
     text = replaced(text, withPathsOfTheShell(database_.url()), "<DATABASE>");
     return replaced(text, withPathsOfTheShell(directory_.str()), "<DIR>");
