@@ -100,6 +100,7 @@ private:
     Entry inCube(EntryWord const& word, Action const& action);
     void refuseExisting(Entry const& to, Existing existing) const;
     void place(Entry const& from, Entry const& to, FilePlacing placing, Existing existing);
+    std::string placeOf(Entry const& entry) const;
     bool fileIsThere(Entry const& entry) const;
     void takeBack(Entry const& entry, bool hadFile);
     TRkMatrix lockOf(Entry const& entry) const;

@@ -67,10 +67,11 @@ Entry Catalogue::storeRoutes(
     EntryWord const& word, std::function<void(Entry const&, std::string const& path)> const& write) {
     return inCube(word, [&](Entry const& entry) {
         fill(entry, [&] {
-            FileBeside const file(path(entry));
+            auto const place = placeOf(entry);
+            FileBeside const file(place);
             std::error_code ignored;
-            if (fs::is_directory(toPath(path(entry)), ignored))
-                throw Failure(fmt::format("cannot write {}: it is a directory", path(entry)));
+            if (fs::is_directory(toPath(place), ignored))
+                throw Failure(fmt::format("cannot write {}: it is a directory", place));
             auto const lock = lockOf(entry);
             if (!lock.IsValid()) throw Failure(lock.Reason());
             write(entry, file.path());
@@ -104,10 +105,14 @@ void Catalogue::fill(Entry const& entry, Write const& write) {
     }
 }
 
-// What is at the place of an entry that may have no row.
+// Where an entry's file belongs, also of one that has no row, or whose row others take away meanwhile.
+std::string Catalogue::placeOf(Entry const& entry) const {
+    return toText(toPath(directoryOf(entry.cube.kind)) / toPath(familyOf(entry.cube).fileName(entry)));
+}
+
 bool Catalogue::fileIsThere(Entry const& entry) const {
     std::error_code ignored;
-    return fs::exists(toPath(directoryOf(entry.cube.kind)) / toPath(familyOf(entry.cube).fileName(entry)), ignored);
+    return fs::exists(toPath(placeOf(entry)), ignored);
 }
 
 // Takes back the row of an entry that was to be new, unless someone else stores it at the same
@@ -115,22 +120,23 @@ bool Catalogue::fileIsThere(Entry const& entry) const {
 void Catalogue::takeBack(Entry const& entry, bool hadFile) {
     auto const lock = lockOf(entry);
     std::error_code ignored;
-    bool const isDirectory = fs::is_directory(toPath(path(entry)), ignored);
-    bool const isHeld = !lock.IsValid() && FileBeside(path(entry)).canBeMade();
+    bool const isDirectory = fs::is_directory(toPath(placeOf(entry)), ignored);
+    bool const isHeld = !lock.IsValid() && FileBeside(placeOf(entry)).canBeMade();
     if (!isDirectory && (isHeld || (!hadFile && fileIsThere(entry)))) return;
     if (auto const table = familyOf(entry.cube).row(entry)) table->Delete();
 }
 
 // The lock of an entry's file, for as long as the object lives; not valid when it is refused.
 TRkMatrix Catalogue::lockOf(Entry const& entry) const {
-    return {1, 1, familyOf(entry.cube).matrixType(), path(entry).c_str(), 1, "", "", false, mkDefault, lsReadWrite};
+    return {1, 1, familyOf(entry.cube).matrixType(), placeOf(entry).c_str(), 1, "", "", false, mkDefault, lsReadWrite};
 }
 
 void Catalogue::refuseToReplace(Entry const& entry) const {
     refuseUse(entry);
     // A row may name another file than the cube writes; the new matrix would never be found there.
     auto const file = fileOf(path(entry));
-    if (file != fileOf(familyOf(entry.cube).fileName(entry)))
+    bool const isGone = file.empty() && !has(entry);
+    if (!isGone && file != fileOf(familyOf(entry.cube).fileName(entry)))
         throw Refusal(fmt::format("the entry's row names the file \"{}\"; remove the entry first", file));
 }
 
@@ -138,8 +144,8 @@ void Catalogue::write(Entry const& entry, TRkMatrix const& matrix) {
     auto& family = familyOf(entry.cube);
     if (family.save(entry, matrix)) return;
     // The cube tells only that it failed; writing by hand tells why.
-    TRkMatrix again(
-        matrix.Rows(), matrix.Columns(), family.matrixType(), path(entry).c_str(), 1, "", "", false, mkDefault, lsNone);
+    TRkMatrix again(matrix.Rows(), matrix.Columns(), family.matrixType(), placeOf(entry).c_str(), 1, "", "", false,
+        mkDefault, lsNone);
     if (again.IsValid()) again.AssignFrom(matrix);
     if (!again.IsValid()) throw Failure(again.Reason());
     if (!family.save(entry, matrix)) throw Failure("the matrix could not be written");
