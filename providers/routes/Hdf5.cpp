@@ -65,8 +65,15 @@ Handle openFile(std::string const& narrowPath) {
     return Handle(H5Fopen(name.c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose, "open it as HDF5");
 }
 
+Handle untimedProperties(hid_t classOfProperties) {
+    Handle properties(H5Pcreate(classOfProperties), H5Pclose, "prepare the structure");
+    check(H5Pset_obj_track_times(properties.get(), false), "prepare the structure");
+    return properties;
+}
+
 Handle createGroup(hid_t parent, char const* name) {
-    return Handle(H5Gcreate2(parent, name, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), H5Gclose, "make a group");
+    Handle const properties = untimedProperties(H5P_GROUP_CREATE);
+    return Handle(H5Gcreate2(parent, name, H5P_DEFAULT, properties.get(), H5P_DEFAULT), H5Gclose, "make a group");
 }
 
 Handle openGroup(hid_t parent, char const* name) {

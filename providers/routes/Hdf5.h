@@ -63,6 +63,9 @@ Handle openFile(std::string const& narrowPath);
 /// Access to files whose structure has checksums, and that closes all that is open of a file with it.
 Handle fileAccess();
 
+/// For making something of that class (H5P_FILE_CREATE and the like) without the time in it: equal routes make
+/// equal files.
+Handle untimedProperties(hid_t classOfProperties);
 Handle createGroup(hid_t parent, char const* name);
 /// Refuses links into other files.
 Handle openGroup(hid_t parent, char const* name);

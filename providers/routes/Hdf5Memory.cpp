@@ -64,7 +64,9 @@ Handle accessTo(Bytes& bytes) {
 
 Handle createIn(Bytes& bytes) {
     Handle const access = accessTo(bytes);
-    return Handle(H5Fcreate(memoryName, H5F_ACC_TRUNC, H5P_DEFAULT, access.get()), H5Fclose, "make a file in memory");
+    Handle const properties = untimedProperties(H5P_FILE_CREATE);
+    return Handle(
+        H5Fcreate(memoryName, H5F_ACC_TRUNC, properties.get(), access.get()), H5Fclose, "make a file in memory");
 }
 
 Handle openIn(Bytes& bytes, Bytes existing) {

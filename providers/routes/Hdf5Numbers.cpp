@@ -22,8 +22,7 @@ Handle listOf(std::size_t count) {
 // An empty list has no chunks.
 Handle layoutFor(NumberType type, std::size_t count, Shuffle shuffle) {
     char const* const action = "describe the layout";
-    Handle layout(H5Pcreate(H5P_DATASET_CREATE), H5Pclose, action);
-    check(H5Pset_obj_track_times(layout.get(), false), action);
+    Handle layout = untimedProperties(H5P_DATASET_CREATE);
     if (count == 0) return layout;
     hsize_t const chunk = std::min<hsize_t>(count, chunkBytes / H5Tget_size(type.file));
     check(H5Pset_chunk(layout.get(), 1, &chunk), action);

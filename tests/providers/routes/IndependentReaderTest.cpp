@@ -103,6 +103,17 @@ TEST_F(IndependentReader, findsEmptyFilesToo) {
     EXPECT_NE(listed(file).find("b'cubes route data'"), std::string::npos) << listed(file);
 }
 
+// The sixth bit of a header's flags tells of times in it.
+TEST_F(IndependentReader, findsNoTimeInAnyHeader) {
+    store(file, smallSet());
+    std::string const bytes = readFile(file);
+    std::string const header = "OHDR\2";
+    int headers = 0;
+    for (auto at = bytes.find(header); at != std::string::npos; at = bytes.find(header, at + 1), ++headers)
+        EXPECT_EQ(bytes.at(at + header.size()) & 0x20, 0) << at;
+    EXPECT_GT(headers, 10);
+}
+
 TEST_F(IndependentReader, findsTheSameBytesForTheSameRoutes) {
     store(file, smallSet());
     store(directory.file("b.FDB"), smallSet());
