@@ -101,8 +101,9 @@ Entry Catalogue::entryOf(ParentNumbers const& numbers) const {
     return {cube, Key(numbers.key.begin(), numbers.key.begin() + static_cast<std::ptrdiff_t>(length))};
 }
 
+// Nobody uses what others have just removed.
 bool Catalogue::isInUse(Entry const& entry) const {
-    return has(entry) && !familyOf(entry.cube).isFree(entry);
+    return entry.key.size() == entry.cube.keyLength() && users(entry) != 0;
 }
 
 std::string Catalogue::path(Entry const& entry) const {

@@ -43,10 +43,6 @@ public:
         return onKey(e, [&](auto... k) { return cubes_->Check(k..., oneBased); });
     }
 
-    bool isFree(Entry const& e) const override {
-        return onKey(e, [&](auto... k) { return cubes_->isCorrect(k...); });
-    }
-
     std::string path(Entry const& e) const override {
         return onKey(e, [&](auto... k) { return cubes_->FileName(k..., oneBased).str(); });
     }

@@ -40,7 +40,6 @@ public:
     /// In the order of their keys.
     virtual std::vector<Entry> entries() const = 0;
     virtual bool has(Entry const& entry) const = 0;
-    virtual bool isFree(Entry const& entry) const = 0;
     virtual std::string path(Entry const& entry) const = 0;
     virtual std::unique_ptr<TRkMatrix> matrix(Entry const& entry) const = 0;
 

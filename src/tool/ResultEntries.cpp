@@ -55,10 +55,6 @@ public:
         return onKey(e, [&](auto... k) { return cube_->Check(k..., oneBased); });
     }
 
-    bool isFree(Entry const& e) const override {
-        return onKey(e, [&](auto... k) { return cube_->isCorrect(k...); });
-    }
-
     std::string path(Entry const& e) const override {
         return onKey(e, [&](auto... k) { return cube_->FileName(k..., oneBased).str(); });
     }

@@ -48,7 +48,8 @@ bool isReadOnly(fs::path const& path) {
 // Neither a directory nor a file that its owner wants to stay as it is.
 bool isReplaceable(fs::path const& path) {
     DWORD const attributes = ::GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY) && !isReadOnly(path);
+    constexpr DWORD unfit = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & unfit);
 }
 
 // The end of the names of files that have been replaced while they were read.
@@ -182,12 +183,15 @@ bool renameFile(std::string const& from, std::string const& to) {
 }
 
 void flushFile(std::string const& path) {
-    // The system lets only those flush who may write: what is read-only has been left to it.
-    if (isReadOnly(toPath(path))) return;
     HANDLE const opened = handle(openFile(path, GENERIC_WRITE, OPEN_EXISTING));
-    if (opened == INVALID_HANDLE_VALUE) throwSystemFailure("cannot open", path);
+    DWORD failure = ::GetLastError();
+    if (opened == INVALID_HANDLE_VALUE) {
+        // The system lets only those flush who may write: what is read-only is left to it.
+        if (isReadOnly(toPath(path))) return;
+        throwSystemFailure("cannot open", path, static_cast<int>(failure));
+    }
     bool const isFlushed = ::FlushFileBuffers(opened) != FALSE;
-    DWORD const failure = ::GetLastError();
+    failure = ::GetLastError();
     ::CloseHandle(opened);
     if (!isFlushed) throwSystemFailure("cannot flush", path, static_cast<int>(failure));
 }
