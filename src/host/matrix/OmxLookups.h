@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/matrix/Hdf5.h"
+#include "host/hdf5/Hdf5.h"
 
 #include <cstdint>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/hdf5/Hdf5.h"
 #include "host/matrix/FileHeader.h"
-#include "host/matrix/Hdf5.h"
 
 #include <cstddef>
 #include <cstdint>

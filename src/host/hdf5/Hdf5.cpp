@@ -1,6 +1,6 @@
-#include "host/matrix/Hdf5.h"
+#include "host/hdf5/Hdf5.h"
 
-namespace cubes::matrix::hdf5 {
+namespace cubes::hdf5 {
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <utility>
 
 /// The little we need around HDF5's C interface.
-namespace cubes::matrix::hdf5 {
+namespace cubes::hdf5 {
 
 /// Every use of HDF5 is made within a Session: the library is not safe for threads, and prints
 /// its errors unless told otherwise. Sessions of one thread may nest.

@@ -1,10 +1,10 @@
-#include "host/matrix/Hdf5.h"
+#include "host/hdf5/Hdf5.h"
 
 #include <exception>
 #include <new>
 #include <utility>
 
-namespace cubes::matrix::hdf5 {
+namespace cubes::hdf5 {
 
 namespace {
 
