@@ -6,16 +6,17 @@ namespace Pgaccess {
 class TPgConnection;
 }
 
-/// The process-wide holder of the current connection. Not owned: who sets a connection takes it
-/// back before it is destroyed (cubes::Project does so).
+/// Holds the current connection: one per thread, with a process-wide fallback. Never owns it; a
+/// connection that is destroyed is current nowhere any more. Any thread may call at any time.
 class CUBES_API TRkConnectionManager {
 public:
-    /// The current connection; null when there is none.
-    Pgaccess::TPgConnection* CurrentConnection() const noexcept { return current_; }
-    void SetCurrentConnection(Pgaccess::TPgConnection* connection) noexcept { current_ = connection; }
-
-private:
-    Pgaccess::TPgConnection* current_ = nullptr;
+    /// The connection that this thread set; where it set none, the one set last in any thread.
+    /// Null when there is none.
+    Pgaccess::TPgConnection* CurrentConnection() const noexcept;
+    /// Sets the current connection of this thread and the process-wide one. Null leaves this thread
+    /// without one until a connection is set in any thread, so that it does not go on in another
+    /// thread's database; the process-wide one is cleared only where it is this thread's own.
+    void SetCurrentConnection(Pgaccess::TPgConnection* connection) noexcept;
 };
 
 /// The one manager of this process.

@@ -6,7 +6,20 @@
 
 #include <cubes/database/TRkDatabaseException.h>
 
+#include <atomic>
+
 namespace cubes::database {
+
+namespace {
+
+std::uint64_t nextNumber() noexcept {
+    static std::atomic<std::uint64_t> last = 0;
+    return ++last;
+}
+
+}
+
+Session::Session(std::string url) : url_(std::move(url)), number_(nextNumber()), catalog_(*this) {}
 
 std::unique_ptr<Session> Session::open(std::string const& url) {
     if (isSqliteUrl(url)) return std::make_unique<sqlite::Session>(url);

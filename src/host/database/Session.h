@@ -4,6 +4,7 @@
 #include "host/database/Dialect.h"
 #include "host/database/Statement.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,7 +18,7 @@ using ValueTypes = std::vector<ColumnType>;
 /// A backend's side of a connection.
 class Session {
 public:
-    explicit Session(std::string url) : url_(std::move(url)), catalog_(*this) {}
+    explicit Session(std::string url);
     virtual ~Session() = default;
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
@@ -27,6 +28,8 @@ public:
 
     /// Without a password.
     std::string const& url() const noexcept { return url_; }
+    /// Different for every session of the process, from 1.
+    std::uint64_t number() const noexcept { return number_; }
     Catalog& catalog() noexcept { return catalog_; }
 
     virtual Dialect const& dialect() const = 0;
@@ -52,6 +55,7 @@ private:
     void giveUp() noexcept;
 
     std::string url_;
+    std::uint64_t number_;
     Catalog catalog_;
     bool inTransaction_ = false;
 };

@@ -1,12 +1,17 @@
 #include <cubes/database/TPgConnection.h>
 
+#include "host/database/CurrentConnection.h"
 #include "host/database/Session.h"
 
 namespace Pgaccess {
 
-TPgConnection::TPgConnection(std::string const& url) : session_(cubes::database::Session::open(url)) {}
+TPgConnection::TPgConnection(std::string const& url) : session_(cubes::database::Session::open(url)) {
+    cubes::database::announceOpened(session_->number());
+}
 
-TPgConnection::~TPgConnection() = default;
+TPgConnection::~TPgConnection() {
+    cubes::database::announceClosing(*this);
+}
 
 std::string const& TPgConnection::Url() const noexcept {
     return session_->url();
