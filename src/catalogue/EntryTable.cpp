@@ -1,11 +1,68 @@
 #include "catalogue/EntryTable.h"
 
+#include "catalogue/StoredName.h"
+#include "host/database/Sql.h"
+
 #include <cubes/catalogue/TRkBaseCubes.h>
 #include <cubes/database/TRkDBDataDictionary.h>
 
-#include "catalogue/StoredName.h"
+#include <algorithm>
 
-namespace cubes {
+namespace cubes::catalogue {
+
+namespace {
+
+constexpr char const* filenameColumn = "filename";
+/// Counts an entry's users. A table may lack it; then nothing is counted.
+constexpr char const* usersColumn = "usageCounter";
+constexpr std::array<char const*, 7> keyColumns = {"cubenr", "purpose", "mode", "time", "user", "result", "iteration"};
+constexpr std::array<char const*, 7> parentColumns = {
+    "parentcubenr", "parentpurpose", "parentmode", "parenttime", "parentuser", "parentresult", "parentiteration"};
+
+char const* keyList(std::size_t keyParts) {
+    return keyParts == std::tuple_size_v<ResultKey> ? "cubenr;purpose;mode;time;user;result;iteration"
+                                                    : "cubenr;purpose;mode;time;user";
+}
+
+template <typename Fields>
+bool allThere(Fields const& fields) {
+    return std::all_of(fields.begin(), fields.end(), [](auto const* field) { return field; });
+}
+
+void setOrClear(Rktable::TRkField* field, bool isSet, short number) {
+    if (!field) return;
+    if (isSet)
+        field->SetAsInteger(number);
+    else
+        field->Clear();
+}
+
+// Null stands for `none`, and so does a column that is not there.
+std::string equals(Rktable::TRkField const* field, short number, short none) {
+    if (!field) return number == none ? "1=1" : "1=0";
+    std::string const column = database::quoted(field->Name());
+    std::string const same = column + "=" + std::to_string(number);
+    return number == none ? "(" + same + " or " + column + " is null)" : same;
+}
+
+// Posts the row. False when the database refuses it for the reason given.
+bool postUnless(Rktable::TRkTableProxy& table, bool (TRkDatabaseException::*isReason)() const noexcept) {
+    try {
+        table.Post();
+        return true;
+    } catch (TRkDatabaseException const& error) {
+        if (!(error.*isReason)()) throw;
+        return false;
+    }
+}
+
+}
+
+std::string displayKey(std::span<short const> parts) {
+    std::string text = "[";
+    for (short const part : parts) text += (text.size() > 1 ? "," : "") + std::to_string(part);
+    return text + "]";
+}
 
 CountedPtr<Rktable::TRkTableProxy> buildEntryTable(
     TRkDBDataDictionary& dictionary, AnsiString const& schema, char const* alias) {
@@ -16,24 +73,106 @@ CountedPtr<Rktable::TRkTableProxy> buildEntryTable(
     return {};
 }
 
-std::string fileOfRow(Rktable::TRkTableProxy& table, std::string const& directory) {
-    auto const* const filename = table.FindField("filename");
-    return filename ? storedPath(directory, filename->AsString().str()) : std::string();
+EntryTable::Fields const& EntryTable::fields() const {
+    if (fields_) return *fields_;
+    auto const find = [this](char const* column) { return cursor_.FindField(column); };
+    Fields found;
+    std::transform(
+        keyColumns.begin(), keyColumns.begin() + static_cast<std::ptrdiff_t>(keyParts_), found.key.begin(), find);
+    std::transform(parentColumns.begin(), parentColumns.end(), found.parent.begin(), find);
+    found.filename = find(filenameColumn);
+    found.users = find(usersColumn);
+    return fields_.emplace(found);
 }
 
-std::string deleteRow(Rktable::TRkTableProxy& table, std::string const& directory) {
-    std::string path = fileOfRow(table, directory);
-    table.Delete();
-    return path;
+bool EntryTable::locate(std::span<short const> key) {
+    return cursor_.Locate(keyList(key.size()), std::vector<Rktable::Value>(key.begin(), key.end()));
 }
 
-bool countsUsers(CountedPtr<Rktable::TRkTableProxy> const& table) {
-    return table && table->FindField(usageColumn);
+bool EntryTable::hasKey() const {
+    return allThere(std::span(fields().key).first(keyParts_));
 }
 
-bool isFree(Rktable::TRkTableProxy& table) {
-    auto const* const counter = table.FindField(usageColumn);
-    return !counter || counter->IsNull() || counter->AsInteger() == 0;
+void EntryTable::requireKey() const {
+    for (std::size_t i = 0; i < keyParts_; ++i) cursor_.FieldByName(keyColumns[i]);
+}
+
+bool EntryTable::insert(std::span<short const> key, std::string const& filename, ResultKey const& parent) {
+    auto const& columns = fields();
+    requireKey();
+    bool const hasParent = allThere(columns.parent);
+    cursor_.Append();
+    for (std::size_t i = 0; i < key.size(); ++i) columns.key[i]->SetAsInteger(key[i]);
+    for (std::size_t i = 0; i < parent.size(); ++i)
+        if (hasParent && parent[i] != noParent[i]) columns.parent[i]->SetAsInteger(parent[i]);
+    if (columns.users) columns.users->SetAsInteger(0);
+    if (columns.filename) columns.filename->SetAsString(filename.c_str());
+    return postUnless(cursor_, &TRkDatabaseException::IsDuplicateKey);
+}
+
+bool EntryTable::changeParent(ResultKey const& parent) {
+    auto const& columns = fields();
+    bool const hasParts = !std::equal(parent.begin() + 1, parent.end(), noParent.begin() + 1);
+    cursor_.Edit();
+    setOrClear(columns.parent[0], parent[0] != noParent[0], parent[0]);
+    // Once a part is set, those that are not are written as they are, unlike in a new row.
+    for (std::size_t i = 1; i < parent.size(); ++i) setOrClear(columns.parent[i], hasParts, parent[i]);
+    setOrClear(columns.users, hasParts, 0);
+    return postUnless(cursor_, &TRkDatabaseException::IsMissingRow);
+}
+
+std::string EntryTable::remove(std::string const& directory) {
+    std::string file = path(directory);
+    cursor_.Delete();
+    return file;
+}
+
+bool EntryTable::raiseUsers() {
+    return cursor_.FindField(usersColumn) && cursor_.Raise(usersColumn);
+}
+
+bool EntryTable::lowerUsers() {
+    return cursor_.FindField(usersColumn) && cursor_.Lower(usersColumn);
+}
+
+std::vector<short> EntryTable::key() const {
+    std::vector<short> numbers;
+    numbers.reserve(keyParts_);
+    for (std::size_t i = 0; i < keyParts_; ++i) numbers.push_back(static_cast<short>(fields().key[i]->AsInteger()));
+    return numbers;
+}
+
+ResultKey EntryTable::parent() const {
+    ResultKey numbers = noParent;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        if (auto const* const column = fields().parent[i]; column && !column->IsNull())
+            numbers[i] = static_cast<short>(column->AsInteger());
+    return numbers;
+}
+
+std::string EntryTable::filename() const {
+    auto const* const column = fields_ ? fields_->filename : cursor_.FindField(filenameColumn);
+    return column ? column->AsString().str() : std::string();
+}
+
+std::string EntryTable::path(std::string const& directory) const {
+    return storedPath(directory, filename());
+}
+
+long EntryTable::users() const {
+    auto const* const column = fields_ ? fields_->users : cursor_.FindField(usersColumn);
+    return column ? column->AsInteger() : 0;
+}
+
+std::string EntryTable::ofCube(short cubenr) const {
+    return database::quoted(cursor_.FieldByName(keyColumns[0])->Name()) + "=" + std::to_string(cubenr);
+}
+
+std::string EntryTable::childrenOf(ResultKey const& parent) const {
+    std::string condition;
+    for (std::size_t i = 0; i < parent.size(); ++i)
+        condition += (i ? " and " : "") + equals(fields().parent[i], parent[i], noParent[i]);
+    return condition;
 }
 
 }

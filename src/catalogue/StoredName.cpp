@@ -2,40 +2,95 @@
 
 #include "host/platform/Paths.h"
 
-#include <string_view>
+#include <cubes/catalogue/TRkBaseCubes.h>
 
-namespace cubes {
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace cubes::catalogue {
 
 namespace {
 
+constexpr int lastBase40Version = 3;
+constexpr int pairLength = 2;
 constexpr std::string_view delimiters = "\\/";
 
-bool isAbsolute(std::string const& name) {
+using Parts = std::vector<std::string_view>;
+
+std::string base40Pairs(std::span<short const> numbers) {
+    std::string text;
+    for (short const number : numbers) text += TRkBaseCubes::ShortTo40T(number);
+    return text;
+}
+
+std::string decimals(std::span<short const> numbers) {
+    std::string text;
+    for (short const number : numbers) text += (text.empty() ? "" : "-") + std::to_string(number);
+    return text;
+}
+
+bool isAbsolute(std::string_view name) {
     bool const hasDrive = name.size() > 1 && name[1] == ':';
-    return hasDrive || delimiters.find(name.front()) != std::string_view::npos;
+    return hasDrive || (!name.empty() && delimiters.find(name.front()) != std::string_view::npos);
 }
 
-// "." and ".." and empty parts name directories, never a file of ours; ".." leads out.
-bool isPlainPart(std::string_view part) {
-    return !part.empty() && part != "." && part != "..";
-}
-
-}
-
-bool isUsableStoredName(std::string const& name) {
-    if (name.empty() || isAbsolute(name) || name.find('\0') != std::string::npos) return false;
-    std::size_t start = 0;
-    for (std::size_t end = 0; end != std::string::npos; start = end + 1) {
-        end = name.find_first_of(delimiters, start);
-        if (!isPlainPart(std::string_view(name).substr(start, end == std::string::npos ? end : end - start)))
-            return false;
+Parts partsOf(std::string_view name) {
+    Parts parts;
+    for (std::size_t start = 0; start <= name.size();) {
+        std::size_t const end = std::min(name.find_first_of(delimiters, start), name.size());
+        parts.push_back(name.substr(start, end - start));
+        start = end + 1;
     }
-    return true;
+    return parts;
+}
+
+// Without ".", ".." and empty parts; nothing when a ".." leads out.
+std::optional<Parts> normalised(Parts const& parts) {
+    Parts result;
+    for (auto const part : parts) {
+        if (part.empty() || part == ".") continue;
+        if (part != "..") {
+            result.push_back(part);
+            continue;
+        }
+        if (result.empty()) return std::nullopt;
+        result.pop_back();
+    }
+    return result;
+}
+
+std::string joined(Parts const& parts) {
+    std::string text;
+    for (auto const part : parts) {
+        if (!text.empty()) text += '/';
+        text += part;
+    }
+    return text;
+}
+
+}
+
+TRkString fileStem(std::span<short const> numbers) {
+    return TRkBaseCubes::Version > lastBase40Version ? decimals(numbers) : base40Pairs(numbers);
+}
+
+void readBase40Stem(char const* stem, std::span<int* const> numbers) {
+    int start = 0;
+    for (int* const number : numbers) {
+        *number = TRkBaseCubes::cnvrt40TToShort(stem, start, pairLength);
+        start += pairLength;
+    }
 }
 
 std::string storedPath(std::string const& directory, std::string const& name) {
-    if (!isUsableStoredName(name)) return {};
-    return directory + platform::withNativeDelimiters(name);
+    if (isAbsolute(name) || name.find('\0') != std::string::npos) return {};
+    Parts const parts = partsOf(name);
+    auto const shortened = normalised(parts);
+    if (!shortened || shortened->empty()) return {};
+    bool const goesUp = std::find(parts.begin(), parts.end(), "..") != parts.end();
+    return directory + platform::withNativeDelimiters(goesUp ? joined(*shortened) : name);
 }
 
 }

@@ -5,11 +5,14 @@
 #include <cubes/database/TRkDBDataDictionary.h>
 #include <cubes/project/TRkGlobalSettings.h>
 
-#include "catalogue/MissingTable.h"
+#include "catalogue/ProjectCall.h"
+#include "catalogue/Register.h"
 #include "core/Base40.h"
-#include "host/text/Utf8.h"
 
 #include <string_view>
+
+using cubes::catalogue::ProjectCall;
+using cubes::catalogue::Register;
 
 namespace {
 
@@ -17,6 +20,11 @@ constexpr char const* dictionaryKey = "RkLib.DataDictionary";
 
 Pgaccess::TPgConnection* currentConnection() {
     return getConnectionManagerInstance().CurrentConnection();
+}
+
+Pgaccess::TPgConnection* connectionFor(TRkGlobalSettings const* settings) {
+    ProjectCall const call(settings);
+    return currentConnection();
 }
 
 }
@@ -37,7 +45,7 @@ TRkBaseCubes::TRkBaseCubes(TRkGlobalSettings* settings, char const* matrixDirect
     RkCubeTypes cubeType, RkMatrixType matrixType, RkMatrixKind matrixKind, bool matrixFlag)
     : settings_(settings), matrixFlag_(matrixFlag), cubeType_(cubeType), matrixType_(matrixType),
       matrixDirectory_(matrixDirectory), extension_(extension), matrixKind_(matrixKind),
-      connection_(currentConnection()) {
+      connection_(connectionFor(settings)) {
     valid_ = true;
 }
 
@@ -95,11 +103,12 @@ bool TRkBaseCubes::Refresh() {
 }
 
 CountedPtr<Rktable::TRkTableProxy> TRkBaseCubes::Open() const {
+    ProjectCall const call(settings_);
     TRkDBDataDictionary* const dictionary = DataDictionary();
     if (!dictionary) return {};
     auto table = dictionary->BuildTable(ObjectName, AnsiString());
     if (!table) return table;
-    // The register is always the current project's, whatever connection this catalogue works on.
+    // Whatever connection this catalogue works on.
     table->SetConnection(currentConnection());
     table->Open();
     return table;
@@ -113,35 +122,126 @@ bool TRkBaseCubes::Close(CountedPtr<Rktable::TRkTableProxy>& table) const {
 }
 
 bool TRkBaseCubes::LookUp(CountedPtr<Rktable::TRkTableProxy> table, short cubenr) const {
-    return table && cubes::falseWithoutTable([&] { return table->Locate("cubenr", cubenr); });
+    return Register(table).locate(cubenr);
 }
 
 bool TRkBaseCubes::LookUp(CountedPtr<Rktable::TRkTableProxy> table, char const* name) const {
-    if (!table || !name) return false;
-    // A name longer than the column stands there cut, so it is searched cut.
-    int const size = table->FieldByName("name")->Size();
-    std::string const stored = size > 0 ? cubes::text::firstCharacters(name, size) : name;
-    return cubes::falseWithoutTable(
-        [&] { return table->Locate("name", stored, Rktable::LocateOptions::ignoringCase()); });
+    return Register(table).locate(name);
 }
 
 bool TRkBaseCubes::LookUp(short cubenr) const {
-    if (cubenr < 0) return true;
-    return Check(cubenr);
+    return cubenr < 0 || Check(cubenr);
 }
 
 TRkString TRkBaseCubes::CubeNrToName(short cubenr) const {
-    auto table = Open();
-    TRkString const name = LookUp(table, cubenr) ? table->FieldByName("name")->AsString() : TRkString();
-    Close(table);
-    return name;
+    return Register(Open()).name(cubenr).value_or(TRkString());
 }
 
 short TRkBaseCubes::CubeNameToNr(char const* name) const {
+    return Register(Open()).number(name).value_or(0);
+}
+
+bool TRkBaseCubes::Add(char const* name) const {
+    return Register(Open()).add(name).has_value();
+}
+
+bool TRkBaseCubes::Check(char const* name) const {
+    return Register(Open()).locate(name);
+}
+
+bool TRkBaseCubes::Check(short cubenr) const {
+    return Register(Open()).locate(cubenr);
+}
+
+bool TRkBaseCubes::Exist(char const* name) const {
+    return Check(name);
+}
+
+bool TRkBaseCubes::Clear(char const* name) const {
+    return Register(Open()).remove(name);
+}
+
+bool TRkBaseCubes::Clear(short cubenr) const {
+    return Register(Open()).remove(cubenr);
+}
+
+bool TRkBaseCubes::Delete(char const* name) {
+    return Clear(name);
+}
+
+bool TRkBaseCubes::Remove(char const* name) {
+    return Clear(name);
+}
+
+bool TRkBaseCubes::Get(TRkAutoListT<TKey>& list) const {
+    list.Clear();
     auto table = Open();
-    long const number = LookUp(table, name) ? table->FieldByName("cubenr")->AsInteger() : 0;
-    Close(table);
-    return static_cast<short>(number);
+    if (!table) return false;
+    for (auto const& cube : Register(table).cubes()) list.Add(new TKey(cube.number, cube.name.c_str()));
+    return true;
+}
+
+// The checks before cubes are copied or moved. A move is its copy: the two differ only in name, so
+// that derived catalogues can give them different meanings. The conditions of the three forms
+// differ deliberately.
+
+bool TRkBaseCubes::Copy(TRkBaseCubes const& source, bool failIfExists, short from, short to) const {
+    ProjectCall const call(settings_);
+    if (!source.LookUp(from)) throw TRkCubesException(TRkCubesException::ecFromCubeMissing);
+    if (to != from && failIfExists && to >= 0 && LookUp(to)) throw TRkCubesException(TRkCubesException::ecCubeExists);
+    if (!LookUp(to)) throw TRkCubesException(TRkCubesException::ecToCubeMissing);
+    return true;
+}
+
+bool TRkBaseCubes::Copy(bool failIfExists, short from, short to) const {
+    return TRkBaseCubes::Copy(*this, failIfExists, from, to);
+}
+
+bool TRkBaseCubes::Move(TRkBaseCubes const& source, bool failIfExists, short& from, short& to) const {
+    return TRkBaseCubes::Copy(source, failIfExists, from, to);
+}
+
+bool TRkBaseCubes::Move(bool failIfExists, short& from, short& to) const {
+    return TRkBaseCubes::Copy(failIfExists, from, to);
+}
+
+bool TRkBaseCubes::Copy(char const* from, char const* to, bool failIfExists, short& fromNr, short& toNr) const {
+    ProjectCall const call(settings_);
+    Register const cubes(Open());
+    fromNr = cubes.number(from).value_or(0);
+    toNr = cubes.number(to).value_or(0);
+    if (fromNr < 1) return false;
+    if (toNr < 1) {
+        toNr = cubes.add(to).value_or(0);
+        return toNr > 0;
+    }
+    if (toNr == fromNr && failIfExists) throw TRkCubesException(TRkCubesException::ecCubeExists);
+    return true;
+}
+
+bool TRkBaseCubes::Move(char const* from, char const* to, bool failIfExists, short& fromNr, short& toNr) const {
+    return TRkBaseCubes::Copy(from, to, failIfExists, fromNr, toNr);
+}
+
+bool TRkBaseCubes::Copy(
+    TRkBaseCubes const& source, char const* from, char const* to, bool failIfExists, short& fromNr, short& toNr) const {
+    ProjectCall const call(settings_);
+    Register const cubes(Open());
+    fromNr = source.CubeNameToNr(from);
+    toNr = cubes.number(to).value_or(0);
+    if (fromNr < 1) return false;
+    if (toNr < 1) {
+        toNr = cubes.add(to).value_or(0);
+        return toNr > 0;
+    }
+    fromNr = cubes.number(from).value_or(0);
+    if (failIfExists && toNr != fromNr) throw TRkCubesException(TRkCubesException::ecCubeExists);
+    return true;
+}
+
+bool TRkBaseCubes::Move(
+    TRkBaseCubes const& source, char const* from, char const* to, bool failIfExists, short& fromNr, short& toNr) const {
+    return TRkBaseCubes::Copy(source, from, to, failIfExists, fromNr, toNr);
 }
 
 char* TRkBaseCubes::ShortTo40T(short nr) {

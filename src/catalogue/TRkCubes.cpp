@@ -1,21 +1,9 @@
 #include <cubes/catalogue/TRkCubes.h>
 
+#include "catalogue/ProjectCall.h"
+#include "catalogue/Register.h"
+
 #include <iterator>
-
-#include "catalogue/EntryTable.h"
-
-namespace {
-
-void appendUnlessTaken(Rktable::TRkTableProxy& table, RkCubeTypes cubenr, char const* name) {
-    auto const append = [&] {
-        table.Append();
-        table.FieldByName("cubenr")->SetAsInteger(cubenr);
-        table.FieldByName("name")->SetAsString(name);
-    };
-    cubes::addUnlessTaken(table, append, [&] { return table.Locate("cubenr", static_cast<int>(cubenr)); });
-}
-
-}
 
 char const* const TRkCubes::CubeNames[6] = {
     "SkimCube", "SelectedLinkCube", "CordonCube", "ScreenCube", "TransitCube", "PathCube"};
@@ -32,12 +20,12 @@ TRkCubes& TRkCubes::operator=(TRkCubes const&) = default;
 TRkCubes::~TRkCubes() = default;
 
 bool TRkCubes::Init() {
+    cubes::catalogue::ProjectCall const call(settings_);
     auto table = Open();
     if (!table) return false;
+    cubes::catalogue::Register const reserved(table);
     for (std::size_t row = 0; row < std::size(CubeTypes); ++row)
-        if (!LookUp(table, static_cast<short>(CubeTypes[row])))
-            appendUnlessTaken(*table, CubeTypes[row], CubeNames[row]);
-    Close(table);
+        reserved.ensure(static_cast<short>(CubeTypes[row]), CubeNames[row]);
     return true;
 }
 

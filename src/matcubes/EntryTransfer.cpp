@@ -1,13 +1,20 @@
 #include "matcubes/EntryTransfer.h"
 
-#include "catalogue/EntryTable.h"
-#include "catalogue/MatrixPlacing.h"
+#include "catalogue/EntryFile.h"
 
 namespace cubes::matcubes {
 
+using catalogue::CubeKey;
+using catalogue::EntryTable;
+
 namespace {
 
-bool lookUp(TRkMatCubes const& cubes, CountedPtr<Rktable::TRkTableProxy> const& table, Key const& k, bool zeroBased) {
+std::string pathOf(TRkMatCubes const& cubes, Rktable::TRkTableProxy& table) {
+    return EntryTable(table, std::tuple_size_v<CubeKey>).path(cubes.MatrixDirectory().str());
+}
+
+bool lookUp(
+    TRkMatCubes const& cubes, CountedPtr<Rktable::TRkTableProxy> const& table, CubeKey const& k, bool zeroBased) {
     return cubes.LookUp(table, k[0], k[1], k[2], k[3], k[4], zeroBased);
 }
 
@@ -15,13 +22,13 @@ bool lookUp(TRkMatCubes const& cubes, CountedPtr<Rktable::TRkTableProxy> const& 
 
 bool EntryTransfer::copy() const {
     return run([](Tables const&, std::string const& sourceFile, std::string const& targetFile) {
-        return copyMatrixFile(sourceFile, targetFile, lsReadWrite);
+        return catalogue::copyMatrixFile(sourceFile, targetFile, lsReadWrite);
     });
 }
 
 bool EntryTransfer::move() const {
     return run([this](Tables const& tables, std::string const& sourceFile, std::string const& targetFile) {
-        if (!moveMatrixFile(sourceFile, targetFile)) return false;
+        if (!catalogue::moveMatrixFile(sourceFile, targetFile)) return false;
         if (lookUp(source, tables.source, from, zeroBased)) tables.source->Delete();
         return true;
     });
@@ -36,14 +43,14 @@ bool EntryTransfer::run(Placing const& place) const {
     return done;
 }
 
-// True also where there is nothing to place: callers know it so.
+// True also where there is nothing to place: callers rely on it.
 bool EntryTransfer::transfer(Tables const& tables, Placing const& place) const {
     if (!lookUp(source, tables.source, from, zeroBased)) return true;
     // Read at once: looking up the target may move this very cursor.
-    std::string const sourceFile = fileOfRow(*tables.source, source.MatrixDirectory().str());
+    std::string const sourceFile = pathOf(source, *tables.source);
     if (refusal && lookUp(target, tables.target, to, zeroBased)) throw TRkCubesException(*refusal);
     if (!target.Add(tables.target, to[0], to[1], to[2], to[3], to[4], zeroBased)) return true;
-    std::string const targetFile = fileOfRow(*tables.target, target.MatrixDirectory().str());
+    std::string const targetFile = pathOf(target, *tables.target);
     return sourceFile.empty() || targetFile.empty() || place(tables, sourceFile, targetFile);
 }
 

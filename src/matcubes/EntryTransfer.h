@@ -3,30 +3,29 @@
 #include <cubes/core/TRkCubesException.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 
-#include <array>
+#include "catalogue/EntryTable.h"
+
 #include <functional>
 #include <optional>
 #include <string>
 
 namespace cubes::matcubes {
 
-/// Cube number, purpose, mode, time and user, as they were handed in.
-using Key = std::array<short, 5>;
-
-/// What is thrown for an entry that exists, when that is asked for.
+/// The error for a target that exists; nothing when it is to be replaced.
 inline std::optional<TRkCubesException::ErrorCodes> whenExisting(
     bool failIfExists, TRkCubesException::ErrorCodes code) {
     return failIfExists ? std::optional(code) : std::nullopt;
 }
 
-/// One entry that is to become another, after their cubes were checked: within one catalogue or
-/// from another one. See TRkMatCubes::Copy and Move for results and errors.
+/// Copies or moves an entry after the cubes were checked: within one cube object or from another
+/// one. See TRkMatCubes::Copy and Move for results and errors.
 struct EntryTransfer {
     TRkMatCubes const& source;
     TRkMatCubes const& target;
-    Key from;
-    Key to;
-    /// Nothing: an entry that exists is replaced.
+    /// As they were handed in.
+    catalogue::CubeKey from;
+    catalogue::CubeKey to;
+    /// Thrown for a target that exists; nothing: it is replaced.
     std::optional<TRkCubesException::ErrorCodes> refusal;
     bool zeroBased;
 

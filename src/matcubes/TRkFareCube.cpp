@@ -1,7 +1,6 @@
 #include <cubes/matcubes/TRkFareCube.h>
 
-#include "catalogue/MatrixReading.h"
-#include "matcubes/CubeListing.h"
+#include "catalogue/EntryFile.h"
 
 namespace {
 
@@ -78,7 +77,7 @@ TRkString TRkFareCube::FileName(char const*, short p, short m, short t, short u,
 }
 
 TRkMatrixHeader const* TRkFareCube::GetHeader(short p, short m, short t, short u, bool zeroBased) const {
-    return cubes::readHeader(FileName(p, m, t, u, zeroBased));
+    return cubes::catalogue::readHeader(FileName(p, m, t, u, zeroBased));
 }
 
 TRkMatrix* TRkFareCube::Get(short p, short m, short t, short u, RkLockState lock, bool zeroBased) const {
@@ -148,5 +147,5 @@ bool TRkFareCube::Remove() const {
 }
 
 bool TRkFareCube::Get(TRkAutoListT<TKey>& list) const {
-    return cubes::matcubes::listEntries(*this, fares, list);
+    return GetOfCube(fares, list);
 }

@@ -1,6 +1,6 @@
 #include <cubes/matcubes/TRkMatCube.h>
 
-#include "matcubes/CubeListing.h"
+#include "catalogue/ProjectCall.h"
 #include "matcubes/EntryTransfer.h"
 
 char const* const TRkMatCube::Ext = ".odm";
@@ -72,9 +72,10 @@ bool TRkMatCube::Set(short p, short m, short t, short u, TRkMatrix const& matrix
 
 bool TRkMatCube::Copy(short p, short m, short t, short u, short toP, short toM, short toT, short toU, bool failIfExists,
     bool zeroBased) const {
+    cubes::catalogue::ProjectCall const call(settings_);
     short from = 0;
     short to = 0;
-    // One and the same cube on purpose, so that is no reason to refuse: only the entry may exist.
+    // The cube is copied onto itself deliberately: an existing entry alone is a reason to refuse.
     if (!TRkBaseCubes::Copy(bound(), bound(), false, from, to)) return false;
     auto const code = cubes::matcubes::whenExisting(failIfExists, TRkCubesException::ecMatrixExists);
     return cubes::matcubes::EntryTransfer{*this, *this, {from, p, m, t, u}, {to, toP, toM, toT, toU}, code, zeroBased}
@@ -102,9 +103,8 @@ bool TRkMatCube::Remove() const {
 }
 
 bool TRkMatCube::Get(TRkAutoListT<TKey>& list) const {
-    if (!cubes::matcubes::listEntries(*this, CubeNameToNr(bound()), list)) return false;
-    auto catalogue = TRkBaseCubes::Open();
-    GetNames(catalogue, list);
-    Close(catalogue);
+    cubes::catalogue::ProjectCall const call(settings_);
+    if (!GetOfCube(CubeNameToNr(bound()), list)) return false;
+    GetNames(TRkBaseCubes::Open(), list);
     return true;
 }

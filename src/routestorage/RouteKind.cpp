@@ -5,7 +5,7 @@
 
 #include "routestorage/RouteNames.h"
 
-using cubes::varcubes::Key;
+using Key = cubes::catalogue::ResultKey;
 using VL::Interface::TVlRouteStorageDataSet;
 using VL::Interface::TVlRouteStorageRouteSet;
 
@@ -42,7 +42,7 @@ RouteKind const& kindOf(RkCubeTypes cubeType) {
     return cubeType == ctRouteSet ? routeSets : routeData;
 }
 
-void assign(VL::Interface::RouteStorageInterface& storage, Key const& key) {
+void assign(VL::Interface::RouteStorageInterface& storage, catalogue::ResultKey const& key) {
     storage.setCubeType(key[0]);
     storage.setKey(key[1], key[2], key[3], key[4], key[5], key[6]);
 }

@@ -6,7 +6,7 @@
 #include <cubes/routestorage/Reference.h>
 #include <cubes/routestorage/RouteStorageCubeData.h>
 
-#include "catalogue/EntryKey.h"
+#include "catalogue/EntryTable.h"
 #include "host/platform/Files.h"
 #include "routestorage/RouteKind.h"
 
@@ -14,7 +14,7 @@
 
 using cubes::Reference;
 using cubes::routestorage::kindOf;
-using cubes::varcubes::Key;
+using Key = cubes::catalogue::ResultKey;
 using VL::Interface::RouteStorageInterface;
 
 namespace {
@@ -59,7 +59,7 @@ bool RouteStorageBaseCube::SetData(CubeDataInterface* data, short p, short m, sh
     short parentcubenr, short pp, short pm, short pt, short pu, short pr, short pi, bool zeroBased) {
     if (Check(p, m, t, u, r, i, zeroBased)) Clear(p, m, t, u, r, i, zeroBased);
     Add(p, m, t, u, r, i, parentcubenr, pp, pm, pt, pu, pr, pi, zeroBased);
-    auto const key = cubes::storedKey(Key{CubeNumber(), p, m, t, u, r, i}, zeroBased);
+    auto const key = cubes::catalogue::storedKey(Key{CubeNumber(), p, m, t, u, r, i}, zeroBased);
     if (!key) return true;
     auto const& [cube, kp, km, kt, ku, kr, ki] = *key;
     std::string const file = FileName(kp, km, kt, ku, kr, ki, false).str();
@@ -72,7 +72,7 @@ bool RouteStorageBaseCube::SetData(CubeDataInterface* data, short p, short m, sh
 
 CubeDataInterface* RouteStorageBaseCube::GetData(
     short p, short m, short t, short u, short r, short i, bool zeroBased) const {
-    auto const key = cubes::storedKey(Key{CubeNumber(), p, m, t, u, r, i}, zeroBased);
+    auto const key = cubes::catalogue::storedKey(Key{CubeNumber(), p, m, t, u, r, i}, zeroBased);
     if (!key) return nullptr;
     auto const& [cube, kp, km, kt, ku, kr, ki] = *key;
     if (!isCorrect(kp, km, kt, ku, kr, ki)) return nullptr;

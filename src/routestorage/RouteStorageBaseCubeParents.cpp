@@ -3,26 +3,14 @@
 #include <cubes/routestorage/RouteStorageBaseCube.h>
 #include <cubes/routestorage/RouteStorageDataCube.h>
 
-#include "varcubes/EntryRow.h"
+#include "catalogue/EntryTable.h"
 
 #include <initializer_list>
 #include <memory>
 
-using cubes::varcubes::EntryRow;
-using cubes::varcubes::Key;
+using Key = cubes::catalogue::ResultKey;
 
 namespace {
-
-// The entry's row as lists give it; null for an entry that is missing or in use.
-std::unique_ptr<TRkVarCubes::TKey> freeEntry(
-    RouteStorageBaseCube const& cube, short p, short m, short t, short u, short r, short i) {
-    if (!cube.isCorrect(p, m, t, u, r, i)) return nullptr;
-    auto table = cube.Open();
-    bool const found = cube.LookUp(table, cube.CubeNumber(), p, m, t, u, r, i, false);
-    auto entry = found ? EntryRow(*table).read() : nullptr;
-    cube.Close(table);
-    return entry;
-}
 
 struct Change {
     char const* column;
@@ -44,10 +32,19 @@ bool changeRow(RouteStorageBaseCube const& cube, Key const& k, std::initializer_
 
 }
 
+// The entry's row as lists give it; null for an entry that is missing or in use.
+std::unique_ptr<TRkVarCubes::TKey> RouteStorageBaseCube::FreeEntry(
+    short p, short m, short t, short u, short r, short i) const {
+    if (!isCorrect(p, m, t, u, r, i)) return nullptr;
+    auto table = Open();
+    if (!LookUp(table, CubeNumber(), p, m, t, u, r, i, false)) return nullptr;
+    return ReadEntry(cubes::catalogue::EntryTable(*table, std::tuple_size_v<Key>));
+}
+
 void RouteStorageBaseCube::GetParentPMTURI(short p, short m, short t, short u, short r, short i, short& pp, short& pm,
     short& pt, short& pu, short& pr, short& pi) const {
     TRkVarCubes::GetParentPMTURI(p, m, t, u, r, i, pp, pm, pt, pu, pr, pi);
-    auto const entry = freeEntry(*this, p, m, t, u, r, i);
+    auto const entry = FreeEntry(p, m, t, u, r, i);
     if (!entry) return;
     pp = entry->parentpurpose;
     pm = entry->parentmode;
@@ -58,7 +55,7 @@ void RouteStorageBaseCube::GetParentPMTURI(short p, short m, short t, short u, s
 }
 
 short RouteStorageBaseCube::GetParentCubenr(short p, short m, short t, short u, short r, short i) const {
-    auto const entry = freeEntry(*this, p, m, t, u, r, i);
+    auto const entry = FreeEntry(p, m, t, u, r, i);
     return entry ? entry->parentcubenr : TRkVarCubes::GetParentCubenr(p, m, t, u, r, i);
 }
 

@@ -8,6 +8,28 @@
 #include <cubes/varcubes/TRkStop2StopCube.h>
 #include <cubes/varcubes/TRkTransitCube.h>
 
+#include <cubes/matrix/TRkMatrix.h>
+#include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
+
+#include "catalogue/EntryFile.h"
+
+namespace {
+
+// The body of a selected-link matrix that lives in a file; null for any other matrix.
+TRkVLSelectedLinkMatrix const* selectedLinkFile(TRkMatrix const& matrix) {
+    auto const* const body = dynamic_cast<TRkVLSelectedLinkMatrix const*>(matrix.Body());
+    return body && *body->FileName() ? body : nullptr;
+}
+
+// Copies the file as it is, so that it stays a selected-link matrix and nothing is read or
+// compressed again. False also onto the matrix's own file, which stays as it is.
+bool copyFlushed(TRkVLSelectedLinkMatrix const& matrix, TRkFString const& target) {
+    matrix.Flush();
+    return cubes::catalogue::copyMatrixFile(matrix.FileName(), target.str(), lsReadWrite);
+}
+
+}
+
 char const* const TRkSkimCube::Ext = ".skm";
 
 TRkSkimCube::TRkSkimCube(TRkGlobalSettings* settings, bool flag)
@@ -40,6 +62,13 @@ char const* TRkSelectedLinkCube::Name() const {
     return "selectedlinkcube";
 }
 
+bool TRkSelectedLinkCube::SaveMatrix(
+    TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i, RkLockState lock, bool zeroBased) {
+    auto const* const links = selectedLinkFile(matrix);
+    if (!links) return TRkVarCubes::SaveMatrix(matrix, p, m, t, u, r, i, lock, zeroBased);
+    return copyFlushed(*links, MatrixFile(p, m, t, u, r, i, zeroBased));
+}
+
 char const* const TRkCordonCube::Ext = ".cwm";
 
 TRkCordonCube::TRkCordonCube(TRkGlobalSettings* settings, bool flag)
@@ -70,6 +99,13 @@ TRkScreenCube::~TRkScreenCube() = default;
 
 char const* TRkScreenCube::Name() const {
     return "screencube";
+}
+
+bool TRkScreenCube::SaveMatrix(
+    TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i, RkLockState lock, bool zeroBased) {
+    auto const* const links = selectedLinkFile(matrix);
+    if (!links) return TRkVarCubes::SaveMatrix(matrix, p, m, t, u, r, i, lock, zeroBased);
+    return copyFlushed(*links, MatrixFile(p, m, t, u, r, i, zeroBased));
 }
 
 char const* const TRkTransitCube::Ext = ".tsm";

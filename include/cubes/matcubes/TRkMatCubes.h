@@ -191,4 +191,8 @@ public:
         short toM, short toT, short toU, bool failIfExists, bool zeroBased) const;
     bool Move(TRkMatCubes const& other, char const* cubeName, short p, short m, short t, short u,
         char const* toCubeName, short toP, short toM, short toT, short toU, bool failIfExists, bool zeroBased) const;
+
+protected:
+    /// Fills the list with the entries of one cube; names stay empty. False without an entry table.
+    bool GetOfCube(short cubenr, TRkAutoListT<TKey>& list) const;
 };

@@ -89,4 +89,7 @@ protected:
     RouteStorageBaseCube(TRkGlobalSettings* settings, char const* directory, RkCubeTypes cubeType);
     RouteStorageBaseCube(RouteStorageBaseCube const&);
     RouteStorageBaseCube& operator=(RouteStorageBaseCube const&);
+
+private:
+    std::unique_ptr<TKey> FreeEntry(short p, short m, short t, short u, short r, short i) const;
 };

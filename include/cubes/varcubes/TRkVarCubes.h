@@ -4,9 +4,16 @@
 #include <cubes/catalogue/TRkBaseCubes.h>
 #include <cubes/matrix/RkLockState.h>
 
+#include <array>
+#include <memory>
+
 class CubeDataInterface;
 class TRkMatrix;
 class TRkMatrixHeader;
+
+namespace cubes::catalogue {
+class EntryTable;
+}
 
 /// The catalogue of six-key result cubes. An entry is found by purpose, mode, time, user, result
 /// and iteration; it is one row of the entry table "cube5data1" in the project's own schema, and
@@ -250,4 +257,9 @@ protected:
     /// The file that SaveMatrix writes for a key, whatever its row says; empty for a zero-based key
     /// that cannot be stored because a part is 32767.
     TRkFString MatrixFile(short p, short m, short t, short u, short r, short i, bool zeroBased) const;
+    /// The entry of the row that the table's cursor stands on, without a file name.
+    static std::unique_ptr<TKey> ReadEntry(cubes::catalogue::EntryTable const& entries);
+
+private:
+    bool AppendFree(TRkAutoListT<TKey>& list, std::array<short, 7> const* parent) const;
 };

@@ -1,4 +1,4 @@
-#include "host/project/CreatedPaths.h"
+#include "project/CreatedPaths.h"
 
 #include "host/platform/Files.h"
 #include "host/platform/Paths.h"

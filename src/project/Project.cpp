@@ -6,9 +6,9 @@
 #include "host/platform/Environment.h"
 #include "host/platform/Files.h"
 #include "host/platform/Paths.h"
-#include "host/project/CreatedPaths.h"
 #include "host/project/ProjectFile.h"
-#include "host/project/ProjectSchema.h"
+#include "host/project/ProjectLink.h"
+#include "project/CreatedPaths.h"
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkConnectionManager.h>
@@ -72,7 +72,8 @@ struct Project::Parts {
               TRkFString::Directory(resolved(root, description.workingDirectory))) {
         dictionary.SetConnection(&connection);
         settings.Set("RkLib.DataDictionary", &dictionary);
-        settings.Set(project::schemaKey, &schema);
+        settings.Set(project::ProjectLink::key, &link);
+        link.connection = &connection;
         setMatrixStorage(settings.MatrixDirectory().str(), description.storage);
         setMatrixStorage(settings.WorkingDirectory().str(), description.storage);
     }
@@ -81,7 +82,7 @@ struct Project::Parts {
     void makeCurrent();
 
     std::string root;
-    project::SchemaName schema;
+    project::ProjectLink link;
     Pgaccess::TPgConnection connection;
     TRkDBDataDictionary dictionary;
     TRkGlobalSettings settings;
@@ -121,7 +122,7 @@ Project Project::create(std::string const& directory, ProjectOptions const& opti
     auto parts = std::make_unique<Parts>(root, file, url);
     auto& session = parts->connection.Backend();
     database::Transaction transaction(session, session.dialect().beginDefinitions());
-    parts->schema.text = file.schema = freeSchema(session, root);
+    parts->link.schema = file.schema = freeSchema(session, root);
     database::makeMissingTables(session, file.schema);
     created.expectFile(project::projectFilePath(root));
     project::writeProjectFile(file, root);
@@ -141,9 +142,9 @@ Project Project::open(std::string const& directory) {
     if (!otherDatabase) requireDatabaseFile(url);
 
     auto parts = std::make_unique<Parts>(root, file, url);
-    parts->schema.text =
+    parts->link.schema =
         file.schema.empty() ? ProjectUtils::toSqlSchemaName(AnsiString(root), {}).c_str() : file.schema;
-    database::makeMissingTables(parts->connection.Backend(), parts->schema.text);
+    database::makeMissingTables(parts->connection.Backend(), parts->link.schema);
     parts->makeCurrent();
     return Project(std::move(parts));
 }
@@ -167,7 +168,7 @@ std::string const& Project::root() const noexcept {
 }
 
 std::string const& Project::schema() const noexcept {
-    return parts_->schema.text;
+    return parts_->link.schema;
 }
 
 void Project::makeCurrent() {

@@ -1,4 +1,4 @@
-#include "host/project/ProjectSchema.h"
+#include "host/project/ProjectLink.h"
 
 #include "host/platform/Paths.h"
 #include "host/project/ProjectFile.h"
@@ -9,8 +9,12 @@
 
 namespace cubes::project {
 
+ProjectLink const* linkOf(TRkGlobalSettings const* settings) {
+    return settings ? dynamic_cast<ProjectLink const*>(settings->Get(ProjectLink::key)) : nullptr;
+}
+
 std::string projectSchema(TRkGlobalSettings const& settings) {
-    if (auto const* const name = dynamic_cast<SchemaName const*>(settings.Get(schemaKey))) return name->text;
+    if (auto const* const link = linkOf(&settings)) return link->schema;
     std::string const root = ProjectPathHelpers::getProjectDirectory(settings.WorkingDirectory().c_str()).c_str();
     if (isProject(root)) {
         std::string const written = readProjectFile(root).schema;

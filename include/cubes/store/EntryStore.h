@@ -1,0 +1,205 @@
+#pragma once
+
+#include <cubes/Export.h>
+#include <cubes/matrix/TRkMatrix.h>
+#include <cubes/store/EntryInfo.h>
+#include <cubes/store/EntryKey.h>
+#include <cubes/store/StoreError.h>
+
+#include <cstddef>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cubes {
+
+class EntryStore;
+
+namespace store {
+class EntryWalk;
+class StoreTables;
+}
+
+/// What becomes of an entry that exists already.
+enum class OnExisting { replace, fail };
+
+struct PutOptions {
+    /// The entry that a result was derived from. Nothing: an entry that exists keeps its parent.
+    std::optional<EntryKey> parent = {};
+    OnExisting exists = OnExisting::replace;
+};
+
+struct CopyOptions {
+    OnExisting exists = OnExisting::replace;
+};
+
+/// Protects an entry while it lives: its usage counter is raised by one. Movable. The counter of a
+/// process that was killed stays raised; EntryStore::removeUser lowers it.
+class CUBES_API InUse {
+public:
+    InUse(InUse&& other) noexcept;
+    InUse& operator=(InUse&&) = delete;
+    /// Lowers the counter; a failure goes unnoticed. release() reports it.
+    ~InUse();
+
+    /// Lowers the counter now. Throws StoreError when that fails.
+    void release();
+
+private:
+    friend class EntryStore;
+    InUse(EntryStore& store, EntryKey const& key) : store_(&store), key_(key) {}
+
+    EntryStore* store_;
+    EntryKey key_;
+};
+
+/// Entries in the order of their keys, read in batches while they are walked: memory stays bounded
+/// however many there are. An input range: walk it once. Movable.
+/// REQUIRES: the store outlives it; one thread at a time uses it.
+class CUBES_API EntryRange {
+public:
+    class Iterator {
+    public:
+        using value_type = EntryInfo;
+        using difference_type = std::ptrdiff_t;
+        using iterator_concept = std::input_iterator_tag;
+
+        EntryInfo const& operator*() const { return range_->current(); }
+        EntryInfo const* operator->() const { return &range_->current(); }
+        Iterator& operator++() {
+            range_->advance();
+            return *this;
+        }
+        void operator++(int) { ++*this; }
+        friend bool operator==(Iterator const& at, std::default_sentinel_t) { return at.range_->isAtEnd(); }
+
+    private:
+        friend class EntryRange;
+        explicit Iterator(EntryRange& range) : range_(&range) {}
+        EntryRange* range_;
+    };
+
+    EntryRange(EntryRange&&) noexcept;
+    ~EntryRange();
+    /// Throw StoreError when the database fails, as does walking on.
+    Iterator begin() { return Iterator(*this); }
+    std::default_sentinel_t end() const noexcept { return {}; }
+
+private:
+    friend class EntryStore;
+    explicit EntryRange(std::unique_ptr<store::EntryWalk> walk);
+    EntryInfo const& current() const;
+    void advance();
+    bool isAtEnd() const;
+
+    std::unique_ptr<store::EntryWalk> walk_;
+};
+
+/// All entries of a project: rows in its database, each naming one file. Project::store() lends it.
+///
+/// Whatever fails throws a StoreError with its reason and leaves what was there: the old row with
+/// its parent and counter, and the old file. Writing an entry holds the lock of its file.
+///
+/// Any number of threads may use one store at once: work in the database is done one at a time,
+/// files are read and written in parallel.
+class CUBES_API EntryStore {
+public:
+    /// Writes the file of a route entry at the path that it is given.
+    using FileWriter = std::function<void(std::string const& path)>;
+
+    EntryStore(EntryStore const&) = delete;
+    EntryStore& operator=(EntryStore const&) = delete;
+    ~EntryStore();
+
+    // Keys and cubes
+
+    /// The key that a text stands for: CUBE/purpose/mode/time/user with the name or number of a cube
+    /// (a name may hold slashes), or KIND/purpose/mode/time/user/result/iteration with the word or
+    /// number of a kind of results; "fare" stands for the fares. Adds no cube: throws notFound for a
+    /// name that is not in the register, invalidKey for any other text.
+    EntryKey parse(std::string_view text) const;
+    /// The text that parse reads; the number stands for a cube whose name it would not read.
+    std::string text(EntryKey const& key) const;
+
+    /// The cubes of the register in the order of their numbers.
+    std::vector<CubeInfo> cubes() const;
+    /// The fares and the kinds of results that every project has.
+    static std::vector<CubeInfo> kinds();
+    /// The cube or kind of a name, a word or a number in digits; nothing when there is none.
+    std::optional<CubeInfo> findCube(std::string_view nameOrNumber) const;
+    /// Registers a cube and returns its number; one of that name stays as it is.
+    short addCube(std::string const& name);
+    /// Removes a cube from the register with all its entries. Throws inUse when one of them is in
+    /// use; then nothing has changed.
+    std::size_t removeCube(short cube);
+
+    // Entries
+
+    /// What the entry's row says; nothing when there is none.
+    std::optional<EntryInfo> find(EntryKey const& key) const;
+    /// The entry's matrix. It keeps the state it was read in, whatever happens to the entry later.
+    /// Throws notFound, outsideDirectory, otherDirectory, damaged, invalidKey for routes.
+    TRkMatrix get(EntryKey const& key) const;
+    /// Entries in the order of their keys: those of cubes, then those of results.
+    EntryRange entries(EntrySelection const& selection = {}) const;
+
+    /// Stores a matrix as an entry, in one step: whatever happens there is the old matrix or the new
+    /// one. An entry that exists keeps its row, counter and parent; a new one has no parent unless
+    /// the options say so. Throws notFound for a cube that is not in the register, alreadyExists,
+    /// inUse, locked, otherDirectory, wrongShape for a matrix that is not valid, noSpace, readOnly.
+    void put(EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options = {});
+    /// The same for routes and data of routes: `write` makes the file, which takes its place when it
+    /// is complete. What `write` throws passes through unchanged.
+    void putFile(EntryKey const& key, FileWriter const& write, PutOptions const& options = {});
+
+    /// Makes `to` what `from` is; a copy has no parent, what is moved keeps its own. Entries that
+    /// name `from` as their parent still do. Files go as they are, unless matrices go from a cube
+    /// to a result or back. Onto itself nothing happens. Throw inUse for a target in use, and for
+    /// the source of a move.
+    void copy(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
+    void move(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
+    /// The same from another project. Throw otherDirectory for projects that keep their files in
+    /// one directory. A move copies first and then removes.
+    void copyFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
+    void moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
+
+    /// Removes the row, then the file. A file that cannot be removed stays. Throws notFound, inUse,
+    /// locked, otherDirectory.
+    void remove(EntryKey const& key);
+    /// Removes all entries of the selection, and returns how many. Throws inUse when one of them is
+    /// in use; then nothing has changed.
+    std::size_t removeAll(EntrySelection const& selection);
+    /// The same for entries by their keys; missing ones are skipped.
+    std::size_t removeAll(std::vector<EntryKey> const& keys);
+
+    // Parents
+
+    /// The parent of a result; nothing without one. Throws notFound.
+    std::optional<EntryKey> parent(EntryKey const& key) const;
+    /// Gives a result another parent, or none; the parent need not be there. Throws notFound,
+    /// inUse, invalidKey for an entry of a cube, which has no parent.
+    void setParent(EntryKey const& key, std::optional<EntryKey> const& parent);
+    /// The results whose parent is this entry, in the order of their keys.
+    std::vector<EntryKey> children(EntryKey const& key) const;
+    Lineage lineage(EntryKey const& key) const;
+
+    // Use
+
+    /// Raises the usage counter for as long as the result lives. Throws notFound.
+    [[nodiscard]] InUse use(EntryKey const& key);
+    /// Raise and lower the usage counter, never below 0, and return it. Throw notFound.
+    long addUser(EntryKey const& key);
+    long removeUser(EntryKey const& key);
+
+private:
+    friend class Project;
+    explicit EntryStore(std::unique_ptr<store::StoreTables> tables);
+
+    std::unique_ptr<store::StoreTables> tables_;
+};
+
+}

@@ -1,0 +1,100 @@
+#include "catalogue/Register.h"
+
+#include "catalogue/EntryTable.h"
+#include "host/database/ExclusiveAccess.h"
+#include "host/text/Utf8.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace cubes::catalogue {
+
+namespace {
+
+constexpr char const* numberColumn = "cubenr";
+constexpr char const* nameColumn = "name";
+
+// The number that a new cube takes; nothing when the numbers are used up.
+std::optional<short> nextNumber(Rktable::TRkTableProxy& table) {
+    long const greatest = std::max(0L, table.Greatest(numberColumn).value_or(0));
+    if (greatest >= std::numeric_limits<short>::max()) return std::nullopt;
+    return static_cast<short>(greatest + 1);
+}
+
+}
+
+bool Register::locate(short cubenr) const {
+    return table_ && falseWithoutTable([&] { return table_->Locate(numberColumn, cubenr); });
+}
+
+bool Register::locate(char const* name) const {
+    if (!table_ || !name) return false;
+    int const size = table_->FieldByName(nameColumn)->Size();
+    std::string const stored = size > 0 ? text::firstCharacters(name, size) : name;
+    return falseWithoutTable(
+        [&] { return table_->Locate(nameColumn, stored, Rktable::LocateOptions::ignoringCase()); });
+}
+
+std::optional<TRkString> Register::name(short cubenr) {
+    auto known = names_.find(cubenr);
+    if (known == names_.end())
+        known = names_
+                    .emplace(cubenr,
+                        locate(cubenr) ? std::optional(table_->FieldByName(nameColumn)->AsString()) : std::nullopt)
+                    .first;
+    return known->second;
+}
+
+std::optional<short> Register::number(char const* name) const {
+    if (!locate(name)) return std::nullopt;
+    return static_cast<short>(table_->FieldByName(numberColumn)->AsInteger());
+}
+
+std::optional<short> Register::add(char const* name) const {
+    if (!table_ || !name) return std::nullopt;
+    if (auto const known = number(name)) return known;
+    // Others may register cubes at the same moment: look again where nobody else can write.
+    database::ExclusiveAccess access(*table_);
+    auto cubenr = number(name);
+    if (!cubenr) {
+        cubenr = nextNumber(*table_);
+        if (cubenr) append(*cubenr, name);
+    }
+    access.commit();
+    return cubenr;
+}
+
+void Register::ensure(short cubenr, char const* name) const {
+    if (locate(cubenr)) return;
+    try {
+        append(cubenr, name);
+    } catch (TRkDatabaseException const& error) {
+        // Another process has added it since; when it is gone again it is added anew.
+        if (!error.IsDuplicateKey()) throw;
+        if (!locate(cubenr)) append(cubenr, name);
+    }
+}
+
+bool Register::removeIf(bool isFound) const {
+    if (isFound) table_->Delete();
+    return isFound;
+}
+
+std::vector<Register::Cube> Register::cubes() const {
+    std::vector<Cube> found;
+    if (!table_) return found;
+    auto const* const number = table_->FieldByName(numberColumn);
+    auto const* const name = table_->FieldByName(nameColumn);
+    for (; !table_->GetEof(); table_->Next())
+        found.push_back({static_cast<short>(number->AsInteger()), name->AsString()});
+    return found;
+}
+
+void Register::append(long cubenr, char const* name) const {
+    table_->Append();
+    table_->FieldByName(numberColumn)->SetAsInteger(cubenr);
+    table_->FieldByName(nameColumn)->SetAsString(name);
+    table_->Post();
+}
+
+}
