@@ -1,6 +1,6 @@
-// Matrix files are placed whole or not at all, on one file system and between two.
+// Files of entries are copied and moved whole or not at all, on one file system and between two.
 
-#include "catalogue/MatrixPlacing.h"
+#include "catalogue/EntryFile.h"
 
 #include <cubes/matrix/MatrixStorage.h>
 
@@ -18,6 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using catalogue::copyMatrixFile;
+using catalogue::moveMatrixFile;
 using Placing = bool (*)(std::string const& source, std::string const& target);
 
 bool copy(std::string const& source, std::string const& target) {
@@ -35,7 +37,7 @@ std::string nameOf(testing::TestParamInfo<Place> const& place) {
 }
 
 /// A source in one directory, a target in another.
-class MatrixPlacing : public testing::TestWithParam<Place> {
+class EntryFile : public testing::TestWithParam<Place> {
 protected:
     void SetUp() override {
         std::string const other = otherFileSystem(here_.str());
@@ -73,7 +75,7 @@ protected:
     std::optional<TempDir> there_;
 };
 
-void MatrixPlacing::failEachStep(Placing place, int error) {
+void EntryFile::failEachStep(Placing place, int error) {
     int steps = 0;
     for (bool failed = true; failed; ++steps) {
         ASSERT_LT(steps, 50);
@@ -91,16 +93,16 @@ void MatrixPlacing::failEachStep(Placing place, int error) {
     EXPECT_GT(steps, 3);
 }
 
-INSTANTIATE_TEST_SUITE_P(, MatrixPlacing, testing::Values(Place::here, Place::onAnotherFileSystem), nameOf);
+INSTANTIATE_TEST_SUITE_P(, EntryFile, testing::Values(Place::here, Place::onAnotherFileSystem), nameOf);
 
-TEST_P(MatrixPlacing, movesInPlaceOfAnother) {
+TEST_P(EntryFile, movesInPlaceOfAnother) {
     write();
     EXPECT_TRUE(moveMatrixFile(source(), target()));
     EXPECT_EQ(contentOf(target()), "new");
     EXPECT_EQ(state(), "b.odm\n");
 }
 
-TEST_P(MatrixPlacing, movesAndCopiesToWhereNothingIs) {
+TEST_P(EntryFile, movesAndCopiesToWhereNothingIs) {
     writeFile(source(), "new");
     EXPECT_TRUE(copy(source(), target()));
     EXPECT_EQ(state(), "a.odm\nb.odm\n");
@@ -110,18 +112,18 @@ TEST_P(MatrixPlacing, movesAndCopiesToWhereNothingIs) {
     EXPECT_EQ(state(), "b.odm\n");
 }
 
-TEST_P(MatrixPlacing, losesNothingInAMoveWhicheverStepFails) {
+TEST_P(EntryFile, losesNothingInAMoveWhicheverStepFails) {
     for (int const error : {ENOSPC, EIO}) failEachStep(moveMatrixFile, error);
 }
 
-TEST_P(MatrixPlacing, losesNothingInACopyWhicheverStepFails) {
+TEST_P(EntryFile, losesNothingInACopyWhicheverStepFails) {
     for (int const error : {ENOSPC, EIO}) {
         failEachStep(copy, error);
         EXPECT_EQ(contentOf(source()), "new");
     }
 }
 
-TEST_P(MatrixPlacing, takesNoDirectoryAndReplacesNone) {
+TEST_P(EntryFile, takesNoDirectoryAndReplacesNone) {
     fs::create_directory(source());
     writeFile(source() + "/inner", "precious");
     writeFile(target(), "old");
@@ -135,7 +137,7 @@ TEST_P(MatrixPlacing, takesNoDirectoryAndReplacesNone) {
     EXPECT_EQ(state(), "a.odm\na.odm/inner\nb.odm\n");
 }
 
-TEST_P(MatrixPlacing, leavesTheTargetOfAMissingSource) {
+TEST_P(EntryFile, leavesTheTargetOfAMissingSource) {
     writeFile(target(), "old");
     EXPECT_FALSE(moveMatrixFile(source(), target()));
     EXPECT_FALSE(copy(source(), target()));
@@ -145,7 +147,7 @@ TEST_P(MatrixPlacing, leavesTheTargetOfAMissingSource) {
     EXPECT_EQ(state(), "b.odm\n");
 }
 
-TEST_P(MatrixPlacing, survivesAPowerFailureWhereTheTargetsDirectoryAsksForThat) {
+TEST_P(EntryFile, survivesAPowerFailureWhereTheTargetsDirectoryAsksForThat) {
     bool const isHere = GetParam() == Place::here;
     EXPECT_EQ(steps(copy, Durability::full), "flush rename flush-directory");
     EXPECT_EQ(steps(moveMatrixFile, Durability::full),
