@@ -102,14 +102,27 @@ TEST_P(CubeRegister, aNegativeNumberIsPresentWithoutAsking) {
     EXPECT_TRUE(catalogue().LookUp(short(1)));
 }
 
-TEST_P(CubeRegister, usesTheCurrentConnectionNotTheStoredOne) {
-    catalogue().Add("Here");
+TEST_P(CubeRegister, usesTheProjectThatMadeItsSettingsWhateverIsCurrent) {
     TestProject other(backend());
-    // The other project is the current one now, whatever this catalogue has stored.
-    EXPECT_FALSE(catalogue().Check("Here"));
-    EXPECT_EQ(catalogue().GetConnection(), project().project().connection());
-    project().project().makeCurrent();
+    catalogue().Add("Here");
+    EXPECT_EQ(rows(), "1|Here\n");
     EXPECT_TRUE(catalogue().Check("Here"));
+    EXPECT_FALSE(catalogueOf(other.settings()).Check("Here"));
+    // What others see as the current connection is as it was.
+    EXPECT_EQ(getConnectionManagerInstance().CurrentConnection(), other.project().connection());
+}
+
+TEST_P(CubeRegister, usesTheCurrentConnectionWithSettingsFromElsewhere) {
+    TRkGlobalSettings settings;
+    TRkDBDataDictionary dictionary;
+    settings.Set("RkLib.DataDictionary", &dictionary);
+    auto const elsewhere = catalogueOf(&settings);
+    elsewhere.Add("Here");
+    TestProject other(backend());
+    EXPECT_FALSE(elsewhere.Check("Here"));
+    EXPECT_EQ(elsewhere.GetConnection(), project().project().connection());
+    project().project().makeCurrent();
+    EXPECT_TRUE(elsewhere.Check("Here"));
 }
 
 TEST_P(CubeRegister, isNotFoundWithoutSettingsDictionaryOrTable) {
