@@ -25,12 +25,6 @@ std::string base40Pairs(std::span<short const> numbers) {
     return text;
 }
 
-std::string decimals(std::span<short const> numbers) {
-    std::string text;
-    for (short const number : numbers) text += (text.empty() ? "" : "-") + std::to_string(number);
-    return text;
-}
-
 bool isAbsolute(std::string_view name) {
     bool const hasDrive = name.size() > 1 && name[1] == ':';
     return hasDrive || (!name.empty() && delimiters.find(name.front()) != std::string_view::npos);
@@ -73,7 +67,13 @@ std::string joined(Parts const& parts) {
 }
 
 TRkString fileStem(std::span<short const> numbers) {
-    return TRkBaseCubes::Version > lastBase40Version ? decimals(numbers) : base40Pairs(numbers);
+    return TRkBaseCubes::Version > lastBase40Version ? decimalStem(numbers) : base40Pairs(numbers);
+}
+
+std::string decimalStem(std::span<short const> numbers) {
+    std::string text;
+    for (short const number : numbers) text += (text.empty() ? "" : "-") + std::to_string(number);
+    return text;
 }
 
 void readBase40Stem(char const* stem, std::span<int* const> numbers) {

@@ -12,6 +12,8 @@ namespace cubes::catalogue {
 /// The stem of a new file name, in the form that TRkBaseCubes::Version asks for: "12-1-2-3-4" or
 /// base-40 pairs. Throws ecCubeNrOutOfRange for a number that a pair cannot hold.
 TRkString fileStem(std::span<short const> numbers);
+/// The first of these forms, whatever the version.
+std::string decimalStem(std::span<short const> numbers);
 
 /// Reads as many base-40 pairs as there are numbers. REQUIRES: the text is that long.
 void readBase40Stem(char const* stem, std::span<int* const> numbers);

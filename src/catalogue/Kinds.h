@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cubes/matrix/RkMatrixKind.h>
+#include <cubes/matrix/RkMatrixType.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace cubes::catalogue {
+
+/// What tells the entries of cubes, the fares and the kinds of results apart.
+struct Kind {
+    /// Stands for the cube's name in an entry's text; empty for the cubes of the register.
+    char const* word;
+    /// The number of the cube; 0 for the cubes of the register, which have their own.
+    short number;
+    /// Of its files, with the point.
+    char const* extension;
+    /// In front of its file names, as they are stored.
+    char const* directory;
+    RkMatrixType matrixType;
+    RkMatrixKind matrixKind;
+    /// Whether keys have a result and an iteration.
+    bool isResult;
+    /// Whether the files hold routes or data of routes.
+    bool holdsRoutes;
+};
+
+/// The fares and every kind of results, in the order in which users see them.
+std::span<Kind const> kinds();
+/// Null for a word that stands for no kind.
+Kind const* findKind(std::string_view word);
+/// Null for any other number.
+Kind const* findKind(short number);
+/// That of the cubes of the register for any other number.
+Kind const& kindOf(short number);
+
+/// The name that a new entry's file gets: "3-1-1-1-1.odm", "1-1-1-1-2-0.skm".
+std::string newFileName(std::span<short const> key);
+
+}

@@ -1,0 +1,198 @@
+#include "store/StoreTables.h"
+
+#include "catalogue/StoredName.h"
+#include "host/database/Session.h"
+#include "host/database/Transaction.h"
+#include "host/matrix/StagedFile.h"
+
+#include <cubes/catalogue/TRkBaseCubes.h>
+#include <cubes/database/TPgConnection.h>
+#include <cubes/database/TRkDatabaseException.h>
+#include <cubes/project/TRkGlobalSettings.h>
+
+#include <algorithm>
+
+namespace cubes::store {
+
+using catalogue::findKind;
+using catalogue::noParent;
+using catalogue::ResultKey;
+using hdf5::Id128;
+
+namespace {
+
+constexpr char const* cubesSchema = "public";
+constexpr char const* contentName = "cubes_content";
+constexpr char const* directoryColumn = "directory";
+constexpr char const* contentColumn = "content";
+
+constexpr std::size_t cubeParts = std::tuple_size_v<catalogue::CubeKey>;
+constexpr std::size_t resultParts = std::tuple_size_v<ResultKey>;
+constexpr char const* keyColumns[] = {"cubenr", "purpose", "mode", "time", "user", "result", "iteration"};
+
+constexpr short notSet = -1;
+
+std::size_t keyParts(bool ofResults) {
+    return ofResults ? resultParts : cubeParts;
+}
+
+CountedPtr<Rktable::TRkTableProxy> opened(
+    Pgaccess::TPgConnection& connection, char const* table, std::string const& schema) {
+    auto cursor = std::make_unique<Rktable::TRkTableProxy>(table, schema, table);
+    cursor->SetConnection(&connection);
+    cursor->Open();
+    return cursor;
+}
+
+// Whether a name in front of "/1/1/1/1" is read as that of a cube of the register.
+bool isCubeName(std::string const& name) {
+    bool const isNumber = name.find_first_not_of("-0123456789") == std::string::npos;
+    return !name.empty() && !isNumber && !findKind(std::string_view(name).substr(0, name.find('/')));
+}
+
+std::string joined(std::span<short const> parts) {
+    std::string text;
+    for (short const part : parts) text += "/" + std::to_string(part);
+    return text;
+}
+
+// What one may do without: the database keeps the rows of the entries, but takes no table of ours.
+bool isMissingRight(TRkDatabaseException const& error) {
+    for (char const* const state : {"42501", "25006", "3F000"})
+        if (error.SqlState() == state) return true;
+    return false;
+}
+
+}
+
+database::Session& StoreTables::session() const {
+    return connection_.Backend();
+}
+
+catalogue::Register StoreTables::cubes() const {
+    return catalogue::Register(opened(connection_, TRkBaseCubes::ObjectName, {}));
+}
+
+Rows StoreTables::rows(bool ofResults) const {
+    return ofResults ? Rows(opened(connection_, "cube5data1", schema_), resultParts)
+                     : Rows(opened(connection_, "cube4data1", cubesSchema), cubeParts);
+}
+
+std::string StoreTables::directory(bool ofResults) const {
+    return TRkFString::Directory((ofResults ? settings_.WorkingDirectory() : settings_.MatrixDirectory()).str()).str();
+}
+
+Id128 StoreTables::identity(bool ofResults) const {
+    std::lock_guard const guard(identityMutex_);
+    Id128& known = identities_[ofResults ? 1 : 0];
+    if (!known.isKnown()) known = matrix::directoryIdentity(directory(ofResults));
+    return known;
+}
+
+std::string StoreTables::path(EntryKey const& key, std::string const& storedName) const {
+    return catalogue::storedPath(directory(key.isResult()), storedName);
+}
+
+EntryInfo StoreTables::info(Rows const& rows, bool ofResults) const {
+    auto const key = keyOf(rows->key());
+    auto const name = rows->filename();
+    return {key, text(key), name, path(key, name), rows->users(),
+        ofResults ? parentOf(rows->parent()) : std::nullopt};
+}
+
+std::optional<std::string> StoreTables::cubeName(short number) const {
+    if (auto const* const kind = findKind(number)) return kind->word;
+    auto const name = cubes().name(number);
+    return name ? std::optional(name->str()) : std::nullopt;
+}
+
+std::string StoreTables::text(EntryKey const& key) const {
+    auto const* const kind = findKind(key.cube());
+    // A row may hold a parent whose key has other parts than its cube.
+    if (kind && kind->isResult == key.isResult()) return kind->word + joined(key.parts());
+    auto const name = kind || key.isResult() ? std::nullopt : cubeName(key.cube());
+    return (name && isCubeName(*name) ? *name : std::to_string(key.cube())) + joined(key.parts());
+}
+
+std::string StoreTables::contentSchema(bool ofResults) const {
+    return ofResults ? schema_ : cubesSchema;
+}
+
+bool StoreTables::hasContentTable(bool ofResults) const {
+    return session().catalog().find(contentSchema(ofResults), contentName) != nullptr;
+}
+
+void StoreTables::makeContentTable(bool ofResults) const {
+    auto& session = this->session();
+    auto const lock = session.lock();
+    database::Transaction transaction(session, session.dialect().beginDefinitions());
+    if (!hasContentTable(ofResults)) {
+        std::string columns;
+        std::string key;
+        for (std::size_t i = 0; i < keyParts(ofResults); ++i) {
+            std::string const name = database::quoted(keyColumns[i]);
+            columns += name + " smallint NOT NULL, ";
+            key += (i ? ", " : "") + name;
+        }
+        session.execute("CREATE TABLE " + session.dialect().qualifiedName(contentSchema(ofResults), contentName) +
+                        " (" + columns + "\"directory\" varchar(32), \"content\" varchar(32), PRIMARY KEY (" + key +
+                        "))" + session.dialect().tableOptions());
+    }
+    transaction.commit();
+}
+
+Id128 StoreTables::recordedDirectory(EntryKey const& key) const {
+    auto const lock = session().lock();
+    if (!hasContentTable(key.isResult())) return {};
+    auto const cursor = opened(connection_, contentName, contentSchema(key.isResult()));
+    if (!catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(key.numbers())) return {};
+    return Id128::parse(cursor->FieldByName(directoryColumn)->AsString().str()).value_or(Id128());
+}
+
+void StoreTables::record(EntryKey const& key, Id128 const& directory, Id128 const& content) const {
+    try {
+        auto const lock = session().lock();
+        if (!hasContentTable(key.isResult())) makeContentTable(key.isResult());
+        auto const cursor = opened(connection_, contentName, contentSchema(key.isResult()));
+        auto const numbers = key.numbers();
+        if (catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(numbers)) {
+            cursor->Edit();
+        } else {
+            cursor->Append();
+            for (std::size_t i = 0; i < numbers.size(); ++i)
+                cursor->FieldByName(keyColumns[i])->SetAsInteger(numbers[i]);
+        }
+        cursor->FieldByName(directoryColumn)->SetAsString(directory.text().c_str());
+        cursor->FieldByName(contentColumn)->SetAsString(content.text().c_str());
+        cursor->Post();
+    } catch (TRkDatabaseException const& error) {
+        // Others may record the same entry at this moment.
+        if (!isMissingRight(error) && !error.IsDuplicateKey()) throw;
+    }
+}
+
+void StoreTables::forget(EntryKey const& key) const {
+    auto const lock = session().lock();
+    if (!hasContentTable(key.isResult())) return;
+    auto const cursor = opened(connection_, contentName, contentSchema(key.isResult()));
+    if (catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(key.numbers())) cursor->Delete();
+}
+
+EntryKey keyOf(std::span<short const> n) {
+    if (n.size() == resultParts) return {n[0], n[1], n[2], n[3], n[4], n[5], n[6]};
+    return {n[0], n[1], n[2], n[3], n[4]};
+}
+
+std::optional<EntryKey> parentOf(ResultKey const& numbers) {
+    if (numbers == noParent) return std::nullopt;
+    bool const isOfCube = numbers[5] == notSet && numbers[6] == notSet;
+    return keyOf(std::span(numbers).first(isOfCube ? cubeParts : resultParts));
+}
+
+ResultKey numbersOf(std::optional<EntryKey> const& parent) {
+    ResultKey numbers = noParent;
+    if (parent) std::copy(parent->numbers().begin(), parent->numbers().end(), numbers.begin());
+    return numbers;
+}
+
+}

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "catalogue/EntryTable.h"
+#include "catalogue/Kinds.h"
+#include "catalogue/Register.h"
+#include "host/hdf5/IndexRecord.h"
+
+#include <cubes/database/TRkTableProxy.h>
+#include <cubes/store/EntryInfo.h>
+#include <cubes/text/CountedPtr.h>
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+
+class TRkGlobalSettings;
+namespace Pgaccess {
+class TPgConnection;
+}
+namespace cubes::database {
+class Session;
+}
+
+namespace cubes::store {
+
+/// An entry table with its own cursor.
+class Rows {
+public:
+    Rows(CountedPtr<Rktable::TRkTableProxy> cursor, std::size_t keyParts)
+        : cursor_(std::move(cursor)), table_(*cursor_, keyParts) {}
+
+    catalogue::EntryTable* operator->() noexcept { return &table_; }
+    catalogue::EntryTable const* operator->() const noexcept { return &table_; }
+    Rktable::TRkTableProxy& cursor() const { return *cursor_; }
+
+private:
+    CountedPtr<Rktable::TRkTableProxy> cursor_;
+    catalogue::EntryTable table_;
+};
+
+/// The tables, directories and cubes of one project, on its own connection.
+class StoreTables {
+public:
+    /// REQUIRES: all outlive this object.
+    StoreTables(Pgaccess::TPgConnection& connection, TRkGlobalSettings const& settings, std::string const& schema)
+        : connection_(connection), settings_(settings), schema_(schema) {}
+
+    database::Session& session() const;
+    catalogue::Register cubes() const;
+    /// The table of results, or that of the entries of cubes. Throws TRkDatabaseException when it is
+    /// not there.
+    Rows rows(bool ofResults) const;
+
+    /// The directory that files of these entries lie in, with a delimiter at its end.
+    std::string directory(bool ofResults) const;
+    /// The identity of that directory; unknown where it has none and none can be given to it.
+    hdf5::Id128 identity(bool ofResults) const;
+    /// The full path of a row's file; empty when it names none that may be used.
+    std::string path(EntryKey const& key, std::string const& storedName) const;
+
+    /// What the row says that the cursor stands on.
+    EntryInfo info(Rows const& rows, bool ofResults) const;
+    std::string text(EntryKey const& key) const;
+    /// The cube's name, or the word of its kind; nothing for a cube that is not in the register.
+    std::optional<std::string> cubeName(short number) const;
+
+    /// The identity of the directory in which an entry was stored; unknown when nobody recorded it.
+    hdf5::Id128 recordedDirectory(EntryKey const& key) const;
+    /// Records where an entry's file lies and what it holds, or that it is gone. Another program may
+    /// do without: rights that are missing are no error.
+    void record(EntryKey const& key, hdf5::Id128 const& directory, hdf5::Id128 const& content) const;
+    void forget(EntryKey const& key) const;
+
+private:
+    std::string contentSchema(bool ofResults) const;
+    bool hasContentTable(bool ofResults) const;
+    void makeContentTable(bool ofResults) const;
+    std::string contentTable(bool ofResults) const;
+
+    Pgaccess::TPgConnection& connection_;
+    TRkGlobalSettings const& settings_;
+    std::string const& schema_;
+    mutable std::mutex identityMutex_;
+    mutable hdf5::Id128 identities_[2];
+};
+
+EntryKey keyOf(std::span<short const> numbers);
+/// Nothing for a row without a parent cube and parts.
+std::optional<EntryKey> parentOf(catalogue::ResultKey const& numbers);
+/// The numbers that a child's row holds of its parent.
+catalogue::ResultKey numbersOf(std::optional<EntryKey> const& parent);
+
+}
