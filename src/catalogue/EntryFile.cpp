@@ -1,8 +1,8 @@
 #include "catalogue/EntryFile.h"
 
-#include "host/matrix/Publishing.h"
+#include "host/matrix/Body.h"
+#include "host/matrix/StagedFile.h"
 #include "host/matrix/WriteLock.h"
-#include "host/platform/CopyContent.h"
 #include "host/platform/Files.h"
 
 #include <cubes/matrix/TRkMatrix.h>
@@ -27,9 +27,9 @@ void requireDistinctFiles(std::string const& source, std::string const& target) 
 }
 
 void copyOver(std::string const& source, std::string const& target) {
-    platform::TemporaryFile beside(target);
-    platform::copyContent(source, beside.file());
-    matrix::publish(beside);
+    matrix::StagedFile staged(target);
+    staged.copy(source);
+    staged.publish();
 }
 
 // Gives the file its new name, which lasts before the old one goes. Where that cannot be done in
@@ -114,7 +114,8 @@ double readElement(std::unique_ptr<TRkMatrix> matrix, int row, int column) {
     if (!matrix) return -1.0;
     requireColumn(*matrix, column);
     double const element = matrix->RowAt(row, rowAccess)[column];
-    matrix.release()->Release();
+    matrix->Release();
+    cubes::matrix::dropZones(*matrix.release());
     return element;
 }
 

@@ -10,11 +10,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
-namespace cubes {
-class OmxFile;
+class TRkMatrix;
+
+namespace cubes::matrix {
+void dropZones(TRkMatrix& matrix);
 }
 
 /// A matrix of single-precision values: rows are origins, columns are destinations, both
@@ -84,6 +87,22 @@ public:
 
     float const* RowAt(int row, int access) const;
 
+    /// Every element, row by row, whatever the storage: a plain file is read as it is touched, a compressed one at
+    /// once. Valid until Release, AssignFrom on a new file, or the end of the object. Throws TRkMatrixException for an
+    /// object that is not valid and a file that cannot be read; the object stays usable.
+    std::span<float const> Elements() const;
+    /// The elements of a row, zero-based. A compressed file reads the row's band alone. Valid and throws like Elements,
+    /// also for a row outside the matrix.
+    std::span<float const> Row(int row) const;
+    /// The same for writing, with the effect of the RowAt for writing: a matrix opened from a file keeps what is
+    /// written to itself, a new file is finished with it.
+    std::span<float> WritableElements();
+    std::span<float> WritableRow(int row);
+    /// The element of an OD pair, by zone numbers. In a matrix without zone numbers rows and columns count from 1.
+    /// Where a zone number occurs twice the first row or column counts. Throws TRkMatrixException when there is no such
+    /// zone, and like Row.
+    float At(int originZone, int destinationZone) const;
+
     /// The header of a matrix file; null when it cannot be read. Kept alive by the library until
     /// this thread's next GetHeader.
     TRkMatrixHeader const* GetHeader(char const* fileName);
@@ -106,9 +125,7 @@ public:
     std::string const& Reason() const noexcept;
 
 private:
-    friend class cubes::OmxFile;
-    /// All elements in one piece.
-    float const* Elements() const;
+    friend void cubes::matrix::dropZones(TRkMatrix& matrix);
 
     struct State;
     std::unique_ptr<State> state_;

@@ -1,5 +1,7 @@
 #include "host/matrix/BlockCodec.h"
 
+#include "host/platform/Parallel.h"
+
 #include <libdeflate.h>
 
 #include <bit>
@@ -84,6 +86,25 @@ void BlockDecoder::decode(std::span<std::byte const> stored, unsigned skipped, s
                  decompressor_.get(), stored.data(), stored.size(), target, raw.size(), nullptr) != LIBDEFLATE_SUCCESS)
         throw std::runtime_error("a compressed chunk is damaged");
     if (shuffled) unshuffle(shuffled_.data(), elements);
+}
+
+void inflateBand(BlockDecoder& decoder, Bands const& bands, std::size_t band, std::span<std::byte const> stored,
+    unsigned skipped, float* all) {
+    if (stored.empty()) return;
+    auto const target = bands.elements(band, all);
+    if (target.size() == bands.chunkSize()) return decoder.decode(stored, skipped, target);
+    std::vector<float> whole(bands.chunkSize());
+    decoder.decode(stored, skipped, whole);
+    std::copy_n(whole.begin(), target.size(), target.begin());
+}
+
+void inflateAllBut(std::optional<std::size_t> done, Bands const& bands, Filters filters, InflateBand const& inflate) {
+    platform::inParallel(bands.count(), [&] {
+        auto const decoder = std::make_shared<BlockDecoder>(filters);
+        return [&, decoder](std::size_t band) {
+            if (band != done) inflate(*decoder, band);
+        };
+    });
 }
 
 }

@@ -1,10 +1,13 @@
 #pragma once
 
-#include "host/matrix/OmxWriter.h"
+#include "host/matrix/FileIndex.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -46,5 +49,35 @@ private:
     std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> decompressor_;
     std::vector<std::uint8_t> shuffled_;
 };
+
+/// A matrix cut into bands of whole rows, each stored as one chunk. The last chunk is filled up to full size.
+struct Bands {
+    int rows = 0;
+    int columns = 0;
+    /// Rows of a band; the last one may have fewer.
+    int bandRows = 1;
+
+    std::size_t count() const { return static_cast<std::size_t>((rows - 1) / bandRows + 1); }
+    std::size_t of(int row) const { return static_cast<std::size_t>(row / bandRows); }
+    int firstRow(std::size_t band) const { return static_cast<int>(band) * bandRows; }
+    /// The elements of a stored chunk.
+    std::size_t chunkSize() const { return static_cast<std::size_t>(bandRows) * static_cast<std::size_t>(columns); }
+    /// The part of all elements that is a band.
+    template <typename Element>
+    std::span<Element> elements(std::size_t band, Element* all) const {
+        auto const first = static_cast<std::size_t>(firstRow(band));
+        auto const behind = std::min(first + static_cast<std::size_t>(bandRows), static_cast<std::size_t>(rows));
+        return {all + first * static_cast<std::size_t>(columns), (behind - first) * static_cast<std::size_t>(columns)};
+    }
+};
+
+/// Inflates the stored bytes of a band to its place among all elements. No bytes: it stays 0. Throws like decode.
+void inflateBand(BlockDecoder& decoder, Bands const& bands, std::size_t band, std::span<std::byte const> stored,
+    unsigned skipped, float* all);
+
+/// Inflates a band with the decoder of its thread.
+using InflateBand = std::function<void(BlockDecoder&, std::size_t band)>;
+/// Calls `inflate` for all bands but one on all cores.
+void inflateAllBut(std::optional<std::size_t> done, Bands const& bands, Filters filters, InflateBand const& inflate);
 
 }

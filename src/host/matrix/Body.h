@@ -1,11 +1,12 @@
 #pragma once
 
 #include "host/matrix/Elements.h"
+#include "host/matrix/StagedFile.h"
 
-#include <cubes/matrix/TRkBaseMatrix.h>
-#include <cubes/matrix/TRkMatrixHeader.h>
+#include <cubes/matrix/TRkMatrix.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace cubes::matrix {
@@ -22,11 +23,13 @@ public:
     virtual float* writableRow(int row) { return this->row(row); }
     /// All elements in one piece, for reading.
     virtual float* all() = 0;
+    /// The same for writing.
+    virtual float* writableAll() { return all(); }
     /// Takes over all elements; `header` is that of this matrix.
     virtual void assign(TRkMatrixHeader const& header, float const* elements) = 0;
-    /// Frees what can be had again. Whether nothing is left that belongs into the file.
+    /// Releases cached rows; returns whether nothing was left unsaved.
     virtual bool release() { return false; }
-    /// Brings to the file what was written and is not there yet.
+    /// Writes to the file what is not there yet.
     virtual void finish(TRkMatrixHeader const&) {}
 
 protected:
@@ -65,5 +68,35 @@ private:
     int columns_;
     std::unique_ptr<Elements> elements_;
 };
+
+/// A matrix for a new file. Its elements are in memory while they are filled by rows; the file
+/// takes its place when all are assigned, or at the end.
+class NewFileBody : public Body {
+public:
+    /// Makes the temporary file, so that a place where nothing can be written is known at once.
+    NewFileBody(std::string file, int rows, int columns);
+
+    float* row(int row) override;
+    float* writableRow(int row) override;
+    float* all() override;
+    float* writableAll() override;
+    void assign(TRkMatrixHeader const& header, float const* elements) override;
+    bool release() override;
+    void finish(TRkMatrixHeader const& header) override;
+
+private:
+    MemoryElements& memory();
+    void publish(TRkMatrixHeader const& header, float const* elements);
+
+    int rows_;
+    int columns_;
+    std::optional<StagedFile> staged_;
+    std::unique_ptr<MemoryElements> memory_;
+    std::optional<FileBody> published_;
+    bool filled_ = false;
+};
+
+/// Drops the zone numbers of a matrix, for an object that stays behind released.
+void dropZones(TRkMatrix& matrix);
 
 }

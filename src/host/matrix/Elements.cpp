@@ -3,6 +3,7 @@
 #include "host/matrix/Failure.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace cubes::matrix {
 
@@ -15,6 +16,42 @@ float* allocate(int rows, int columns) {
     return elements;
 }
 
+/// The bands of a compressed file of ours, by its table of chunks.
+class IndexedBands : public BandSource {
+public:
+    IndexedBands(platform::FileView view, FileIndex const& index)
+        : view_(std::move(view)), bands_{index.header.rows, index.header.columns, index.places.layout.rows},
+          filters_(index.places.layout.filters), chunks_(index.places.chunks) {}
+
+    Bands bands() const override { return bands_; }
+    void readBand(std::size_t band, float* all) const override {
+        BlockDecoder decoder(filters_);
+        inflate(decoder, band, all);
+    }
+    void readAllBut(std::optional<std::size_t> done, float* all) const override {
+        inflateAllBut(
+            done, bands_, filters_, [&](BlockDecoder& decoder, std::size_t band) { inflate(decoder, band, all); });
+    }
+
+private:
+    void inflate(BlockDecoder& decoder, std::size_t band, float* all) const {
+        ChunkPlace const& chunk = chunks_[band];
+        if (chunk.offset == 0) return;
+        inflateBand(decoder, bands_, band, view_.bytes().subspan(chunk.offset, chunk.size),
+            static_cast<unsigned>(chunk.skipped), all);
+    }
+
+    platform::FileView view_;
+    Bands bands_;
+    Filters filters_;
+    std::vector<ChunkPlace> chunks_;
+};
+
+std::unique_ptr<Elements> elementsOf(platform::FileView view, FileIndex const& index) {
+    if (index.places.layout.filters == Filters::none) return std::make_unique<ViewedElements>(std::move(view), index);
+    return std::make_unique<BandedElements>(std::make_unique<IndexedBands>(std::move(view), index));
+}
+
 }
 
 MemoryElements::MemoryElements(int rows, int columns)
@@ -22,30 +59,29 @@ MemoryElements::MemoryElements(int rows, int columns)
 
 ViewedElements::ViewedElements(platform::FileView view, FileIndex const& index)
     : view_(std::move(view)), columns_(static_cast<std::size_t>(index.header.columns)),
-      elements_(reinterpret_cast<float*>(view_.bytes().data() + index.places.elements)) {}
+      elements_(reinterpret_cast<float*>(view_.bytes().data() + index.places.elements.offset)) {}
 
-TableElements::TableElements(OmxTable table)
-    : rows_(table.header().rows), columns_(table.header().columns), table_(std::move(table)) {}
+BandedElements::BandedElements(std::unique_ptr<BandSource> source)
+    : bands_(source->bands()), source_(std::move(source)) {}
 
-MemoryElements& TableElements::memory() {
-    if (!memory_) memory_ = std::make_unique<MemoryElements>(rows_, columns_);
+MemoryElements& BandedElements::memory() {
+    if (!memory_) memory_ = std::make_unique<MemoryElements>(bands_.rows, bands_.columns);
     return *memory_;
 }
 
-float* TableElements::row(int row) {
-    if (!table_) return memory().row(row);
-    int const first = row - row % table_->bandRows();
-    if (first == firstRow_) return memory().row(row);
-    if (firstRow_ >= 0) return all() + static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_);
-    table_->readBand(first, memory().all());
-    firstRow_ = first;
+float* BandedElements::row(int row) {
+    std::size_t const band = bands_.of(row);
+    if (!source_ || band == read_) return memory().row(row);
+    if (read_) return all() + static_cast<std::size_t>(row) * static_cast<std::size_t>(bands_.columns);
+    source_->readBand(band, memory().all());
+    read_ = band;
     return memory().row(row);
 }
 
 // Rows already handed out stay where they are, and keep what was written to them.
-float* TableElements::all() {
-    if (table_) table_->readAllBut(firstRow_, memory().all());
-    table_.reset();
+float* BandedElements::all() {
+    if (source_) source_->readAllBut(read_, memory().all());
+    source_.reset();
     return memory().all();
 }
 
@@ -54,12 +90,12 @@ OpenedFile openMatrixFile(std::string const& path) {
         auto view = platform::FileView::open(path);
         if (view.bytes().empty()) throw std::runtime_error("it is empty");
         if (auto index = findIndex(view.bytes())) {
-            auto elements = std::make_unique<ViewedElements>(std::move(view), *index);
+            auto elements = elementsOf(std::move(view), *index);
             return {std::move(index->header), std::move(elements)};
         }
-        OmxTable table = OmxReader(path).onlyTable();
-        FileHeader header = table.header();
-        return {std::move(header), std::make_unique<TableElements>(std::move(table))};
+        auto table = std::make_unique<OmxTable>(OmxReader(path).onlyTable());
+        FileHeader header = table->header();
+        return {std::move(header), std::make_unique<BandedElements>(std::move(table))};
     });
 }
 

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace cubes::matrix {
 
@@ -51,24 +50,22 @@ private:
     float* elements_;
 };
 
-/// The elements of a table that must be inflated or converted: a single row reads its band alone,
-/// a row of a second band reads all.
-class TableElements : public Elements {
+/// Elements that must be inflated or converted: a single row reads its band alone, a row of a second band reads all.
+class BandedElements : public Elements {
 public:
-    explicit TableElements(OmxTable table);
+    explicit BandedElements(std::unique_ptr<BandSource> source);
     float* row(int row) override;
     float* all() override;
 
 private:
     MemoryElements& memory();
 
-    int const rows_;
-    int const columns_;
+    Bands const bands_;
     // Closed when everything is read: others may replace the file then, wherever a system minds.
-    std::optional<OmxTable> table_;
+    std::unique_ptr<BandSource> source_;
     std::unique_ptr<MemoryElements> memory_;
-    // Where the band begins that was read alone.
-    int firstRow_ = -1;
+    // The band that was read alone.
+    std::optional<std::size_t> read_;
 };
 
 /// An opened matrix file.

@@ -3,19 +3,154 @@
 #include <xxhash.h>
 
 #include <algorithm>
-#include <bit>
+#include <array>
 #include <cstring>
+#include <limits>
+#include <stdexcept>
 
 namespace cubes::matrix {
 
+using hdf5::Extent;
+using hdf5::IndexRecord;
+
 namespace {
 
-static_assert(std::endian::native == std::endian::little, "elements and records go out as they lie in memory");
+constexpr std::uint32_t selectedLinkFlag = 1;
+enum class Lies : std::uint32_t { throughHdf5 = 0, plain = 1, deflate = 2, shuffleAndDeflate = 3 };
 
-// The record as it lies in the file; docs/matrix-file.md has the same table.
-struct Record {
+// What a matrix file adds to its record; docs/matrix-file.md has the same table.
+struct Details {
+    std::int32_t rows;
+    std::int32_t columns;
+    std::int32_t type;
+    std::int32_t kind;
+    std::uint32_t flags;
+    Lies lies;
+    std::int32_t bandRows;
+    std::uint32_t nameLength;
+    std::uint64_t elements;
+    std::uint64_t elementsSize;
+    std::uint64_t chunkTable;
+    std::uint64_t zones;
+    std::array<char, 640> name;
+};
+static_assert(sizeof(Details) == IndexRecord::detailBytes);
+
+bool isWithin(Extent const& extent, std::uint64_t size) {
+    return extent.offset <= size && extent.size <= size - extent.offset;
+}
+
+template <typename Value>
+std::vector<Value> readAt(std::span<std::byte const> file, std::uint64_t offset, std::size_t count) {
+    std::vector<Value> values(count);
+    std::memcpy(values.data(), file.data() + offset, count * sizeof(Value));
+    return values;
+}
+
+std::uint64_t elementsBytes(std::int32_t rows, std::int32_t columns) {
+    return elementCount(static_cast<std::uint64_t>(rows), static_cast<std::uint64_t>(columns)) * sizeof(float);
+}
+
+Extent zonesExtent(std::uint64_t offset, std::int32_t rows) {
+    return {offset, offset == 0 ? 0 : static_cast<std::uint64_t>(rows) * sizeof(std::int32_t)};
+}
+
+std::vector<std::int32_t> zonesAt(std::span<std::byte const> file, std::uint64_t offset, std::int32_t rows) {
+    if (offset == 0) return {};
+    return readAt<std::int32_t>(file, offset, static_cast<std::size_t>(rows));
+}
+
+// Everything in a file that is no structure.
+std::vector<Extent> dataOf(FileIndex const& index) {
+    std::vector<Extent> data = {index.places.elements};
+    if (index.places.zones != 0) data.push_back(zonesExtent(index.places.zones, index.header.rows));
+    for (ChunkPlace const& chunk : index.places.chunks)
+        if (chunk.offset != 0) data.push_back({chunk.offset, chunk.size});
+    std::erase_if(data, [](Extent const& extent) { return extent.size == 0; });
+    return data;
+}
+
+bool dimensionsHold(Details const& details) {
+    return details.rows > 0 && details.columns > 0 && details.nameLength <= details.name.size() &&
+           (details.zones == 0 || details.rows == details.columns);
+}
+
+std::size_t bandsOf(Details const& details) {
+    return static_cast<std::size_t>((details.rows - 1) / details.bandRows + 1);
+}
+
+// The chunks' own places are held against the file by the checksum.
+bool placesHold(Details const& details, std::uint64_t size) {
+    if (!dimensionsHold(details) || !isWithin(zonesExtent(details.zones, details.rows), size)) return false;
+    if (details.lies == Lies::plain)
+        return details.elements % alignof(float) == 0 && isWithin({details.elements, details.elementsSize}, size) &&
+               details.elementsSize >= elementsBytes(details.rows, details.columns);
+    return (details.lies == Lies::deflate || details.lies == Lies::shuffleAndDeflate) && details.bandRows > 0 &&
+           details.bandRows <= details.rows &&
+           isWithin({details.chunkTable, bandsOf(details) * sizeof(ChunkPlace)}, size);
+}
+
+FileHeader headerOf(Details const& details, std::span<std::byte const> file) {
+    return {details.rows, details.columns, static_cast<RkMatrixType>(details.type),
+        static_cast<RkMatrixKind>(details.kind), std::string(details.name.data(), details.nameLength),
+        zonesAt(file, details.zones, details.rows), (details.flags & selectedLinkFlag) != 0};
+}
+
+FilePlaces placesOf(Details const& details, std::span<std::byte const> file) {
+    if (details.lies == Lies::plain)
+        return {{details.bandRows, Filters::none}, {details.elements, details.elementsSize}, 0, {}, details.zones};
+    Filters const filters = details.lies == Lies::deflate ? Filters::deflate : Filters::shuffleAndDeflate;
+    return {{details.bandRows, filters}, {}, details.chunkTable,
+        readAt<ChunkPlace>(file, details.chunkTable, bandsOf(details)), details.zones};
+}
+
+std::optional<FileIndex> indexOf(hdf5::FoundRecord const& found, std::span<std::byte const> file) {
+    auto const& record = found.record;
+    Details details;
+    std::memcpy(&details, record.details.data(), sizeof details);
+    bool const isOurs = record.holds == IndexRecord::Holds::matrix && record.fileSize == file.size();
+    if (!isOurs || !placesHold(details, file.size())) return std::nullopt;
+    FileIndex index{headerOf(details, file), placesOf(details, file)};
+    if (hdf5::structureChecksum(file, found.offset, dataOf(index)) != record.structure) return std::nullopt;
+    return index;
+}
+
+Lies howTheyLie(FileIndex const& index) {
+    if (index.header.name.size() > sizeof(Details::name)) return Lies::throughHdf5;
+    switch (index.places.layout.filters) {
+    case Filters::none:
+        return Lies::plain;
+    case Filters::deflate:
+        return Lies::deflate;
+    case Filters::shuffleAndDeflate:
+        break;
+    }
+    return Lies::shuffleAndDeflate;
+}
+
+Details detailsOf(FileIndex const& index) {
+    auto const& [header, places] = index;
+    Details details{};
+    details.rows = header.rows;
+    details.columns = header.columns;
+    details.type = header.type.value_or(mtMatrixCube);
+    details.kind = header.kind.value_or(mkDefault);
+    details.flags = header.selectedLink ? selectedLinkFlag : 0;
+    details.lies = howTheyLie(index);
+    details.bandRows = places.layout.rows;
+    details.elements = places.elements.offset;
+    details.elementsSize = places.elements.size;
+    details.chunkTable = places.chunkTable;
+    details.zones = places.zones;
+    details.nameLength = static_cast<std::uint32_t>(std::min(header.name.size(), details.name.size()));
+    std::copy_n(header.name.begin(), details.nameLength, details.name.begin());
+    return details;
+}
+
+// The record of the first version, which only plain files have: all structure lies in front of the elements.
+struct FirstRecord {
     std::array<char, 8> magic;
-    std::uint64_t structureChecksum;
+    std::uint64_t structure;
     std::uint64_t fileSize;
     std::uint64_t elements;
     std::uint64_t zones;
@@ -26,106 +161,87 @@ struct Record {
     std::uint64_t nameLength;
     std::array<char, 448> name;
 };
-static_assert(sizeof(Record) == FileIndex::bytes);
+static_assert(sizeof(FirstRecord) == 512);
 
-constexpr std::array<char, 8> magic = {'C', 'U', 'B', 'E', 'I', 'D', 'X', '1'};
-// HDF5 puts the record behind its own structure, near the beginning.
-constexpr std::size_t searched = 8192;
-// A longer name could push structure behind the elements.
-constexpr std::size_t longestName = 200;
+constexpr std::array<char, 8> firstMagic = {'C', 'U', 'B', 'E', 'I', 'D', 'X', '1'};
+constexpr std::size_t firstSearched = 8192;
 
-std::uint64_t zonesBytes(Record const& record) {
-    return record.zones == 0 ? 0 : static_cast<std::uint64_t>(record.rows) * sizeof(std::int32_t);
-}
-
-std::uint64_t elementsBytes(Record const& record) {
-    return elementCount(static_cast<std::uint64_t>(record.rows), static_cast<std::uint64_t>(record.columns)) *
-           sizeof(float);
-}
-
-bool lies(std::uint64_t offset, std::uint64_t length, std::uint64_t size) {
-    return offset <= size && length <= size - offset;
-}
-
-bool placesHold(Record const& record, std::uint64_t size) {
-    return record.rows > 0 && record.columns > 0 && record.fileSize == size && record.elements % alignof(float) == 0 &&
-           lies(record.elements, elementsBytes(record), size) && lies(record.zones, zonesBytes(record), size) &&
-           record.nameLength <= record.name.size();
-}
-
-std::uint64_t structureEnd(Record const& record) {
-    return matrix::structureEnd({.elements = record.elements, .zones = record.zones});
-}
-
-// The structure's checksum leaves its own place out.
-std::uint64_t structureChecksum(std::span<std::byte const> structure, std::size_t index) {
-    std::size_t const own = index + offsetof(Record, structureChecksum);
+// Leaves its own place out: the hash of what lies in front of it is the seed for what lies behind.
+std::uint64_t firstChecksum(std::span<std::byte const> structure, std::size_t record) {
+    std::size_t const own = record + offsetof(FirstRecord, structure);
     auto const behind = structure.subspan(own + sizeof(std::uint64_t));
     return XXH3_64bits_withSeed(behind.data(), behind.size(), XXH3_64bits(structure.data(), own));
 }
 
-std::optional<Record> recordAt(std::span<std::byte const> file, std::size_t offset) {
-    Record record;
+std::optional<FileIndex> firstIndexAt(std::span<std::byte const> file, std::size_t offset) {
+    FirstRecord record;
     std::memcpy(&record, file.data() + offset, sizeof record);
-    if (record.magic != magic || !placesHold(record, file.size())) return std::nullopt;
-    if (offset + sizeof record > structureEnd(record)) return std::nullopt;
-    auto const structure = file.first(structureEnd(record));
-    if (structureChecksum(structure, offset) != record.structureChecksum) return std::nullopt;
+    bool const isPossible = record.rows > 0 && record.columns > 0 && record.fileSize == file.size() &&
+                            record.nameLength <= record.name.size() && record.elements % alignof(float) == 0;
+    if (!isPossible) return std::nullopt;
+    Extent const elements = {record.elements, elementsBytes(record.rows, record.columns)};
+    if (!isWithin(elements, file.size()) || !isWithin(zonesExtent(record.zones, record.rows), file.size()))
+        return std::nullopt;
+    std::uint64_t const end = record.zones == 0 ? record.elements : std::min(record.elements, record.zones);
+    if (offset + sizeof record > end || firstChecksum(file.first(end), offset) != record.structure) return std::nullopt;
+    FileHeader header{record.rows, record.columns, static_cast<RkMatrixType>(record.type),
+        static_cast<RkMatrixKind>(record.kind), std::string(record.name.data(), record.nameLength),
+        zonesAt(file, record.zones, record.rows), false};
+    return FileIndex{std::move(header), {{record.rows, Filters::none}, elements, 0, {}, record.zones}};
+}
+
+std::optional<FileIndex> findFirstIndex(std::span<std::byte const> file) {
+    std::size_t const end = std::min(file.size(), firstSearched);
+    for (std::size_t offset = 0; offset + sizeof(FirstRecord) <= end; offset += sizeof firstMagic) {
+        if (std::memcmp(file.data() + offset, firstMagic.data(), sizeof firstMagic) != 0) continue;
+        if (auto index = firstIndexAt(file, offset)) return index;
+    }
+    return std::nullopt;
+}
+
+}
+
+std::size_t elementCount(std::uint64_t rows, std::uint64_t columns) {
+    constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<int>::max());
+    constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max()) / sizeof(float);
+    // Both dimensions fit into 31 bits, so their product cannot overflow.
+    if (rows < 1 || columns < 1 || rows > largest || columns > largest || rows * columns > most)
+        throw std::length_error(
+            "a matrix of " + std::to_string(rows) + " x " + std::to_string(columns) + " elements is not possible");
+    return static_cast<std::size_t>(rows * columns);
+}
+
+MatrixHash::MatrixHash(FileHeader const& header) : header_(header) {
+    std::array<std::int32_t, 2> const shape = {header.rows, header.columns};
+    hash_.add(std::as_bytes(std::span(shape)));
+}
+
+hdf5::Id128 MatrixHash::finish() {
+    hash_.add(std::as_bytes(std::span(header_.zones)));
+    return hash_.id();
+}
+
+hdf5::Id128 contentId(FileHeader const& header, float const* elements) {
+    MatrixHash hash(header);
+    hash.add(std::as_bytes(std::span(
+        elements, elementCount(static_cast<std::uint64_t>(header.rows), static_cast<std::uint64_t>(header.columns)))));
+    return hash.finish();
+}
+
+IndexRecord indexRecord(
+    std::span<std::byte const> file, std::uint64_t recordOffset, FileIndex const& index, IndexRecord record) {
+    Details details = detailsOf(index);
+    auto const structure = hdf5::structureChecksum(file, recordOffset, dataOf(index));
+    if (!structure) details.lies = Lies::throughHdf5;
+    record.structure = structure.value_or(0);
+    record.fileSize = file.size();
+    std::memcpy(record.details.data(), &details, sizeof details);
     return record;
 }
 
-std::vector<std::int32_t> zonesOf(Record const& record, std::span<std::byte const> file) {
-    if (record.zones == 0) return {};
-    std::vector<std::int32_t> zones(static_cast<std::size_t>(record.rows));
-    std::memcpy(zones.data(), file.data() + record.zones, zonesBytes(record));
-    return zones;
-}
-
-FileIndex decode(Record const& record, std::span<std::byte const> file, std::size_t offset) {
-    FileHeader header;
-    header.rows = record.rows;
-    header.columns = record.columns;
-    header.type = static_cast<RkMatrixType>(record.type);
-    header.kind = static_cast<RkMatrixKind>(record.kind);
-    header.name.assign(record.name.data(), record.nameLength);
-    header.zones = zonesOf(record, file);
-    return {std::move(header), {offset, record.elements, record.zones, record.fileSize}};
-}
-
-}
-
-std::uint64_t structureEnd(FilePlaces const& places) {
-    return places.zones == 0 ? places.elements : std::min(places.elements, places.zones);
-}
-
-std::optional<std::array<std::byte, FileIndex::bytes>> encodeIndex(
-    FileIndex const& index, std::span<std::byte> structure) {
-    if (index.header.name.size() > longestName) return std::nullopt;
-    Record record{};
-    record.magic = magic;
-    record.fileSize = index.places.size;
-    record.elements = index.places.elements;
-    record.zones = index.places.zones;
-    record.rows = index.header.rows;
-    record.columns = index.header.columns;
-    record.type = index.header.type.value_or(mtMatrixCube);
-    record.kind = index.header.kind.value_or(mkDefault);
-    record.nameLength = index.header.name.size();
-    std::copy(index.header.name.begin(), index.header.name.end(), record.name.begin());
-    std::size_t const place = index.places.index;
-    if (place + sizeof record > structure.size()) return std::nullopt;
-    std::memcpy(structure.data() + place, &record, sizeof record);
-    record.structureChecksum = structureChecksum(structure, place);
-    return std::bit_cast<std::array<std::byte, FileIndex::bytes>>(record);
-}
-
 std::optional<FileIndex> findIndex(std::span<std::byte const> file) {
-    std::size_t const end = std::min(file.size(), searched);
-    for (std::size_t offset = 0; offset + sizeof(Record) <= end; offset += sizeof magic) {
-        if (std::memcmp(file.data() + offset, magic.data(), sizeof magic) != 0) continue;
-        if (auto const record = recordAt(file, offset)) return decode(*record, file, offset);
-    }
-    return std::nullopt;
+    if (auto const found = hdf5::findRecord(file)) return indexOf(*found, file);
+    return findFirstIndex(file);
 }
 
 }

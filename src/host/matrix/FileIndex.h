@@ -1,43 +1,97 @@
 #pragma once
 
-#include "host/matrix/FileHeader.h"
+#include "host/hdf5/IndexRecord.h"
 
-#include <array>
+#include <cubes/matrix/RkMatrixKind.h>
+#include <cubes/matrix/RkMatrixType.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
+#include <vector>
 
 namespace cubes::matrix {
 
-/// Where the parts of a plain matrix file lie.
-struct FilePlaces {
-    std::uint64_t index = 0;
-    std::uint64_t elements = 0;
-    std::uint64_t zones = 0;
-    std::uint64_t size = 0;
+/// What a matrix file says besides its elements. Files of other programs have no type and kind.
+struct FileHeader {
+    int rows = 0;
+    int columns = 0;
+    std::optional<RkMatrixType> type;
+    std::optional<RkMatrixKind> kind;
+    /// In UTF-8.
+    std::string name;
+    std::vector<std::int32_t> zones;
+    /// Whether it is a selected-link matrix. Only compressed files keep this.
+    bool selectedLink = false;
 };
 
-/// Where the structure ends in which nothing may change while the record holds.
-std::uint64_t structureEnd(FilePlaces const& places);
+/// Throws std::length_error when a dimension is below 1 or the elements exceed what can be addressed.
+std::size_t elementCount(std::uint64_t rows, std::uint64_t columns);
 
-/// The short way to the elements of a plain file. Letting HDF5 read its structure costs more than
-/// reading the elements of many a matrix, so we keep what the structure says in one small record,
-/// together with a checksum of the structure itself: as long as no one has changed the structure
-/// since we wrote it, the record is as good. Otherwise it counts for nothing and HDF5 is asked.
+/// The content id of a matrix: over rows and columns, the elements row by row, and the zone numbers.
+class MatrixHash {
+public:
+    /// REQUIRES: the header outlives this object.
+    explicit MatrixHash(FileHeader const& header);
+    /// Adds the next elements.
+    void add(std::span<std::byte const> elements) { hash_.add(elements); }
+    /// The id, once all elements are added.
+    hdf5::Id128 finish();
+
+private:
+    FileHeader const& header_;
+    hdf5::ContentHash hash_;
+};
+
+hdf5::Id128 contentId(FileHeader const& header, float const* elements);
+
+enum class Filters { none, deflate, shuffleAndDeflate };
+
+/// How the elements of a table are cut: into chunks of whole rows.
+struct ChunkLayout {
+    int rows = 0;
+    Filters filters = Filters::none;
+};
+
+/// Where the stored bytes of a band lie, as the file's table of chunks has it; all 0 for a band of zeros that is
+/// not stored.
+struct ChunkPlace {
+    std::uint64_t offset = 0;
+    std::uint64_t size = 0;
+    /// A bit for each filter that was skipped.
+    std::uint64_t skipped = 0;
+};
+
+/// Where the elements and zone numbers of a matrix file of ours lie.
+struct FilePlaces {
+    ChunkLayout layout;
+    /// Unfiltered elements: one run of bytes, which may be longer than the elements.
+    hdf5::Extent elements;
+    /// Filtered elements: the table of chunks, and its content, one a band.
+    std::uint64_t chunkTable = 0;
+    std::vector<ChunkPlace> chunks;
+    /// 0: there are none.
+    std::uint64_t zones = 0;
+};
+
+/// The short way to the elements. Letting HDF5 read its structure costs more than reading the elements of many a
+/// matrix, so the index record holds what the structure says, together with a checksum of the structure: as long as
+/// nobody has changed the structure since we wrote it, the record is as good. Otherwise it counts for nothing and HDF5
+/// is asked.
 struct FileIndex {
-    static constexpr std::size_t bytes = 512;
-
     FileHeader header;
     FilePlaces places;
 };
 
-/// The record for a file with this structure (its bytes up to structureEnd, changed in the
-/// process); nothing when a record can't describe it.
-std::optional<std::array<std::byte, FileIndex::bytes>> encodeIndex(
-    FileIndex const& index, std::span<std::byte> structure);
+/// Completes a record for a finished file, given as a whole. A file that the record cannot describe, because of a
+/// long name, gets one without places: its elements are read through HDF5.
+hdf5::IndexRecord indexRecord(
+    std::span<std::byte const> file, std::uint64_t recordOffset, FileIndex const& index, hdf5::IndexRecord record);
 
-/// Reads the record of a file given as a whole; nothing when there is none or it does not hold.
+/// Reads the record of a file given as a whole; nothing when there is none, when it has no places or does not hold.
+/// Every place lies within the file.
 std::optional<FileIndex> findIndex(std::span<std::byte const> file);
 
 }

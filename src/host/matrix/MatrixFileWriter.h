@@ -1,21 +1,23 @@
 #pragma once
 
-#include "host/matrix/FileHeader.h"
-#include "host/platform/TemporaryFile.h"
+#include "host/matrix/OmxWriter.h"
+#include "host/platform/File.h"
 
-#include <cubes/matrix/TRkMatrixHeader.h>
+#include <cubes/matrix/MatrixStorage.h>
 
-#include <string>
+#include <cstdint>
 
 namespace cubes::matrix {
 
-/// Writes a complete matrix file under the rule of its directory and puts it in place; a
-/// selected-link matrix, which is mostly zeros, is always compressed. Throws TRkMatrixException;
-/// then the place is as it was before.
-void writeMatrixFile(platform::TemporaryFile& temporary, std::string const& target, std::string const& table,
-    FileHeader const& header, float const* elements);
+/// Writes a matrix into a new, empty file, with its index record.
+///
+/// Plain: uncompressed and in one piece. HDF5 lays out the structure and says where the elements go; we write them
+/// there. Deflate: bands of rows, each a chunk that HDF5's standard filters read; chunks of zeros are not stored. A
+/// selected-link matrix, which is mostly zeros, is always compressed.
+/// Throws hdf5::Error, std::system_error, std::length_error or std::runtime_error.
+void writeMatrixFile(platform::File& file, MatrixContent const& content, Storage storage);
 
-/// The header of a matrix as its file keeps it.
-FileHeader fileHeader(TRkMatrixHeader const& header);
+/// Writes a plain file with chunks of at most `limit` bytes.
+void writePlainInChunks(platform::File& file, MatrixContent const& content, std::uint64_t limit);
 
 }

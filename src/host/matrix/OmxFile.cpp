@@ -2,11 +2,8 @@
 
 #include "host/matrix/Elements.h"
 #include "host/matrix/Failure.h"
-#include "host/matrix/MatrixFileWriter.h"
 #include "host/matrix/OmxReader.h"
-#include "host/platform/Files.h"
-
-#include <xxhash.h>
+#include "host/matrix/StagedFile.h"
 
 #include <stdexcept>
 
@@ -63,24 +60,15 @@ TRkMatrix OmxFile::read(std::string const& table) const {
 bool OmxFile::isIntact(std::string const& table) const {
     return reading(path_, [&] {
         OmxTable const source = reader_->table(table);
-        auto const recorded = source.checksum();
-        if (!recorded) return true;
-        auto const& header = source.header();
-        matrix::MemoryElements elements(header.rows, header.columns);
-        source.readAll(elements.all());
-        auto const count =
-            matrix::elementCount(static_cast<std::uint64_t>(header.rows), static_cast<std::uint64_t>(header.columns));
-        return XXH3_64bits(elements.all(), count * sizeof(float)) == *recorded;
+        return source.isIntact().value_or(true);
     });
 }
 
 void OmxFile::write(std::string const& path, std::string const& table, TRkMatrix const& matrix) {
     describingFailure("cannot write OMX file", path, [&] {
         requireTableName(table);
-        float const* const elements = matrix.Elements();
-        if (platform::isDirectory(path)) throw std::runtime_error("it is a directory");
-        platform::TemporaryFile temporary(path);
-        matrix::writeMatrixFile(temporary, path, table, matrix::fileHeader(matrix.Header()), elements);
+        matrix::replaceMatrixFile(path,
+            {.header = matrix::fileHeader(matrix.Header()), .elements = matrix.Elements().data(), .table = table});
     });
 }
 

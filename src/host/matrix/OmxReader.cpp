@@ -1,13 +1,11 @@
 #include "host/matrix/OmxReader.h"
 
-#include "host/matrix/BlockCodec.h"
-#include "host/matrix/OmxLookups.h"
-#include "host/matrix/OmxNames.h"
-#include "host/platform/Parallel.h"
+#include <xxhash.h>
 
 #include <algorithm>
 #include <array>
-#include <memory>
+#include <cmath>
+#include <limits>
 #include <stdexcept>
 
 namespace cubes::matrix {
@@ -33,19 +31,6 @@ std::optional<Number> readNumber(hid_t object, char const* name, hid_t type) {
     return number;
 }
 
-// Texts of fixed length, as we write them.
-std::string readText(hid_t object, char const* name) {
-    if (H5Aexists(object, name) <= 0) return {};
-    Handle const attribute(H5Aopen(object, name, H5P_DEFAULT), H5Aclose, "open an attribute");
-    Handle const type(H5Aget_type(attribute.get()), H5Tclose, "open an attribute");
-    Handle const space(H5Aget_space(attribute.get()), H5Sclose, "open an attribute");
-    bool const isText = H5Tget_class(type.get()) == H5T_STRING && H5Tis_variable_str(type.get()) == 0;
-    if (!isText || H5Sget_simple_extent_npoints(space.get()) != 1) return {};
-    std::string text(H5Tget_size(type.get()), '\0');
-    if (H5Aread(attribute.get(), type.get(), text.data()) < 0) return {};
-    return text.substr(0, text.find('\0'));
-}
-
 std::array<hsize_t, 2> sizeOf(hid_t dataset) {
     std::array<hsize_t, 2> size{};
     Handle const space(H5Dget_space(dataset), H5Sclose, "read the dimensions");
@@ -67,7 +52,7 @@ void requireNumbers(hid_t dataset) {
 void requireStorage(hid_t file, hid_t dataset, std::size_t elements) {
     hsize_t size = 0;
     check(H5Fget_filesize(file, &size), "read the size of the file");
-    bool const isOurs = H5Aexists(dataset, omx::checksum) > 0;
+    bool const isOurs = H5Aexists(dataset, omx::content) > 0 || H5Aexists(dataset, omx::checksum) > 0;
     bool const fits = elements / mostInflation <= size || elements <= alwaysFits || isOurs;
     if (H5Dget_storage_size(dataset) > size || !fits) throw std::runtime_error("the table is larger than the file");
 }
@@ -102,6 +87,124 @@ bool isSinglePrecision(hid_t dataset) {
     return H5Tequal(type.get(), H5T_IEEE_F32LE) > 0;
 }
 
+std::vector<std::string> linksOf(hid_t group) {
+    H5G_info_t info{};
+    hdf5::check(H5Gget_info(group, &info), "list a group");
+    std::vector<std::string> names;
+    for (hsize_t i = 0; i < info.nlinks; ++i) {
+        auto const ask = [&](char* text, std::size_t size) {
+            return hdf5::check(
+                H5Lget_name_by_idx(group, ".", H5_INDEX_NAME, H5_ITER_INC, i, text, size, H5P_DEFAULT), "list a group");
+        };
+        std::string name(static_cast<std::size_t>(ask(nullptr, 0)), '\0');
+        ask(name.data(), name.size() + 1);
+        names.push_back(std::move(name));
+    }
+    return names;
+}
+
+bool isDataset(hid_t group, std::string const& name, int dimensions) {
+    hid_t const object = H5Oopen(group, name.c_str(), H5P_DEFAULT);
+    if (object < 0) return false;
+    Handle const owner(object, H5Oclose, "open an object");
+    if (H5Iget_type(object) != H5I_DATASET) return false;
+    Handle const space(H5Dget_space(object), H5Sclose, "read the dimensions");
+    return H5Sget_simple_extent_ndims(space.get()) == dimensions;
+}
+
+constexpr std::array usualNames = {"zone", "zones", "zone_number", "zone number", "zoneid", "zone_id", "no", "taz"};
+
+bool isUsualName(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(),
+        [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return std::find(usualNames.begin(), usualNames.end(), name) != usualNames.end();
+}
+
+// "" when there is no telling.
+std::string zoneLookup(std::vector<std::string> const& names) {
+    auto const usual = std::find_if(names.begin(), names.end(), isUsualName);
+    if (usual != names.end()) return *usual;
+    return names.size() == 1 ? names.front() : std::string();
+}
+
+std::vector<double> numbersOf(hid_t group, std::string const& name, hsize_t rows) {
+    Handle const lookup(H5Dopen2(group, name.c_str(), H5P_DEFAULT), H5Dclose, "open a lookup");
+    Handle const type(H5Dget_type(lookup.get()), H5Tclose, "open a lookup");
+    Handle const space(H5Dget_space(lookup.get()), H5Sclose, "open a lookup");
+    H5T_class_t const kind = H5Tget_class(type.get());
+    if (kind != H5T_INTEGER && kind != H5T_FLOAT) return {};
+    if (H5Sget_simple_extent_npoints(space.get()) != static_cast<hssize_t>(rows)) return {};
+    std::vector<double> numbers(rows);
+    if (H5Dread(lookup.get(), H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL, H5P_DEFAULT, numbers.data()) < 0) return {};
+    return numbers;
+}
+
+bool isWholeNumber(double number) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    return number >= Limits::min() && number <= Limits::max() && number == std::floor(number);
+}
+
+bool areDistinct(std::vector<double> numbers) {
+    std::sort(numbers.begin(), numbers.end());
+    return std::adjacent_find(numbers.begin(), numbers.end()) == numbers.end();
+}
+
+std::vector<std::int32_t> wholeNumbers(std::vector<double> const& numbers) {
+    std::vector<std::int32_t> whole;
+    for (double const number : numbers) whole.push_back(static_cast<std::int32_t>(number));
+    return whole;
+}
+
+// The names of the datasets with so many dimensions in a group, in order of name; none when there is no such group.
+std::vector<std::string> datasetsOf(hid_t file, char const* group, int dimensions) {
+    if (!hdf5::hasLink(file, group)) return {};
+    Handle const opened = hdf5::openGroup(file, group);
+    std::vector<std::string> names = linksOf(opened.get());
+    std::erase_if(names, [&](std::string const& name) { return !isDataset(opened.get(), name, dimensions); });
+    return names;
+}
+
+// The zone numbers that the file has for so many rows: those of a lookup with a usual name, else of the only lookup.
+// None unless they are distinct whole numbers.
+std::vector<std::int32_t> readZones(hid_t file, hsize_t rows) {
+    std::string const name = zoneLookup(datasetsOf(file, omx::lookups, 1));
+    if (name.empty()) return {};
+    Handle const group = hdf5::openGroup(file, omx::lookups);
+    auto const numbers = numbersOf(group.get(), name, rows);
+    if (!std::all_of(numbers.begin(), numbers.end(), isWholeNumber) || !areDistinct(numbers)) return {};
+    return wholeNumbers(numbers);
+}
+
+// The zone numbers in a file of ours, distinct or not.
+std::vector<std::int32_t> ownZones(hid_t file, FileHeader const& header) {
+    auto const names = datasetsOf(file, omx::lookups, 1);
+    if (header.rows != header.columns || std::ranges::find(names, omx::zones) == names.end()) return {};
+    Handle const group = hdf5::openGroup(file, omx::lookups);
+    auto const numbers = numbersOf(group.get(), omx::zones, static_cast<hsize_t>(header.rows));
+    return std::ranges::all_of(numbers, isWholeNumber) ? wholeNumbers(numbers) : std::vector<std::int32_t>();
+}
+
+// The stored bytes of a chunk; none when it was never written.
+struct StoredChunk {
+    std::vector<std::byte> bytes;
+    std::uint32_t skipped = 0;
+};
+
+StoredChunk storedChunk(hid_t dataset, int firstRow) {
+    hdf5::Session const session;
+    std::array<hsize_t, 2> const start = {static_cast<hsize_t>(firstRow), 0};
+    unsigned skipped = 0;
+    haddr_t address = HADDR_UNDEF;
+    hsize_t size = 0;
+    StoredChunk chunk;
+    check(H5Dget_chunk_info_by_coord(dataset, start.data(), &skipped, &address, &size), "find a chunk");
+    if (address == HADDR_UNDEF) return chunk;
+    if (size > H5Dget_storage_size(dataset)) throw std::runtime_error("a chunk is larger than the table");
+    chunk.bytes.resize(size);
+    check(H5Dread_chunk(dataset, H5P_DEFAULT, start.data(), &chunk.skipped, chunk.bytes.data()), "read a chunk");
+    return chunk;
+}
+
 }
 
 OmxTable::OmxTable(Handle file, Handle dataset) : file_(std::move(file)), dataset_(std::move(dataset)) {
@@ -115,7 +218,7 @@ OmxTable::OmxTable(Handle file, Handle dataset) : file_(std::move(file)), datase
         header_.type = static_cast<RkMatrixType>(*type);
     if (auto const kind = readNumber<std::int32_t>(id, omx::kind, H5T_NATIVE_INT32))
         header_.kind = static_cast<RkMatrixKind>(*kind);
-    header_.name = readText(id, omx::name);
+    header_.name = hdf5::readText(id, omx::name);
     header_.selectedLink = readNumber<std::int32_t>(id, omx::selectedLink, H5T_NATIVE_INT32).value_or(0) != 0;
     if (size[0] == size[1]) header_.zones = readZones(file_.get(), size[0]);
     readLayout();
@@ -137,13 +240,29 @@ void OmxTable::readLayout() {
                 isSinglePrecision(dataset_.get()) && fillsWithZero(properties.get());
 }
 
-std::optional<std::uint64_t> OmxTable::checksum() const {
+std::optional<bool> OmxTable::isIntact() const {
+    auto const recorded = recordedIds();
+    if (!recorded.content.isKnown() && !recorded.checksum) return std::nullopt;
+    std::vector<float> elements(
+        elementCount(static_cast<std::uint64_t>(header_.rows), static_cast<std::uint64_t>(header_.columns)));
+    readAll(elements.data());
+    if (recorded.content.isKnown()) return contentId(recorded.header, elements.data()) == recorded.content;
+    return XXH3_64bits(elements.data(), elements.size() * sizeof(float)) == *recorded.checksum;
+}
+
+OmxTable::RecordedIds OmxTable::recordedIds() const {
     hdf5::Session const session;
-    return readNumber<std::uint64_t>(dataset_.get(), omx::checksum, H5T_NATIVE_UINT64);
+    RecordedIds ids;
+    ids.content = hdf5::Id128::parse(hdf5::readText(dataset_.get(), omx::content)).value_or(hdf5::Id128{});
+    ids.checksum = readNumber<std::uint64_t>(dataset_.get(), omx::checksum, H5T_NATIVE_UINT64);
+    ids.header.rows = header_.rows;
+    ids.header.columns = header_.columns;
+    ids.header.zones = ownZones(file_.get(), header_);
+    return ids;
 }
 
 // The rows from `first` up to, not including, `behind`, to their place among all elements.
-void OmxTable::readRows(int first, int behind, float* elements) const {
+void OmxTable::readRows(int first, int behind, float* all) const {
     if (first == behind) return;
     hdf5::Session const session;
     auto const columns = static_cast<hsize_t>(header_.columns);
@@ -153,68 +272,33 @@ void OmxTable::readRows(int first, int behind, float* elements) const {
     check(H5Sselect_hyperslab(selected.get(), H5S_SELECT_SET, start.data(), nullptr, size.data(), nullptr),
         "select rows");
     Handle const target(H5Screate_simple(2, size.data(), nullptr), H5Sclose, "select rows");
-    float* const to = elements + static_cast<std::size_t>(first) * static_cast<std::size_t>(columns);
+    float* const to = all + static_cast<std::size_t>(first) * static_cast<std::size_t>(columns);
     check(
         H5Dread(dataset_.get(), H5T_NATIVE_FLOAT, target.get(), selected.get(), H5P_DEFAULT, to), "read the elements");
 }
 
-void OmxTable::readBand(int firstRow, float* elements) const {
-    if (!ownCodec_) return readRows(firstRow, std::min(firstRow + bandRows_, header_.rows), elements);
-    BlockDecoder decoder(filters_);
-    inflateBand(decoder, firstRow, elements);
-}
-
-void OmxTable::readAll(float* elements) const {
-    readAllBut(-1, elements);
-}
-
-void OmxTable::readAllBut(int firstRow, float* elements) const {
-    if (!ownCodec_ && firstRow < 0) return readRows(0, header_.rows, elements);
+void OmxTable::readBand(std::size_t band, float* all) const {
     if (!ownCodec_) {
-        readRows(0, firstRow, elements);
-        return readRows(std::min(firstRow + bandRows_, header_.rows), header_.rows, elements);
+        int const first = bands().firstRow(band);
+        return readRows(first, std::min(first + bandRows_, header_.rows), all);
     }
-    auto const bands = static_cast<std::size_t>((header_.rows - 1) / bandRows_ + 1);
-    platform::inParallel(bands, [&] {
-        auto const decoder = std::make_shared<BlockDecoder>(filters_);
-        return [&, decoder](std::size_t band) {
-            int const first = static_cast<int>(band) * bandRows_;
-            if (first != firstRow) inflateBand(*decoder, first, elements);
-        };
-    });
+    BlockDecoder decoder(filters_);
+    inflate(decoder, band, all);
 }
 
-// The stored bytes of a chunk; none when it was never written.
-struct OmxTable::StoredChunk {
-    std::vector<std::byte> bytes;
-    std::uint32_t skipped = 0;
-};
-
-OmxTable::StoredChunk OmxTable::storedChunk(int firstRow) const {
-    hdf5::Session const session;
-    std::array<hsize_t, 2> const start = {static_cast<hsize_t>(firstRow), 0};
-    unsigned skipped = 0;
-    haddr_t address = HADDR_UNDEF;
-    hsize_t size = 0;
-    StoredChunk chunk;
-    check(H5Dget_chunk_info_by_coord(dataset_.get(), start.data(), &skipped, &address, &size), "find a chunk");
-    if (address == HADDR_UNDEF) return chunk;
-    if (size > H5Dget_storage_size(dataset_.get())) throw std::runtime_error("a chunk is larger than the table");
-    chunk.bytes.resize(size);
-    check(H5Dread_chunk(dataset_.get(), H5P_DEFAULT, start.data(), &chunk.skipped, chunk.bytes.data()), "read a chunk");
-    return chunk;
+void OmxTable::readAllBut(std::optional<std::size_t> done, float* all) const {
+    if (ownCodec_)
+        return inflateAllBut(
+            done, bands(), filters_, [&](BlockDecoder& decoder, std::size_t band) { inflate(decoder, band, all); });
+    if (!done) return readRows(0, header_.rows, all);
+    int const first = bands().firstRow(*done);
+    readRows(0, first, all);
+    readRows(std::min(first + bandRows_, header_.rows), header_.rows, all);
 }
 
-void OmxTable::inflateBand(BlockDecoder& decoder, int firstRow, float* elements) const {
-    auto const chunk = storedChunk(firstRow);
-    if (chunk.bytes.empty()) return;
-    auto const columns = static_cast<std::size_t>(header_.columns);
-    auto const wholeSize = columns * static_cast<std::size_t>(bandRows_);
-    float* const target = elements + static_cast<std::size_t>(firstRow) * columns;
-    if (header_.rows - firstRow >= bandRows_) return decoder.decode(chunk.bytes, chunk.skipped, {target, wholeSize});
-    std::vector<float> whole(wholeSize);
-    decoder.decode(chunk.bytes, chunk.skipped, whole);
-    std::copy_n(whole.begin(), columns * static_cast<std::size_t>(header_.rows - firstRow), target);
+void OmxTable::inflate(BlockDecoder& decoder, std::size_t band, float* all) const {
+    auto const [bytes, skipped] = storedChunk(dataset_.get(), bands().firstRow(band));
+    inflateBand(decoder, bands(), band, bytes, skipped, all);
 }
 
 OmxReader::OmxReader(std::string const& path) {
@@ -244,6 +328,11 @@ OmxTable OmxReader::table(std::string const& name) const {
     Handle dataset(H5Dopen2(group.get(), name.c_str(), H5P_DEFAULT), H5Dclose, "open the table");
     check(H5Iinc_ref(file_.get()), "keep the file open");
     return OmxTable(Handle(file_.get(), H5Fclose, "keep the file open"), std::move(dataset));
+}
+
+hdf5::Provenance OmxReader::provenance() const {
+    hdf5::Session const session;
+    return hdf5::readProvenance(file_.get());
 }
 
 OmxTable OmxReader::onlyTable() const {

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "host/matrix/FileHeader.h"
-#include "host/matrix/OmxWriter.h"
+#include "host/hdf5/Hdf5.h"
+#include "host/matrix/BlockCodec.h"
+#include "host/matrix/FileIndex.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,32 +11,73 @@
 
 namespace cubes::matrix {
 
-class BlockDecoder;
+/// The names inside an OMX file: the first five are OMX's, the others our own.
+namespace omx {
+
+inline constexpr char version[] = "OMX_VERSION";
+inline constexpr char shape[] = "SHAPE";
+inline constexpr char tables[] = "data";
+inline constexpr char lookups[] = "lookup";
+inline constexpr char zones[] = "zone";
+
+inline constexpr char table[] = "matrix";
+inline constexpr char chunks[] = "cubes_chunks";
+inline constexpr char type[] = "cubes_type";
+inline constexpr char kind[] = "cubes_kind";
+inline constexpr char name[] = "cubes_name";
+inline constexpr char selectedLink[] = "cubes_selected_link";
+inline constexpr char content[] = "cubes_content";
+/// XXH3 (64 bits) of the elements, in files of the first version.
+inline constexpr char checksum[] = "cubes_checksum";
+
+}
+
+/// Where the bands of a matrix come from. Any number of threads may read.
+class BandSource {
+public:
+    BandSource() = default;
+    BandSource(BandSource const&) = delete;
+    BandSource& operator=(BandSource const&) = delete;
+    virtual ~BandSource() = default;
+
+    virtual Bands bands() const = 0;
+    /// Reads a band to its place among all elements. REQUIRES: the elements there are 0.
+    virtual void readBand(std::size_t band, float* all) const = 0;
+    /// Reads all bands but one, on all cores where the file allows that. REQUIRES: the elements read are 0.
+    virtual void readAllBut(std::optional<std::size_t> done, float* all) const = 0;
+
+protected:
+    BandSource(BandSource&&) = default;
+};
 
 /// One table of an OMX file, of whatever layout and numeric type. Keeps the file open.
-class OmxTable {
+class OmxTable : public BandSource {
 public:
     OmxTable(hdf5::Handle file, hdf5::Handle dataset);
 
     FileHeader const& header() const noexcept { return header_; }
-    /// The checksum recorded for the elements, if one is.
-    std::optional<std::uint64_t> checksum() const;
-    /// The number of rows that are best read together.
-    int bandRows() const noexcept { return bandRows_; }
-    /// Reads the band that begins with a row to its place among all `elements`. REQUIRES: `firstRow`
-    /// is a multiple of bandRows() and the elements there are 0.
-    void readBand(int firstRow, float* elements) const;
-    /// Reads all, on all cores where the file allows that. REQUIRES: all `elements` are 0.
-    void readAll(float* elements) const;
-    /// The same, leaving the band that begins with a row alone.
-    void readAllBut(int firstRow, float* elements) const;
+    /// Whether elements and zone numbers agree with the content id recorded for them, or the elements with the
+    /// checksum; nothing when neither is recorded.
+    std::optional<bool> isIntact() const;
+    /// Reads all. REQUIRES: all elements are 0.
+    void readAll(float* all) const { readAllBut(std::nullopt, all); }
+
+    Bands bands() const override { return {header_.rows, header_.columns, bandRows_}; }
+    void readBand(std::size_t band, float* all) const override;
+    void readAllBut(std::optional<std::size_t> done, float* all) const override;
 
 private:
-    struct StoredChunk;
+    // What the file says of its content, with the zone numbers that belong to it.
+    struct RecordedIds {
+        hdf5::Id128 content;
+        std::optional<std::uint64_t> checksum;
+        FileHeader header;
+    };
+
     void readLayout();
-    StoredChunk storedChunk(int firstRow) const;
-    void readRows(int first, int behind, float* elements) const;
-    void inflateBand(BlockDecoder& decoder, int firstRow, float* elements) const;
+    RecordedIds recordedIds() const;
+    void inflate(BlockDecoder& decoder, std::size_t band, float* all) const;
+    void readRows(int first, int behind, float* all) const;
 
     FileHeader header_;
     hdf5::Handle file_;
@@ -52,12 +94,15 @@ public:
     /// Throws hdf5::Error when it is no HDF5 file or is damaged.
     explicit OmxReader(std::string const& path);
 
+    /// The names of the two-dimensional datasets under /data, sorted.
     std::vector<std::string> tables() const;
+    /// The names of the one-dimensional datasets under /lookup, sorted.
     std::vector<std::string> lookups() const;
     /// Throws std::runtime_error when there is no such table or it is not a matrix of numbers.
     OmxTable table(std::string const& name) const;
     /// The table "matrix", else the only one.
     OmxTable onlyTable() const;
+    hdf5::Provenance provenance() const;
 
 private:
     hdf5::Handle file_;

@@ -1,7 +1,6 @@
 #include "host/matrix/OmxWriter.h"
 
-#include "host/matrix/FileIndex.h"
-#include "host/matrix/OmxNames.h"
+#include "host/matrix/OmxReader.h"
 #include "host/platform/NarrowText.h"
 
 #include <algorithm>
@@ -11,13 +10,14 @@ namespace cubes::matrix {
 
 using hdf5::check;
 using hdf5::Handle;
+using hdf5::writeText;
 
 namespace {
 
 constexpr hsize_t page = 4096;
 // Together they fit into the first two pages, in front of the elements.
 constexpr hsize_t structureBytes = 6000;
-constexpr hsize_t smallDataBytes = 1024;
+constexpr hsize_t smallDataBytes = 2048;
 
 Handle newProperties(hid_t kind) {
     return Handle(H5Pcreate(kind), H5Pclose, "prepare the structure");
@@ -45,14 +45,6 @@ void writeAttribute(hid_t object, char const* name, hid_t fileType, hid_t memory
     check(H5Awrite(attribute.get(), memoryType, value), "write an attribute");
 }
 
-void writeText(hid_t object, char const* name, std::string const& text) {
-    Handle const type(H5Tcopy(H5T_C_S1), H5Tclose, "prepare an attribute");
-    check(H5Tset_size(type.get(), std::max<std::size_t>(1, text.size())), "prepare an attribute");
-    check(H5Tset_strpad(type.get(), H5T_STR_NULLPAD), "prepare an attribute");
-    check(H5Tset_cset(type.get(), H5T_CSET_UTF8), "prepare an attribute");
-    writeAttribute(object, name, type.get(), type.get(), scalar().get(), text.c_str());
-}
-
 void writeNumber(hid_t object, char const* name, std::int32_t number) {
     writeAttribute(object, name, H5T_STD_I32LE, H5T_NATIVE_INT32, scalar().get(), &number);
 }
@@ -64,11 +56,12 @@ void markForPyTables(hid_t dataset, char const* kind, char const* version) {
     writeText(dataset, "TITLE", "");
 }
 
-Handle createFile(std::string const& path) {
+Handle createFile(std::string const& path, Filters filters) {
     Handle const access = hdf5::fileAccess();
     // The format of HDF5 1.8: the oldest whose structure has checksums.
     check(H5Pset_libver_bounds(access.get(), H5F_LIBVER_V18, H5F_LIBVER_V18), "choose the format");
-    check(H5Pset_alignment(access.get(), page, page), "align the elements");
+    // Filtered chunks follow each other, so that there is structure between them and nothing else.
+    if (filters == Filters::none) check(H5Pset_alignment(access.get(), page, page), "align the elements");
     check(H5Pset_meta_block_size(access.get(), structureBytes), "prepare the structure");
     check(H5Pset_small_data_block_size(access.get(), smallDataBytes), "prepare the structure");
     std::string const name = platform::toUtf8(path);
@@ -100,25 +93,27 @@ Handle createDataset(hid_t parent, std::string const& name, hid_t type, hid_t sp
 
 }
 
-OmxWriter::OmxWriter(std::string const& path, std::string const& table, FileHeader const& header, ChunkLayout layout) {
+OmxWriter::OmxWriter(std::string const& path, MatrixContent const& content, ChunkLayout layout) {
+    FileHeader const& header = content.header;
     hdf5::Session const session;
-    file_ = createFile(path);
-    writeText(file_.get(), omx::version, "0.2");
+    file_ = createFile(path, layout.filters);
+    recordOffset_ = writeBytes(hdf5::IndexRecord::dataset, std::vector<std::byte>(hdf5::IndexRecord::bytes));
+    writeText(file_.get(), omx::version, "0.2", hdf5::Encoding::ascii);
     std::array<hsize_t, 1> const two = {2};
     std::array<std::int32_t, 2> const shape = {header.rows, header.columns};
     writeAttribute(file_.get(), omx::shape, H5T_STD_I32LE, H5T_NATIVE_INT32, simple(two).get(), shape.data());
-    if (layout.filters == Filters::none) writeIndexPlace();
-    createTable(table, header, layout);
+    hdf5::writeProvenance(file_.get(), content.provenance);
+    createTable(content.table, header, layout);
     writeZones(header.zones);
 }
 
-void OmxWriter::writeIndexPlace() {
-    std::array<hsize_t, 1> const size = {FileIndex::bytes};
-    std::array<std::byte, FileIndex::bytes> const empty{};
-    Handle const place = createDataset(
-        file_.get(), omx::index, H5T_STD_U8LE, simple(size).get(), untimedProperties(H5P_DATASET_CREATE).get());
-    check(H5Dwrite(place.get(), H5T_STD_U8LE, H5S_ALL, H5S_ALL, H5P_DEFAULT, empty.data()), "write the index");
-    indexOffset_ = H5Dget_offset(place.get());
+// Writes bytes of ours as a dataset under "/" and gives their place.
+std::uint64_t OmxWriter::writeBytes(char const* name, std::span<std::byte const> bytes) {
+    std::array<hsize_t, 1> const size = {bytes.size()};
+    Handle const dataset =
+        createDataset(file_.get(), name, H5T_STD_U8LE, simple(size).get(), untimedProperties(H5P_DATASET_CREATE).get());
+    check(H5Dwrite(dataset.get(), H5T_STD_U8LE, H5S_ALL, H5S_ALL, H5P_DEFAULT, bytes.data()), "write bytes");
+    return H5Dget_offset(dataset.get());
 }
 
 void OmxWriter::createTable(std::string const& table, FileHeader const& header, ChunkLayout layout) {
@@ -148,7 +143,7 @@ void OmxWriter::writeZones(std::vector<std::int32_t> const& zones) {
     zonesOffset_ = H5Dget_offset(dataset.get());
 }
 
-std::uint64_t OmxWriter::chunkOffset(int firstRow) const {
+ChunkPlace OmxWriter::chunkPlace(int firstRow) const {
     hdf5::Session const session;
     std::array<hsize_t, 2> const start = {static_cast<hsize_t>(firstRow), 0};
     unsigned skipped = 0;
@@ -156,8 +151,8 @@ std::uint64_t OmxWriter::chunkOffset(int firstRow) const {
     hsize_t size = 0;
     check(
         H5Dget_chunk_info_by_coord(table_.get(), start.data(), &skipped, &address, &size), "learn where a chunk lies");
-    if (address == HADDR_UNDEF) throw hdf5::Error("learn where a chunk lies");
-    return address;
+    if (address == HADDR_UNDEF) return {};
+    return {address, size, skipped};
 }
 
 void OmxWriter::writeChunk(int firstRow, std::span<std::byte const> bytes) {
@@ -166,9 +161,14 @@ void OmxWriter::writeChunk(int firstRow, std::span<std::byte const> bytes) {
     check(H5Dwrite_chunk(table_.get(), H5P_DEFAULT, 0, start.data(), bytes.size(), bytes.data()), "write a chunk");
 }
 
-void OmxWriter::finish(std::uint64_t checksum) {
+std::uint64_t OmxWriter::writeChunkTable(std::vector<ChunkPlace> const& chunks) {
     hdf5::Session const session;
-    writeAttribute(table_.get(), omx::checksum, H5T_STD_U64LE, H5T_NATIVE_UINT64, scalar().get(), &checksum);
+    return writeBytes(omx::chunks, std::as_bytes(std::span(chunks)));
+}
+
+void OmxWriter::finish(hdf5::Id128 const& content) {
+    hdf5::Session const session;
+    writeText(table_.get(), omx::content, content.text(), hdf5::Encoding::ascii);
     table_.close("finish the table");
     file_.close("finish the file");
 }

@@ -1,11 +1,9 @@
 #include "host/matrix/SelectedLinkBody.h"
 
 #include "host/matrix/Failure.h"
-#include "host/matrix/MatrixFileWriter.h"
-#include "host/matrix/OmxNames.h"
 #include "host/platform/Files.h"
 
-#include <stdexcept>
+#include <utility>
 
 namespace cubes::matrix {
 
@@ -24,9 +22,7 @@ bool lies(int position, int count) {
 SelectedLinkBody::SelectedLinkBody(std::string file, TRkMatrixHeader const& header)
     : Body(std::move(file)), header_(header), elements_(std::make_unique<FileBody>(this->file(), zeros(header))),
       isNew_(true), hasFile_(false) {
-    if (this->file().empty()) return;
-    if (platform::isDirectory(this->file())) throw std::runtime_error("it is a directory");
-    temporary_ = std::make_unique<platform::TemporaryFile>(this->file());
+    if (!this->file().empty()) staged_.emplace(this->file());
 }
 
 SelectedLinkBody::SelectedLinkBody(std::string file, TRkMatrixHeader const& header, OpenedFile opened)
@@ -51,11 +47,12 @@ void SelectedLinkBody::Flush() const {
 
 void SelectedLinkBody::publish() const {
     describingFailure("cannot write matrix file", file(), [&] {
-        auto temporary = std::move(temporary_);
-        if (!temporary) temporary = std::make_unique<platform::TemporaryFile>(file());
+        StagedFile staged = staged_ ? std::move(*staged_) : StagedFile(file());
+        staged_.reset();
         FileHeader header = fileHeader(header_);
         header.selectedLink = true;
-        writeMatrixFile(*temporary, file(), omx::table, header, elements_->all());
+        staged.write({.header = std::move(header), .elements = elements_->all()});
+        staged.publish();
     });
     hasFile_ = true;
     isChanged_ = false;
@@ -65,6 +62,11 @@ void SelectedLinkBody::publish() const {
 float* SelectedLinkBody::writableRow(int row) {
     if (isNew_) isChanged_ = true;
     return elements_->row(row);
+}
+
+float* SelectedLinkBody::writableAll() {
+    if (isNew_) isChanged_ = true;
+    return elements_->all();
 }
 
 void SelectedLinkBody::assign(TRkMatrixHeader const& header, float const* elements) {

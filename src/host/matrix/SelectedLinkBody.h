@@ -1,11 +1,11 @@
 #pragma once
 
 #include "host/matrix/Body.h"
-#include "host/platform/TemporaryFile.h"
 
 #include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace cubes::matrix {
@@ -25,6 +25,7 @@ public:
     float* row(int row) override { return elements_->row(row); }
     float* writableRow(int row) override;
     float* all() override { return elements_->all(); }
+    float* writableAll() override;
     void assign(TRkMatrixHeader const& header, float const* elements) override;
     bool release() override;
     void finish(TRkMatrixHeader const& header) override;
@@ -35,7 +36,7 @@ private:
     TRkMatrixHeader const& header_;
     std::unique_ptr<FileBody> elements_;
     // Made beforehand for a new file; gone with the first attempt to write it.
-    mutable std::unique_ptr<platform::TemporaryFile> temporary_;
+    mutable std::optional<StagedFile> staged_;
     bool isNew_;
     mutable bool hasFile_;
     mutable bool isChanged_ = false;

@@ -2,12 +2,14 @@
 
 #include "host/matrix/Body.h"
 #include "host/matrix/Failure.h"
-#include "host/matrix/NewFileBody.h"
 #include "host/matrix/SelectedLinkBody.h"
 #include "host/matrix/WriteLock.h"
 #include "host/platform/NarrowText.h"
 
+#include <algorithm>
+#include <numeric>
 #include <optional>
+#include <utility>
 
 using cubes::matrix::describingFailure;
 using cubes::matrix::FileBody;
@@ -26,6 +28,8 @@ struct TRkMatrix::State {
     // Given up last: what the body finishes at its end is written under the lock.
     std::optional<WriteLock> writeLock;
     std::unique_ptr<cubes::matrix::Body> body;
+    // The positions in the order of their zone numbers; made by the first search.
+    mutable std::vector<int> byZone;
 
     void takeLock(WriteLock::Purpose purpose) {
         if (lock & lsWrite) writeLock.emplace(file, purpose);
@@ -63,7 +67,32 @@ struct TRkMatrix::State {
                 file);
         return usable;
     }
+    std::size_t rowSize() const { return static_cast<std::size_t>(header.Columns()); }
+    std::size_t size() const { return static_cast<std::size_t>(header.Rows()) * rowSize(); }
+    void setZones(std::vector<std::int32_t> zones) {
+        header.zones_ = std::move(zones);
+        byZone.clear();
+    }
+    int positionOf(int zone, int count) const;
+    void sortZones() const;
 };
+
+void TRkMatrix::State::sortZones() const {
+    byZone.resize(header.Zones().size());
+    std::iota(byZone.begin(), byZone.end(), 0);
+    std::ranges::stable_sort(
+        byZone, {}, [&](int position) { return header.Zones()[static_cast<std::size_t>(position)]; });
+}
+
+// The first row or column of `count` that has a zone number, or -1; without zone numbers they count from 1.
+int TRkMatrix::State::positionOf(int zone, int count) const {
+    auto const& zones = header.Zones();
+    if (zones.empty()) return zone >= 1 && zone <= count ? zone - 1 : -1;
+    if (byZone.empty()) sortZones();
+    auto const numberAt = [&](int position) { return zones[static_cast<std::size_t>(position)]; };
+    auto const found = std::ranges::lower_bound(byZone, zone, {}, numberAt);
+    return found != byZone.end() && numberAt(*found) == zone ? *found : -1;
+}
 
 namespace {
 
@@ -75,7 +104,30 @@ State& required(std::unique_ptr<State> const& state) {
     return *state;
 }
 
+std::string whyNoZone(TRkMatrixHeader const& header, int zone, int count) {
+    std::string const missing = "there is no zone " + std::to_string(zone);
+    auto const& zones = header.Zones();
+    if (zones.empty())
+        return missing + "; the matrix has no zone numbers, so they count from 1 to " + std::to_string(count);
+    auto const [lowest, highest] = std::ranges::minmax(zones);
+    return missing + "; zone numbers run from " + std::to_string(lowest) + " to " + std::to_string(highest);
 }
+
+}
+
+TRkBaseMatrix::~TRkBaseMatrix() = default;
+
+TRkVLSelectedLinkMatrix::~TRkVLSelectedLinkMatrix() = default;
+
+TRkMatrixException::TRkMatrixException(std::string const& message, std::string file)
+    : TRkException(message.c_str(), 0), file_(std::move(file)) {}
+
+TRkMatrixException::TRkMatrixException(TRkMatrixException const&) = default;
+TRkMatrixException& TRkMatrixException::operator=(TRkMatrixException const&) = default;
+TRkMatrixException::~TRkMatrixException() = default;
+
+TRkMatrixHeader::TRkMatrixHeader(int rows, int columns, RkMatrixType type, RkMatrixKind kind)
+    : rows_(rows), columns_(columns), type_(type), kind_(kind) {}
 
 TRkMatrix::TRkMatrix() = default;
 
@@ -169,8 +221,8 @@ void TRkMatrix::AssignFrom(TRkMatrix const& source) {
     if (source.Rows() != Rows() || source.Columns() != Columns())
         throw TRkMatrixException("cannot assign a matrix of other dimensions", FileName());
     try {
-        state_->header.zones_ = source.Zones();
-        state_->body->assign(state_->header, source.Elements());
+        state_->setZones(source.Zones());
+        state_->body->assign(state_->header, source.Elements().data());
     } catch (std::exception const& error) {
         state_->fail(error.what());
     }
@@ -192,13 +244,47 @@ float const* TRkMatrix::RowAt(int row, int) const {
     return required(state_).bodyWithRow(row).row(row);
 }
 
-float const* TRkMatrix::Elements() const {
-    return required(state_).usableBody().all();
+std::span<float const> TRkMatrix::Elements() const {
+    State const& state = required(state_);
+    return {state.usableBody().all(), state.size()};
+}
+
+std::span<float> TRkMatrix::WritableElements() {
+    State const& state = required(state_);
+    return {state.usableBody().writableAll(), state.size()};
+}
+
+std::span<float const> TRkMatrix::Row(int row) const {
+    State const& state = required(state_);
+    return {state.bodyWithRow(row).row(row), state.rowSize()};
+}
+
+std::span<float> TRkMatrix::WritableRow(int row) {
+    State const& state = required(state_);
+    return {state.bodyWithRow(row).writableRow(row), state.rowSize()};
+}
+
+float TRkMatrix::At(int originZone, int destinationZone) const {
+    State const& state = required(state_);
+    state.usableBody();
+    int const row = state.positionOf(originZone, Rows());
+    int const column = state.positionOf(destinationZone, Columns());
+    if (row >= 0 && column >= 0) return Row(row)[static_cast<std::size_t>(column)];
+    std::string const why =
+        row < 0 ? whyNoZone(Header(), originZone, Rows()) : whyNoZone(Header(), destinationZone, Columns());
+    std::string const file = state.file.empty() ? "" : " in " + state.file;
+    throw TRkMatrixException("cannot read OD pair " + std::to_string(originZone) + ", " +
+                                 std::to_string(destinationZone) + file + ": " + why,
+        state.file);
 }
 
 void TRkMatrix::Release() {
     if (!IsValid()) return;
     if (state_->body->release()) state_->writeLock.reset();
+}
+
+void cubes::matrix::dropZones(TRkMatrix& matrix) {
+    if (matrix.state_) matrix.state_->setZones({});
 }
 
 void TRkMatrix::Prepare() const {}
@@ -246,7 +332,7 @@ void TRkMatrix::SetZones(std::vector<std::int32_t> zones) {
         throw TRkMatrixException("cannot give " + std::to_string(zones.size()) + " zone numbers to a matrix of " +
                                      std::to_string(Rows()) + " x " + std::to_string(Columns()) + " elements",
             FileName());
-    required(state_).header.zones_ = std::move(zones);
+    required(state_).setZones(std::move(zones));
 }
 
 TRkBaseMatrix const* TRkMatrix::Body() const noexcept {

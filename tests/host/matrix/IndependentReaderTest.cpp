@@ -1,7 +1,8 @@
 #include "host/matrix/Samples.h"
 
 #include "host/matrix/FileIndex.h"
-#include "host/matrix/PlainStorage.h"
+#include "host/matrix/MatrixFileWriter.h"
+#include "host/matrix/StagedFile.h"
 #include "host/platform/FileView.h"
 #include "host/platform/NarrowText.h"
 #include "support/Process.h"
@@ -17,6 +18,7 @@
 #include <limits>
 
 using namespace cubes::test;
+using namespace std::string_literals;
 
 namespace {
 
@@ -78,11 +80,11 @@ print(f.attrs['OMX_VERSION'].decode(), f.attrs['SHAPE'].tolist(), f.attrs['SHAPE
 print(sorted(f['data']), sorted(f['lookup']), d.dtype.str, d.chunks is not None)
 print(f['lookup/zone'].dtype, f['lookup/zone'][:3].tolist(), len(f['lookup/zone']))
 print(d.attrs['CLASS'].decode(), d.attrs['cubes_type'], d.attrs['cubes_kind'], d.attrs['cubes_name'].decode())
-print(d.attrs['cubes_checksum'].dtype)
+print(len(d.attrs['cubes_content']), 'cubes_checksum' in d.attrs)
 )",
                   file),
         "0.2 [50, 50] int32\n['matrix'] ['zone'] <f4 True\nint32 [1000, 999, 998] 50\n"
-        "CARRAY 23 6 Base [1,2,3,4]\nuint64\n");
+        "CARRAY 23 6 Base [1,2,3,4]\n32 False\n");
 }
 
 TEST_P(EachStorageRead, h5pyReadsANameOfAnyLetters) {
@@ -109,11 +111,11 @@ import tables
 f = tables.open_file(file)
 for node in f.walk_nodes(): node._v_attrs._f_list('all')
 print([n.name for n in f.list_nodes(f.root.data, 'CArray')], [n.name for n in f.list_nodes(f.root.lookup)])
-print(f.root._v_attrs['SHAPE'].tolist(), str(f.root._v_attrs['OMX_VERSION']), f.root.data.matrix[3, 4] > 5)
+print(f.root._v_attrs['SHAPE'].tolist(), f.root._v_attrs['OMX_VERSION'], f.root.data.matrix[3, 4] > 5)
 f.close()
 )",
                   file),
-        "['matrix'] ['zone']\n[50, 50] 0.2 True\n");
+        "['matrix'] ['zone']\n[50, 50] b'0.2' True\n");
 }
 
 TEST_P(EachStorageRead, aMatrixOfZerosIsReadAsZeros) {
@@ -181,16 +183,21 @@ TEST(PlainStorage, isLaidOutAsTheDocumentationShows) {
         target.AssignFrom(source);
     }
     std::string const bytes = readFile(file);
-    ASSERT_EQ(bytes.size(), 0x1988u);
-    EXPECT_EQ(bytes.substr(0x1770, 8), "CUBEIDX1");
-    EXPECT_EQ(bytes.substr(0x1780, 64), std::string("\x88\x19\0\0\0\0\0\0\x70\x19\0\0\0\0\0\0"
-                                                    "\x80\x19\0\0\0\0\0\0\x02\0\0\0\x02\0\0\0"
-                                                    "\x07\0\0\0\0\0\0\0\x0e\0\0\0\0\0\0\0"
-                                                    "Base [1,2,3,4]\0\0",
-                                            64));
-    EXPECT_EQ(bytes.substr(0x1970), std::string("\0\0\x80\x3f\0\0\x20\xc0\xcd\xcc\xcc\x3d\0\0\0\0"
-                                                "\x65\0\0\0\x66\0\0\0",
-                                        24));
+    ASSERT_EQ(bytes.size(), 0x1b88u);
+    EXPECT_EQ(bytes.substr(0x1770, 8), "CUBEIDX2");
+    // Version, kind of file, content id; no provenance, directory, key and cube.
+    EXPECT_EQ(bytes.substr(0x1780, 24), "\x01\0\0\0\x01\0\0\0"
+                                        "\xd8\x88\xdd\x5b\x42\x03\x46\xeb\xe4\xbe\xf5\x04\x5f\x47\x96\xd5"s);
+    EXPECT_EQ(bytes.substr(0x1798, 264), std::string(264, '\0'));
+    // Size of the file; rows, columns, type, kind, flags, storage, rows of a chunk, length of the name; places.
+    EXPECT_EQ(bytes.substr(0x18a8, 88), "\x88\x1b\0\0\0\0\0\0"
+                                        "\x02\0\0\0\x02\0\0\0\x07\0\0\0\0\0\0\0"
+                                        "\0\0\0\0\x01\0\0\0\x02\0\0\0\x0e\0\0\0"
+                                        "\x70\x1b\0\0\0\0\0\0\x10\0\0\0\0\0\0\0"
+                                        "\0\0\0\0\0\0\0\0\x80\x1b\0\0\0\0\0\0"
+                                        "Base [1,2,3,4]\0\0"s);
+    EXPECT_EQ(bytes.substr(0x1b70), "\0\0\x80\x3f\0\0\x20\xc0\xcd\xcc\xcc\x3d\0\0\0\0"
+                                    "\x65\0\0\0\x66\0\0\0"s);
 }
 
 TEST(PlainStorage, hasAnIndexThatAgreesWithHdf5) {
@@ -204,8 +211,8 @@ TEST(PlainStorage, hasAnIndexThatAgreesWithHdf5) {
         auto const view = cubes::platform::FileView::open(file);
         auto const index = cubes::matrix::findIndex(view.bytes());
         ASSERT_TRUE(index) << size;
-        ours += std::to_string(index->places.elements) + " " + std::to_string(index->places.zones) + " " +
-                std::to_string(index->places.index) + "\n";
+        ours += std::to_string(index->places.elements.offset) + " " + std::to_string(index->places.zones) + " " +
+                std::to_string(cubes::hdf5::findRecord(view.bytes())->offset) + "\n";
     }
     EXPECT_EQ(python(R"(
 for size in (1, 5, 31, 32, 33, 500, 1200):
@@ -237,7 +244,8 @@ TEST(PlainStorage, matricesBeyondTheChunkLimitLieInOnePieceAllTheSame) {
     TRkMatrix const matrix = numbered(2500, 7);
     {
         auto target = cubes::platform::File::createNew(file);
-        cubes::matrix::writePlainInChunks(target, "matrix", {2500, 7, {}, {}, "", {}}, matrix.RowAt(0, 0), 40000);
+        cubes::matrix::writePlainInChunks(
+            target, {.header = {2500, 7, {}, {}, "", {}, false}, .elements = matrix.Elements().data()}, 40000);
     }
     EXPECT_EQ(python("d = h5py.File(file)['data/matrix']\nprint(d.chunks, d.id.get_num_chunks(), d[2499, 6])", file),
         "(1024, 7) 3 2499006.0\n");
@@ -265,18 +273,20 @@ TEST(DeflateStorage, isSmallAndLeavesZerosOut) {
     EXPECT_LT(std::filesystem::file_size(directory.file("dense.omx")), 600000u);
 }
 
-TEST(MatrixFile, theChecksumIsThatOfTheElementsBytes) {
+TEST(MatrixFile, theContentIdIsThatOfShapeElementsAndZones) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     for (auto storage : {cubes::Storage::plain, cubes::Storage::deflate}) {
         cubes::setMatrixStorage(directory.str(), {storage, cubes::Durability::process});
-        // XXH3 (64 bits) of the 8 bytes 00 00 80 3f 00 00 00 40.
+        // XXH3 (128 bits) of 01 00 00 00, 02 00 00 00, 00 00 80 3f, 00 00 00 40.
         TRkMatrix matrix = TRkMatrix::inMemory(1, 2);
         matrix.RowAt(0, 0)[0] = 1;
         matrix.RowAt(0, 0)[1] = 2;
         ASSERT_TRUE(save(matrix, file));
-        EXPECT_EQ(python("print('%016x' % h5py.File(file)['data/matrix'].attrs['cubes_checksum'])", file),
-            "4de8d78f7134f4b7\n");
+        constexpr char expected[] = "6065809c5600cff08d99a95d1883a628";
+        EXPECT_EQ(python("print(h5py.File(file)['data/matrix'].attrs['cubes_content'].decode('ascii'))", file),
+            std::string(expected) + "\n");
+        EXPECT_EQ(cubes::matrix::readOrigin(file)->content.text(), expected);
         EXPECT_TRUE(cubes::OmxFile::open(file).isIntact("matrix"));
     }
 }

@@ -1,0 +1,164 @@
+#include "host/matrix/StagedFile.h"
+
+#include "host/matrix/Failure.h"
+#include "host/matrix/MatrixFileWriter.h"
+#include "host/matrix/OmxReader.h"
+#include "host/platform/CopyContent.h"
+#include "host/platform/Files.h"
+#include "host/platform/NarrowText.h"
+#include "host/platform/Paths.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <random>
+#include <stdexcept>
+#include <system_error>
+#include <vector>
+
+namespace cubes::matrix {
+
+namespace {
+
+constexpr char identityName[] = "cubes-id";
+constexpr std::size_t identityDigits = 32;
+
+template <typename Work>
+void writing(std::string const& target, Work const& work) {
+    describingFailure("cannot write matrix file", target, work);
+}
+
+std::string const& fileTarget(std::string const& target) {
+    if (target.empty()) throw std::runtime_error("there is no file name");
+    if (platform::isDirectory(target)) throw std::runtime_error("it is a directory");
+    return target;
+}
+
+void requireComplete(platform::File const& file) {
+    auto const written = hdf5::findRecord(file);
+    if (!written || written->record.fileSize != file.size())
+        throw std::runtime_error("the file is not complete after writing");
+}
+
+std::string identityPath(std::string const& directory) {
+    return platform::fromPath(platform::toPath(directory) / identityName);
+}
+
+Id128 randomIdentity() {
+    std::random_device device;
+    Id128 id;
+    for (auto& byte : id.bytes) byte = static_cast<std::uint8_t>(device());
+    return id;
+}
+
+// Nothing when there is no file that can be read; unknown when it holds something else.
+std::optional<Id128> readIdentity(std::string const& path) {
+    if (!platform::exists(path)) return std::nullopt;
+    try {
+        auto const file = platform::File::openForReading(path);
+        std::string text(std::min<std::size_t>(file.size(), identityDigits + 1), '\0');
+        file.readAt(0, std::as_writable_bytes(std::span(text)));
+        bool const endsThere = file.size() == identityDigits || (text.size() > identityDigits && text.back() == '\n');
+        return endsThere ? Id128::parse(text.substr(0, identityDigits)).value_or(Id128{}) : Id128{};
+    } catch (std::system_error const&) {
+        return Id128{};
+    }
+}
+
+// A hard link gives the complete file its name only where none is: of several that try, one succeeds.
+void makeIdentity(std::string const& path) {
+    std::string const text = randomIdentity().text() + "\n";
+    try {
+        platform::TemporaryFile temporary(path);
+        temporary.file().writeAt(0, std::as_bytes(std::span(text)));
+        temporary.file().flush();
+        std::error_code taken;
+        std::filesystem::create_hard_link(platform::toPath(temporary.path()), platform::toPath(path), taken);
+        if (!taken) platform::flushDirectory(platform::directoryOf(path));
+    } catch (std::system_error const&) {
+        // Nothing can be written there: the identity stays unknown.
+    }
+}
+
+}
+
+StagedFile::StagedFile(std::string const& target)
+    : temporary_(std::make_unique<platform::TemporaryFile>(fileTarget(target))) {}
+
+void StagedFile::write(MatrixContent const& content) {
+    writing(target(), [&] {
+        platform::File& file = temporary_->file();
+        writeMatrixFile(file, content, matrixStorage(platform::directoryOf(target())).storage);
+        requireComplete(file);
+        flush();
+    });
+}
+
+void StagedFile::copy(std::string const& source) {
+    writing(target(), [&] {
+        platform::copyContent(source, temporary_->file());
+        flush();
+    });
+}
+
+void StagedFile::copy(std::string const& source, FileStamp const& stamp) {
+    writing(target(), [&] {
+        platform::copyContent(source, temporary_->file());
+        hdf5::restamp(temporary_->file(), stamp);
+        flush();
+    });
+}
+
+void StagedFile::flush() {
+    if (isToBeFlushed(target())) temporary_->file().flush();
+}
+
+void StagedFile::publish() {
+    writing(target(), [&] {
+        temporary_->publish();
+        if (isToBeFlushed(target())) platform::flushDirectory(platform::directoryOf(target()));
+    });
+}
+
+void replaceMatrixFile(std::string const& target, MatrixContent const& content) {
+    writing(target, [&] {
+        StagedFile staged(target);
+        staged.write(content);
+        staged.publish();
+    });
+}
+
+FileHeader fileHeader(TRkMatrixHeader const& header) {
+    return {header.Rows(), header.Columns(), header.Type(), static_cast<RkMatrixKind>(header.Kind()),
+        platform::toUtf8(header.Name().str()), header.Zones(), false};
+}
+
+bool isToBeFlushed(std::string const& path) {
+    return matrixStorage(platform::directoryOf(path)).durability == Durability::full;
+}
+
+std::optional<RecordedOrigin> readOrigin(std::string const& path) {
+    auto const found = hdf5::findRecord(platform::File::openForReading(path));
+    if (!found) return std::nullopt;
+    return RecordedOrigin{found->record.stamp, found->record.content};
+}
+
+Provenance readProvenance(std::string const& path) {
+    return describingFailure("cannot read matrix file", path, [&]() -> Provenance {
+        auto const found = hdf5::findRecord(platform::File::openForReading(path));
+        if (!found || !found->record.provenance.isKnown()) return {};
+        return OmxReader(path).provenance();
+    });
+}
+
+Id128 directoryIdentity(std::string const& directory) {
+    std::string const path = identityPath(directory);
+    if (auto const known = readIdentity(path)) return *known;
+    makeIdentity(path);
+    return readIdentity(path).value_or(Id128{});
+}
+
+bool isIdentityName(std::string const& name) {
+    return name == identityName;
+}
+
+}

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "host/matrix/OmxWriter.h"
+#include "host/platform/TemporaryFile.h"
+
+#include <cubes/matrix/TRkMatrixHeader.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace cubes::matrix {
+
+using hdf5::FileStamp;
+using hdf5::Id128;
+using hdf5::Provenance;
+
+/// A matrix file in the making: it lies complete beside its target, flushed as the rule of that directory asks, until
+/// it replaces the target in one step. Writing and publishing are separate, so that a database row can be changed in
+/// between. What is not published is removed. Movable.
+///
+/// What fails throws TRkMatrixException ("cannot write matrix file <target>: ..."); the target is then as before.
+class StagedFile {
+public:
+    /// Makes the empty file, so that a place where nothing can be written is known at once. Throws std::system_error,
+    /// or std::runtime_error where the target has no name or is a directory.
+    explicit StagedFile(std::string const& target);
+
+    /// Writes a matrix, plain or deflate as the rule of the directory says.
+    void write(MatrixContent const& content);
+    /// Copies a matrix file byte by byte.
+    void copy(std::string const& source);
+    /// Copies a matrix file and gives the copy another stamp; a file without an index record stays without one. The
+    /// provenance is that of the source.
+    void copy(std::string const& source, FileStamp const& stamp);
+    /// Replaces the target and flushes its directory as the rule asks.
+    void publish();
+
+    std::string const& target() const noexcept { return temporary_->target(); }
+
+private:
+    void flush();
+
+    std::unique_ptr<platform::TemporaryFile> temporary_;
+};
+
+/// Writes a matrix file and puts it in place. Throws like StagedFile.
+void replaceMatrixFile(std::string const& target, MatrixContent const& content);
+
+/// The header of a matrix as its file keeps it.
+FileHeader fileHeader(TRkMatrixHeader const& header);
+
+/// Whether the rule of a file's directory asks that the file survives a power failure.
+bool isToBeFlushed(std::string const& path);
+
+/// What the index record of a matrix or route file says of its origin.
+struct RecordedOrigin {
+    FileStamp stamp;
+    Id128 content;
+};
+
+/// Reads the record without HDF5; nothing for a file without a valid one. Throws std::system_error when the file
+/// cannot be read.
+std::optional<RecordedOrigin> readOrigin(std::string const& path);
+
+/// Reads the provenance; empty when none is recorded. Throws TRkMatrixException.
+Provenance readProvenance(std::string const& path);
+
+/// The identity of a directory of matrix files: the 32 hexadecimal digits in its file "cubes-id", which is made when
+/// it is missing. Any number of threads and processes that ask at once get the same. Unknown in a directory that cannot
+/// be written to, and for a file with another content; never throws for those.
+Id128 directoryIdentity(std::string const& directory);
+
+/// Whether a file of this name (without directory) holds the identity of its directory.
+bool isIdentityName(std::string const& name);
+
+}
