@@ -14,7 +14,8 @@ namespace Pgaccess {
 /// An open connection to a project's database: an embedded SQLite file or a PostgreSQL server.
 ///
 /// Neither copyable nor movable: cursors and catalogues hold it by pointer and never own it. It
-/// must outlive them. One thread at a time may use a connection and what works through it.
+/// must outlive them. Any number of threads may use a connection and what works through it; their
+/// operations run one after the other.
 ///
 /// A lost server is reported by the operation that notices, as a TRkDatabaseException that names
 /// the server; the next operation connects again, so that the object serves on once the server is back.

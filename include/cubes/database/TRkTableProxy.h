@@ -6,7 +6,9 @@
 #include <cubes/database/Value.h>
 #include <cubes/text/TRkString.h>
 
+#include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,6 +20,7 @@ class TPgConnection;
 namespace cubes::database {
 class Cursor;
 class ExclusiveAccess;
+struct LockedCursor;
 }
 
 namespace Rktable {
@@ -45,6 +48,10 @@ struct AliasProperty {
 ///
 /// All operations but the constructor and the name accessors throw TRkDatabaseException when the
 /// database refuses, or when the cursor is not open. Not copyable; shared through CountedPtr.
+///
+/// Different cursors of one connection may be used by different threads; the connection runs their
+/// operations one after the other. A cursor that two threads use at once moves and changes under
+/// both, but stays intact.
 class CUBES_API TRkTableProxy {
 public:
     /// A cursor, neither connected nor open, on `table` in `schema` (empty: no schema in front).
@@ -106,12 +113,13 @@ public:
 
 private:
     friend class cubes::database::ExclusiveAccess;
-    cubes::database::Cursor& cursor() const;
+    std::unique_lock<std::recursive_mutex> lock() const;
+    cubes::database::LockedCursor cursor() const;
 
     std::string table_;
     std::string schema_;
     std::string alias_;
-    Pgaccess::TPgConnection* connection_ = nullptr;
+    std::atomic<Pgaccess::TPgConnection*> connection_ = nullptr;
     std::unique_ptr<cubes::database::Cursor> cursor_;
 };
 

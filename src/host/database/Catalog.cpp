@@ -7,6 +7,7 @@
 namespace cubes::database {
 
 std::shared_ptr<KnownTable> Catalog::find(std::string_view schema, std::string_view name) {
+    auto const held = session_.lock();
     for (auto const& table : tables_)
         if (table->description().name == name && table->description().schema == schema) return table;
     auto description = session_.describe(std::string(schema), std::string(name));
@@ -14,22 +15,25 @@ std::shared_ptr<KnownTable> Catalog::find(std::string_view schema, std::string_v
     return tables_.emplace_back(std::make_shared<KnownTable>(session_, std::move(*description)));
 }
 
-std::vector<std::shared_ptr<KnownTable>> const& Catalog::dataTables(std::string_view schema, std::string_view object) {
-    static std::vector<std::shared_ptr<KnownTable>> const none;
+std::vector<std::shared_ptr<KnownTable>> Catalog::dataTables(std::string_view schema, std::string_view object) {
+    auto const held = session_.lock();
     for (auto const& known : dataTables_)
         if (known.schema == schema && known.object == object) return known.tables;
     DataTables found{std::string(schema), std::string(object), {}};
     for (char const* const kind : {"4data1", "5data1"})
         if (auto table = find(schema, found.object + kind)) found.tables.push_back(std::move(table));
-    return found.tables.empty() ? none : dataTables_.emplace_back(std::move(found)).tables;
+    if (found.tables.empty()) return {};
+    return dataTables_.emplace_back(std::move(found)).tables;
 }
 
 void Catalog::forget(KnownTable const& table) {
+    auto const held = session_.lock();
     std::erase_if(tables_, [&table](auto const& known) { return known.get() == &table; });
     dataTables_.clear();
 }
 
 void Catalog::forgetAll() {
+    auto const held = session_.lock();
     dataTables_.clear();
     tables_.clear();
 }

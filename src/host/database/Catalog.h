@@ -12,7 +12,7 @@ namespace cubes::database {
 class Session;
 
 /// The tables that a connection has met. Each is described once and remembered until it is
-/// forgotten; a table that is not there is asked for again each time.
+/// forgotten; a table that is not there is asked for again each time. Any thread may use it.
 class Catalog {
 public:
     explicit Catalog(Session& session) : session_(session) {}
@@ -21,7 +21,7 @@ public:
     std::shared_ptr<KnownTable> find(std::string_view schema, std::string_view name);
     /// The data tables of an object in a schema, those that are there. Once there are any, the
     /// list is remembered, so that one that is not there costs no question at each use.
-    std::vector<std::shared_ptr<KnownTable>> const& dataTables(std::string_view schema, std::string_view object);
+    std::vector<std::shared_ptr<KnownTable>> dataTables(std::string_view schema, std::string_view object);
     void forget(KnownTable const& table);
     void forgetAll();
 

@@ -26,6 +26,20 @@ bool doubtsTheTable(std::string const& sqlState) {
 
 }
 
+void Cursor::open(std::shared_ptr<KnownTable> table) {
+    if (table_ != table) fields_.clear();
+    table_ = std::move(table);
+    isOpen_ = true;
+    filter({});
+}
+
+void Cursor::close() {
+    isOpen_ = false;
+    goTo(Place::atEnd);
+    row_ = {};
+    batch_ = {};
+}
+
 std::size_t Cursor::run(Statement& statement, std::span<Value const> values, Cells& cells) {
     try {
         return statement.run(values, cells);

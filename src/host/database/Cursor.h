@@ -7,6 +7,7 @@
 #include <cubes/database/TRkTableProxy.h>
 
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -17,10 +18,18 @@ namespace cubes::database {
 
 class Session;
 
-/// An open cursor: where it stands in its table, and the row being changed.
+/// A cursor: where it stands in its table, and the row being changed. REQUIRES of every operation:
+/// the caller holds the session's lock.
 class Cursor {
 public:
+    /// Open.
     Cursor(Session& session, std::shared_ptr<KnownTable> table) : session_(session), table_(std::move(table)) {}
+
+    bool isOpen() const noexcept { return isOpen_; }
+    /// Opens it anew, on that table.
+    void open(std::shared_ptr<KnownTable> table);
+    /// Releases the rows. Fields that other threads may still hold remain and stand on no row.
+    void close();
 
     Session& session() const noexcept { return session_; }
     KnownTable const& table() const noexcept { return *table_; }
@@ -71,6 +80,7 @@ private:
 
     Session& session_;
     std::shared_ptr<KnownTable> table_;
+    bool isOpen_ = true;
     std::vector<Rktable::TRkField> fields_;
     std::string filter_;
 
@@ -86,6 +96,14 @@ private:
     Change change_ = Change::none;
     std::vector<Value> draft_;
     std::vector<bool> isSet_;
+};
+
+/// An open cursor that no other thread uses meanwhile.
+struct LockedCursor {
+    std::unique_lock<std::recursive_mutex> lock;
+    Cursor& cursor;
+
+    Cursor* operator->() const noexcept { return &cursor; }
 };
 
 }

@@ -58,6 +58,7 @@ bool isMissing(Definition const& definition, Session& session) {
 }
 
 void makeMissingTables(Session& session, std::string const& schema) {
+    auto const held = session.lock();
     auto const wanted = definitions(schema);
     auto const missing = [&session](Definition const& definition) { return isMissing(definition, session); };
     auto const makeMissing = [&] {

@@ -14,7 +14,9 @@ std::string beginExclusive(Cursor const& cursor) {
 
 }
 
-ExclusiveAccess::ExclusiveAccess(Rktable::TRkTableProxy& table)
-    : transaction_(table.cursor().session(), beginExclusive(table.cursor())) {}
+ExclusiveAccess::ExclusiveAccess(Rktable::TRkTableProxy& table) : ExclusiveAccess(table.cursor()) {}
+
+ExclusiveAccess::ExclusiveAccess(LockedCursor const& cursor)
+    : transaction_(cursor->session(), beginExclusive(cursor.cursor)) {}
 
 }

@@ -8,6 +8,8 @@ class TRkTableProxy;
 
 namespace cubes::database {
 
+struct LockedCursor;
+
 /// Keeps all others from writing to a table until it is committed or goes out of scope, which
 /// gives up what was done meanwhile. Others that read are not disturbed; others that write wait.
 /// What was read before may have changed since: read what matters inside. Does not nest.
@@ -20,6 +22,8 @@ public:
     void commit() { transaction_.commit(); }
 
 private:
+    explicit ExclusiveAccess(LockedCursor const& cursor);
+
     Transaction transaction_;
 };
 

@@ -29,6 +29,7 @@ std::unique_ptr<Session> Session::open(std::string const& url) {
 }
 
 void Session::begin(std::string const& sql) {
+    auto const held = lock();
     if (inTransaction_) throw TRkDatabaseException(url_ + ": a transaction is under way already", "25001", sql);
     try {
         execute(sql);
@@ -40,6 +41,7 @@ void Session::begin(std::string const& sql) {
 }
 
 void Session::commit() {
+    auto const held = lock();
     try {
         execute("COMMIT");
         inTransaction_ = false;
@@ -50,6 +52,7 @@ void Session::commit() {
 }
 
 void Session::rollback() noexcept {
+    auto const held = lock();
     if (inTransaction_) giveUp();
     inTransaction_ = false;
 }

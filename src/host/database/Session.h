@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,7 +16,8 @@ namespace cubes::database {
 /// The types of a statement's values, in their order.
 using ValueTypes = std::vector<ColumnType>;
 
-/// A backend's side of a connection.
+/// A backend's side of a connection. Any number of threads may use it and what works through it:
+/// every operation holds the session's lock while it runs, and waits for others' meanwhile.
 class Session {
 public:
     explicit Session(std::string url);
@@ -28,6 +30,9 @@ public:
 
     /// Without a password.
     std::string const& url() const noexcept { return url_; }
+    /// Keeps other threads out until it is released, so that several operations belong together.
+    /// The thread that holds it may lock again.
+    [[nodiscard]] std::unique_lock<std::recursive_mutex> lock() const { return std::unique_lock(*mutex_); }
     /// Different for every session of the process, from 1.
     std::uint64_t number() const noexcept { return number_; }
     Catalog& catalog() noexcept { return catalog_; }
@@ -51,11 +56,16 @@ public:
     void rollback() noexcept;
     bool inTransaction() const noexcept { return inTransaction_; }
 
+protected:
+    /// Statements share it, because a cursor may hold them longer than the session lives.
+    std::shared_ptr<std::recursive_mutex> const& mutex() const noexcept { return mutex_; }
+
 private:
     void giveUp() noexcept;
 
     std::string url_;
     std::uint64_t number_;
+    std::shared_ptr<std::recursive_mutex> mutex_ = std::make_shared<std::recursive_mutex>();
     Catalog catalog_;
     bool inTransaction_ = false;
 };

@@ -36,7 +36,7 @@ bool TRkDBBaseDataDictionary::BuildDataTables(
     char const* table, std::vector<CountedPtr<TRkTableProxy>>& tables, AnsiString const& schema) {
     Session* const session = connection_ ? sessionOf(connection_) : currentSession();
     if (!session || !table) return false;
-    auto const& found = session->catalog().dataTables(schema.c_str(), table);
+    auto const found = session->catalog().dataTables(schema.c_str(), table);
     tables.reserve(tables.size() + found.size());
     for (auto const& known : found) tables.push_back(cursorOn(known->description().name, known->description().schema));
     return !found.empty();

@@ -4,11 +4,14 @@
 
 namespace cubes::database {
 
-/// A transaction that is given up unless it is committed. Neither copyable nor nestable.
+/// A transaction that is rolled back unless it is committed. It holds the session's lock, so that no
+/// other thread's statements get into it. Neither copyable nor nestable.
 class Transaction {
 public:
     /// `begin`: the SQL that starts it. Throws TRkDatabaseException.
-    Transaction(Session& session, std::string const& begin) : session_(session) { session_.begin(begin); }
+    Transaction(Session& session, std::string const& begin) : lock_(session.lock()), session_(session) {
+        session_.begin(begin);
+    }
     ~Transaction() {
         if (isOpen_) session_.rollback();
     }
@@ -22,6 +25,7 @@ public:
     }
 
 private:
+    std::unique_lock<std::recursive_mutex> lock_;
     Session& session_;
     bool isOpen_ = true;
 };

@@ -78,6 +78,7 @@ Handle const& Session::connected() {
 }
 
 std::unique_ptr<database::Statement> Session::prepare(std::string sql, ValueTypes types) {
+    auto const held = lock();
     return std::make_unique<Statement>(*this, std::move(sql), types, "cubes_" + std::to_string(++statements_));
 }
 
@@ -109,6 +110,7 @@ std::optional<Table> Session::describe(std::string const& schema, std::string co
 }
 
 void Session::execute(std::string const& sql) {
+    auto const held = lock();
     connected().execute(sql);
 }
 

@@ -73,6 +73,7 @@ Result Statement::answer(Handle const& server) {
 }
 
 std::size_t Statement::run(std::span<Value const> values, Cells& cells) {
+    auto const held = session_.lock();
     Handle const& server = session_.connected();
     setParameters(values);
     Result const result = answer(server);

@@ -34,14 +34,14 @@ Column columnOf(std::string name, std::string const& declaration) {
 
 }
 
-Session::Session(std::string const& url) : database::Session(url), handle_(sqlitePath(url)) {}
+Session::Session(std::string const& url) : database::Session(url), handle_(std::make_shared<Handle>(sqlitePath(url))) {}
 
 std::unique_ptr<database::Statement> Session::prepare(std::string sql, ValueTypes /*types*/) {
-    return std::make_unique<Statement>(handle_, std::move(sql), SQLITE_PREPARE_PERSISTENT);
+    return std::make_unique<Statement>(handle_, mutex(), std::move(sql), SQLITE_PREPARE_PERSISTENT);
 }
 
 std::unique_ptr<database::Statement> Session::prepareOnce(std::string sql, ValueTypes /*types*/) {
-    return std::make_unique<Statement>(handle_, std::move(sql), 0u);
+    return std::make_unique<Statement>(handle_, mutex(), std::move(sql), 0u);
 }
 
 std::optional<Table> Session::describe(std::string const& schema, std::string const& name) {
@@ -71,7 +71,8 @@ std::optional<Table> Session::describe(std::string const& schema, std::string co
 }
 
 void Session::execute(std::string const& sql) {
-    handle_.execute(sql);
+    auto const held = lock();
+    handle_->execute(sql);
 }
 
 void Session::createSchema(std::string const& /*schema*/) {}

@@ -19,7 +19,7 @@ public:
 
 private:
     Dialect dialect_;
-    Handle handle_;
+    std::shared_ptr<Handle> handle_;
 };
 
 }

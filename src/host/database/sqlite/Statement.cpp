@@ -31,15 +31,18 @@ Value cell(sqlite3_stmt* statement, int column) {
 
 }
 
-Statement::Statement(Handle const& handle, std::string sql, unsigned prepareFlags)
-    : handle_(handle), sql_(std::move(sql)) {
+Statement::Statement(std::shared_ptr<Handle const> handle, std::shared_ptr<std::recursive_mutex> mutex, std::string sql,
+    unsigned prepareFlags)
+    : handle_(std::move(handle)), mutex_(std::move(mutex)), sql_(std::move(sql)) {
+    std::lock_guard const lock(*mutex_);
     std::string const text = platform::toUtf8(sql_);
-    if (sqlite3_prepare_v3(
-            handle_.get(), text.data(), static_cast<int>(text.size()), prepareFlags, &statement_, nullptr) != SQLITE_OK)
-        throw handle_.failure(sql_);
+    if (sqlite3_prepare_v3(handle_->get(), text.data(), static_cast<int>(text.size()), prepareFlags, &statement_,
+            nullptr) != SQLITE_OK)
+        throw handle_->failure(sql_);
 }
 
 Statement::~Statement() {
+    std::lock_guard const lock(*mutex_);
     sqlite3_finalize(statement_);
 }
 
@@ -52,7 +55,7 @@ void Statement::bind(int place, Value const& value) {
         code = sqlite3_bind_text(statement_, place, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
     } else
         code = sqlite3_bind_null(statement_, place);
-    if (code != SQLITE_OK) throw handle_.failure(sql_);
+    if (code != SQLITE_OK) throw handle_->failure(sql_);
 }
 
 void Statement::addRow(int columns, Cells& cells) {
@@ -60,6 +63,7 @@ void Statement::addRow(int columns, Cells& cells) {
 }
 
 std::size_t Statement::run(std::span<Value const> values, Cells& cells) {
+    std::lock_guard const lock(*mutex_);
     Reset const reset{statement_};
     int place = 0;
     for (Value const& value : values) bind(++place, value);
@@ -70,7 +74,7 @@ std::size_t Statement::run(std::span<Value const> values, Cells& cells) {
         addRow(columns, cells);
         ++rows;
     }
-    if (code != SQLITE_DONE) throw handle_.failure(sql_);
+    if (code != SQLITE_DONE) throw handle_->failure(sql_);
     return rows;
 }
 

@@ -3,6 +3,7 @@
 #include "host/database/Statement.h"
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 struct sqlite3_stmt;
@@ -13,8 +14,9 @@ class Handle;
 
 class Statement final : public database::Statement {
 public:
-    /// REQUIRES: `handle` outlives the runs of the statement, not the statement itself.
-    Statement(Handle const& handle, std::string sql, unsigned prepareFlags);
+    /// `mutex`: that of the handle's session.
+    Statement(std::shared_ptr<Handle const> handle, std::shared_ptr<std::recursive_mutex> mutex, std::string sql,
+        unsigned prepareFlags);
     ~Statement() override;
 
     std::size_t run(std::span<Value const> values, Cells& cells) override;
@@ -23,7 +25,9 @@ private:
     void bind(int place, Value const& value);
     void addRow(int columns, Cells& cells);
 
-    Handle const& handle_;
+    // A cursor may hold the statement longer than its session lives.
+    std::shared_ptr<Handle const> handle_;
+    std::shared_ptr<std::recursive_mutex> mutex_;
     std::string sql_;
     sqlite3_stmt* statement_ = nullptr;
 };

@@ -11,7 +11,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// One operation at a time waits in a thread; its first attempt starts the clock.
+// A thread waits in one operation at a time, whose first attempt starts the clock: the session's
+// lock keeps other threads off the connection meanwhile.
 thread_local Clock::time_point waitingSince;
 
 }
