@@ -34,8 +34,6 @@
 #include <cubes/project/ProjectUtils.h>
 #include <cubes/project/TRkGlobalSettings.h>
 #include <cubes/project/TRkProjectException.h>
-#include <cubes/routestorage/DllNoUnloadpolicyA.h>
-#include <cubes/routestorage/DllNotLoaded.h>
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
 #include <cubes/routestorage/ProvidedObjectT.h>
 #include <cubes/routestorage/Reference.h>

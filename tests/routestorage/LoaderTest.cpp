@@ -6,6 +6,7 @@
 
 #include <type_traits>
 
+#include "host/platform/Paths.h"
 #include "host/platform/SharedLibrary.h"
 #include "routestorage/FakeProvider.h"
 #include "support/TempDir.h"
@@ -114,6 +115,44 @@ TEST(Loader, leavesTheLibraryLoaded) {
     int (*after)() = nullptr;
     Library(provider).getProcedure("FakeLiving", after);
     EXPECT_EQ(before, after);
+}
+
+// The reason that the user is given when the provider is searched in these directories.
+std::string reasonWith(std::string const& directories) {
+    ProviderPath const path(directories);
+    try {
+        Library const library("no-such-library64.dll");
+        return "it was loaded";
+    } catch (DllNotLoaded const& error) {
+        return error.Reason();
+    }
+}
+
+TEST(DllNotLoaded, reportsTheDirectoriesAndTheLoadersMessage) {
+    TempDir const first;
+    TempDir const second;
+    std::string const between(1, platform::searchPathDelimiter());
+    std::string const end(1, platform::pathDelimiter());
+    std::string const reason = reasonWith(first.str() + between + second.str());
+    EXPECT_TRUE(reason.starts_with("no-such-library64.dll was looked for in " + first.str() + end + ", " +
+                                   second.str() + end + ", " + platform::ownDirectory() +
+                                   ", and the system's library directories; the loader says: "))
+        << reason;
+    EXPECT_FALSE(reason.ends_with("says: ")) << reason;
+}
+
+TEST(DllNotLoaded, reportsWhyTheFileThatWasFoundIsNoLibrary) {
+    TempDir const directory;
+    std::string const file = directory.file("no-such-library64.dll");
+    writeFile(file, "no library");
+    std::string const reason = reasonWith(directory.str());
+    EXPECT_NE(reason.find("; the loader says: "), std::string::npos) << reason;
+    EXPECT_EQ(reason.find("No such file"), std::string::npos) << reason;
+}
+
+TEST(DllNotLoaded, reportsALibraryThatIsThereByNow) {
+    ProviderPath const path(fakeDirectory("full"));
+    EXPECT_TRUE(DllNotLoaded(provider).Reason().ends_with("; it can be loaded by now"));
 }
 
 std::string foundWith(std::string const& directories) {

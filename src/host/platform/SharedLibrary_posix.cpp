@@ -20,6 +20,11 @@ void* loadLibraryFile(std::string const& path) {
     return ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
+std::string loadFailure() {
+    char const* const message = ::dlerror();
+    return message ? message : "";
+}
+
 void* findSymbol(void* library, std::string const& name) {
     return ::dlsym(library, name.c_str());
 }

@@ -2,6 +2,7 @@
 
 #include "host/platform/ModuleFile_windows.h"
 #include "host/platform/Paths.h"
+#include "host/platform/SystemErrors.h"
 
 #include <windows.h>
 
@@ -24,6 +25,11 @@ void* loadLibraryFile(std::string const& path) {
     if (path.find_first_of("\\/") == std::string::npos) return ::LoadLibraryA(path.c_str());
     // What the library itself needs is looked for beside it.
     return ::LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
+std::string loadFailure() {
+    std::string const message = errorText(lastError()).value_or("");
+    return message.substr(0, message.find_last_not_of("\r\n") + 1);
 }
 
 void* findSymbol(void* library, std::string const& name) {
