@@ -5,10 +5,14 @@
 
 using namespace cubes::routestorage;
 
+RkCubeTypes const RouteStorageCube::CubeType = ctRouteSet;
+RkMatrixType const RouteStorageCube::MatrixType = mtMatrixCube;
+char const* const RouteStorageCube::Ext = "FDB";
+
 RouteStorageCube::RouteStorageCube(TRkGlobalSettings* settings) : RouteStorageCube(settings, nullptr) {}
 
 RouteStorageCube::RouteStorageCube(TRkGlobalSettings* settings, char const* directory)
-    : RouteStorageBaseCube(settings, directory, CubeType) {}
+    : RouteStorageBaseCube(settings, directory, Ext, CubeType, MatrixType) {}
 
 RouteStorageCube::RouteStorageCube(RouteStorageCube const&) = default;
 RouteStorageCube& RouteStorageCube::operator=(RouteStorageCube const&) = default;
@@ -28,10 +32,14 @@ bool RouteStorageCube::MakeFilename(char const* text, int& p, int& m, int& t, in
     return readRouteFileName(text, directories, {&p, &m, &t, &u, &r, &i});
 }
 
+RkCubeTypes const RouteStorageDataCube::CubeType = ctRouteData;
+RkMatrixType const RouteStorageDataCube::MatrixType = mtMatrixCube;
+char const* const RouteStorageDataCube::Ext = "FDB";
+
 RouteStorageDataCube::RouteStorageDataCube(TRkGlobalSettings* settings) : RouteStorageDataCube(settings, nullptr) {}
 
 RouteStorageDataCube::RouteStorageDataCube(TRkGlobalSettings* settings, char const* directory)
-    : RouteStorageBaseCube(settings, directory, CubeType) {}
+    : RouteStorageBaseCube(settings, directory, Ext, CubeType, MatrixType) {}
 
 RouteStorageDataCube::RouteStorageDataCube(RouteStorageDataCube const&) = default;
 RouteStorageDataCube& RouteStorageDataCube::operator=(RouteStorageDataCube const&) = default;

@@ -30,6 +30,8 @@ bool copyFlushed(TRkVLSelectedLinkMatrix const& matrix, TRkFString const& target
 
 }
 
+RkCubeTypes const TRkSkimCube::CubeType = ctSkim;
+RkMatrixType const TRkSkimCube::MatrixType = mtSkim;
 char const* const TRkSkimCube::Ext = ".skm";
 
 TRkSkimCube::TRkSkimCube(TRkGlobalSettings* settings, bool flag)
@@ -46,6 +48,8 @@ char const* TRkSkimCube::Name() const {
     return "skimcube";
 }
 
+RkCubeTypes const TRkSelectedLinkCube::CubeType = ctSelectedLink;
+RkMatrixType const TRkSelectedLinkCube::MatrixType = mtSelectedLink;
 char const* const TRkSelectedLinkCube::Ext = ".slm";
 
 TRkSelectedLinkCube::TRkSelectedLinkCube(TRkGlobalSettings* settings, bool flag)
@@ -69,13 +73,15 @@ bool TRkSelectedLinkCube::SaveMatrix(
     return copyFlushed(*links, MatrixFile(p, m, t, u, r, i, zeroBased));
 }
 
+RkCubeTypes const TRkCordonCube::CubeType = ctCordon;
+RkMatrixType const TRkCordonCube::MatrixType = mtCordon;
 char const* const TRkCordonCube::Ext = ".cwm";
 
 TRkCordonCube::TRkCordonCube(TRkGlobalSettings* settings, bool flag)
     : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkDefault, flag) {}
 
-TRkCordonCube::TRkCordonCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
-    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkDefault, flag) {}
+TRkCordonCube::TRkCordonCube(TRkGlobalSettings* settings, char const* directory, bool flag)
+    : TRkVarCubes(settings, directory, Ext, CubeType, MatrixType, mkDefault, flag) {}
 
 TRkCordonCube::TRkCordonCube(TRkCordonCube const&) = default;
 TRkCordonCube& TRkCordonCube::operator=(TRkCordonCube const&) = default;
@@ -85,6 +91,8 @@ char const* TRkCordonCube::Name() const {
     return "cordoncube";
 }
 
+RkCubeTypes const TRkScreenCube::CubeType = ctScreenLine;
+RkMatrixType const TRkScreenCube::MatrixType = mtScreenLine;
 char const* const TRkScreenCube::Ext = ".crm";
 
 TRkScreenCube::TRkScreenCube(TRkGlobalSettings* settings, bool flag)
@@ -108,6 +116,8 @@ bool TRkScreenCube::SaveMatrix(
     return copyFlushed(*links, MatrixFile(p, m, t, u, r, i, zeroBased));
 }
 
+RkCubeTypes const TRkTransitCube::CubeType = ctTransit;
+RkMatrixType const TRkTransitCube::MatrixType = mtMatrixCube;
 char const* const TRkTransitCube::Ext = ".tsm";
 
 TRkTransitCube::TRkTransitCube(TRkGlobalSettings* settings, bool flag)
@@ -124,6 +134,8 @@ char const* TRkTransitCube::Name() const {
     return "transitcube";
 }
 
+RkCubeTypes const TRkPathCube::CubeType = ctPath;
+RkMatrixType const TRkPathCube::MatrixType = mtMatrixCube;
 char const* const TRkPathCube::Ext = ".ptm";
 
 TRkPathCube::TRkPathCube(TRkGlobalSettings* settings, bool flag)
@@ -140,13 +152,15 @@ char const* TRkPathCube::Name() const {
     return "pathcube";
 }
 
+RkCubeTypes const TRkStop2StopCube::CubeType = ctStopToStop;
+RkMatrixType const TRkStop2StopCube::MatrixType = mtStopToStop;
 char const* const TRkStop2StopCube::Ext = ".s2s";
 
 TRkStop2StopCube::TRkStop2StopCube(TRkGlobalSettings* settings, bool flag)
     : TRkVarCubes(settings, Ext, CubeType, MatrixType, mkStopToStop, flag) {}
 
-TRkStop2StopCube::TRkStop2StopCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag)
-    : TRkVarCubes(settings, directory.c_str(), Ext, CubeType, MatrixType, mkStopToStop, flag) {}
+TRkStop2StopCube::TRkStop2StopCube(TRkGlobalSettings* settings, char const* directory, bool flag)
+    : TRkVarCubes(settings, directory, Ext, CubeType, MatrixType, mkStopToStop, flag) {}
 
 TRkStop2StopCube::TRkStop2StopCube(TRkStop2StopCube const&) = default;
 TRkStop2StopCube& TRkStop2StopCube::operator=(TRkStop2StopCube const&) = default;

@@ -30,6 +30,8 @@ private:
 CUBES_BOTH_BACKENDS(MatCube);
 
 static_assert(!std::is_constructible_v<TRkMatCube, TRkGlobalSettings*, char const*, char const*>);
+static_assert(!std::is_constructible_v<TRkMatCubes, TRkGlobalSettings*, char const*, char const*>);
+static_assert(std::is_constructible_v<TRkMatCubes, TRkGlobalSettings*, char const*, bool>);
 
 template <typename Cube>
 constexpr bool movesByKey = requires(Cube const& cube, short s) {

@@ -8,10 +8,11 @@
 
 namespace {
 
-// What Name, Ext and the types tell.
-TEST(RouteCubes, areToldApartByTheirType) {
-    static_assert(RouteStorageCube::CubeType == -9 && RouteStorageDataCube::CubeType == -10);
-    static_assert(RouteStorageCube::MatrixType == 7 && RouteStorageDataCube::MatrixType == 7);
+TEST(RouteCubes, differInTheirTypeOnly) {
+    EXPECT_EQ(RouteStorageCube::CubeType, -9);
+    EXPECT_EQ(RouteStorageDataCube::CubeType, -10);
+    EXPECT_EQ(RouteStorageCube::MatrixType, 7);
+    EXPECT_EQ(RouteStorageDataCube::MatrixType, 7);
     RouteStorageCube const routes(nullptr);
     RouteStorageDataCube const data(nullptr);
     EXPECT_STREQ(routes.Name(), "routestoragecube");

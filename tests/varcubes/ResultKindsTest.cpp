@@ -106,6 +106,15 @@ TEST_P(ResultKinds, areCopiedWithDirectoryAndNumbers) {
     EXPECT_EQ(firstElement(assigned, 1), 1.0);
 }
 
+// Cordon and stop-to-stop cubes take the directory as plain text, the other kinds as a path.
+template <typename Cube, typename Directory>
+constexpr bool takes = std::is_constructible_v<Cube, TRkGlobalSettings*, Directory, bool>;
+
+static_assert(takes<TRkCordonCube, char const*> && !takes<TRkCordonCube, TRkFString>);
+static_assert(takes<TRkStop2StopCube, char const*> && !takes<TRkStop2StopCube, TRkFString>);
+static_assert(takes<TRkSkimCube, TRkFString> && takes<TRkSelectedLinkCube, TRkFString> &&
+              takes<TRkScreenCube, TRkFString> && takes<TRkTransitCube, TRkFString> && takes<TRkPathCube, TRkFString>);
+
 template <typename Cube>
 constexpr bool takesNoTextAsFlag = !std::is_constructible_v<Cube, TRkGlobalSettings*, char const*> &&
                                    std::is_constructible_v<Cube, TRkGlobalSettings*, bool> &&

@@ -48,6 +48,8 @@ public:
     TRkMatCubes(TRkGlobalSettings* settings, char const* ext, bool flag);
     /// A null or empty directory is taken from the settings.
     TRkMatCubes(TRkGlobalSettings* settings, char const* matrixDir, char const* ext, bool flag);
+    /// A text is not a flag: (settings, directory, extension) lacks one.
+    TRkMatCubes(TRkGlobalSettings*, char const*, char const*) = delete;
     TRkMatCubes(TRkMatCubes const&);
     TRkMatCubes& operator=(TRkMatCubes const&);
     ~TRkMatCubes() override;

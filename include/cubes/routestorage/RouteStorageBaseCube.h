@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cubes/Export.h>
+#include <cubes/routestorage/RouteStorageCubeData.h>
 #include <cubes/varcubes/TRkVarCubes.h>
 
 class RouteStorageDataCube;
@@ -14,10 +15,6 @@ class RouteStorageDataCube;
 /// stored with it.
 class CUBES_API RouteStorageBaseCube : public TRkVarCubes {
 public:
-    static constexpr RkMatrixType MatrixType = mtMatrixCube;
-    /// "FDB".
-    static char const* const Ext;
-
     ~RouteStorageBaseCube() override;
 
     /// "routestoragecube", for both kinds.
@@ -46,8 +43,9 @@ public:
     ///
     /// Data with a storage (a RouteStorageCubeData): the storage is given the cube type and the
     /// one-based key, and its file is copied. When that file is not there, nor any longer because
-    /// it was the entry's own, the entry stays without a file. Throws TRkCubesException when the
-    /// file cannot be copied; the entry stays without a file then too.
+    /// it was the entry's own, the entry stays without a file. Throws TRkMatrixException when the
+    /// file cannot be copied; the entry stays without a file then too. The copy is flushed
+    /// to disk together with its directory.
     ///
     /// Other data, null among them: the provider makes an empty file; when it fails, TLastError
     /// tells why. Without an entry table nothing is made.
@@ -57,7 +55,7 @@ public:
     /// A new RouteStorageCubeData with the one-based key, without parent, and with the storage of
     /// the entry's file, not yet opened; without a storage when the provider makes none. The caller
     /// owns one reference. Null for an entry that is missing, in use or without a file.
-    CubeDataInterface* GetData(short p, short m, short t, short u, short r, short i, bool zeroBased) const override;
+    RouteStorageCubeData* GetData(short p, short m, short t, short u, short r, short i, bool zeroBased) const override;
 
     /// The parent's parts and cube; -1 and 0 for a missing entry and one in use.
     void GetParentPMTURI(short p, short m, short t, short u, short r, short i, short& pp, short& pm, short& pt,
@@ -86,10 +84,12 @@ public:
 
 protected:
     /// `directory`: null or empty takes the working directory of the settings.
-    RouteStorageBaseCube(TRkGlobalSettings* settings, char const* directory, RkCubeTypes cubeType);
+    RouteStorageBaseCube(TRkGlobalSettings* settings, char const* directory, char const* extension,
+        RkCubeTypes cubeType, RkMatrixType matrixType);
     RouteStorageBaseCube(RouteStorageBaseCube const&);
     RouteStorageBaseCube& operator=(RouteStorageBaseCube const&);
 
 private:
+    /// The entry's row; null for an entry that is missing or in use.
     std::unique_ptr<TKey> FreeEntry(short p, short m, short t, short u, short r, short i) const;
 };

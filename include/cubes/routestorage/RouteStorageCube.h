@@ -6,7 +6,12 @@
 /// The cube of route sets. The children of its entries are route data, see RouteStorageDataCube.
 class CUBES_API RouteStorageCube : public RouteStorageBaseCube {
 public:
-    static constexpr RkCubeTypes CubeType = ctRouteSet;
+    /// ctRouteSet.
+    static RkCubeTypes const CubeType;
+    /// mtMatrixCube.
+    static RkMatrixType const MatrixType;
+    /// "FDB".
+    static char const* const Ext;
 
     /// Takes the working directory from the settings.
     explicit RouteStorageCube(TRkGlobalSettings* settings);

@@ -9,7 +9,12 @@
 /// RouteStorageCube. Its entries have no children: GetChilds empties the list and gives false.
 class CUBES_API RouteStorageDataCube : public RouteStorageBaseCube {
 public:
-    static constexpr RkCubeTypes CubeType = ctRouteData;
+    /// ctRouteData.
+    static RkCubeTypes const CubeType;
+    /// mtMatrixCube.
+    static RkMatrixType const MatrixType;
+    /// "FDB".
+    static char const* const Ext;
 
     /// Takes the working directory from the settings.
     explicit RouteStorageDataCube(TRkGlobalSettings* settings);

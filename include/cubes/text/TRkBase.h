@@ -34,6 +34,8 @@ public:
     virtual char const* ClassName() const;
     virtual long ReferenceCount() const;
     virtual void Accept(TRkVisitor& visitor) const;
+    /// Whether the object has a reference, and so is deleted with the last one.
+    virtual bool IsReferenced() const;
 
 private:
     long references_ = 0;

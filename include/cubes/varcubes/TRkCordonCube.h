@@ -6,15 +6,17 @@
 /// The cube of cordon results: the trips that cross a closed line.
 class CUBES_API TRkCordonCube : public TRkVarCubes {
 public:
-    static constexpr RkCubeTypes CubeType = ctCordon;
-    static constexpr RkMatrixType MatrixType = mtCordon;
+    /// ctCordon.
+    static RkCubeTypes const CubeType;
+    /// mtCordon.
+    static RkMatrixType const MatrixType;
     /// ".cwm".
     static char const* const Ext;
 
     /// Takes the matrix directory from the settings. `flag`: passed to new matrices.
     TRkCordonCube(TRkGlobalSettings* settings, bool flag);
-    /// An empty directory is taken from the settings.
-    TRkCordonCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
+    /// A null or empty directory is taken from the settings.
+    TRkCordonCube(TRkGlobalSettings* settings, char const* directory, bool flag);
     /// A text is no flag.
     TRkCordonCube(TRkGlobalSettings*, char const*) = delete;
     TRkCordonCube(TRkCordonCube const&);

@@ -6,8 +6,10 @@
 /// The cube of path results.
 class CUBES_API TRkPathCube : public TRkVarCubes {
 public:
-    static constexpr RkCubeTypes CubeType = ctPath;
-    static constexpr RkMatrixType MatrixType = mtMatrixCube;
+    /// ctPath.
+    static RkCubeTypes const CubeType;
+    /// mtMatrixCube.
+    static RkMatrixType const MatrixType;
     /// ".ptm".
     static char const* const Ext;
 

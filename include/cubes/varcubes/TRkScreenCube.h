@@ -6,8 +6,10 @@
 /// The cube of screen-line results: the trips that cross a line.
 class CUBES_API TRkScreenCube : public TRkVarCubes {
 public:
-    static constexpr RkCubeTypes CubeType = ctScreenLine;
-    static constexpr RkMatrixType MatrixType = mtScreenLine;
+    /// ctScreenLine.
+    static RkCubeTypes const CubeType;
+    /// mtScreenLine.
+    static RkMatrixType const MatrixType;
     /// ".crm".
     static char const* const Ext;
 

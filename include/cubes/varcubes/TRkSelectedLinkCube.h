@@ -6,8 +6,10 @@
 /// The cube of selected-link results: the trips that pass chosen links.
 class CUBES_API TRkSelectedLinkCube : public TRkVarCubes {
 public:
-    static constexpr RkCubeTypes CubeType = ctSelectedLink;
-    static constexpr RkMatrixType MatrixType = mtSelectedLink;
+    /// ctSelectedLink.
+    static RkCubeTypes const CubeType;
+    /// mtSelectedLink.
+    static RkMatrixType const MatrixType;
     /// ".slm".
     static char const* const Ext;
 

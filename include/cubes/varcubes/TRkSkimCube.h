@@ -6,8 +6,10 @@
 /// The cube of skims: what a trip costs between each pair of zones.
 class CUBES_API TRkSkimCube : public TRkVarCubes {
 public:
-    static constexpr RkCubeTypes CubeType = ctSkim;
-    static constexpr RkMatrixType MatrixType = mtSkim;
+    /// ctSkim.
+    static RkCubeTypes const CubeType;
+    /// mtSkim.
+    static RkMatrixType const MatrixType;
     /// ".skm".
     static char const* const Ext;
 

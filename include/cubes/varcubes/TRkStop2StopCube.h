@@ -6,15 +6,17 @@
 /// The cube of stop-to-stop results.
 class CUBES_API TRkStop2StopCube : public TRkVarCubes {
 public:
-    static constexpr RkCubeTypes CubeType = ctStopToStop;
-    static constexpr RkMatrixType MatrixType = mtStopToStop;
+    /// ctStopToStop.
+    static RkCubeTypes const CubeType;
+    /// mtStopToStop.
+    static RkMatrixType const MatrixType;
     /// ".s2s".
     static char const* const Ext;
 
     /// Takes the matrix directory from the settings. `flag`: passed to new matrices.
     TRkStop2StopCube(TRkGlobalSettings* settings, bool flag);
-    /// An empty directory is taken from the settings.
-    TRkStop2StopCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
+    /// A null or empty directory is taken from the settings.
+    TRkStop2StopCube(TRkGlobalSettings* settings, char const* directory, bool flag);
     /// A text is no flag.
     TRkStop2StopCube(TRkGlobalSettings*, char const*) = delete;
     TRkStop2StopCube(TRkStop2StopCube const&);

@@ -6,8 +6,10 @@
 /// The cube of transit results.
 class CUBES_API TRkTransitCube : public TRkVarCubes {
 public:
-    static constexpr RkCubeTypes CubeType = ctTransit;
-    static constexpr RkMatrixType MatrixType = mtMatrixCube;
+    /// ctTransit.
+    static RkCubeTypes const CubeType;
+    /// mtMatrixCube.
+    static RkMatrixType const MatrixType;
     /// ".tsm".
     static char const* const Ext;
 

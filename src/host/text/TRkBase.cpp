@@ -43,3 +43,7 @@ long TRkBase::ReferenceCount() const {
 void TRkBase::Accept(TRkVisitor& visitor) const {
     visitor.Visit(*this);
 }
+
+bool TRkBase::IsReferenced() const {
+    return references_ > 0;
+}

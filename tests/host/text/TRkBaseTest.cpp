@@ -25,6 +25,7 @@ TEST(TRkBase, isUsableAndOfFamily0) {
     EXPECT_TRUE(object.Ok());
     EXPECT_EQ(0, object.ClassID());
     EXPECT_EQ(0, object.ReferenceCount());
+    EXPECT_FALSE(object.IsReferenced());
 }
 
 TEST(TRkBase, goesWithItsLastReference) {
@@ -34,6 +35,7 @@ TEST(TRkBase, goesWithItsLastReference) {
     EXPECT_EQ(2, object->AddReference());
     EXPECT_EQ(2, object->ReferenceCount());
     EXPECT_EQ(1, object->ReleaseReference());
+    EXPECT_TRUE(object->IsReferenced());
     EXPECT_EQ(1, alive);
     EXPECT_EQ(0, object->ReleaseReference());
     EXPECT_EQ(0, alive);
