@@ -1,41 +1,70 @@
 #include <cubes/core/ZebDebug.h>
 
-#include "core/DebugLog.h"
+#include <cubes/text/TRkString.h>
+
 #include "host/platform/CallStack.h"
 #include "host/platform/Debugger.h"
 #include "host/platform/Environment.h"
 #include "host/platform/LocalTime.h"
 #include "host/platform/NarrowText.h"
+#include "host/platform/Paths.h"
 #include "host/platform/SystemErrors.h"
+#include "host/platform/TemporaryDirectory.h"
+
+#include <fmt/format.h>
 
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <ctime>
+#include <fstream>
+#include <memory>
+#include <mutex>
 #include <string_view>
+
+namespace platform = cubes::platform;
 
 namespace {
 
-using cubes::DebugLog;
-namespace platform = cubes::platform;
+constexpr char const* defaultName = "debug.log";
 
-// What the work gives. The log never disturbs those that write it: work that fails, as for want of
-// memory, is given up and gives false or an empty text.
-template <class Work>
-auto undisturbed(Work const& work) noexcept -> decltype(work()) {
-    platform::LastErrorKept const kept;
-    try {
-        return work();
-    } catch (...) {
-        return decltype(work())();
-    }
+/// The log of the process, closed between messages unless a caller keeps it open.
+struct Log {
+    std::mutex mutex;
+    std::string name = defaultName;
+    std::ofstream stream;
+};
+
+Log& theLog() {
+    // Never destroyed: destructors that run while the program ends may still write.
+    static Log& log = *std::make_unique<Log>().release();
+    return log;
 }
 
+void open(Log& log) {
+    if (log.stream.is_open()) return;
+    log.stream.open(platform::toPath(platform::temporaryDirectory()) / platform::toPath(log.name), std::ios::app);
+}
+
+void append(std::string const& lines) {
+    Log& log = theLog();
+    std::lock_guard const lock(log.mutex);
+    bool const wasOpen = log.stream.is_open();
+    open(log);
+    // An earlier message may not have been written; this one is tried all the same.
+    log.stream.clear();
+    log.stream << lines << std::flush;
+    if (!wasOpen) log.stream.close();
+}
+
+// The log never disturbs its callers: errors are dropped, and the thread's last system error stays.
 template <class Work>
-void whenActive(Work const& work) {
-    undisturbed([&work] {
+void whenActive(Work const& work) noexcept {
+    platform::LastErrorKept const kept;
+    try {
         if (ZebDebug::isDebuggingActive()) work();
-    });
+    } catch (...) {
+        return;
+    }
 }
 
 template <class Character>
@@ -44,7 +73,7 @@ Character const* orEmpty(Character const* text) {
     return text ? text : &empty;
 }
 
-char const* narrow(char const* text) {
+std::string narrow(char const* text) {
     return text;
 }
 
@@ -55,8 +84,8 @@ std::string narrow(wchar_t const* text) {
 template <class Character>
 void writeLine(ZebDebug::TypeOfMessage type, Character const* text) {
     whenActive([=] {
-        DebugLog::instance().append(ZebDebug::now(type) + narrow(orEmpty(text)) + "\n");
-        platform::echoToDebugger(orEmpty(text));
+        append(ZebDebug::now(type) + narrow(orEmpty(text)) + "\n");
+        if (platform::isDebuggerAttached()) platform::writeToDebugger(orEmpty(text));
     });
 }
 
@@ -66,53 +95,34 @@ std::string lastComponent(std::string const& path) {
     return delimiter == std::string::npos ? path : path.substr(delimiter + 1);
 }
 
-std::string known(std::string const& name) {
-    return name.empty() ? "?" : name;
-}
-
-std::string hexadecimal(std::uintptr_t number) {
-    std::array<char, 2 * sizeof number> digits{};
-    char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
-    return {digits.data(), end};
-}
-
-std::string described(std::size_t number, platform::StackFrame const& frame) {
-    std::string const line = frame.line ? std::to_string(*frame.line) : "?";
-    return "\t" + std::to_string(number) + ": " + known(lastComponent(frame.module)) + " in " + known(frame.function) +
-           " at line " + line + " at address 0x" + hexadecimal(frame.address);
-}
-
-// One line even where the system's texts end in a line end of their own.
-std::string systemText(std::uint32_t code) {
-    std::string const text = platform::errorText(code).value_or("");
-    return text.substr(0, text.find_last_not_of("\r\n") + 1);
+std::string described(platform::StackFrame const& frame) {
+    auto const known = [](std::string const& text) { return text.empty() ? "?" : text; };
+    return fmt::format("{} in {} at line {} at address 0x{:x}", known(lastComponent(frame.module)),
+        known(frame.function), frame.line ? std::to_string(*frame.line) : "?", frame.address);
 }
 
 }
 
 bool ZebDebug::isDebuggingActive() {
-    return undisturbed([] {
-        auto const value = platform::environment("ZEB.DEBUG");
-        return value && platform::lowerCase(*value) == "true";
-    });
+    auto const value = platform::environment("ZEB.DEBUG");
+    return value && platform::lowerCase(*value) == "true";
 }
 
 bool ZebDebug::openStream() {
-    return undisturbed([] {
-        DebugLog& log = DebugLog::instance();
-        return isDebuggingActive() ? log.keepOpen() : log.isOpen();
-    });
+    Log& log = theLog();
+    std::lock_guard const lock(log.mutex);
+    bool const wasOpen = log.stream.is_open();
+    whenActive([&log] { open(log); });
+    return wasOpen;
 }
 
 std::string ZebDebug::now(TypeOfMessage type) {
-    return undisturbed([type] {
-        static constexpr std::string_view letters = "LLDWE";
-        auto const index = static_cast<std::size_t>(type);
-        std::tm const time = platform::localTime();
-        std::array<char, 64> text{};
-        std::size_t const length = std::strftime(text.data(), text.size(), " [%d-%m-%Y %H:%M:%S] ", &time);
-        return (index < letters.size() ? letters[index] : 'L') + std::string(text.data(), length);
-    });
+    static constexpr std::string_view letters = "LLDWE";
+    auto const index = static_cast<std::size_t>(type);
+    std::tm const time = platform::localTime();
+    std::array<char, 64> text{};
+    std::size_t const length = std::strftime(text.data(), text.size(), " [%d-%m-%Y %H:%M:%S] ", &time);
+    return (index < letters.size() ? letters[index] : 'L') + std::string(text.data(), length);
 }
 
 void ZebDebug::write(TypeOfMessage type, char const* text) {
@@ -166,35 +176,41 @@ void ZebDebug::writeToDebugger(wchar_t const* text) {
 void ZebDebug::writeLastError() {
     std::uint32_t const code = platform::lastError();
     whenActive([code] {
-        write(mtError, ("failed with error " + std::to_string(code) + ": [" + systemText(code) + "]").c_str());
+        // On Windows the system's text ends in a line end.
+        std::string const text = TRkString(platform::errorText(code).value_or("")).Trim().str();
+        writeError(fmt::format("failed with error {}: [{}]", code, text));
     });
 }
 
 void ZebDebug::writeTrace(char const* file, int line, char const* function, char const* text) {
     whenActive([=] {
         std::string message;
-        if (file) message = lastComponent(file) + "@" + std::to_string(line) + " " + orEmpty(function);
+        if (file) message = fmt::format("{}@{} {}", lastComponent(file), line, orEmpty(function));
         if (text) message += std::string(" ") + text;
         write(mtTrace, message.c_str());
     });
 }
 
 void ZebDebug::writeStack() {
-    void const* const caller = CUBES_RETURN_ADDRESS();
-    whenActive([caller] {
+    whenActive([] {
         std::string lines = "writeStack";
-        std::size_t number = 0;
-        for (auto const& frame : platform::callStack(caller)) lines += "\n" + described(number++, frame);
+        for (int number = 0; auto const& frame : platform::callStack())
+            lines += fmt::format("\n\t{}: {}", number++, described(frame));
         write(mtTrace, lines.c_str());
     });
 }
 
 void ZebDebug::setDebugOutput(std::string const& name) {
-    whenActive([&name] { DebugLog::instance().redirect(name); });
+    whenActive([&name] {
+        Log& log = theLog();
+        std::lock_guard const lock(log.mutex);
+        log.stream.close();
+        log.name = name.empty() ? defaultName : name;
+    });
 }
 
 bool ZebDebug::isDebuggerPresent() {
-    return undisturbed(platform::isDebuggerAttached);
+    return platform::isDebuggerAttached();
 }
 
 void ZebDebug::doDebuggingBreak() {

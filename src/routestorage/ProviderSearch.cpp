@@ -1,6 +1,7 @@
 // Where the libraries of a route-storage provider are looked for, and what is reported when none can be loaded.
 
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
+#include <cubes/text/TRkString.h>
 
 #include "host/platform/Environment.h"
 #include "host/platform/Files.h"
@@ -60,5 +61,6 @@ std::string DllNotLoaded::Reason() const {
     for (std::string const& directory : searchedDirectories()) places += directory + ", ";
     std::string const search = library_ + " was looked for in " + places + "and the system's library directories";
     if (Pattern::DllNoUnloadpolicyA::load(library_)) return search + "; it can be loaded by now";
-    return search + "; the loader says: " + platform::loadFailure();
+    // On Windows the loader's message ends in a line end.
+    return search + "; the loader says: " + TRkString(platform::loadFailure()).Trim().str();
 }

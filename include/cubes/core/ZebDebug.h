@@ -5,18 +5,17 @@
 #include <string>
 
 /// The debug log of a process: lines appended to "debug.log" in the user's temporary directory and
-/// echoed to an attached debugger, while the environment variable "ZEB.DEBUG" is "true" (in any
-/// letter case). The variable is asked anew by every call.
+/// passed to an attached debugger, while the environment variable "ZEB.DEBUG" is "true" in any
+/// letter case. Every call reads the variable.
 ///
-/// Nothing here throws or reports a failure: what can't be written is not written, and the calling
-/// thread's last system error stays as it was. Any thread may call any operation, and several
-/// processes may write to one log: each message arrives whole.
+/// No operation throws or reports a failure: what cannot be written is lost. The calling thread's
+/// last system error stays as it was. Any thread may call any operation.
 ///
-/// Narrow texts are written as they are, wide ones in the narrow encoding (UTF-8 off Windows). A
-/// null text counts as an empty one.
+/// Narrow texts are written unchanged, wide ones in the narrow encoding (UTF-8 off Windows). A null
+/// text counts as an empty one.
 class CUBES_API ZebDebug {
 public:
-    /// What a line is about: the letter it starts with. Any number may be cast in and counts as mtLog.
+    /// The type of a message: the letter its line starts with. An unknown number counts as mtLog.
     enum TypeOfMessage : int {
         mtLog = 0,     ///< "L "
         mtTrace = 1,   ///< "L " as well
@@ -27,18 +26,17 @@ public:
 
     ZebDebug() = delete;
 
-    /// Whether "ZEB.DEBUG" says "true".
+    /// Whether "ZEB.DEBUG" is "true".
     static bool isDebuggingActive();
 
-    /// Keeps the log open, until setDebugOutput closes it; otherwise each message opens and closes
-    /// it. Gives true when it was open already; false when it was opened now, could not be opened,
-    /// or is not active.
+    /// Keeps the log open until setDebugOutput closes it; without this each message opens and closes
+    /// it. Returns whether it was open already.
     static bool openStream();
 
-    /// What a line starts with: the letter and the local time, "E [05-03-2024 14:07:09] ".
+    /// The prefix of a line: letter and local time, "E [05-03-2024 14:07:09] ".
     static std::string now(TypeOfMessage type);
 
-    /// Writes one line: prefix and text. An attached debugger gets the text.
+    /// Writes one line, prefix and text, and passes the text to an attached debugger.
     static void write(TypeOfMessage type, char const* text);
     static void write(TypeOfMessage type, wchar_t const* text);
 
@@ -52,7 +50,7 @@ public:
     static void writeError(wchar_t const* text);
     static void writeError(std::wstring const& text);
 
-    /// Hands the text to the debugger's output and not to the log. Does nothing off Windows.
+    /// Passes the text to the debugger only. Does nothing off Windows.
     static void writeToDebugger(char const* text);
     static void writeToDebugger(wchar_t const* text);
 
@@ -60,20 +58,20 @@ public:
     /// "failed with error 2: [No such file or directory]".
     static void writeLastError();
 
-    /// Writes where the program is: "a.cpp@12 f text". Of the file only the part behind the last
-    /// "\" is shown, or behind the last "/" when there is no "\". Without a file there is neither
-    /// line nor function; the text may be null.
+    /// Writes a place in the program: "a.cpp@12 f text". Of the file only the last component is
+    /// shown (after the last "\", or the last "/" without a "\"). A null file omits line and
+    /// function as well; a null text is omitted.
     static void writeTrace(char const* file, int line, char const* function, char const* text);
 
-    /// Writes the call stack under the heading "writeStack", the caller first, a line for each frame:
-    /// number, module, function, source line and address, with "?" for what is not known.
+    /// Writes the call stack under the heading "writeStack", the innermost call first, one line a
+    /// frame: number, module, function, source line and address, with "?" for what is unknown.
     static void writeStack();
 
-    /// From now on the log is `name`: a path when there is a "/" or "\" in it, otherwise a file in
-    /// the temporary directory; "debug.log" again when it is empty. Closes the log when it is open.
+    /// Writes to another file from now on: a path, relative to the temporary directory; empty
+    /// restores "debug.log". Closes the log when it is open.
     static void setDebugOutput(std::string const& name);
 
     static bool isDebuggerPresent();
-    /// Stops in the attached debugger; does nothing without one.
+    /// Breaks into the attached debugger; does nothing without one.
     static void doDebuggingBreak();
 };

@@ -3,27 +3,14 @@
 #include "host/platform/Demangled.h"
 
 #include <algorithm>
+#include <array>
 #include <dlfcn.h>
-#include <iterator>
-#if __has_include(<execinfo.h>)
 #include <execinfo.h>
-#endif
+#include <iterator>
 
 namespace cubes::platform {
 
 namespace {
-
-constexpr std::size_t deepest = 1024;
-
-std::vector<void*> returnAddresses() {
-#if __has_include(<execinfo.h>)
-    std::vector<void*> addresses(deepest);
-    addresses.resize(static_cast<std::size_t>(::backtrace(addresses.data(), static_cast<int>(deepest))));
-    return addresses;
-#else
-    return {};
-#endif
-}
 
 StackFrame frameAt(void* address) {
     StackFrame frame;
@@ -38,12 +25,11 @@ StackFrame frameAt(void* address) {
 
 }
 
-std::vector<StackFrame> callStack(void const* returnAddress) {
-    std::vector<void*> const addresses = returnAddresses();
-    auto const caller = std::find(addresses.begin(), addresses.end(), returnAddress);
+std::vector<StackFrame> callStack() {
+    std::array<void*, 1024> addresses{};
+    int const depth = ::backtrace(addresses.data(), static_cast<int>(addresses.size()));
     std::vector<StackFrame> frames;
-    std::transform(
-        caller == addresses.end() ? addresses.begin() : caller, addresses.end(), std::back_inserter(frames), frameAt);
+    std::transform(addresses.begin(), addresses.begin() + depth, std::back_inserter(frames), frameAt);
     return frames;
 }
 

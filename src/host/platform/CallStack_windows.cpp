@@ -9,6 +9,7 @@
 #include <dbghelp.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <mutex>
 
@@ -16,16 +17,7 @@ namespace cubes::platform {
 
 namespace {
 
-constexpr std::size_t deepest = 1024;
 constexpr std::size_t longestName = 1024;
-
-std::vector<void*> returnAddresses() {
-    std::vector<void*> addresses(deepest);
-    addresses.resize(::RtlCaptureStackBackTrace(0, static_cast<DWORD>(deepest), addresses.data(), nullptr));
-    // What is told behind the outermost call, which returns to nowhere, is no call any more.
-    addresses.erase(std::find(addresses.begin(), addresses.end(), nullptr), addresses.end());
-    return addresses;
-}
 
 // The process as the debug-help functions know it, with the modules that are loaded by now.
 HANDLE symbols() {
@@ -45,8 +37,7 @@ std::string functionAt(HANDLE process, DWORD64 place) {
     symbol->SizeOfStruct = sizeof(SYMBOL_INFO);
     symbol->MaxNameLen = longestName;
     if (!::SymFromAddr(process, place, nullptr, symbol)) return {};
-    // The debug-help functions take the "_" of "_Z" for the one that C puts there, and cut it off.
-    return demangledWithoutUnderscore(symbol->Name);
+    return demangled(symbol->Name);
 }
 
 std::optional<unsigned long> lineAt(HANDLE process, DWORD64 place) {
@@ -67,15 +58,15 @@ StackFrame frameAt(HANDLE process, void* address) {
 
 }
 
-std::vector<StackFrame> callStack(void const* returnAddress) {
+std::vector<StackFrame> callStack() {
     // The debug-help functions serve one thread at a time.
     static std::mutex mutex;
-    std::vector<void*> const addresses = returnAddresses();
-    auto const caller = std::find(addresses.begin(), addresses.end(), returnAddress);
+    std::array<void*, 1024> addresses{};
+    USHORT const depth = ::RtlCaptureStackBackTrace(0, static_cast<DWORD>(addresses.size()), addresses.data(), nullptr);
     std::lock_guard const lock(mutex);
     HANDLE const process = symbols();
     std::vector<StackFrame> frames;
-    std::transform(caller == addresses.end() ? addresses.begin() : caller, addresses.end(), std::back_inserter(frames),
+    std::transform(addresses.begin(), addresses.begin() + depth, std::back_inserter(frames),
         [process](void* address) { return frameAt(process, address); });
     return frames;
 }

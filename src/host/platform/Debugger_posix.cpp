@@ -21,7 +21,5 @@ void breakIntoDebugger() {
 
 void writeToDebugger(char const*) {}
 void writeToDebugger(wchar_t const*) {}
-void echoToDebugger(char const*) {}
-void echoToDebugger(wchar_t const*) {}
 
 }

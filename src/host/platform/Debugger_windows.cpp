@@ -20,12 +20,4 @@ void writeToDebugger(wchar_t const* text) {
     ::OutputDebugStringW(text);
 }
 
-void echoToDebugger(char const* text) {
-    if (isDebuggerAttached()) writeToDebugger(text);
-}
-
-void echoToDebugger(wchar_t const* text) {
-    if (isDebuggerAttached()) writeToDebugger(text);
-}
-
 }

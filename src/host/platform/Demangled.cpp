@@ -14,12 +14,4 @@ std::string demangled(char const* name) {
     return status == 0 ? text.get() : name;
 }
 
-std::string demangledWithoutUnderscore(char const* name) {
-    std::string const text = demangled(name);
-    if (text != name || !text.starts_with('Z')) return text;
-    std::string const whole = "_" + text;
-    std::string const again = demangled(whole.c_str());
-    return again == whole ? text : again;
-}
-
 }

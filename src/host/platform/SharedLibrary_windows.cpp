@@ -28,8 +28,7 @@ void* loadLibraryFile(std::string const& path) {
 }
 
 std::string loadFailure() {
-    std::string const message = errorText(lastError()).value_or("");
-    return message.substr(0, message.find_last_not_of("\r\n") + 1);
+    return errorText(lastError()).value_or("");
 }
 
 void* findSymbol(void* library, std::string const& name) {
