@@ -57,6 +57,10 @@
 #include <cubes/routestorage/metadata/MetadataUnsignedLongInterface.h>
 #include <cubes/routestorage/metadata/String.h>
 #include <cubes/routestorage/metadata/Vector.h>
+#include <cubes/store/EntryInfo.h>
+#include <cubes/store/EntryKey.h>
+#include <cubes/store/EntryStore.h>
+#include <cubes/store/StoreError.h>
 #include <cubes/text/AnsiString.h>
 #include <cubes/text/CountedPtr.h>
 #include <cubes/text/TRkAutoListT.h>

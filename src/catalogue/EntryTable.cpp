@@ -121,6 +121,13 @@ bool EntryTable::changeParent(ResultKey const& parent) {
     return postUnless(cursor_, &TRkDatabaseException::IsMissingRow);
 }
 
+bool EntryTable::setParent(ResultKey const& parent) {
+    auto const& columns = fields();
+    cursor_.Edit();
+    for (std::size_t i = 0; i < parent.size(); ++i) setOrClear(columns.parent[i], parent[i] != noParent[i], parent[i]);
+    return postUnless(cursor_, &TRkDatabaseException::IsMissingRow);
+}
+
 std::string EntryTable::remove(std::string const& directory) {
     std::string file = path(directory);
     cursor_.Delete();

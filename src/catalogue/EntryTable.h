@@ -84,6 +84,8 @@ public:
     /// -1 are stored as null, other parts as they are, and the counter starts anew (null without
     /// parts, else 0). False when the row is gone.
     [[nodiscard]] bool changeParent(ResultKey const& parent);
+    /// The same without touching the counter; what is not set is stored as null.
+    [[nodiscard]] bool setParent(ResultKey const& parent);
     /// Deletes the row and returns the path of its file, for the file to go after it: a file
     /// without a row is harmless, a row without its file is not.
     std::string remove(std::string const& directory);

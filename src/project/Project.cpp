@@ -9,6 +9,7 @@
 #include "host/project/ProjectFile.h"
 #include "host/project/ProjectLink.h"
 #include "project/CreatedPaths.h"
+#include "store/StoreTables.h"
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkConnectionManager.h>
@@ -17,8 +18,10 @@
 #include <cubes/project/ProjectUtils.h>
 #include <cubes/project/TRkGlobalSettings.h>
 #include <cubes/project/TRkProjectException.h>
+#include <cubes/store/EntryStore.h>
 
 #include <algorithm>
+#include <mutex>
 
 namespace cubes {
 
@@ -69,7 +72,8 @@ struct Project::Parts {
     Parts(std::string directory, ProjectFile const& description, std::string const& url)
         : root(std::move(directory)), connection(url),
           settings(TRkFString::Directory(resolved(root, description.matrixDirectory)),
-              TRkFString::Directory(resolved(root, description.workingDirectory))) {
+              TRkFString::Directory(resolved(root, description.workingDirectory))),
+          store(std::make_unique<store::StoreTables>(connection, settings, link.schema)) {
         dictionary.SetConnection(&connection);
         settings.Set("RkLib.DataDictionary", &dictionary);
         settings.Set(project::ProjectLink::key, &link);
@@ -86,14 +90,18 @@ struct Project::Parts {
     Pgaccess::TPgConnection connection;
     TRkDBDataDictionary dictionary;
     TRkGlobalSettings settings;
+    EntryStore store;
 
-    // The live projects; the last one is the current one.
+    // The live projects of all threads; the one made current last stands last.
+    static std::mutex liveMutex;
     static std::vector<Parts*> live;
 };
 
+std::mutex Project::Parts::liveMutex;
 std::vector<Project::Parts*> Project::Parts::live;
 
 Project::Parts::~Parts() {
+    std::lock_guard const guard(liveMutex);
     std::erase(live, this);
     auto& manager = getConnectionManagerInstance();
     if (manager.CurrentConnection() == &connection)
@@ -101,6 +109,7 @@ Project::Parts::~Parts() {
 }
 
 void Project::Parts::makeCurrent() {
+    std::lock_guard const guard(liveMutex);
     std::erase(live, this);
     live.push_back(this);
     getConnectionManagerInstance().SetCurrentConnection(&connection);
@@ -169,6 +178,10 @@ std::string const& Project::root() const noexcept {
 
 std::string const& Project::schema() const noexcept {
     return parts_->link.schema;
+}
+
+EntryStore& Project::store() const noexcept {
+    return parts_->store;
 }
 
 void Project::makeCurrent() {

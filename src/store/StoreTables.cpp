@@ -93,25 +93,24 @@ std::string StoreTables::path(EntryKey const& key, std::string const& storedName
     return catalogue::storedPath(directory(key.isResult()), storedName);
 }
 
-EntryInfo StoreTables::info(Rows const& rows, bool ofResults) const {
+EntryInfo StoreTables::info(Rows const& rows, bool ofResults, catalogue::Register& names) const {
     auto const key = keyOf(rows->key());
     auto const name = rows->filename();
-    return {key, text(key), name, path(key, name), rows->users(),
+    return {key, text(key, names), name, path(key, name), rows->users(),
         ofResults ? parentOf(rows->parent()) : std::nullopt};
 }
 
-std::optional<std::string> StoreTables::cubeName(short number) const {
-    if (auto const* const kind = findKind(number)) return kind->word;
-    auto const name = cubes().name(number);
-    return name ? std::optional(name->str()) : std::nullopt;
+std::string StoreTables::text(EntryKey const& key) const {
+    auto names = cubes();
+    return text(key, names);
 }
 
-std::string StoreTables::text(EntryKey const& key) const {
+std::string StoreTables::text(EntryKey const& key, catalogue::Register& names) const {
     auto const* const kind = findKind(key.cube());
-    // A row may hold a parent whose key has other parts than its cube.
+    // A row may name a parent whose key has other parts than entries of its cube.
     if (kind && kind->isResult == key.isResult()) return kind->word + joined(key.parts());
-    auto const name = kind || key.isResult() ? std::nullopt : cubeName(key.cube());
-    return (name && isCubeName(*name) ? *name : std::to_string(key.cube())) + joined(key.parts());
+    auto const name = kind || key.isResult() ? std::nullopt : names.name(key.cube());
+    return (name && isCubeName(name->str()) ? name->str() : std::to_string(key.cube())) + joined(key.parts());
 }
 
 std::string StoreTables::contentSchema(bool ofResults) const {

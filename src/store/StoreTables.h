@@ -60,11 +60,9 @@ public:
     std::string path(EntryKey const& key, std::string const& storedName) const;
 
     /// What the row says that the cursor stands on.
-    EntryInfo info(Rows const& rows, bool ofResults) const;
+    EntryInfo info(Rows const& rows, bool ofResults, catalogue::Register& names) const;
     std::string text(EntryKey const& key) const;
-    /// The cube's name, or the word of its kind; nothing for a cube that is not in the register.
-    std::optional<std::string> cubeName(short number) const;
-
+    std::string text(EntryKey const& key, catalogue::Register& names) const;
     /// The identity of the directory in which an entry was stored; unknown when nobody recorded it.
     hdf5::Id128 recordedDirectory(EntryKey const& key) const;
     /// Records where an entry's file lies and what it holds, or that it is gone. Another program may

@@ -12,6 +12,8 @@ class TPgConnection;
 
 namespace cubes {
 
+class EntryStore;
+
 /// What a new project differs in from the default. Empty texts mean the default. Relative paths
 /// are taken from the project's directory.
 struct ProjectOptions {
@@ -60,6 +62,9 @@ public:
     std::string const& root() const noexcept;
     /// The SQL schema of the project's result cubes.
     std::string const& schema() const noexcept;
+    /// All entries of the project. Any number of threads may use it at once.
+    EntryStore& store() const noexcept;
+    /// Makes this project's connection the current one of this thread, and of threads that set none.
     void makeCurrent();
 
 private:

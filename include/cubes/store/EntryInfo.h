@@ -38,14 +38,14 @@ struct EntryInfo {
 /// Which entries are meant: all that agree with every part that is set.
 struct EntrySelection {
     /// The name or number of a cube, or the word for the fares or a kind of results; empty: all.
-    std::string cube;
-    std::optional<short> purpose;
-    std::optional<short> mode;
-    std::optional<short> time;
-    std::optional<short> user;
+    std::string cube = {};
+    std::optional<short> purpose = {};
+    std::optional<short> mode = {};
+    std::optional<short> time = {};
+    std::optional<short> user = {};
     /// Entries of cubes have no result and iteration and agree with none.
-    std::optional<short> result;
-    std::optional<short> iteration;
+    std::optional<short> result = {};
+    std::optional<short> iteration = {};
 };
 
 /// Where an entry stands among those that it was derived from and that were derived from it. An

@@ -19,6 +19,10 @@ namespace cubes {
 
 class EntryStore;
 
+namespace catalogue {
+class EntryTable;
+}
+
 namespace store {
 class EntryWalk;
 class StoreTables;
@@ -75,11 +79,13 @@ public:
             return *this;
         }
         void operator++(int) { ++*this; }
-        friend bool operator==(Iterator const& at, std::default_sentinel_t) { return at.range_->isAtEnd(); }
+        friend bool operator==(Iterator const& at, std::default_sentinel_t) { return at.isAtEnd(); }
 
     private:
         friend class EntryRange;
         explicit Iterator(EntryRange& range) : range_(&range) {}
+        bool isAtEnd() const { return range_->isAtEnd(); }
+
         EntryRange* range_;
     };
 
@@ -198,6 +204,7 @@ public:
 private:
     friend class Project;
     explicit EntryStore(std::unique_ptr<store::StoreTables> tables);
+    long changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*change)());
 
     std::unique_ptr<store::StoreTables> tables_;
 };

@@ -59,10 +59,6 @@ struct Register {
     }
 };
 
-[[noreturn]] void refuse() {
-    throw std::runtime_error("it is locked by someone else who writes it");
-}
-
 }
 
 WriteLock::WriteLock(std::string const& path, Purpose purpose) : key_(keyOf(path)), purpose_(purpose) {
@@ -73,11 +69,11 @@ WriteLock::WriteLock(std::string const& path, Purpose purpose) : key_(keyOf(path
     if (held_ && held_->process != platform::processId()) held_.reset();
     if (held_ && (purpose == Purpose::open || held_->created)) {
         held_.reset();
-        refuse();
+        throw LockRefused(path);
     }
     if (!held_) {
         auto lock = platform::ByteLock::tryTake(lockFileBeside(path), positionOf(key_));
-        if (!lock) refuse();
+        if (!lock) throw LockRefused(path);
         held_ = std::make_shared<Held>(Held{std::move(*lock), platform::processId()});
         known.byKey[key_] = held_;
     }

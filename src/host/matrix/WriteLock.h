@@ -1,9 +1,23 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace cubes::matrix {
+
+/// Somebody else holds the lock of a file.
+class LockRefused : public std::runtime_error {
+public:
+    explicit LockRefused(std::string file)
+        : std::runtime_error("another program or object is writing the file; try again later"),
+          file_(std::move(file)) {}
+
+    std::string const& file() const noexcept { return file_; }
+
+private:
+    std::string file_;
+};
 
 /// The exclusive right to write a matrix file, while the object lives. It belongs to the name, not
 /// to the file of the moment, so it outlives the file's replacement: it is a lock on one byte of
@@ -15,8 +29,8 @@ class WriteLock {
 public:
     enum class Purpose { open, create };
 
-    /// Throws std::runtime_error when the lock is refused, std::system_error when it can't be
-    /// asked for, as in a directory that can't be written to.
+    /// Throws LockRefused, or std::system_error when the lock cannot be asked for, as in a
+    /// directory that cannot be written to.
     WriteLock(std::string const& path, Purpose purpose);
     WriteLock(WriteLock const&) = delete;
     WriteLock& operator=(WriteLock const&) = delete;

@@ -1,0 +1,353 @@
+#include <cubes/store/EntryStore.h>
+
+#include "catalogue/Kinds.h"
+#include "host/platform/Files.h"
+#include "store/EntryWalk.h"
+#include "store/EntryWriting.h"
+#include "store/Failure.h"
+#include "store/StoreTables.h"
+
+#include <algorithm>
+#include <charconv>
+#include <map>
+#include <set>
+
+namespace cubes {
+
+using catalogue::findKind;
+using store::EntryWalk;
+using store::EntryWriting;
+using store::keyOf;
+using store::reporting;
+using store::StoreTables;
+using store::Task;
+
+namespace {
+
+constexpr std::size_t cubeParts = 4;
+constexpr std::size_t resultParts = 6;
+
+std::optional<short> numberOf(std::string_view text) {
+    short number = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+CubeInfo infoOf(catalogue::Kind const& kind) {
+    return {kind.number, kind.word, kind.isResult, kind.holdsRoutes};
+}
+
+/// An entry's text in its pieces.
+struct Pieces {
+    std::string_view cube;
+    std::vector<std::string_view> parts;
+};
+
+// The name of a cube may hold slashes, so that parts are split off from the right.
+std::optional<Pieces> split(std::string_view text, std::size_t parts) {
+    Pieces pieces{text, std::vector<std::string_view>(parts)};
+    for (std::size_t i = parts; i-- > 0;) {
+        auto const slash = pieces.cube.rfind('/');
+        if (slash == std::string_view::npos) return std::nullopt;
+        pieces.parts[i] = pieces.cube.substr(slash + 1);
+        pieces.cube = pieces.cube.substr(0, slash);
+    }
+    return pieces;
+}
+
+// The kind that the front of an entry's text names.
+catalogue::Kind const* kindAt(std::string_view text) {
+    auto const front = text.substr(0, text.find('/'));
+    if (auto const* const kind = findKind(front)) return kind;
+    auto const number = numberOf(front);
+    return number ? findKind(*number) : nullptr;
+}
+
+}
+
+InUse::InUse(InUse&& other) noexcept : store_(std::exchange(other.store_, nullptr)), key_(other.key_) {}
+
+InUse::~InUse() {
+    try {
+        release();
+    } catch (StoreError const&) {
+        // The counter stays raised, which protects the entry for longer than needed.
+    }
+}
+
+void InUse::release() {
+    if (auto* const store = std::exchange(store_, nullptr)) store->removeUser(key_);
+}
+
+EntryRange::EntryRange(std::unique_ptr<EntryWalk> walk) : walk_(std::move(walk)) {}
+EntryRange::EntryRange(EntryRange&&) noexcept = default;
+EntryRange::~EntryRange() = default;
+
+EntryInfo const& EntryRange::current() const {
+    return walk_->current();
+}
+
+void EntryRange::advance() {
+    walk_->advance();
+}
+
+bool EntryRange::isAtEnd() const {
+    return walk_->isAtEnd();
+}
+
+EntryStore::EntryStore(std::unique_ptr<StoreTables> tables) : tables_(std::move(tables)) {}
+EntryStore::~EntryStore() = default;
+
+EntryKey EntryStore::parse(std::string_view text) const {
+    Task const task{"read \"" + std::string(text) + "\" as an entry", std::string(text)};
+    auto const* const kind = kindAt(text);
+    bool const isResult = kind && kind->isResult;
+    auto const pieces = split(text, isResult ? resultParts : cubeParts);
+    if (!pieces || pieces->cube.empty() || (kind && pieces->cube.find('/') != std::string_view::npos))
+        task.fail(Reason::invalidKey, std::string("it is written ") + (kind ? kind->word : "CUBE") +
+                                          "/purpose/mode/time/user" + (isResult ? "/result/iteration" : ""));
+    auto const cube = kind ? std::optional(infoOf(*kind)) : findCube(pieces->cube);
+    auto const number = cube ? std::optional(cube->number) : numberOf(pieces->cube);
+    if (!number) task.fail(Reason::notFound, "there is no cube \"" + std::string(pieces->cube) + "\"");
+    std::vector<short> numbers{*number};
+    for (auto const part : pieces->parts) {
+        auto const read = numberOf(part);
+        if (!read) task.fail(Reason::invalidKey, "\"" + std::string(part) + "\" is not a number of 16 bits");
+        numbers.push_back(*read);
+    }
+    return keyOf(numbers);
+}
+
+std::string EntryStore::text(EntryKey const& key) const {
+    return reporting({"name an entry", {}}, [&] { return tables_->text(key); });
+}
+
+std::vector<CubeInfo> EntryStore::cubes() const {
+    return reporting({"list the cubes", {}}, [this] {
+        std::vector<CubeInfo> found;
+        for (auto const& cube : tables_->cubes().cubes())
+            if (!findKind(cube.number)) found.push_back({cube.number, cube.name.str()});
+        std::sort(found.begin(), found.end(), [](auto const& a, auto const& b) { return a.number < b.number; });
+        return found;
+    });
+}
+
+std::vector<CubeInfo> EntryStore::kinds() {
+    std::vector<CubeInfo> found;
+    for (auto const& kind : catalogue::kinds()) found.push_back(infoOf(kind));
+    return found;
+}
+
+std::optional<CubeInfo> EntryStore::findCube(std::string_view nameOrNumber) const {
+    if (auto const* const kind = findKind(nameOrNumber)) return infoOf(*kind);
+    auto number = numberOf(nameOrNumber);
+    if (auto const* const kind = number ? findKind(*number) : nullptr) return infoOf(*kind);
+    return reporting({"look up cube \"" + std::string(nameOrNumber) + "\"", {}}, [&]() -> std::optional<CubeInfo> {
+        auto cubes = tables_->cubes();
+        if (!number) number = cubes.number(std::string(nameOrNumber).c_str());
+        auto const name = number ? cubes.name(*number) : std::nullopt;
+        return name ? std::optional(CubeInfo{*number, name->str()}) : std::nullopt;
+    });
+}
+
+short EntryStore::addCube(std::string const& name) {
+    Task const task{"add cube \"" + name + "\"", {}};
+    return reporting(task, [&] {
+        auto const number = tables_->cubes().add(name.c_str());
+        if (!number) task.fail(Reason::noSpace, "all cube numbers are in use");
+        return *number;
+    });
+}
+
+std::size_t EntryStore::removeCube(short cube) {
+    Task const task{"remove cube " + std::to_string(cube), {}};
+    std::size_t const removed = removeAll(EntrySelection{.cube = std::to_string(cube)});
+    reporting(task, [&] { tables_->cubes().remove(cube); });
+    return removed;
+}
+
+std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
+    return reporting({"look up an entry", {}}, [&] { return EntryWriting(*tables_).find(key); });
+}
+
+TRkMatrix EntryStore::get(EntryKey const& key) const {
+    Task const task{"read " + text(key), text(key)};
+    auto const& kind = catalogue::kindOf(key.cube());
+    if (kind.holdsRoutes) task.fail(Reason::invalidKey, "it holds routes and no matrix");
+    return reporting(task, [&] {
+        EntryWriting const writing(*tables_);
+        auto const file = writing.requireFile(task, writing.require(task, key));
+        TRkMatrix matrix(file.c_str(), 1, task.entry.c_str(), true, kind.matrixKind, lsNone, 0);
+        if (matrix.IsValid()) return matrix;
+        // Opening the file alone tells a file that cannot be read from one that makes no sense.
+        platform::File::openForReading(file);
+        task.fail(Reason::damaged, matrix.Reason(), file);
+    });
+}
+
+EntryRange EntryStore::entries(EntrySelection const& selection) const {
+    std::optional<CubeInfo> cube;
+    if (!selection.cube.empty()) {
+        cube = findCube(selection.cube);
+        if (!cube) Task{"list the entries of " + selection.cube, {}}.fail(Reason::notFound, "there is no such cube");
+    }
+    return reporting({"list entries", {}},
+        [&] { return EntryRange(std::make_unique<EntryWalk>(*tables_, store::stagesOf(selection, cube))); });
+}
+
+void EntryStore::put(EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options) {
+    Task const task{"store " + text(key), text(key)};
+    reporting(task, [&] { EntryWriting(*tables_).put(task, key, matrix, options); });
+}
+
+void EntryStore::putFile(EntryKey const& key, FileWriter const& write, PutOptions const& options) {
+    Task const task{"store " + text(key), text(key)};
+    reporting(task, [&] { EntryWriting(*tables_).putFile(task, key, write, options); });
+}
+
+// Whether the file of one entry serves the other as it is.
+static bool shareFiles(EntryKey const& a, EntryKey const& b) {
+    auto const& first = catalogue::kindOf(a.cube());
+    auto const& second = catalogue::kindOf(b.cube());
+    if (first.holdsRoutes || second.holdsRoutes) return &first == &second;
+    return &first == &second || (first.isResult && second.isResult);
+}
+
+void EntryStore::copy(EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
+    copyFrom(*this, from, to, options);
+}
+
+void EntryStore::copyFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
+    Task const task{"copy " + source.text(from) + " to " + text(to), text(to)};
+    reporting(task, [&] {
+        if (&source == this && from == to) return;
+        EntryWriting const reading(*source.tables_);
+        EntryWriting const writing(*tables_);
+        auto const entry = reading.require(task, from);
+        if (shareFiles(from, to)) return writing.putCopy(task, to, reading.requireFile(task, entry), options.exists);
+        writing.put(task, to, source.get(from), {{}, options.exists});
+        if (to.isResult()) setParent(to, std::nullopt);
+    });
+}
+
+void EntryStore::move(EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
+    Task const task{"move " + text(from) + " to " + text(to), text(to)};
+    reporting(task, [&] {
+        if (from == to) return;
+        EntryWriting const writing(*tables_);
+        auto const entry = writing.require(task, from);
+        if (entry.users != 0)
+            task.fail(Reason::inUse, entry.text + " is in use (users: " + std::to_string(entry.users) + ")");
+        if (shareFiles(from, to)) return writing.rename(task, entry, to, options.exists);
+        writing.put(task, to, get(from), {to.isResult() ? entry.parent : std::nullopt, options.exists});
+        writing.remove(task, from);
+    });
+}
+
+void EntryStore::moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
+    if (&source == this) return move(from, to, options);
+    auto const entry = source.find(from);
+    if (entry && entry->users != 0)
+        Task{"move " + entry->text, entry->text}.fail(
+            Reason::inUse, "it is in use (users: " + std::to_string(entry->users) + ")");
+    copyFrom(source, from, to, options);
+    source.remove(from);
+}
+
+void EntryStore::remove(EntryKey const& key) {
+    Task const task{"remove " + text(key), text(key)};
+    reporting(task, [&] { EntryWriting(*tables_).remove(task, key); });
+}
+
+std::size_t EntryStore::removeAll(EntrySelection const& selection) {
+    std::vector<EntryKey> keys;
+    for (auto const& entry : entries(selection)) keys.push_back(entry.key);
+    return removeAll(keys);
+}
+
+std::size_t EntryStore::removeAll(std::vector<EntryKey> const& keys) {
+    Task const task{"remove " + std::to_string(keys.size()) + " entries", {}};
+    return reporting(task, [&] { return EntryWriting(*tables_).removeAll(task, keys); });
+}
+
+std::optional<EntryKey> EntryStore::parent(EntryKey const& key) const {
+    Task const task{"read the parent of " + text(key), text(key)};
+    auto const entry = find(key);
+    if (!entry) task.fail(Reason::notFound, "there is no such entry");
+    return entry->parent;
+}
+
+void EntryStore::setParent(EntryKey const& key, std::optional<EntryKey> const& parent) {
+    Task const task{"set the parent of " + text(key), text(key)};
+    if (!key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
+    reporting(task, [&] {
+        auto rows = tables_->rows(true);
+        if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");
+        if (rows->users() != 0) task.fail(Reason::inUse, "it is in use (users: " + std::to_string(rows->users()) + ")");
+        if (!rows->setParent(store::numbersOf(parent))) task.fail(Reason::notFound, "it was removed meanwhile");
+    });
+}
+
+std::vector<EntryKey> EntryStore::children(EntryKey const& key) const {
+    return reporting({"list the children of " + text(key), text(key)}, [&] {
+        std::vector<EntryKey> found;
+        std::string const condition = tables_->rows(true)->childrenOf(store::numbersOf(key));
+        for (EntryWalk walk(*tables_, {{true, condition}}); !walk.isAtEnd(); walk.advance())
+            found.push_back(walk.current().key);
+        return found;
+    });
+}
+
+Lineage EntryStore::lineage(EntryKey const& key) const {
+    // All results are read once: asking for the children of each would read them as often.
+    std::map<EntryKey, std::vector<EntryKey>> children;
+    std::map<EntryKey, EntryKey> parents;
+    for (auto const& entry : entries())
+        if (entry.parent) {
+            children[*entry.parent].push_back(entry.key);
+            parents.emplace(entry.key, *entry.parent);
+        }
+    Lineage lineage;
+    std::set<EntryKey> seen = {key};
+    for (auto up = parents.find(key); up != parents.end() && seen.insert(up->second).second;
+         up = parents.find(up->second))
+        lineage.ancestors.push_back(up->second);
+
+    seen = {key};
+    std::vector<Lineage::Descendant> ahead = {{key, 0}};
+    while (!ahead.empty()) {
+        auto const next = ahead.back();
+        ahead.pop_back();
+        if (next.generation > 0) lineage.descendants.push_back(next);
+        auto const& below = children[next.key];
+        for (auto child = below.rbegin(); child != below.rend(); ++child)
+            if (seen.insert(*child).second) ahead.push_back({*child, next.generation + 1});
+    }
+    return lineage;
+}
+
+InUse EntryStore::use(EntryKey const& key) {
+    addUser(key);
+    return InUse(*this, key);
+}
+
+long EntryStore::addUser(EntryKey const& key) {
+    return changeUsers(key, &catalogue::EntryTable::raiseUsers);
+}
+
+long EntryStore::removeUser(EntryKey const& key) {
+    return changeUsers(key, &catalogue::EntryTable::lowerUsers);
+}
+
+long EntryStore::changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*change)()) {
+    Task const task{"count the users of " + text(key), text(key)};
+    return reporting(task, [&] {
+        auto rows = tables_->rows(key.isResult());
+        if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");
+        if (!(rows.operator->()->*change)()) task.fail(Reason::database, "the table of entries counts no users");
+        return rows->users();
+    });
+}
+
+}
