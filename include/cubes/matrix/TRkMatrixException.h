@@ -4,17 +4,22 @@
 #include <cubes/text/TRkException.h>
 
 #include <string>
+#include <system_error>
 
 /// An error of the matrix layer: what was asked, of which file, and why it failed.
 class CUBES_API TRkMatrixException : public TRkException {
 public:
-    TRkMatrixException(std::string const& message, std::string file);
+    TRkMatrixException(std::string const& message, std::string file, std::error_code code = {});
     TRkMatrixException(TRkMatrixException const&);
     TRkMatrixException& operator=(TRkMatrixException const&);
     ~TRkMatrixException() override;
 
+    /// The file concerned; empty for a matrix in memory.
     std::string const& File() const noexcept { return file_; }
+    /// The system's error, as std::errc::no_space_on_device; empty where the cause is another one.
+    std::error_code Code() const noexcept { return code_; }
 
 private:
     std::string file_;
+    std::error_code code_;
 };

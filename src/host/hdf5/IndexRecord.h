@@ -49,12 +49,12 @@ private:
 /// Where a file belongs. A hint: the database decides. Empty for files of unknown place.
 struct FileStamp {
     /// The identity of the directory of matrix files.
-    Id128 directory;
+    Id128 directory = {};
     /// The cube's name in UTF-8. The record keeps its first 192 bytes, cut between characters.
-    std::string cube;
+    std::string cube = {};
     std::int32_t cubeNumber = 0;
     /// The parts of the entry's key, at most 6.
-    std::vector<std::int32_t> key;
+    std::vector<std::int32_t> key = {};
 
     bool operator==(FileStamp const&) const = default;
 };
@@ -70,7 +70,7 @@ struct IndexRecord {
     enum class Holds : std::uint32_t { matrix = 1, routes = 2, routeData = 3 };
 
     Holds holds = Holds::matrix;
-    Id128 content;
+    Id128 content = {};
     /// The digest of the provenance; unknown when there is none.
     Id128 provenance;
     FileStamp stamp;
@@ -113,17 +113,17 @@ std::optional<std::uint64_t> structureChecksum(
 /// What a matrix or route set was made of, and how. Texts are in UTF-8.
 struct Provenance {
     struct Input {
-        std::string key;
-        Id128 content;
+        std::string key = {};
+        Id128 content = {};
 
         bool operator==(Input const&) const = default;
     };
-    std::vector<Input> inputs;
-    std::string madeBy;
-    std::string version;
-    std::string time;
-    std::string note;
-    std::string source;
+    std::vector<Input> inputs = {};
+    std::string madeBy = {};
+    std::string version = {};
+    std::string time = {};
+    std::string note = {};
+    std::string source = {};
 
     bool operator==(Provenance const&) const = default;
     /// XXH3 over the attributes' texts, each followed by a zero byte; unknown when all are empty.

@@ -2,6 +2,7 @@
 
 #include <cubes/matrix/TRkMatrixException.h>
 
+#include <charconv>
 #include <exception>
 #include <new>
 #include <string>
@@ -10,8 +11,19 @@
 
 namespace cubes::matrix {
 
-[[noreturn]] inline void throwFailure(char const* action, std::string const& file, std::string const& reason) {
-    throw TRkMatrixException(std::string(action) + " " + file + ": " + reason, file);
+[[noreturn]] inline void throwFailure(
+    char const* action, std::string const& file, std::string const& reason, std::error_code code = {}) {
+    throw TRkMatrixException(std::string(action) + " " + file + ": " + reason, file, code);
+}
+
+/// The system's error in a reason of HDF5, which knows it as text only: "... errno = 28, error message = ...".
+inline std::error_code systemErrorIn(std::string_view reason) {
+    constexpr std::string_view mark = "errno = ";
+    auto const at = reason.find(mark);
+    if (at == std::string_view::npos) return {};
+    int code = 0;
+    std::from_chars(reason.data() + at + mark.size(), reason.data() + reason.size(), code);
+    return {code, std::generic_category()};
 }
 
 /// Does `work`; what goes wrong in it becomes a TRkMatrixException: "cannot open matrix file
@@ -25,11 +37,12 @@ auto describingFailure(char const* action, std::string const& file, Work const& 
     } catch (std::bad_alloc const&) {
         throwFailure(action, file, "not enough memory");
     } catch (std::system_error const& error) {
-        // The system's words alone where they are about this very file.
+        // The system's message alone where it is about this very file.
         bool const sameFile = std::string_view(error.what()).find(" " + file + ":") != std::string_view::npos;
-        throwFailure(action, file, sameFile ? error.code().message() : error.what());
+        throwFailure(action, file, sameFile ? error.code().message() : error.what(), error.code());
     } catch (std::exception const& error) {
-        throwFailure(action, file, error.what());
+        std::error_code const code = systemErrorIn(error.what());
+        throwFailure(action, file, code ? code.message() : error.what(), code);
     }
 }
 

@@ -18,11 +18,11 @@ namespace cubes::matrix {
 struct FileHeader {
     int rows = 0;
     int columns = 0;
-    std::optional<RkMatrixType> type;
-    std::optional<RkMatrixKind> kind;
+    std::optional<RkMatrixType> type = {};
+    std::optional<RkMatrixKind> kind = {};
     /// In UTF-8.
-    std::string name;
-    std::vector<std::int32_t> zones;
+    std::string name = {};
+    std::vector<std::int32_t> zones = {};
     /// Whether it is a selected-link matrix. Only compressed files keep this.
     bool selectedLink = false;
 };

@@ -20,7 +20,8 @@ namespace cubes::matrix {
 namespace {
 
 constexpr char identityName[] = "cubes-id";
-constexpr std::size_t identityDigits = 32;
+// More than 32 digits and a line end are no identity.
+constexpr std::uint64_t longestIdentity = 40;
 
 template <typename Work>
 void writing(std::string const& target, Work const& work) {
@@ -55,10 +56,10 @@ std::optional<Id128> readIdentity(std::string const& path) {
     if (!platform::exists(path)) return std::nullopt;
     try {
         auto const file = platform::File::openForReading(path);
-        std::string text(std::min<std::size_t>(file.size(), identityDigits + 1), '\0');
+        std::string text(static_cast<std::size_t>(std::min<std::uint64_t>(file.size(), longestIdentity)), '\0');
         file.readAt(0, std::as_writable_bytes(std::span(text)));
-        bool const endsThere = file.size() == identityDigits || (text.size() > identityDigits && text.back() == '\n');
-        return endsThere ? Id128::parse(text.substr(0, identityDigits)).value_or(Id128{}) : Id128{};
+        if (text.ends_with('\n')) text.pop_back();
+        return Id128::parse(text).value_or(Id128{});
     } catch (std::system_error const&) {
         return Id128{};
     }
@@ -155,10 +156,6 @@ Id128 directoryIdentity(std::string const& directory) {
     if (auto const known = readIdentity(path)) return *known;
     makeIdentity(path);
     return readIdentity(path).value_or(Id128{});
-}
-
-bool isIdentityName(std::string const& name) {
-    return name == identityName;
 }
 
 }

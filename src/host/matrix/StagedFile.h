@@ -71,7 +71,4 @@ Provenance readProvenance(std::string const& path);
 /// be written to, and for a file with another content; never throws for those.
 Id128 directoryIdentity(std::string const& directory);
 
-/// Whether a file of this name (without directory) holds the identity of its directory.
-bool isIdentityName(std::string const& name);
-
 }

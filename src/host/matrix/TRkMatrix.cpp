@@ -119,8 +119,8 @@ TRkBaseMatrix::~TRkBaseMatrix() = default;
 
 TRkVLSelectedLinkMatrix::~TRkVLSelectedLinkMatrix() = default;
 
-TRkMatrixException::TRkMatrixException(std::string const& message, std::string file)
-    : TRkException(message.c_str(), 0), file_(std::move(file)) {}
+TRkMatrixException::TRkMatrixException(std::string const& message, std::string file, std::error_code code)
+    : TRkException(message.c_str(), 0), file_(std::move(file)), code_(code) {}
 
 TRkMatrixException::TRkMatrixException(TRkMatrixException const&) = default;
 TRkMatrixException& TRkMatrixException::operator=(TRkMatrixException const&) = default;

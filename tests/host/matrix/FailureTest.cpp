@@ -4,6 +4,7 @@
 #include "host/platform/TemporaryFile.h"
 
 #include <cubes/matrix/MatrixStorage.h>
+#include <cubes/matrix/OmxFile.h>
 #include <cubes/matrix/TRkMatrixException.h>
 
 #include <gtest/gtest.h>
@@ -175,6 +176,26 @@ TEST_P(EachFailure, aProcessThatIsKilledLeavesTheOldFileAndANameThatTellsWhatItI
 
 INSTANTIATE_TEST_SUITE_P(Failure, EachFailure, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
     [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+
+TEST(Failure, keepsTheSystemsErrorWhateverStepFails) {
+    TempDir const directory;
+    cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::full});
+    TRkMatrix const source = times(90, 90);
+    int steps = 0;
+    for (bool failed = true; failed; ++steps) {
+        ASSERT_LT(steps, 200);
+        std::error_code code;
+        FailingSystem const system(steps + 1, ENOSPC);
+        try {
+            cubes::OmxFile::write(directory.file("a.omx"), "matrix", source);
+        } catch (TRkMatrixException const& error) {
+            code = error.Code();
+        }
+        failed = system.hasFailed();
+        EXPECT_EQ(code == std::errc::no_space_on_device, failed) << "step " << steps + 1;
+    }
+    EXPECT_GT(steps, 5);
+}
 
 TEST(Failure, aSourceThatCanNotBeReadAnyMoreLeavesTheOldFile) {
     TempDir const directory;

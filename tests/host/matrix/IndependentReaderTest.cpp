@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -245,7 +246,7 @@ TEST(PlainStorage, matricesBeyondTheChunkLimitLieInOnePieceAllTheSame) {
     {
         auto target = cubes::platform::File::createNew(file);
         cubes::matrix::writePlainInChunks(
-            target, {.header = {2500, 7, {}, {}, "", {}, false}, .elements = matrix.Elements().data()}, 40000);
+            target, {.header = {.rows = 2500, .columns = 7}, .elements = matrix.Elements().data()}, 40000);
     }
     EXPECT_EQ(python("d = h5py.File(file)['data/matrix']\nprint(d.chunks, d.id.get_num_chunks(), d[2499, 6])", file),
         "(1024, 7) 3 2499006.0\n");
@@ -271,6 +272,46 @@ TEST(DeflateStorage, isSmallAndLeavesZerosOut) {
         "gzip 1 True\n");
     EXPECT_LT(std::filesystem::file_size(directory.file("sparse.omx")), 20000u);
     EXPECT_LT(std::filesystem::file_size(directory.file("dense.omx")), 600000u);
+}
+
+TEST(DeflateStorage, hasAnIndexThatAgreesWithHdf5) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::process});
+    for (int const rows : {2, 300, 5000}) {
+        TRkMatrix matrix = times(rows, 800);
+        std::fill_n(matrix.RowAt(rows / 2, 0), 800, 0.0f);
+        ASSERT_TRUE(save(matrix, file));
+        auto const view = cubes::platform::FileView::open(file);
+        auto const index = cubes::matrix::findIndex(view.bytes());
+        ASSERT_TRUE(index) << rows;
+        std::string ours;
+        for (auto const& chunk : index->places.chunks)
+            ours += std::to_string(chunk.offset) + " " + std::to_string(chunk.size) + " " +
+                    std::to_string(chunk.skipped) + "\n";
+        EXPECT_EQ(python("d = h5py.File(file)['data/matrix'].id\n"
+                         "for i in range(d.get_num_chunks()):\n"
+                         "    c = d.get_chunk_info(i)\n"
+                         "    print(c.byte_offset, c.size, c.filter_mask)",
+                      file),
+            ours);
+        EXPECT_EQ(difference(opened(file), matrix), "");
+    }
+}
+
+TEST(DeflateStorage, hasAnIndexThatEndsWithAnyChangeOfItsStructure) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::process});
+    auto const isIndexed = [&] { return cubes::matrix::findIndex(cubes::platform::FileView::open(file).bytes()); };
+    for (char const* const change :
+        {"f['data/matrix'][400, 3] = 99", "f.attrs['title'] = 'x'", "f['lookup/a'] = [1]"}) {
+        ASSERT_TRUE(save(times(700, 300), file));
+        EXPECT_TRUE(isIndexed());
+        python(std::string("f = h5py.File(file, 'r+'); ") + change, file);
+        EXPECT_FALSE(isIndexed()) << change;
+        EXPECT_TRUE(opened(file).IsValid()) << change;
+    }
 }
 
 TEST(MatrixFile, theContentIdIsThatOfShapeElementsAndZones) {

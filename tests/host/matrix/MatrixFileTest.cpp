@@ -7,6 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
 using namespace cubes::test;
 
 namespace {
@@ -60,6 +64,34 @@ TEST_P(EachStorage, keepsRowsThatWereHandedOutAndWhatWasWrittenToThem) {
     matrix.RowAt(699, 8);
     EXPECT_EQ(matrix.RowAt(350, 8), early);
     EXPECT_EQ(early[7], -1);
+}
+
+TEST_P(EachStorage, givesAllElementsAndRowsAsSpans) {
+    TRkMatrix const source = times(700, 400);
+    ASSERT_TRUE(save(source, file));
+    TRkMatrix matrix = opened(file);
+    EXPECT_TRUE(std::ranges::equal(matrix.Row(350), source.Row(350)));
+    EXPECT_TRUE(std::ranges::equal(matrix.Elements(), source.Elements()));
+    EXPECT_EQ(matrix.Elements().size(), 280'000u);
+    EXPECT_EQ(matrix.Row(699).data(), matrix.Elements().data() + 699 * 400);
+    matrix.WritableRow(3)[5] = -1;
+    matrix.WritableElements()[0] = -2;
+    EXPECT_EQ(matrix.RowAt(3, 8)[5], -1);
+    EXPECT_EQ(matrix.RowAt(0, 8)[0], -2);
+    EXPECT_EQ(difference(opened(file), source), "");
+}
+
+TEST_P(EachStorage, finishesANewFileThatWasFilledThroughSpans) {
+    {
+        TRkMatrix target = created(file, 2, 3);
+        EXPECT_EQ(target.Elements().size(), 6u);
+        EXPECT_EQ(target.Row(1)[2], 0);
+    }
+    EXPECT_FALSE(std::filesystem::exists(file));
+    { created(file, 2, 3).WritableElements()[5] = 7; }
+    EXPECT_EQ(opened(file).Row(1)[2], 7);
+    { created(file, 2, 3).WritableRow(1)[1] = 8; }
+    EXPECT_EQ(opened(file).Row(1)[1], 8);
 }
 
 TEST_P(EachStorage, writingToAnOpenedMatrixIsPrivate) {
@@ -297,6 +329,77 @@ TEST(Matrix, assignmentCopiesElementsAndZonesAndRefusesOtherDimensions) {
     EXPECT_TRUE(target.IsValid());
     target.AssignFrom(target);
     EXPECT_EQ(difference(target, source), "");
+}
+
+TEST(Matrix, givesTheElementOfAnOdPairByZoneNumbers) {
+    TRkMatrix matrix = numbered(3, 3);
+    matrix.SetZones({1001, 30, 9500});
+    EXPECT_EQ(matrix.At(1001, 9500), 2);
+    EXPECT_EQ(matrix.At(9500, 30), 2001);
+    matrix.SetZones({7, 8, 7});
+    EXPECT_EQ(matrix.At(7, 8), 1);
+    EXPECT_THROW(matrix.At(1001, 7), TRkMatrixException);
+    TRkMatrix other = TRkMatrix::inMemory(3, 3);
+    other.SetZones({4, 5, 6});
+    matrix.AssignFrom(other);
+    EXPECT_EQ(matrix.At(4, 6), 0);
+    matrix.SetZones({});
+    EXPECT_EQ(matrix.At(1, 1), 0);
+}
+
+TEST(Matrix, countsZonesFrom1WhereItHasNoZoneNumbers) {
+    TRkMatrix const matrix = numbered(2, 3);
+    EXPECT_EQ(matrix.At(1, 1), 0);
+    EXPECT_EQ(matrix.At(2, 3), 1002);
+    EXPECT_THROW(matrix.At(3, 1), TRkMatrixException);
+    EXPECT_THROW(matrix.At(0, 1), TRkMatrixException);
+    EXPECT_THROW(TRkMatrix().At(1, 1), TRkMatrixException);
+}
+
+TEST(Matrix, saysWhichZonesThereAre) {
+    auto const reason = [](TRkMatrix const& matrix, int origin, int destination) {
+        try {
+            return std::to_string(matrix.At(origin, destination));
+        } catch (TRkMatrixException const& error) {
+            return std::string(error.what());
+        }
+    };
+    TRkMatrix matrix = numbered(3, 3);
+    EXPECT_EQ(reason(matrix, 1, 4),
+        "cannot read OD pair 1, 4: there is no zone 4; the matrix has no zone numbers, so they count from 1 to 3");
+    matrix.SetZones({9500, 1001, 30});
+    EXPECT_EQ(
+        reason(matrix, 285, 30), "cannot read OD pair 285, 30: there is no zone 285; zone numbers run from 30 to 9500");
+    TempDir const directory;
+    std::string const file = directory.file("a.skm");
+    ASSERT_TRUE(save(matrix, file));
+    EXPECT_EQ(reason(opened(file), 30, 1),
+        "cannot read OD pair 30, 1 in " + file + ": there is no zone 1; zone numbers run from 30 to 9500");
+}
+
+TEST(Matrix, refusesSpansOfWhatIsNotThere) {
+    TRkMatrix none;
+    EXPECT_THROW(none.Elements(), TRkMatrixException);
+    EXPECT_THROW(none.WritableElements(), TRkMatrixException);
+    TRkMatrix matrix = numbered(2, 2);
+    EXPECT_THROW(matrix.Row(2), TRkMatrixException);
+    EXPECT_THROW(matrix.WritableRow(-1), TRkMatrixException);
+}
+
+TEST(Matrix, objectsOfDifferentThreadsDoNotMeet) {
+    TempDir const directory;
+    std::atomic<int> correct = 0;
+    auto const work = [&](int number) {
+        std::string const file = directory.file(std::to_string(number) + ".skm");
+        TRkMatrix const source = times(40 + number, 30);
+        for (int round = 0; round < 5; ++round)
+            if (save(source, file) && difference(opened(file), source).empty()) ++correct;
+    };
+    {
+        std::vector<std::jthread> threads;
+        for (int number = 0; number < 4; ++number) threads.emplace_back(work, number);
+    }
+    EXPECT_EQ(correct, 20);
 }
 
 TEST(Matrix, theKindCanBeChanged) {

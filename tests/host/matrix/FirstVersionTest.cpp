@@ -1,0 +1,77 @@
+// Files of the first version of the matrix file, kept as they were written, are read for ever.
+
+#include "host/matrix/Samples.h"
+
+#include "host/matrix/Elements.h"
+#include "host/matrix/StagedFile.h"
+
+#include <cubes/matrix/OmxFile.h>
+#include <cubes/matrix/TRkMatrixException.h>
+#include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
+
+#include <gtest/gtest.h>
+
+namespace cubes::test {
+namespace {
+
+std::string sampleFile(std::string const& name) {
+    return std::string(CUBES_TEST_FILES) + "/matrix-1/" + name;
+}
+
+class EachFirstVersion : public testing::TestWithParam<char const*> {};
+
+TEST_P(EachFirstVersion, isReadWithEverythingInIt) {
+    std::string const file = sampleFile(GetParam());
+    TRkMatrix const matrix = opened(file, 0, 5);
+    ASSERT_TRUE(matrix.IsValid()) << matrix.Reason();
+    EXPECT_EQ(matrix.Rows(), 3);
+    EXPECT_EQ(matrix.Columns(), 3);
+    EXPECT_EQ(matrix.Type(), mtSkim);
+    EXPECT_EQ(matrix.MatrixKind(), mkSkim);
+    EXPECT_EQ(matrix.Zones(), (std::vector<std::int32_t>{101, -7, 2000000000}));
+    for (int row = 0; row < 3; ++row)
+        for (int column = 0; column < 3; ++column)
+            EXPECT_EQ(matrix.RowAt(row, 8)[column], 10.5f * static_cast<float>(row) - static_cast<float>(column));
+    EXPECT_EQ(matrix.At(-7, 2000000000), 8.5f);
+    EXPECT_TRUE(OmxFile::open(file).isIntact("matrix"));
+    EXPECT_EQ(matrix::openMatrixFile(file).header.name, "Zürich [1,2]");
+}
+
+TEST_P(EachFirstVersion, isFoundDamagedByItsChecksum) {
+    TempDir const directory;
+    std::string bytes = readFile(sampleFile(GetParam()));
+    std::string const element("\x00\x00\x28\x41", 4);
+    std::size_t const place = bytes.find(element);
+    bool const isPlain = place != std::string::npos;
+    char& changed = bytes[isPlain ? place : bytes.size() - 2];
+    changed = static_cast<char>(changed ^ 1);
+    writeFile(directory.file("a.omx"), bytes);
+    bool isIntact = true;
+    try {
+        isIntact = OmxFile::open(directory.file("a.omx")).isIntact("matrix");
+    } catch (TRkMatrixException const&) {
+        isIntact = false;
+    }
+    EXPECT_FALSE(isIntact);
+}
+
+TEST_P(EachFirstVersion, hasNoOrigin) {
+    EXPECT_FALSE(matrix::readOrigin(sampleFile(GetParam())));
+    EXPECT_EQ(matrix::readProvenance(sampleFile(GetParam())), matrix::Provenance{});
+}
+
+INSTANTIATE_TEST_SUITE_P(FirstVersion, EachFirstVersion, testing::Values("plain.omx", "deflate.omx"),
+    [](auto const& name) { return std::string(name.param) == "plain.omx" ? "plain" : "deflate"; });
+
+TEST(FirstVersion, plainFilesAreReadByTheirOwnIndex) {
+    EXPECT_TRUE(matrix::findIndex(platform::FileView::open(sampleFile("plain.omx")).bytes()));
+}
+
+TEST(FirstVersion, selectedLinkMatricesAreStillThat) {
+    TRkMatrix const matrix = opened(sampleFile("selected-link.omx"));
+    ASSERT_NE(dynamic_cast<TRkVLSelectedLinkMatrix const*>(matrix.Body()), nullptr);
+    EXPECT_EQ(matrix.RowAt(1, 8)[2], 2.5f);
+}
+
+}
+}
