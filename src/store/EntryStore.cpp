@@ -203,7 +203,11 @@ void EntryStore::put(EntryKey const& key, TRkMatrix const& matrix, PutOptions co
 
 void EntryStore::putFile(EntryKey const& key, FileWriter const& write, PutOptions const& options) {
     Task const task{"store " + text(key), text(key)};
-    reporting(task, [&] { EntryWriting(*tables_).putFile(task, key, write, options); });
+    try {
+        reporting(task, [&] { EntryWriting(*tables_).putFile(task, key, write, options); });
+    } catch (store::CallbackFailure const& failure) {
+        std::rethrow_exception(failure.error);
+    }
 }
 
 // Whether the file of one entry serves the other as it is.

@@ -224,7 +224,11 @@ void EntryWriting::putFile(
     store(task, key, options.exists, {options.parent.has_value(), options.parent}, [&](std::string const& target) {
         if (platform::isDirectory(target)) task.fail(Reason::file, "it is a directory", target);
         auto file = std::make_shared<platform::TemporaryFile>(target);
-        write(file->path());
+        try {
+            write(file->path());
+        } catch (...) {
+            throw CallbackFailure{std::current_exception()};
+        }
         restampFile(file->path(), stampOf(key));
         if (isToBeFlushed(target)) platform::flushFile(file->path());
         return [file] {

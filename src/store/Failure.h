@@ -30,7 +30,12 @@ Reason reasonOf(TRkDatabaseException const& error);
 /// The error's text without what was asked of the file.
 std::string causeOf(TRkMatrixException const& error);
 
-/// Does `work`; what goes wrong in it becomes a StoreError about the task.
+/// What a callback of the caller threw, on its way through the store.
+struct CallbackFailure {
+    std::exception_ptr error;
+};
+
+/// Does `work`; what goes wrong in it becomes a StoreError about the task, except a CallbackFailure.
 template <typename Work>
 auto reporting(Task const& task, Work const& work) -> decltype(work()) {
     try {
@@ -47,6 +52,8 @@ auto reporting(Task const& task, Work const& work) -> decltype(work()) {
         task.fail(reasonOf(error.code()), error.what());
     } catch (std::bad_alloc const&) {
         task.fail(Reason::file, "not enough memory");
+    } catch (std::exception const& error) {
+        task.fail(Reason::file, error.what());
     }
 }
 

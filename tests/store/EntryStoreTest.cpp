@@ -1,0 +1,368 @@
+#include <cubes/store/EntryStore.h>
+
+#include <cubes/matcubes/TRkMatCubes.h>
+#include <cubes/project/Project.h>
+#include <cubes/varcubes/TRkSkimCube.h>
+
+#include <filesystem>
+
+#include "support/Backend.h"
+
+namespace cubes::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A small asymmetric matrix, recognisable by its first element.
+TRkMatrix matrixOf(float first) {
+    TRkMatrix made = TRkMatrix::inMemory(2, 3);
+    for (int row = 0; row < 2; ++row)
+        for (int column = 0; column < 3; ++column)
+            made.RowAt(row, 8)[column] = first + static_cast<float>(10 * row + column);
+    return made;
+}
+
+float first(TRkMatrix const& matrix) {
+    return matrix.Elements()[0];
+}
+
+class EntryStoreTest : public BackendTest {
+protected:
+    void SetUp() override {
+        BackendTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
+        project_ = std::make_unique<TestProject>(backend());
+        store().addCube("Trips");
+    }
+
+    TestProject& project() { return *project_; }
+    EntryStore& store() { return project_->project().store(); }
+    std::string schema() { return project().project().schema(); }
+
+    std::string rowsOf(std::string const& table, std::string const& columns) {
+        return joined(project().sql("select " + columns + " from " + table + " order by 1, 2, 3, 4, 5"));
+    }
+    std::string cubeRows() {
+        return rowsOf(project().database().table("public", "cube4data1"),
+            "cubenr, purpose, mode, time, \"user\", \"usageCounter\", filename");
+    }
+    std::string resultRows() {
+        return rowsOf(project().database().table(schema(), "cube5data1"),
+            "cubenr, purpose, mode, time, \"user\", result, iteration, \"usageCounter\", filename, parentcubenr, "
+            "parentpurpose, parentresult");
+    }
+    std::string path(EntryKey const& key) { return store().find(key).value().file; }
+
+    static std::string reasonOf(std::function<void()> const& work) {
+        try {
+            work();
+        } catch (StoreError const& error) {
+            return nameOf(error.reason());
+        }
+        return "nothing was thrown";
+    }
+
+    EntryKey const trips_{1, 1, 1, 1, 1};
+    EntryKey const other_{1, 2, 1, 1, 1};
+    EntryKey const skim_{-1, 1, 1, 1, 1, 2, 0};
+    EntryKey const routes_{-9, 1, 1, 1, 1, 1, 0};
+
+private:
+    std::unique_ptr<TestProject> project_;
+};
+
+CUBES_BOTH_BACKENDS(EntryStoreTest);
+
+TEST_P(EntryStoreTest, convertsKeysToTextAndBack) {
+    store().addCube("A/B");
+    store().addCube("17");
+    struct Case {
+        EntryKey key;
+        char const* text;
+    };
+    Case const cases[] = {{{1, 1, 2, 3, 4}, "Trips/1/2/3/4"}, {{2, 1, 1, 1, 1}, "A/B/1/1/1/1"},
+        {{3, 1, 1, 1, 1}, "3/1/1/1/1"}, {{99, 1, 1, 1, 1}, "99/1/1/1/1"}, {{-8, 1, 1, 1, 1}, "fare/1/1/1/1"},
+        {{-1, 1, 2, 3, 4, 5, 0}, "skim/1/2/3/4/5/0"}, {{-10, 1, 1, 1, 1, 1, 1}, "routedata/1/1/1/1/1/1"}};
+    for (auto const& [key, text] : cases) {
+        EXPECT_EQ(store().text(key), text);
+        EXPECT_EQ(store().parse(text), key) << text;
+    }
+    EXPECT_EQ(store().parse("trips/1/2/3/4"), EntryKey(1, 1, 2, 3, 4));
+    EXPECT_EQ(store().parse("-1/1/2/3/4/5/0"), EntryKey(-1, 1, 2, 3, 4, 5, 0));
+}
+
+TEST_P(EntryStoreTest, refusesTextsThatAreNoEntryAndAddsNoCube) {
+    struct Case {
+        char const* text;
+        char const* reason;
+    };
+    Case const cases[] = {{"", "invalidKey"}, {"Trips", "invalidKey"}, {"Trips/1/1/1", "invalidKey"},
+        {"/1/1/1/1", "invalidKey"}, {"Trips/1/1/1/x", "invalidKey"}, {"Trips/1/1/1/40000", "invalidKey"},
+        {"skim/1/1/1/1", "invalidKey"}, {"skim/1/1/1/1/1/1/1", "invalidKey"}, {"New/1/1/1/1", "notFound"},
+        {"Trips/1/1/1/", "invalidKey"}};
+    for (auto const& [text, reason] : cases)
+        EXPECT_EQ(reasonOf([&, text = text] { store().parse(text); }), reason) << text;
+    EXPECT_EQ(store().cubes().size(), 1u);
+}
+
+TEST_P(EntryStoreTest, storesANewEntryAsOneRowAndOneFile) {
+    store().put(trips_, matrixOf(5));
+    EXPECT_EQ(cubeRows(), "1|1|1|1|1|0|1-1-1-1-1.odm\n");
+    EXPECT_EQ(first(store().get(trips_)), 5);
+    auto const found = store().find(trips_);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->text, "Trips/1/1/1/1");
+    EXPECT_EQ(found->users, 0);
+    EXPECT_FALSE(found->parent);
+    EXPECT_TRUE(fs::exists(found->file));
+    // The cube objects find the same.
+    TRkMatCubes const cubes(project().settings(), ".odm", false);
+    EXPECT_EQ(cubes.Get("Trips", 1, 1, 1, 1, 1, 2, lsNone, false), 17.0);
+}
+
+TEST_P(EntryStoreTest, storesAResultWithItsParent) {
+    store().put(skim_, matrixOf(7), {.parent = trips_});
+    EXPECT_EQ(resultRows(), "-1|1|1|1|1|2|0|0|1-1-1-1-2-0.skm|1|1|NULL\n");
+    EXPECT_EQ(store().parent(skim_), trips_);
+    EXPECT_EQ(store().get(skim_).Type(), mtSkim);
+    TRkSkimCube const skims(project().settings(), false);
+    EXPECT_EQ(skims.Get(1, 1, 1, 1, 2, 0, 0, 0, lsNone, false), 7.0);
+}
+
+TEST_P(EntryStoreTest, replacesAMatrixAndKeepsRowAndParent) {
+    store().put(skim_, matrixOf(7), {.parent = trips_});
+    store().put(skim_, matrixOf(8));
+    EXPECT_EQ(first(store().get(skim_)), 8);
+    EXPECT_EQ(store().parent(skim_), trips_);
+    store().put(skim_, matrixOf(9), {.parent = other_});
+    EXPECT_EQ(store().parent(skim_), other_);
+}
+
+TEST_P(EntryStoreTest, replacesTheFileThatTheRowNames) {
+    store().put(trips_, matrixOf(1));
+    fs::rename(path(trips_), project().matrixDirectory() + "mine.odm");
+    project().execute("update " + project().database().table("public", "cube4data1") + " set filename = 'mine.odm'");
+    store().put(trips_, matrixOf(2));
+    EXPECT_EQ(first(store().get(trips_)), 2);
+    EXPECT_EQ(cubeRows(), "1|1|1|1|1|0|mine.odm\n");
+}
+
+TEST_P(EntryStoreTest, keepsWhatWasReadWhenTheEntryIsReplacedOrRemoved) {
+    store().put(trips_, matrixOf(1));
+    auto const read = store().get(trips_);
+    store().put(trips_, matrixOf(2));
+    EXPECT_EQ(first(read), 1);
+    store().remove(trips_);
+    EXPECT_EQ(read.Elements()[5], 13);
+}
+
+TEST_P(EntryStoreTest, refusesToStoreAndChangesNothing) {
+    store().put(trips_, matrixOf(1));
+    store().addUser(trips_);
+    auto const before = cubeRows();
+    struct Case {
+        char const* reason;
+        std::function<void()> work;
+    };
+    Case const cases[] = {
+        {"inUse", [&] { store().put(trips_, matrixOf(2)); }},
+        {"alreadyExists", [&] { store().put(trips_, matrixOf(2), {.exists = OnExisting::fail}); }},
+        {"notFound",
+            [&] {
+                store().put({7, 1, 1, 1, 1}, matrixOf(2));
+            }},
+        {"invalidKey",
+            [&] {
+                store().put({1, 0, 1, 1, 1}, matrixOf(2));
+            }},
+        {"invalidKey",
+            [&] {
+                store().put({-1, 1, 1, 1, 1, -1, 0}, matrixOf(2));
+            }},
+        {"invalidKey",
+            [&] {
+                store().put({-1, 1, 1, 1, 1}, matrixOf(2));
+            }},
+        {"invalidKey",
+            [&] {
+                store().put({1, 1, 1, 1, 1, 1, 1}, matrixOf(2));
+            }},
+        {"invalidKey", [&] { store().put(other_, matrixOf(2), {.parent = trips_}); }},
+        {"invalidKey", [&] { store().put(routes_, matrixOf(2)); }},
+        {"wrongShape", [&] { store().put(other_, TRkMatrix()); }},
+        {"invalidKey", [&] { store().putFile(other_, [](std::string const&) {}); }},
+    };
+    for (auto const& [reason, work] : cases) EXPECT_EQ(reasonOf(work), reason);
+    EXPECT_EQ(cubeRows(), before);
+    EXPECT_EQ(resultRows(), "");
+    EXPECT_EQ(first(store().get(trips_)), 1);
+}
+
+TEST_P(EntryStoreTest, rollsTheRowOfANewEntryBackWhenItsFileCannotBePutInPlace) {
+    // A directory of the file's name cannot be replaced.
+    fs::create_directory(project().matrixDirectory() + "1-1-1-1-1.odm");
+    EXPECT_NE(reasonOf([&] { store().put(trips_, matrixOf(1)); }), "nothing was thrown");
+    EXPECT_EQ(cubeRows(), "");
+}
+
+TEST_P(EntryStoreTest, refusesAFileThatSomebodyElseWrites) {
+    store().put(trips_, matrixOf(1));
+    auto const writer = TRkMatrix(2, 3, mtMatrixCube, path(trips_).c_str(), 1, "", "", false, mkDefault, lsReadWrite);
+    ASSERT_TRUE(writer.IsValid());
+    EXPECT_EQ(reasonOf([&] { store().put(trips_, matrixOf(2)); }), "locked");
+    EXPECT_EQ(reasonOf([&] { store().remove(trips_); }), "locked");
+    EXPECT_EQ(first(store().get(trips_)), 1);
+}
+
+TEST_P(EntryStoreTest, saysWhyAMatrixCannotBeRead) {
+    store().put(trips_, matrixOf(1));
+    store().put(other_, matrixOf(1));
+    EXPECT_EQ(reasonOf([&] { store().get({1, 9, 9, 9, 9}); }), "notFound");
+    EXPECT_EQ(reasonOf([&] { store().get(routes_); }), "invalidKey");
+    fs::resize_file(path(trips_), 10);
+    EXPECT_EQ(reasonOf([&] { store().get(trips_); }), "damaged");
+    fs::remove(path(trips_));
+    EXPECT_EQ(reasonOf([&] { store().get(trips_); }), "notFound");
+    project().execute("update " + project().database().table("public", "cube4data1") + " set filename = '../x.odm'");
+    EXPECT_EQ(reasonOf([&] { store().get(other_); }), "outsideDirectory");
+    EXPECT_EQ(store().find(other_)->file, "");
+}
+
+TEST_P(EntryStoreTest, listsEntriesInTheOrderOfTheirKeysAsSelected) {
+    store().addCube("Base");
+    for (EntryKey const& key :
+        {EntryKey(2, 1, 1, 1, 1), EntryKey(1, 2, 1, 1, 1), EntryKey(1, 1, 2, 1, 1), EntryKey(-8, 1, 1, 1, 1),
+            EntryKey(-1, 1, 1, 1, 1, 1, 1), EntryKey(-1, 1, 1, 1, 1, 1, 0), EntryKey(-2, 1, 1, 1, 1, 1, 0)})
+        store().put(key, matrixOf(1));
+    auto const listed = [&](EntrySelection const& selection) {
+        std::string texts;
+        for (auto const& entry : store().entries(selection)) texts += entry.text + " ";
+        return texts;
+    };
+    EXPECT_EQ(listed({}), "fare/1/1/1/1 Trips/1/2/1/1 Trips/2/1/1/1 Base/1/1/1/1 selectedlink/1/1/1/1/1/0 "
+                          "skim/1/1/1/1/1/0 skim/1/1/1/1/1/1 ");
+    EXPECT_EQ(listed({.cube = "trips"}), "Trips/1/2/1/1 Trips/2/1/1/1 ");
+    EXPECT_EQ(listed({.cube = "2"}), "Base/1/1/1/1 ");
+    EXPECT_EQ(listed({.cube = "skim"}), "skim/1/1/1/1/1/0 skim/1/1/1/1/1/1 ");
+    EXPECT_EQ(listed({.iteration = 1}), "skim/1/1/1/1/1/1 ");
+    EXPECT_EQ(listed({.purpose = 2}), "Trips/2/1/1/1 ");
+    EXPECT_EQ(reasonOf([&] { listed({.cube = "Nobody"}); }), "notFound");
+}
+
+TEST_P(EntryStoreTest, copiesTheFileAndGivesTheCopyNoParent) {
+    store().put(skim_, matrixOf(7), {.parent = trips_});
+    EntryKey const copy(-2, 1, 1, 1, 1, 1, 0);
+    store().copy(skim_, copy);
+    EXPECT_EQ(first(store().get(copy)), 7);
+    EXPECT_FALSE(store().parent(copy));
+    EXPECT_EQ(store().parent(skim_), trips_);
+    EXPECT_EQ(reasonOf([&] { store().copy(skim_, copy, {.exists = OnExisting::fail}); }), "alreadyExists");
+    store().addUser(copy);
+    EXPECT_EQ(reasonOf([&] { store().copy(skim_, copy); }), "inUse");
+}
+
+TEST_P(EntryStoreTest, convertsBetweenEntriesOfCubesAndResults) {
+    store().put(trips_, matrixOf(3));
+    store().copy(trips_, skim_);
+    EXPECT_EQ(store().get(skim_).Type(), mtSkim);
+    store().move(skim_, other_);
+    EXPECT_EQ(store().get(other_).Type(), mtMatrixCube);
+    EXPECT_EQ(first(store().get(other_)), 3);
+    EXPECT_FALSE(store().find(skim_));
+    EXPECT_EQ(resultRows(), "");
+}
+
+TEST_P(EntryStoreTest, movesFileRowAndParentInOneStep) {
+    store().put(skim_, matrixOf(7), {.parent = trips_});
+    EntryKey const target(-1, 1, 1, 3, 1, 2, 0);
+    store().put(target, matrixOf(1));
+    auto const left = path(skim_);
+    EXPECT_EQ(reasonOf([&] { store().move(skim_, target, {.exists = OnExisting::fail}); }), "alreadyExists");
+    store().move(skim_, target);
+    EXPECT_EQ(first(store().get(target)), 7);
+    EXPECT_EQ(store().parent(target), trips_);
+    EXPECT_FALSE(store().find(skim_));
+    EXPECT_FALSE(fs::exists(left));
+    store().move(target, target);
+    EXPECT_EQ(first(store().get(target)), 7);
+}
+
+TEST_P(EntryStoreTest, removesRowAndFileUnlessInUse) {
+    store().put(trips_, matrixOf(1));
+    auto const file = path(trips_);
+    {
+        auto const guard = store().use(trips_);
+        EXPECT_EQ(store().find(trips_)->users, 1);
+        EXPECT_EQ(reasonOf([&] { store().remove(trips_); }), "inUse");
+        EXPECT_EQ(first(store().get(trips_)), 1);
+    }
+    store().remove(trips_);
+    EXPECT_EQ(cubeRows(), "");
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(reasonOf([&] { store().remove(trips_); }), "notFound");
+}
+
+TEST_P(EntryStoreTest, removesAllOfASelectionOrNone) {
+    store().put(trips_, matrixOf(1));
+    store().put(other_, matrixOf(1));
+    store().put(skim_, matrixOf(1));
+    store().addUser(skim_);
+    EXPECT_EQ(reasonOf([&] { store().removeAll(EntrySelection{}); }), "inUse");
+    EXPECT_EQ(cubeRows(), "1|1|1|1|1|0|1-1-1-1-1.odm\n1|2|1|1|1|0|1-2-1-1-1.odm\n");
+    EXPECT_EQ(store().removeAll({.cube = "Trips"}), 2u);
+    EXPECT_EQ(cubeRows(), "");
+    EXPECT_EQ(store().removeUser(skim_), 0);
+    EXPECT_EQ(store().removeAll(EntrySelection{}), 1u);
+}
+
+TEST_P(EntryStoreTest, removesACubeWithItsEntries) {
+    store().put(trips_, matrixOf(1));
+    EXPECT_EQ(store().removeCube(1), 1u);
+    EXPECT_TRUE(store().cubes().empty());
+    EXPECT_EQ(cubeRows(), "");
+}
+
+TEST_P(EntryStoreTest, countsUsersAndReleasesThem) {
+    store().put(trips_, matrixOf(1));
+    EXPECT_EQ(store().addUser(trips_), 1);
+    auto first = store().use(trips_);
+    auto const second = std::move(first);
+    EXPECT_EQ(store().find(trips_)->users, 2);
+    EXPECT_EQ(store().removeUser(trips_), 1);
+    EXPECT_EQ(store().removeUser(trips_), 0);
+    EXPECT_EQ(store().removeUser(trips_), 0);
+    EXPECT_EQ(reasonOf([&] { store().addUser(other_); }), "notFound");
+}
+
+TEST_P(EntryStoreTest, findsParentsChildrenAndTheWholeLineage) {
+    EntryKey const a(-1, 1, 1, 1, 1, 1, 0), b(-1, 1, 1, 1, 1, 2, 0), c(-2, 1, 1, 1, 1, 1, 0);
+    store().put(trips_, matrixOf(1));
+    store().put(a, matrixOf(1), {.parent = trips_});
+    store().put(b, matrixOf(1), {.parent = a});
+    store().put(c, matrixOf(1), {.parent = trips_});
+    EXPECT_EQ(store().children(trips_), (std::vector<EntryKey>{c, a}));
+    auto const lineage = store().lineage(a);
+    EXPECT_EQ(lineage.ancestors, std::vector<EntryKey>{trips_});
+    ASSERT_EQ(lineage.descendants.size(), 1u);
+    EXPECT_EQ(lineage.descendants[0].key, b);
+    EXPECT_EQ(store().lineage(trips_).descendants.size(), 3u);
+    // A circle ends it.
+    store().setParent(a, b);
+    EXPECT_EQ(store().lineage(a).ancestors, std::vector<EntryKey>{b});
+    store().setParent(a, std::nullopt);
+    EXPECT_FALSE(store().parent(a));
+    EXPECT_EQ(reasonOf([&] { store().setParent(trips_, a); }), "invalidKey");
+}
+
+TEST_P(EntryStoreTest, showsAndRemovesWhatApplicationsStoredUnderAnyKey) {
+    project().execute("insert into " + project().database().table("public", "cube4data1") +
+                      " (cubenr, purpose, mode, time, \"user\", filename) values (-5, 0, -3, 1, 1, 'x.odm')");
+    EntryKey const odd(-5, 0, -3, 1, 1);
+    ASSERT_TRUE(store().find(odd));
+    EXPECT_EQ(store().find(odd)->text, "-5/0/-3/1/1");
+    store().remove(odd);
+    EXPECT_FALSE(store().find(odd));
+}
+
+}
+}
