@@ -1,7 +1,7 @@
 #include "catalogue/Register.h"
 
 #include "catalogue/EntryTable.h"
-#include "host/database/ExclusiveAccess.h"
+#include "host/database/Transaction.h"
 #include "host/text/Utf8.h"
 
 #include <algorithm>

@@ -130,7 +130,7 @@ Project Project::create(std::string const& directory, ProjectOptions const& opti
 
     auto parts = std::make_unique<Parts>(root, file, url);
     auto& session = parts->connection.Backend();
-    database::Transaction transaction(session, session.dialect().beginDefinitions());
+    database::Transaction transaction(session, session.dialect().lockDefinitions());
     parts->link.schema = file.schema = freeSchema(session, root);
     database::makeMissingTables(session, file.schema);
     created.expectFile(project::projectFilePath(root));

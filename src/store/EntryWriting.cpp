@@ -1,7 +1,7 @@
 #include "store/EntryWriting.h"
 
 #include "catalogue/EntryFile.h"
-#include "host/database/ExclusiveAccess.h"
+#include "host/database/Transaction.h"
 #include "host/database/Session.h"
 #include "host/matrix/StagedFile.h"
 #include "host/matrix/WriteLock.h"

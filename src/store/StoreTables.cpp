@@ -124,7 +124,7 @@ bool StoreTables::hasContentTable(bool ofResults) const {
 void StoreTables::makeContentTable(bool ofResults) const {
     auto& session = this->session();
     auto const lock = session.lock();
-    database::Transaction transaction(session, session.dialect().beginDefinitions());
+    database::Transaction transaction(session, session.dialect().lockDefinitions());
     if (!hasContentTable(ofResults)) {
         std::string columns;
         std::string key;

@@ -67,8 +67,7 @@ void makeMissingTables(Session& session, std::string const& schema) {
     };
     // Only users who make tables need the right to.
     if (std::none_of(wanted.begin(), wanted.end(), missing)) return;
-    if (session.inTransaction()) return makeMissing();
-    Transaction transaction(session, session.dialect().beginDefinitions());
+    Transaction transaction(session, session.dialect().lockDefinitions());
     makeMissing();
     transaction.commit();
 }

@@ -30,10 +30,12 @@ public:
     /// Serves look-ups in a text column that ignore letter case.
     virtual std::string caseIgnoringIndex(
         std::string const& table, std::string const& column, std::string const& key) const = 0;
-    /// Starts a transaction that is alone in defining tables.
-    virtual std::string beginDefinitions() const = 0;
-    /// Starts a transaction that is alone in writing to the table.
-    virtual std::string beginExclusive(std::string const& quotedTable) const = 0;
+    /// Begins a transaction that writes.
+    virtual std::string beginWriting() const = 0;
+    /// Inside a transaction: keeps others from defining tables. Empty: the transaction does.
+    virtual std::string lockDefinitions() const = 0;
+    /// Inside a transaction: keeps others from writing to the table.
+    virtual std::string lockTable(std::string const& quotedTable) const = 0;
 };
 
 /// "name", with quotes inside doubled.

@@ -28,14 +28,25 @@ std::unique_ptr<Session> Session::open(std::string const& url) {
         "the database URL '" + withoutPassword(url) + "' is neither \"sqlite:PATH\" nor \"postgresql://...\"");
 }
 
-void Session::begin(std::string const& sql) {
+// The levels are numbered from 1; the number makes the name of a level's savepoint.
+std::string Session::savepoint() const {
+    return "SAVEPOINT cubes_" + std::to_string(levels_.size());
+}
+
+void Session::begin(std::string const& lockStatement) {
     auto const held = lock();
-    if (inTransaction_) throw TRkDatabaseException(url_ + ": a transaction is under way already", "25001", sql);
+    bool const isNested = isInTransaction();
+    levels_.push_back(isNested ? Level::savepoint : Level::transaction);
     try {
-        execute(sql);
-        inTransaction_ = true;
+        execute(isNested ? savepoint() : dialect().beginWriting());
     } catch (TRkDatabaseException const&) {
-        giveUp();
+        levels_.pop_back();
+        throw;
+    }
+    try {
+        if (!lockStatement.empty()) execute(lockStatement);
+    } catch (TRkDatabaseException const&) {
+        rollback();
         throw;
     }
 }
@@ -43,8 +54,8 @@ void Session::begin(std::string const& sql) {
 void Session::commit() {
     auto const held = lock();
     try {
-        execute("COMMIT");
-        inTransaction_ = false;
+        execute(levels_.back() == Level::transaction ? "COMMIT" : "RELEASE " + savepoint());
+        levels_.pop_back();
     } catch (TRkDatabaseException const&) {
         rollback();
         throw;
@@ -52,17 +63,19 @@ void Session::commit() {
 }
 
 void Session::rollback() noexcept {
-    auto const held = lock();
-    if (inTransaction_) giveUp();
-    inTransaction_ = false;
+    try {
+        auto const held = lock();
+        if (isInTransaction()) undoLevel();
+    } catch (TRkDatabaseException const&) {
+        // A database that is out of reach rolls the transaction back by itself.
+    }
+    levels_.pop_back();
 }
 
-void Session::giveUp() noexcept {
-    try {
-        execute("ROLLBACK");
-    } catch (TRkDatabaseException const&) {
-        // A database that is out of reach gives up the transaction by itself.
-    }
+void Session::undoLevel() {
+    if (levels_.back() == Level::transaction) return execute("ROLLBACK");
+    execute("ROLLBACK TO " + savepoint());
+    execute("RELEASE " + savepoint());
 }
 
 }

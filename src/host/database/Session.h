@@ -49,25 +49,31 @@ public:
     /// Makes the schema unless it is there, where the backend knows schemas.
     virtual void createSchema(std::string const& schema) = 0;
 
-    /// Transactions do not nest; a second one throws.
-    void begin(std::string const& sql);
+    /// Whether a transaction is under way, whoever began it. One that was lost with its server
+    /// counts until it is rolled back.
+    virtual bool isInTransaction() const = 0;
+    /// For Transaction, which calls them in pairs. Inside a transaction `begin` sets a savepoint,
+    /// and the other two release it or go back to it.
+    void begin(std::string const& lockStatement);
     void commit();
-    /// Gives up what the transaction did. Without a transaction it does nothing.
     void rollback() noexcept;
-    bool inTransaction() const noexcept { return inTransaction_; }
 
 protected:
     /// Statements share it, because a cursor may hold them longer than the session lives.
     std::shared_ptr<std::recursive_mutex> const& mutex() const noexcept { return mutex_; }
 
 private:
-    void giveUp() noexcept;
+    enum class Level { transaction, savepoint };
+
+    std::string savepoint() const;
+    void undoLevel();
 
     std::string url_;
     std::uint64_t number_;
     std::shared_ptr<std::recursive_mutex> mutex_ = std::make_shared<std::recursive_mutex>();
     Catalog catalog_;
-    bool inTransaction_ = false;
+    // The transactions that are open by begin(), the outermost first.
+    std::vector<Level> levels_;
 };
 
 }

@@ -2,32 +2,50 @@
 
 #include "host/database/Session.h"
 
+namespace Rktable {
+class TRkTableProxy;
+}
+
 namespace cubes::database {
 
-/// A transaction that is rolled back unless it is committed. It holds the session's lock, so that no
-/// other thread's statements get into it. Neither copyable nor nestable.
+struct LockedCursor;
+
+/// A transaction that is rolled back unless it is committed. It holds the session's lock, so that
+/// no other thread's statements get into it. Inside a transaction that is under way already, the
+/// caller's or another one of these, it is a savepoint: the outer transaction decides in the end.
 class Transaction {
 public:
-    /// `begin`: the SQL that starts it. Throws TRkDatabaseException.
-    Transaction(Session& session, std::string const& begin) : lock_(session.lock()), session_(session) {
-        session_.begin(begin);
-    }
-    ~Transaction() {
-        if (isOpen_) session_.rollback();
-    }
+    /// `lock`: SQL that locks what the transaction needs, from the session's dialect.
+    /// Throws TRkDatabaseException.
+    explicit Transaction(Session& session, std::string const& lock = {});
+    ~Transaction();
     Transaction(Transaction const&) = delete;
     Transaction& operator=(Transaction const&) = delete;
 
     /// Makes the changes last. Throws TRkDatabaseException when they are lost.
-    void commit() {
-        isOpen_ = false;
-        session_.commit();
-    }
+    void commit();
 
 private:
     std::unique_lock<std::recursive_mutex> lock_;
     Session& session_;
     bool isOpen_ = true;
+};
+
+/// Keeps all others from writing to a table until it is committed or goes out of scope, which
+/// rolls back what was done meanwhile. Others that read are not disturbed; others that write wait.
+/// What was read before may have changed since: read what matters inside.
+class ExclusiveAccess {
+public:
+    /// REQUIRES: the cursor is open. Throws TRkDatabaseException when the table cannot be locked.
+    explicit ExclusiveAccess(Rktable::TRkTableProxy& table);
+
+    /// Makes the changes last. Throws TRkDatabaseException when they are lost.
+    void commit() { transaction_.commit(); }
+
+private:
+    explicit ExclusiveAccess(LockedCursor const& cursor);
+
+    Transaction transaction_;
 };
 
 }

@@ -1,5 +1,5 @@
-#include "host/database/ExclusiveAccess.h"
 #include "host/database/TableTest.h"
+#include "host/database/Transaction.h"
 #include "support/TestServer.h"
 
 namespace {
@@ -53,6 +53,18 @@ TEST_P(LostServer, takesTheTransactionWithIt) {
     EXPECT_EQ(rows(), Rows());
     add(4, "four");
     EXPECT_EQ(rows(), (Rows{{"4", "four", "NULL"}}));
+}
+
+TEST_P(LostServer, takesTheCallersTransactionWithItUntilItIsRolledBack) {
+    connection->Execute("BEGIN");
+    add(1, "one");
+    loseConnection();
+    EXPECT_EQ(sqlStateOf([&] { add(2, "two"); }), "08006");
+    EXPECT_EQ(sqlStateOf([&] { cubes::database::ExclusiveAccess{table}; }), "08007");
+    EXPECT_EQ(sqlStateOf([&] { connection->Execute("COMMIT"); }), "08007");
+    connection->Execute("ROLLBACK");
+    add(3, "three");
+    EXPECT_EQ(rows(), (Rows{{"3", "three", "NULL"}}));
 }
 
 TEST(StoppedServer, postgresIsAnErrorUntilItIsStartedAgain) {

@@ -1,5 +1,6 @@
-#include "host/database/ExclusiveAccess.h"
 #include "host/database/TableTest.h"
+#include "host/database/Transaction.h"
+#include "host/database/sqlite/Waiting.h"
 #include "support/Errand.h"
 
 namespace {
@@ -105,12 +106,55 @@ TEST_P(Exclusive, accessDoesNotDisturbReaders) {
     EXPECT_TRUE(other.table.Locate("cubenr", 2));
 }
 
-TEST_P(Exclusive, accessDoesNotNest) {
+TEST_P(Exclusive, accessNests) {
     ExclusiveAccess access(table);
-    EXPECT_EQ(sqlStateOf([&] { ExclusiveAccess{table}; }), "25001");
     add(1, "one");
+    {
+        ExclusiveAccess inner(table);
+        add(2, "two");
+        inner.commit();
+    }
+    {
+        ExclusiveAccess const abandoned(table);
+        add(3, "three");
+        EXPECT_EQ(sqlStateOf([&] { add(3, "again"); }), "23505");
+    }
+    add(4, "four");
+    EXPECT_EQ(rows(), Rows());
     access.commit();
-    EXPECT_EQ(rows().size(), 1u);
+    EXPECT_EQ(rows(), (Rows{{"1", "one", "NULL"}, {"2", "two", "NULL"}, {"4", "four", "NULL"}}));
+}
+
+TEST_P(Exclusive, accessLeavesTheCallersTransactionOpen) {
+    for (std::string const end : {"ROLLBACK", "COMMIT"}) {
+        connection->Execute("BEGIN");
+        add(1, "one");
+        {
+            ExclusiveAccess access(table);
+            add(2, "two");
+            access.commit();
+        }
+        {
+            ExclusiveAccess const abandoned(table);
+            add(3, "three");
+        }
+        EXPECT_EQ(rows(), Rows());
+        connection->Execute(end);
+        EXPECT_EQ(rows().size(), end == "COMMIT" ? 2u : 0u);
+    }
+}
+
+TEST_P(Exclusive, accessLocksTheTableInsideTheCallersTransaction) {
+    Opened other(database->url());
+    connection->Execute("BEGIN");
+    ExclusiveAccess access(table);
+    if (backend() == cubes::test::Backend::postgres) other.connection.Execute("SET lock_timeout = '50ms'");
+    cubes::database::sqlite::longestWait = std::chrono::milliseconds(50);
+    EXPECT_EQ(sqlStateOf([&] { other.connection.Execute("INSERT INTO \"cube\" VALUES (9, 'x', 0)"); }), "55P03");
+    cubes::database::sqlite::longestWait = std::chrono::milliseconds(10000);
+    access.commit();
+    connection->Execute("COMMIT");
+    other.connection.Execute("INSERT INTO \"cube\" VALUES (9, 'x', 0)");
 }
 
 TEST_P(Exclusive, accessIsOverAfterAnErrorInside) {

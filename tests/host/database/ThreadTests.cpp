@@ -1,5 +1,5 @@
-#include "host/database/ExclusiveAccess.h"
 #include "host/database/TableTest.h"
+#include "host/database/Transaction.h"
 
 #include <atomic>
 #include <functional>

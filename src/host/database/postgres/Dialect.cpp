@@ -34,13 +34,17 @@ std::string Dialect::caseIgnoringIndex(
     return "CREATE INDEX ON " + quoted(table) + " (" + lower(quoted(column)) + ", " + quoted(key) + ")";
 }
 
-// "IF NOT EXISTS" alone fails when two processes pass it at once.
-std::string Dialect::beginDefinitions() const {
-    return "BEGIN ISOLATION LEVEL READ COMMITTED; SELECT pg_advisory_xact_lock(hashtext('cubes: table definitions'))";
+std::string Dialect::beginWriting() const {
+    return "BEGIN ISOLATION LEVEL READ COMMITTED";
 }
 
-std::string Dialect::beginExclusive(std::string const& quotedTable) const {
-    return "BEGIN ISOLATION LEVEL READ COMMITTED; LOCK TABLE " + quotedTable + " IN SHARE ROW EXCLUSIVE MODE";
+// "IF NOT EXISTS" alone fails when two processes pass it at once.
+std::string Dialect::lockDefinitions() const {
+    return "SELECT pg_advisory_xact_lock(hashtext('cubes: table definitions'))";
+}
+
+std::string Dialect::lockTable(std::string const& quotedTable) const {
+    return "LOCK TABLE " + quotedTable + " IN SHARE ROW EXCLUSIVE MODE";
 }
 
 }

@@ -93,6 +93,7 @@ TRkDatabaseException Handle::failure(pg_result const* result, std::string const&
 
 Result Handle::checked(pg_result* raw, std::string const& statement) const {
     Result result(raw);
+    if (!isLost()) isInTransaction_ = PQtransactionStatus(connection_) != PQTRANS_IDLE;
     auto const status = PQresultStatus(raw);
     if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK) return result;
     throw failure(raw, statement);

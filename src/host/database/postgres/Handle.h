@@ -26,6 +26,8 @@ public:
 
     pg_conn* get() const noexcept { return connection_; }
     bool isLost() const noexcept;
+    /// Also after the connection was lost inside a transaction.
+    bool isInTransaction() const noexcept { return isInTransaction_; }
     /// The result when it is a success. Throws TRkDatabaseException.
     Result checked(pg_result* result, std::string const& statement) const;
     Result execute(std::string const& sql) const;
@@ -35,6 +37,7 @@ private:
     TRkDatabaseException failure(pg_result const* result, std::string const& statement) const;
 
     pg_conn* connection_ = nullptr;
+    mutable bool isInTransaction_ = false;
 };
 
 /// The texts of libpq without the line ends around them.

@@ -54,6 +54,12 @@ Column columnOf(std::string const& name, std::string const& typeName, long long 
     return column;
 }
 
+bool isRollback(std::string_view sql) {
+    constexpr std::string_view rollback = "ROLLBACK";
+    return std::ranges::equal(
+        sql, rollback, [](char a, char b) { return a == b || (a >= 'a' && a <= 'z' && a - 'a' + 'A' == b); });
+}
+
 }
 
 Session::Session(std::string const& url) : database::Session(withoutPassword(url)), fullUrl_(url) {
@@ -71,8 +77,9 @@ void Session::connect() {
 
 Handle const& Session::connected() {
     if (server_ && !server_->isLost()) return *server_;
-    if (inTransaction())
-        throw TRkDatabaseException(url() + ": the connection was lost, and with it what the transaction did", "08007");
+    if (isInTransaction())
+        throw TRkDatabaseException(
+            url() + ": the connection was lost, and with it what the transaction did; roll it back", "08007");
     connect();
     return *server_;
 }
@@ -111,6 +118,8 @@ std::optional<Table> Session::describe(std::string const& schema, std::string co
 
 void Session::execute(std::string const& sql) {
     auto const held = lock();
+    // What was lost is rolled back by that; the next statement connects anew.
+    if (isRollback(sql) && isInTransaction() && server_->isLost()) return server_.reset();
     connected().execute(sql);
 }
 

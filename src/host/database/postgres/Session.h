@@ -17,10 +17,11 @@ public:
     std::unique_ptr<database::Statement> prepareOnce(std::string sql, ValueTypes types) override;
     std::optional<Table> describe(std::string const& schema, std::string const& name) override;
     void execute(std::string const& sql) override;
+    bool isInTransaction() const override { return server_ && server_->isInTransaction(); }
     void createSchema(std::string const& schema) override;
 
     /// The server, connected anew when the connection was lost. A transaction does not survive
-    /// that: inside one it throws.
+    /// that: once lost it throws until the transaction is rolled back.
     Handle const& connected();
     /// Which of the connections made one after the other is the present one.
     unsigned long connectionNumber() const noexcept { return connectionNumber_; }

@@ -43,13 +43,17 @@ std::string Dialect::caseIgnoringIndex(
            " COLLATE NOCASE, " + quoted(key) + ")";
 }
 
-std::string Dialect::beginDefinitions() const {
+std::string Dialect::beginWriting() const {
     return "BEGIN IMMEDIATE";
 }
 
-// The whole database has one writer at a time.
-std::string Dialect::beginExclusive(std::string const& /*quotedTable*/) const {
-    return "BEGIN IMMEDIATE";
+std::string Dialect::lockDefinitions() const {
+    return {};
+}
+
+// The whole database has one writer at a time: the one whose transaction wrote first, be it nothing.
+std::string Dialect::lockTable(std::string const& quotedTable) const {
+    return "DELETE FROM " + quotedTable + " WHERE 0";
 }
 
 }

@@ -101,6 +101,10 @@ Handle::~Handle() {
     sqlite3_close_v2(database_);
 }
 
+bool Handle::isInTransaction() const noexcept {
+    return sqlite3_get_autocommit(database_) == 0;
+}
+
 void Handle::prepareForUse() const {
     sqlite3_busy_handler(database_, waitForOthers, nullptr);
     sqlite3_create_function(

@@ -18,6 +18,7 @@ public:
     Handle& operator=(Handle const&) = delete;
 
     sqlite3* get() const noexcept { return database_; }
+    bool isInTransaction() const noexcept;
     /// The error that the last operation on the handle left.
     TRkDatabaseException failure(std::string const& statement) const;
     void execute(std::string const& sql) const;
