@@ -2,7 +2,6 @@
 
 #include "catalogue/EntryTable.h"
 #include "host/database/Transaction.h"
-#include "host/text/Utf8.h"
 
 #include <algorithm>
 #include <limits>
@@ -29,8 +28,7 @@ bool Register::locate(short cubenr) const {
 
 bool Register::locate(char const* name) const {
     if (!table_ || !name) return false;
-    int const size = table_->FieldByName(nameColumn)->Size();
-    std::string const stored = size > 0 ? text::firstCharacters(name, size) : name;
+    std::string const stored = table_->FieldByName(nameColumn)->Stored(name).str();
     return falseWithoutTable(
         [&] { return table_->Locate(nameColumn, stored, Rktable::LocateOptions::ignoringCase()); });
 }

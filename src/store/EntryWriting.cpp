@@ -304,23 +304,23 @@ void EntryWriting::remove(Task const& task, EntryKey const& key) const {
 std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> const& keys) const {
     std::vector<EntryInfo> removed;
     auto names = tables_.cubes();
-    // Both are committed at the end, so that all entries go or none.
-    std::optional<Rows> rows[2];
-    std::optional<database::ExclusiveAccess> access[2];
+    std::optional<Rows> tables[2];
+    // One transaction in another, so that all entries go or none.
+    std::optional<database::ExclusiveAccess> outer;
+    std::optional<database::ExclusiveAccess> inner;
     for (auto const& key : keys) {
-        bool const ofResults = key.isResult();
-        auto& table = rows[ofResults ? 1 : 0];
-        if (!table) access[ofResults ? 1 : 0].emplace(table.emplace(tables_.rows(ofResults)).cursor());
-        if (!(*table)->locate(key.numbers())) continue;
-        auto const entry = tables_.info(*table, ofResults, names);
+        auto& rows = tables[key.isResult() ? 1 : 0];
+        if (!rows) (outer ? inner : outer).emplace(rows.emplace(tables_.rows(key.isResult())).cursor());
+        if (!(*rows)->locate(key.numbers())) continue;
+        auto const entry = tables_.info(*rows, key.isResult(), names);
         requireFree(task, entry);
         requireOwn(task, key);
-        table->cursor().Delete();
+        rows->cursor().Delete();
         tables_.forget(key);
         removed.push_back(entry);
     }
-    for (auto& one : access)
-        if (one) one->commit();
+    if (inner) inner->commit();
+    if (outer) outer->commit();
     for (auto const& entry : removed)
         if (!entry.file.empty()) catalogue::removeResult(entry.file);
     return removed.size();

@@ -30,6 +30,8 @@ public:
     bool IsNull() const;
     /// Makes the value null. Throws like SetAsInteger.
     void Clear();
+    /// The text as this column would store it: cut to what it holds.
+    TRkString Stored(char const* text) const;
     /// The greatest number of characters that a text column holds; 0 for other columns and for
     /// texts without a limit.
     int Size() const noexcept;

@@ -95,7 +95,9 @@ public:
     /// Writes the new or changed row; the cursor then stands on it. Only the columns that were
     /// set are written. A new row whose key exists already throws with SqlState() "23505".
     void Post();
-    /// Deletes the current row; the cursor then stands on the next row or at the end.
+    /// Deletes the current row; the cursor then stands on the next row or at the end. A row that
+    /// others have deleted meanwhile is deleted. Throws where the row stays, because its key holds
+    /// null or a trigger keeps it; the cursor then still stands on it.
     void Delete();
 
     /// Adds 1 to a whole-number column of the current row, null counting as 0, in one statement:

@@ -1,5 +1,6 @@
 #include "host/database/Conversion.h"
 
+#include "host/database/SqlState.h"
 #include "host/platform/NarrowText.h"
 
 #include <cubes/database/TRkDatabaseException.h>
@@ -23,16 +24,15 @@ std::optional<long long> wholeNumber(std::string const& text) noexcept {
 
 Value storableNumber(Value value, Column const& column) {
     auto const number = value.IsText() ? wholeNumber(value.Text()) : value.Number();
-    if (!number) refuse(column, "'" + value.Text() + "', which is no whole number", "22P02");
-    if (*number > column.greatest || *number < -column.greatest - 1) refuse(column, std::to_string(*number), "22003");
+    if (!number) refuse(column, "'" + value.Text() + "', which is no whole number", sqlstate::notANumber);
+    if (*number > column.greatest || *number < -column.greatest - 1)
+        refuse(column, std::to_string(*number), sqlstate::numberOutOfRange);
     return *number;
 }
 
 Value storableText(Value value, Column const& column) {
     if (value.IsNumber()) value = std::to_string(value.Number());
-    // A text has at least as many bytes as characters.
-    if (column.size == 0 || value.Text().size() <= column.size) return value;
-    return std::string(platform::firstCharacters(value.Text(), column.size));
+    return std::string(cut(value.Text(), column));
 }
 
 }
@@ -44,6 +44,15 @@ long long leadingNumber(std::string const& text) noexcept {
     long long number = 0;
     std::from_chars(first, end, number);
     return number;
+}
+
+std::string_view cut(std::string_view text, Column const& column) {
+    // A text has at least as many bytes as characters.
+    if (column.size == 0 || text.size() <= column.size) return text;
+    std::string_view result = platform::firstCharacters(text, column.size);
+    for (std::size_t count = column.size; column.sizeIsInBytes && result.size() > column.size;)
+        result = platform::firstCharacters(text, --count);
+    return result;
 }
 
 bool suits(Value const& value, ColumnType type) noexcept {

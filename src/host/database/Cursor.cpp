@@ -3,6 +3,7 @@
 #include "host/database/Conversion.h"
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
+#include "host/database/SqlState.h"
 
 #include <cubes/database/TRkDatabaseException.h>
 
@@ -184,7 +185,8 @@ std::vector<Value> Cursor::keyOf(std::span<Value const> row) const {
 
 std::span<Value> Cursor::current() {
     if (atEnd())
-        throw TRkDatabaseException("table " + description().quotedName + ": the cursor stands on no row", "24000");
+        throw TRkDatabaseException(
+            "table " + description().quotedName + ": the cursor stands on no row", sqlstate::wrongCursorState);
     std::size_t const width = description().columns.size();
     return place_ == Place::onRow ? row_.row(0, width) : batch_.row(index_, width);
 }

@@ -74,6 +74,7 @@ private:
     std::vector<std::size_t> changedColumns() const;
     void insertDraft();
     void updateDraft();
+    void requireGone(std::span<Value const> key);
     bool changeInPlace(std::string const& sql);
     std::size_t runLookUp(std::string_view keys, std::span<Value const> values, Match match);
     Match matchFor(std::span<Value const> values, Rktable::LocateOptions options) const;

@@ -2,12 +2,22 @@
 #include "host/database/Cursor.h"
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
+#include "host/database/SqlState.h"
 
 #include <cubes/database/TRkDatabaseException.h>
 
 #include <algorithm>
 
 namespace cubes::database {
+
+namespace {
+
+std::string asText(Value const& value) {
+    if (value.IsNull()) return "NULL";
+    return value.IsNumber() ? std::to_string(value.Number()) : "'" + value.Text() + "'";
+}
+
+}
 
 void Cursor::append() {
     change_ = Change::append;
@@ -26,7 +36,7 @@ void Cursor::setValue(std::size_t column, Value value) {
     if (change_ == Change::none)
         throw TRkDatabaseException("table " + description().quotedName + ": column '" + this->column(column).name +
                                        "' was set, but no row is being changed",
-            "24000");
+            sqlstate::wrongCursorState);
     draft_[column] = storable(std::move(value), this->column(column));
     isSet_[column] = true;
 }
@@ -40,7 +50,8 @@ std::vector<std::size_t> Cursor::changedColumns() const {
 
 void Cursor::post() {
     if (change_ == Change::none)
-        throw TRkDatabaseException("table " + description().quotedName + ": no row is being changed", "24000");
+        throw TRkDatabaseException(
+            "table " + description().quotedName + ": no row is being changed", sqlstate::wrongCursorState);
     if (change_ == Change::append)
         insertDraft();
     else
@@ -57,7 +68,7 @@ void Cursor::insertDraft() {
     Cells posted;
     if (run(table_->statement(sql.insert(columns), sql.types(columns)), values, posted) == 0)
         throw TRkDatabaseException(
-            "table " + description().quotedName + ": the database did not take the new row", "02000");
+            "table " + description().quotedName + ": the database did not take the new row", sqlstate::noData);
     row_ = std::move(posted);
     place_ = Place::onRow;
 }
@@ -72,7 +83,7 @@ void Cursor::updateDraft() {
     Cells posted;
     if (run(table_->statement(sql.update(columns), sql.typesWithKey(columns)), values, posted) == 0)
         throw TRkDatabaseException(
-            "table " + description().quotedName + ": the row to be changed is no longer there", "02000");
+            "table " + description().quotedName + ": the row to be changed is no longer there", sqlstate::noData);
     standOn(posted.row(0, description().columns.size()));
 }
 
@@ -85,8 +96,25 @@ void Cursor::remove() {
     auto const key = keyOf(current());
     Sql const sql(description(), session_.dialect());
     Cells nothing;
-    run(table_->statement(sql.remove(), sql.types(description().key)), key, nothing);
+    if (run(table_->statement(sql.remove(), sql.types(description().key)), key, nothing) == 0) requireGone(key);
     next();
+}
+
+// Another process may have deleted the row just before. A row that is still there would otherwise
+// be met again and again by a loop that deletes all rows.
+void Cursor::requireGone(std::span<Value const> key) {
+    Sql const sql(description(), session_.dialect());
+    Cells found;
+    if (run(table_->statement(sql.isThere(), sql.types(description().key)), key, found) == 0) return;
+    std::string text;
+    bool hasNull = false;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        hasNull = hasNull || key[i].IsNull();
+        text += (i ? ", " : "") + column(description().key[i]).name + "=" + asText(key[i]);
+    }
+    throw TRkDatabaseException("cannot delete the row " + text + " of table " + description().quotedName + ": " +
+                                   (hasNull ? "its key holds NULL" : "the database keeps it, as a trigger may do"),
+        sqlstate::rowNotDeleted);
 }
 
 bool Cursor::changeInPlace(std::string const& sql) {

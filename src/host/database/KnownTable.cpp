@@ -2,6 +2,7 @@
 
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
+#include "host/database/SqlState.h"
 
 #include <cubes/database/TRkDatabaseException.h>
 
@@ -39,7 +40,7 @@ std::size_t KnownTable::column(std::string_view name) const {
     std::size_t const column = find(name);
     if (column < description_.declaredColumns()) return column;
     throw TRkDatabaseException(
-        "table " + description_.quotedName + " has no column '" + std::string(name) + "'", "42703");
+        "table " + description_.quotedName + " has no column '" + std::string(name) + "'", sqlstate::missingColumn);
 }
 
 std::vector<std::size_t> KnownTable::columns(std::string_view names) const {

@@ -108,6 +108,12 @@ std::string Sql::remove() const {
     return "DELETE FROM " + table_.quotedName + " WHERE " + isAtKey(1);
 }
 
+std::string Sql::isThere() const {
+    return "SELECT 1 FROM " + table_.quotedName + " WHERE " + joined(table_.key.size(), " AND ", [&](std::size_t i) {
+        return name(table_.key[i]) + " IS NOT DISTINCT FROM " + dialect_.placeholder(i + 1);
+    });
+}
+
 std::string Sql::raise(std::size_t column) const {
     return change(name(column) + " = coalesce(" + name(column) + ", 0) + 1", 1);
 }

@@ -31,6 +31,8 @@ public:
     /// Values: those set, then the key.
     std::string update(Columns const& columns) const;
     std::string remove() const;
+    /// Answers with a row when one has the key, in which null equals null.
+    std::string isThere() const;
     std::string raise(std::size_t column) const;
     std::string lower(std::size_t column) const;
 

@@ -15,8 +15,8 @@ public:
     Statement(Statement const&) = delete;
     Statement& operator=(Statement const&) = delete;
 
-    /// Runs it to its end, appends what it answers to `cells` and gives the number of rows.
-    /// Nothing stays locked. Throws TRkDatabaseException.
+    /// Runs it to its end, appends what it answers to `cells` and returns the number of rows; of a
+    /// statement without an answer, how many rows it changed. Nothing stays locked. Throws TRkDatabaseException.
     virtual std::size_t run(std::span<Value const> values, Cells& cells) = 0;
 };
 

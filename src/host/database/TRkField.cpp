@@ -40,6 +40,10 @@ void TRkField::Clear() {
     cursor_->setValue(column_, {});
 }
 
+TRkString TRkField::Stored(char const* text) const {
+    return TRkString(std::string(cubes::database::cut(text ? text : "", cursor_->column(column_))));
+}
+
 int TRkField::Size() const noexcept {
     return static_cast<int>(cursor_->column(column_).size);
 }

@@ -2,6 +2,7 @@
 
 #include "host/database/Cursor.h"
 #include "host/database/Session.h"
+#include "host/database/SqlState.h"
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkDatabaseException.h>
@@ -28,7 +29,7 @@ std::unique_lock<std::recursive_mutex> TRkTableProxy::lock() const {
 LockedCursor TRkTableProxy::cursor() const {
     auto held = lock();
     if (!held || !cursor_ || !cursor_->isOpen())
-        throw TRkDatabaseException("table \"" + table_ + "\" is not open", "24000");
+        throw TRkDatabaseException("table \"" + table_ + "\" is not open", cubes::database::sqlstate::wrongCursorState);
     return {std::move(held), *cursor_};
 }
 
@@ -44,12 +45,15 @@ void TRkTableProxy::SetConnection(Pgaccess::TPgConnection* connection) {
 
 void TRkTableProxy::Open() {
     auto const held = lock();
-    if (!held) throw TRkDatabaseException("table \"" + table_ + "\" cannot be opened without a connection", "08003");
+    if (!held)
+        throw TRkDatabaseException(
+            "table \"" + table_ + "\" cannot be opened without a connection", cubes::database::sqlstate::notConnected);
     auto& session = connection_.load()->Backend();
     auto known = session.catalog().find(schema_, table_);
     if (!known)
         throw TRkDatabaseException(
-            session.url() + ": there is no table " + session.dialect().qualifiedName(schema_, table_), "42P01");
+            session.url() + ": there is no table " + session.dialect().qualifiedName(schema_, table_),
+            cubes::database::sqlstate::missingTable);
     if (cursor_)
         cursor_->open(std::move(known));
     else

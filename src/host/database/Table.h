@@ -14,6 +14,8 @@ struct Column {
     ColumnType type = ColumnType::other;
     /// The greatest number of characters of a text; 0: no limit.
     std::size_t size = 0;
+    /// Whether the database counts bytes instead, because it knows no encoding.
+    bool sizeIsInBytes = false;
     /// The greatest number that the column holds.
     long long greatest = std::numeric_limits<long long>::max();
 };

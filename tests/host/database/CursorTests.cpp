@@ -190,6 +190,32 @@ TEST_P(Cursor, deletesARowThatIsGoneAlready) {
     EXPECT_EQ(table.FieldByName("cubenr")->AsInteger(), 2);
 }
 
+TEST_P(Cursor, reportsARowThatATriggerKeeps) {
+    fill(1);
+    connection->Execute(backend() == Backend::sqlite
+                            ? "CREATE TRIGGER keep BEFORE DELETE ON \"cube\" BEGIN SELECT raise(IGNORE); END"
+                            : "CREATE FUNCTION keep() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END'; "
+                              "CREATE TRIGGER keep BEFORE DELETE ON \"cube\" FOR EACH ROW EXECUTE FUNCTION keep()");
+    table.Open();
+    ASSERT_TRUE(table.Locate("cubenr", 1));
+    std::string const message = cubes::test::messageOf([&] { table.Delete(); });
+    EXPECT_NE(message.find("cannot delete the row cubenr=1 of table \"cube\""), std::string::npos) << message;
+    EXPECT_EQ(table.FieldByName("cubenr")->AsInteger(), 1);
+}
+
+// Only SQLite lets null into a primary key.
+TEST(SqliteCursor, reportsARowThatCannotBeDeletedBecauseItsKeyHoldsNull) {
+    cubes::test::TestDatabase const database(Backend::sqlite);
+    Pgaccess::TPgConnection connection(database.url());
+    connection.Execute("CREATE TABLE \"t\" (\"a\" smallint, \"b\" smallint, PRIMARY KEY (\"a\", \"b\"))");
+    connection.Execute("INSERT INTO \"t\" VALUES (1, NULL)");
+    TRkTableProxy table("t", "", "t");
+    table.SetConnection(&connection);
+    table.Open();
+    std::string const message = cubes::test::messageOf([&] { table.Delete(); });
+    EXPECT_NE(message.find("the row a=1, b=NULL of table \"t\": its key holds NULL"), std::string::npos) << message;
+}
+
 TEST_P(Cursor, reportsARowThatWentWhileItWasEdited) {
     fill(1);
     ASSERT_TRUE(table.Locate("cubenr", 1));

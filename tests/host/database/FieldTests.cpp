@@ -88,4 +88,30 @@ TEST_P(Field, refusesWhatTheColumnCannotHold) {
     EXPECT_EQ(rows(), (Rows{{"-32768", "NULL", "NULL"}}));
 }
 
+TEST_P(Field, tellsATextAsItWouldStoreIt) {
+    EXPECT_EQ(table.FieldByName("name")->Stored("123456789"), "12345678");
+    EXPECT_EQ(table.FieldByName("name")->Stored(nullptr), "");
+    EXPECT_EQ(table.FieldByName("cubenr")->Stored("123456789"), "123456789");
+}
+
+// The server counts bytes there; no character is cut in two.
+TEST(PostgresField, postgresCutsByBytesInADatabaseWithoutAnEncoding) {
+    cubes::test::requireBackend(cubes::test::Backend::postgres);
+    if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;
+    cubes::test::TestDatabase const database(
+        cubes::test::Backend::postgres, "TEMPLATE template0 ENCODING 'SQL_ASCII' LOCALE 'C'");
+    Pgaccess::TPgConnection connection(database.url());
+    connection.Execute("CREATE TABLE \"cube\" (\"cubenr\" smallint PRIMARY KEY, \"name\" varchar(8))");
+    Rktable::TRkTableProxy table("cube", "", "cube");
+    table.SetConnection(&connection);
+    table.Open();
+    EXPECT_EQ(table.FieldByName("name")->Stored("1äöüx"), "1äöüx");
+    EXPECT_EQ(table.FieldByName("name")->Stored("1äöü€"), "1äöü");
+    table.Append();
+    table.FieldByName("cubenr")->SetAsInteger(1);
+    table.FieldByName("name")->SetAsString("1äöü€");
+    table.Post();
+    EXPECT_EQ(database.sql("SELECT \"name\" FROM \"cube\""), (Rows{{"1äöü"}}));
+}
+
 }

@@ -1,6 +1,7 @@
 #include "host/database/postgres/Handle.h"
 
 #include "host/database/DatabaseUrl.h"
+#include "host/database/SqlState.h"
 #include "host/platform/NarrowText.h"
 
 #include <libpq-fe.h>
@@ -17,7 +18,7 @@ void requireReadable(std::string const& url) {
     if (isAmbiguous(url))
         throw TRkDatabaseException("the database URL '" + withoutPassword(url) +
                                        "' cannot be read: \"/\" and \"@\" in a password are written %2F and %40",
-            "08001");
+            sqlstate::cannotConnect);
     char* reason = nullptr;
     PQconninfoOption* const options = PQconninfoParse(url.c_str(), &reason);
     std::string const detail = reason ? trimmed(reason) : "out of memory";
@@ -26,7 +27,7 @@ void requireReadable(std::string const& url) {
         std::string const shown = withoutPassword(url);
         throw TRkDatabaseException(
             "the database URL '" + shown + "' cannot be read" + (shown == url ? ": " + detail : std::string()),
-            "08001");
+            sqlstate::cannotConnect);
     }
     PQconninfoFree(options);
 }
@@ -58,7 +59,7 @@ Handle::Handle(std::string const& url) {
     connection_ = PQconnectdbParams(keys, values, 1);
     if (PQstatus(connection_) != CONNECTION_OK) {
         TRkDatabaseException const error(
-            where() + " cannot be reached: " + trimmed(PQerrorMessage(connection_)), "08001");
+            where() + " cannot be reached: " + trimmed(PQerrorMessage(connection_)), sqlstate::cannotConnect);
         PQfinish(connection_);
         throw error;
     }
@@ -67,6 +68,10 @@ Handle::Handle(std::string const& url) {
 
 Handle::~Handle() {
     PQfinish(connection_);
+}
+
+std::string Handle::encoding() const {
+    return textOf(PQparameterStatus(connection_, "server_encoding"));
 }
 
 bool Handle::isLost() const noexcept {
@@ -82,7 +87,8 @@ std::string Handle::where() const {
 
 TRkDatabaseException Handle::failure(pg_result const* result, std::string const& statement) const {
     if (isLost())
-        return {where() + ": the connection is lost: " + trimmed(PQerrorMessage(connection_)), "08006", statement};
+        return {where() + ": the connection is lost: " + trimmed(PQerrorMessage(connection_)), sqlstate::connectionLost,
+            statement};
     std::string reason = textOf(PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY));
     if (reason.empty()) reason = trimmed(PQerrorMessage(connection_));
     std::string const detail = textOf(PQresultErrorField(result, PG_DIAG_MESSAGE_DETAIL));
@@ -103,7 +109,8 @@ Result Handle::execute(std::string const& sql) const {
     Result result = checked(PQexec(connection_, sql.c_str()), sql);
     // A transaction in which something failed answers so, and calls it no error.
     if (sql == "COMMIT" && std::strcmp(PQcmdStatus(result.get()), "ROLLBACK") == 0)
-        throw TRkDatabaseException(where() + ": the transaction could not be committed", "25P02", sql);
+        throw TRkDatabaseException(
+            where() + ": the transaction could not be committed", sqlstate::failedTransaction, sql);
     return result;
 }
 

@@ -25,6 +25,8 @@ public:
     Handle& operator=(Handle const&) = delete;
 
     pg_conn* get() const noexcept { return connection_; }
+    /// The encoding of the database, as the server names it.
+    std::string encoding() const;
     bool isLost() const noexcept;
     /// Also after the connection was lost inside a transaction.
     bool isInTransaction() const noexcept { return isInTransaction_; }

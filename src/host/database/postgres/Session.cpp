@@ -1,6 +1,7 @@
 #include "host/database/postgres/Session.h"
 
 #include "host/database/DatabaseUrl.h"
+#include "host/database/SqlState.h"
 #include "host/database/postgres/Statement.h"
 
 #include <libpq-fe.h>
@@ -79,7 +80,8 @@ Handle const& Session::connected() {
     if (server_ && !server_->isLost()) return *server_;
     if (isInTransaction())
         throw TRkDatabaseException(
-            url() + ": the connection was lost, and with it what the transaction did; roll it back", "08007");
+            url() + ": the connection was lost, and with it what the transaction did; roll it back",
+            sqlstate::transactionLost);
     connect();
     return *server_;
 }
@@ -102,9 +104,11 @@ std::optional<Table> Session::describe(std::string const& schema, std::string co
 
     Table table{schema, name, quotedName, {}, {}, false};
     std::vector<std::pair<long long, std::size_t>> key;
+    bool const countsBytes = connected().encoding() == "SQL_ASCII";
     for (std::size_t i = 0; i < count; ++i) {
         auto const row = cells.row(i, 4);
         table.columns.push_back(columnOf(row[0].Text(), row[1].Text(), row[2].Number()));
+        table.columns.back().sizeIsInBytes = countsBytes;
         if (!row[3].IsNull()) key.emplace_back(row[3].Number(), i);
     }
     std::sort(key.begin(), key.end());

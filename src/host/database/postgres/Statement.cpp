@@ -1,5 +1,7 @@
 #include "host/database/postgres/Statement.h"
 
+#include "host/database/Conversion.h"
+
 #include <libpq-fe.h>
 
 #include <charconv>
@@ -77,6 +79,8 @@ std::size_t Statement::run(std::span<Value const> values, Cells& cells) {
     Handle const& server = session_.connected();
     setParameters(values);
     Result const result = answer(server);
+    if (PQresultStatus(result.get()) == PGRES_COMMAND_OK)
+        return static_cast<std::size_t>(leadingNumber(PQcmdTuples(result.get())));
     int const rows = PQntuples(result.get());
     int const columns = PQnfields(result.get());
     for (int row = 0; row < rows; ++row)

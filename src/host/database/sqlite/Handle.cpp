@@ -1,5 +1,6 @@
 #include "host/database/sqlite/Handle.h"
 
+#include "host/database/SqlState.h"
 #include "host/database/sqlite/Dialect.h"
 #include "host/database/sqlite/Waiting.h"
 #include "host/platform/Files.h"
@@ -22,27 +23,27 @@ struct State {
 
 // SQLite's codes under the names of the standard, where callers may want to tell them apart.
 constexpr State states[] = {
-    {SQLITE_CONSTRAINT_PRIMARYKEY, "23505"},
-    {SQLITE_CONSTRAINT_UNIQUE, "23505"},
-    {SQLITE_CONSTRAINT_ROWID, "23505"},
-    {SQLITE_CONSTRAINT_NOTNULL, "23502"},
-    {SQLITE_CONSTRAINT_CHECK, "23514"},
-    {SQLITE_CONSTRAINT_FOREIGNKEY, "23503"},
-    {SQLITE_CONSTRAINT_TRIGGER, "P0001"},
-    {SQLITE_BUSY, "55P03"},
-    {SQLITE_LOCKED, "55P03"},
-    {SQLITE_READONLY, "25006"},
-    {SQLITE_FULL, "53100"},
-    {SQLITE_CORRUPT, "XX001"},
-    {SQLITE_NOTADB, "XX001"},
-    {SQLITE_IOERR, "58030"},
-    {SQLITE_CANTOPEN, "58030"},
+    {SQLITE_CONSTRAINT_PRIMARYKEY, sqlstate::duplicateKey},
+    {SQLITE_CONSTRAINT_UNIQUE, sqlstate::duplicateKey},
+    {SQLITE_CONSTRAINT_ROWID, sqlstate::duplicateKey},
+    {SQLITE_CONSTRAINT_NOTNULL, sqlstate::missingValue},
+    {SQLITE_CONSTRAINT_CHECK, sqlstate::failedCheck},
+    {SQLITE_CONSTRAINT_FOREIGNKEY, sqlstate::missingForeignKey},
+    {SQLITE_CONSTRAINT_TRIGGER, sqlstate::raisedByTrigger},
+    {SQLITE_BUSY, sqlstate::locked},
+    {SQLITE_LOCKED, sqlstate::locked},
+    {SQLITE_READONLY, sqlstate::readOnly},
+    {SQLITE_FULL, sqlstate::diskFull},
+    {SQLITE_CORRUPT, sqlstate::damaged},
+    {SQLITE_NOTADB, sqlstate::damaged},
+    {SQLITE_IOERR, sqlstate::inputOutput},
+    {SQLITE_CANTOPEN, sqlstate::inputOutput},
 };
 
 char const* sqlStateOf(int code) {
     for (State const& state : states)
         if (state.code == code || state.code == (code & 0xFF)) return state.sqlState;
-    return "HY000";
+    return sqlstate::general;
 }
 
 std::string reason(int code, sqlite3* database) {
@@ -75,7 +76,7 @@ void refuseFragment(std::string const& path) {
     std::error_code error;
     auto const size = std::filesystem::file_size(platform::toPath(path), error);
     if (!error && size > 0 && size < header)
-        throw TRkDatabaseException("SQLite database '" + path + "': file is not a database", "XX001");
+        throw TRkDatabaseException("SQLite database '" + path + "': file is not a database", sqlstate::damaged);
 }
 
 }
@@ -123,7 +124,7 @@ TRkDatabaseException Handle::failure(std::string const& statement) const {
     std::string message = "SQLite database '" + path_ + "': " + reason(code, database_);
     if (!statement.empty()) message += ", in: " + statement;
     bool const noTable = std::string_view(sqlite3_errmsg(database_)).starts_with("no such table");
-    return {message, noTable ? "42P01" : sqlStateOf(code), statement};
+    return {message, noTable ? sqlstate::missingTable : sqlStateOf(code), statement};
 }
 
 void Handle::execute(std::string const& sql) const {
