@@ -10,7 +10,7 @@ bool isBlank(char c) {
     return static_cast<unsigned char>(c) <= ' ';
 }
 
-/// Takes a list apart from its beginning.
+/// Splits a list from its beginning.
 class List {
 public:
     explicit List(std::string_view text) : rest_(text) { skipBlanks(); }
@@ -24,7 +24,7 @@ public:
         return name;
     }
 
-    /// Whether a comma was taken.
+    /// Returns whether there was a comma.
     bool takeSeparator() {
         skipBlanks();
         if (rest_.empty() || rest_.front() != ',') return false;
@@ -62,7 +62,7 @@ private:
 std::vector<std::string> splitFieldNames(std::string_view text) {
     std::vector<std::string> names;
     List list(text);
-    // An empty name stands between commas only, so none stands in front of the first.
+    // There is no empty name before the first comma.
     list.takeSeparator();
     while (!list.isEmpty()) {
         names.push_back(list.takeName());

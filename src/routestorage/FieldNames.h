@@ -6,9 +6,9 @@
 
 namespace cubes::routestorage {
 
-/// The names in a list: separated by a comma, with any blanks and control characters around it, or
-/// by these alone. Quotation marks go; what stands between them separates nothing, and two of them
-/// there are one of the name. Two commas have an empty name between them.
+/// Splits a list of names at commas and at blanks and control characters. Between quotation marks
+/// nothing separates, and a doubled mark stands for one; the marks themselves are removed. An empty
+/// name lies between two commas only.
 std::vector<std::string> splitFieldNames(std::string_view list);
 
 }

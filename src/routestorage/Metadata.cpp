@@ -1,5 +1,4 @@
-#include <cubes/routestorage/metadata/Field.h>
-#include <cubes/routestorage/metadata/String.h>
+#include <cubes/routestorage/Metadata.h>
 
 namespace Metadata {
 

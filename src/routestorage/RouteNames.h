@@ -17,8 +17,8 @@ using Parts = std::array<short, 6>;
 /// "RouteStorage_Routes\1-2-3-1-1-1."
 TRkString routeFileStem(char const* directory, Parts const& parts);
 
-/// Reads such a name with any of the directories in front, or with none. False, and zeros, for a
-/// text that has not six parts.
+/// Parses such a name, with or without one of the directories. False, and zeros, for a text that
+/// does not have six parts.
 bool readRouteFileName(char const* text, std::span<char const* const> directories, std::array<int*, 6> const& numbers);
 
 }

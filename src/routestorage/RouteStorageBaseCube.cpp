@@ -3,8 +3,7 @@
 #include <cubes/matrix/TRkMatrixException.h>
 #include <cubes/routestorage/Reference.h>
 #include <cubes/routestorage/RouteStorageDataCube.h>
-#include <cubes/routestorage/TVlRouteStorageDataSet.h>
-#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include "catalogue/EntryFile.h"
 #include "catalogue/EntryTable.h"

@@ -2,6 +2,8 @@
 
 #include <cubes/cubes.h>
 
+#include "support/VersionGuard.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -94,7 +96,6 @@ TEST(ExportedData, holdsTheNamesOfTablesAndCubes) {
 TEST(ExportedData, includesTheVersionThatTheProgramMaySet) {
     EXPECT_EQ(TRkBaseCubes::Version, 4);
     EXPECT_STREQ(TRkMatCubes::MakeFilename(12, 1, 2, 3, 4).c_str(), "12-1-2-3-4");
-    TRkBaseCubes::Version = 3;
+    cubes::test::VersionGuard const version(3);
     EXPECT_STREQ(TRkMatCubes::MakeFilename(12, 1, 2, 3, 4).c_str(), "0c01020304");
-    TRkBaseCubes::Version = 4;
 }

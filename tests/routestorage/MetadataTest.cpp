@@ -1,5 +1,4 @@
-#include <cubes/routestorage/metadata/Field.h>
-#include <cubes/routestorage/metadata/Vector.h>
+#include <cubes/routestorage/Metadata.h>
 
 #include <gtest/gtest.h>
 
@@ -47,7 +46,7 @@ void expectNames(MetadataInterface& object, char const* className, char const* i
     }
 }
 
-TEST(Metadata, tellsWhatItIs) {
+TEST(Metadata, reportsItsClassAndInterface) {
     expectNames(*Reference<Field>(new Field), "Field", "MetadataFieldInterface");
     expectNames(*Reference<String>(new String), "String", "MetadataStringInterface");
     expectNames(*Reference<Long>(new Long), "BasicType", "MetadataLongInterface");
@@ -93,7 +92,7 @@ TEST(MetadataField, keepsWhatIsSet) {
     EXPECT_EQ(show(*someField()), "speed float -3 " + std::to_string(ULONG_MAX));
 }
 
-TEST(MetadataField, handsOutItsOwnParts) {
+TEST(MetadataField, returnsItsOwnParts) {
     auto const field = someField();
     Reference<MetadataStringInterface> const name(field->getName());
     name->set("length");
@@ -103,7 +102,7 @@ TEST(MetadataField, handsOutItsOwnParts) {
     EXPECT_EQ(name->release(), 2);
 }
 
-TEST(MetadataField, mayEndBeforeThePartsItHandedOut) {
+TEST(MetadataField, mayBeDeletedBeforeThePartsThatItReturned) {
     auto field = someField();
     Reference<MetadataStringInterface> const name(field->getName());
     Reference<MetadataUnsignedLongInterface> const size(field->getSize());

@@ -5,11 +5,11 @@
 #include <cubes/routestorage/RouteStorageCubeData.h>
 #include <cubes/routestorage/RouteStorageDataCube.h>
 
-#include <cubes/routestorage/TVlRouteStorageDataSet.h>
-#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "routestorage/FakeProvider.h"
 #include "varcubes/VarCubesTest.h"
@@ -64,6 +64,53 @@ private:
 
     std::unique_ptr<RouteStorageCube> routes_;
     std::unique_ptr<RouteStorageDataCube> data_;
+};
+
+/// A route cube with its names in the fake provider and in the entry table.
+struct RouteKind {
+    RouteStorageBaseCube& cube;
+    std::string object;
+    std::string number;
+    std::string directory;
+};
+
+/// Both kinds of route cubes over the fake provider.
+class RouteEntriesTest : public RouteCubeTest {
+protected:
+    std::vector<RouteKind> kinds() {
+        return {{routes(), "set", "-9", "RouteStorage_Routes"}, {data(), "data", "-10", "RouteStorage_RouteData"}};
+    }
+    std::string fileOf(RouteKind const& kind, std::string const& key) {
+        return nativePath(pathOf(kind.directory + "/" + key + ".FDB"));
+    }
+    static std::string rowOf(RouteKind const& kind, std::string const& parts, std::string const& name) {
+        return kind.number + "|" + parts + "|0|" + kind.directory + "\\" + name + ".FDB\n";
+    }
+    static std::string assigned(RouteKind const& kind, std::string const& key) {
+        return kind.object + ".setCubeType " + kind.number + "\n" + kind.object + ".setKey " + key + "\n";
+    }
+    static std::string created(RouteKind const& kind, std::string const& name, std::string const& key) {
+        std::string const& object = kind.object;
+        return object + ".make " + name + ".FDB\n" + assigned(kind, key) + object + ".getFileName\nsettings.make " +
+               name + ".FDB\n" + object + ".open 1 with settings\nsettings.release -1\n" + object + ".release -1\n";
+    }
+
+    // A record with a storage for a file outside the project.
+    template <typename Wrapper>
+    Reference<RouteStorageCubeData> recordFor(std::string const& file) {
+        Reference<RouteStorageCubeData> record(new RouteStorageCubeData);
+        Wrapper const wrapper(file.c_str());
+        wrapper.getInterface()->addRef();
+        record->setRouteStorage(wrapper.getInterface());
+        return record;
+    }
+    Reference<RouteStorageCubeData> recordFor(RouteKind const& kind, std::string const& file) {
+        if (kind.object == "set") return recordFor<VL::Interface::TVlRouteStorageRouteSet>(file);
+        return recordFor<VL::Interface::TVlRouteStorageDataSet>(file);
+    }
+
+    FakeProvider fake;
+    TempDir elsewhere;
 };
 
 }

@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "host/matrix/FailingSystem.h"
-#include "routestorage/RouteEntriesTest.h"
+#include "routestorage/RouteCubeTest.h"
 
 namespace cubes::test {
 namespace {

@@ -6,6 +6,8 @@
 #include <array>
 #include <ostream>
 
+#include "support/VersionGuard.h"
+
 namespace {
 
 TEST(RouteCubes, differInTheirTypeOnly) {
@@ -38,10 +40,9 @@ TEST(RouteNames, joinTheNumbersBehindTheDirectory) {
 }
 
 TEST(RouteNames, doNotChangeWithTheVersion) {
-    TRkBaseCubes::Version = 3;
+    cubes::test::VersionGuard const version(3);
     RouteStorageCube const routes(nullptr);
     EXPECT_STREQ(routes.createFilename(1, 2, 3, 4, 5, 6).c_str(), "RouteStorage_Routes\\1-2-3-4-5-6.");
-    TRkBaseCubes::Version = 4;
 }
 
 using Numbers = std::array<int, 6>;
@@ -67,7 +68,7 @@ void expectParsed(Parsed const& parsed) {
 
 class RouteNameParser : public testing::TestWithParam<Parsed> {};
 
-TEST_P(RouteNameParser, readsNamesOfRouteSetsInBothCubes) {
+TEST_P(RouteNameParser, parsesNamesOfRouteSetsInBothCubes) {
     expectParsed<RouteStorageCube>(GetParam());
     expectParsed<RouteStorageDataCube>(GetParam());
 }
@@ -88,14 +89,14 @@ INSTANTIATE_TEST_SUITE_P(names, RouteNameParser,
         Parsed{"RouteStorage_Routes\\123456", false, zeros}, Parsed{"RouteStorage_Routes", false, zeros},
         Parsed{"", false, zeros}, Parsed{nullptr, false, zeros}));
 
-TEST(RouteNameParsers, ofRouteDataReadTheirOwnNamesToo) {
+TEST(RouteNameParsers, ofRouteDataParseTheirOwnNamesToo) {
     expectParsed<RouteStorageDataCube>({"RouteStorage_RouteData\\1-2-3-4-5-6", true, counting});
     expectParsed<RouteStorageDataCube>({"RouteStorage_RouteData/1-2-3-4-5-6.FDB", true, counting});
     expectParsed<RouteStorageDataCube>({"RouteStorage_RouteData\\1-2-3-4-5", false, zeros});
     expectParsed<RouteStorageCube>({"RouteStorage_RouteData\\1-2-3-4-5-6", true, {0, 2, 3, 4, 5, 6}});
 }
 
-TEST(RouteNameParsers, readWhatTheCubesMake) {
+TEST(RouteNameParsers, parseTheNamesOfTheCubes) {
     Numbers n{};
     EXPECT_TRUE(RouteStorageCube::MakeFilename(
         RouteStorageCube::MakeFilename(7, 6, 5, 4, 3, 2).c_str(), n[0], n[1], n[2], n[3], n[4], n[5]));

@@ -1,6 +1,6 @@
-// The cubes with our own provider, which lies beside the tests as it lies beside an installed library.
+// The cubes with the project's own provider, which is in the directory of the test programs.
 
-#include <cubes/routestorage/TLastError.h>
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include <filesystem>
 
@@ -133,7 +133,7 @@ TEST_P(StoredRoutes, areReplacedByAnEmptySet) {
     EXPECT_EQ(readRoutes(*setOf(routes(), 6)), "");
 }
 
-TEST_P(StoredRoutes, givenZeroBasedReplaceThoseOfTheOneBasedKey) {
+TEST_P(StoredRoutes, ofZeroBasedKeysReplaceThoseOfTheOneBasedKey) {
     store(routes(), 6);
     auto set = setOf(routes(), 6);
     set->open(romExtend, nullptr);
@@ -176,7 +176,7 @@ TEST_P(StoredRoutes, outliveTheRecordTheyWereFetchedWith) {
     EXPECT_EQ(storage->release(), 0);
 }
 
-TEST_P(StoredRoutes, thatAreDamagedTellWhy) {
+TEST_P(StoredRoutes, thatAreDamagedReportTheCause) {
     store(routes(), 6);
     std::string const whole = readFile(routeFile(6));
     for (std::string const& bad : {std::string(), std::string("no routes"), whole.substr(0, whole.size() / 2)}) {
@@ -196,14 +196,14 @@ TEST_P(StoredRoutes, thatAreMissingAreNotFetched) {
     EXPECT_EQ(routes().GetData(1, 2, 3, 4, 5, 6, false), nullptr);
 }
 
-TEST_P(StoredRoutes, tellWhyTheirFileCannotBeMade) {
+TEST_P(StoredRoutes, reportWhyTheirFileCannotBeCreated) {
     std::filesystem::create_directories(routeFile(6) + "/full");
     EXPECT_TRUE(store(routes(), 6));
     EXPECT_NE(lastError().find(routeFile(6)), std::string::npos) << lastError();
     EXPECT_TRUE(std::filesystem::exists(routeFile(6) + "/full"));
 }
 
-TEST_P(StoredRoutes, areRegisteredWhereTheirDirectoryCannotBeMade) {
+TEST_P(StoredRoutes, areRegisteredWhenTheirDirectoryCannotBeCreated) {
     writeFile(pathOf("RouteStorage_Routes"), "in the way");
     EXPECT_TRUE(store(routes(), 6));
     EXPECT_NE(lastError(), "");
@@ -212,7 +212,7 @@ TEST_P(StoredRoutes, areRegisteredWhereTheirDirectoryCannotBeMade) {
     EXPECT_EQ(readFile(pathOf("RouteStorage_Routes")), "in the way");
 }
 
-TEST_P(StoredRoutes, haveDataWithFieldsThatAreTold) {
+TEST_P(StoredRoutes, haveDataWithFields) {
     ASSERT_TRUE(store(data(), 6));
     EXPECT_EQ(lastError(), "");
     EXPECT_EQ(stampOf(dataFile(6)), "-10 1 2 3 4 5 6\n");
@@ -248,7 +248,7 @@ TEST_P(StoredRoutes, areNoRouteData) {
     EXPECT_NE(lastError().find(dataFile(6)), std::string::npos) << lastError();
 }
 
-TEST_P(StoredRoutes, areSeenByAnotherObjectOfTheCubeAndOverBothSeparators) {
+TEST_P(StoredRoutes, areReadByAnotherCubeObjectAndWithBothSeparators) {
     store(routes(), 6);
     RouteStorageCube const again(project().settings());
     EXPECT_EQ(readRoutes(*setOf(again, 6)), "");

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cubes/Export.h>
-#include <cubes/text/WholeNumber.h>
+#include <cubes/text/AnsiString.h>
 
 #include <string>
 #include <utility>

@@ -4,18 +4,18 @@
 
 namespace cubes {
 
-/// Gives up a reference of an object that counts its references.
-struct ReferenceGiver {
+/// Releases a reference of a reference-counted object.
+struct ReferenceReleaser {
     template <typename Counted>
     void operator()(Counted* object) const {
         object->release();
     }
 };
 
-/// Owns one reference of an object that counts its references, and gives it up at its end:
+/// Owns one reference of a reference-counted object and releases it at the end:
 ///
 ///     cubes::Reference<CubeDataInterface> const record(cube.GetData(1, 1, 1, 1, 1, 1, false));
 template <typename Counted>
-using Reference = std::unique_ptr<Counted, ReferenceGiver>;
+using Reference = std::unique_ptr<Counted, ReferenceReleaser>;
 
 }

@@ -6,22 +6,22 @@
 
 #include <cstdint>
 
-/// What belongs to one entry of a route cube: its key, its parent, and the storage that holds its
-/// routes. The route cubes take and give no other data.
+/// The data of one entry of a route cube: its key, its parent, and the storage of its routes. The
+/// route cubes accept and return no other data.
 ///
-/// A new record has one reference, no storage, parts of -1 and a parent cube of 0. Made with new,
-/// it frees itself with its last reference. The parts are kept as they are given.
+/// A new record has one reference, no storage, key parts of -1 and a parent cube of 0. Create it
+/// with new: the last release deletes it. Setters store the numbers unchanged.
 ///
-/// A copy is shallow: it has the count of the record it was made from and the same storage, of
-/// which it takes no reference. Whoever lets both end has taken one more of the storage.
+/// A copy is shallow: it has the original's reference count and the same storage, without adding a
+/// reference to it. To destroy both, add a reference to the storage first.
 // NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): nothing derives from it.
 class CUBES_API RouteStorageCubeData final : public CubeDataInterface {
 public:
     RouteStorageCubeData();
     RouteStorageCubeData(RouteStorageCubeData const&);
-    /// The storage held before is not given up.
+    /// Does not release the storage held before.
     RouteStorageCubeData& operator=(RouteStorageCubeData const&);
-    /// Gives up the storage.
+    /// Releases the storage.
     ~RouteStorageCubeData();
 
     void addRef() override;
@@ -52,14 +52,14 @@ public:
     long getParentResult() const;
     void setParentIteration(long);
     long getParentIteration() const;
-    /// The cube that holds the parent entry; 0: none.
+    /// The cube of the parent entry; 0 for none.
     void setParentCubeNr(long);
     long getParentCubeNr() const;
 
-    /// Gives up the storage held before, then takes a reference of the new one; null: holds none.
+    /// Releases the storage held before, then adds a reference to the new one; null for none.
     /// REQUIRES: the caller has a reference of its own.
     void setRouteStorage(VL::Interface::RouteStorageInterface* storage);
-    /// The storage with one more reference, which the caller has to give up; null when there is none.
+    /// Returns the storage and adds a reference, which the caller releases; null when there is none.
     VL::Interface::RouteStorageInterface* getRouteStorage() const;
 
 private:

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cubes/Export.h>
+#include <cubes/routestorage/Metadata.h>
 #include <cubes/routestorage/RouteStorageBaseCube.h>
-#include <cubes/routestorage/metadata/Field.h>
-#include <cubes/routestorage/metadata/Vector.h>
 
 /// The cube of route data: values that belong to the routes of a set, their parent in
 /// RouteStorageCube. Its entries have no children: GetChilds empties the list and gives false.
@@ -16,22 +15,22 @@ public:
     /// "FDB".
     static char const* const Ext;
 
-    /// Takes the working directory from the settings.
+    /// Uses the working directory of the settings.
     explicit RouteStorageDataCube(TRkGlobalSettings* settings);
-    /// `directory`: of the files; null or empty takes the working directory from the settings.
+    /// `directory`: of the files; null or empty stands for the settings' working directory.
     RouteStorageDataCube(TRkGlobalSettings* settings, char const* directory);
     RouteStorageDataCube(RouteStorageDataCube const&);
     RouteStorageDataCube& operator=(RouteStorageDataCube const&);
     ~RouteStorageDataCube() override;
 
-    /// "RouteStorage_RouteData\1-2-3-1-1-1.", with the point before the extension.
+    /// "RouteStorage_RouteData\1-2-3-1-1-1.", including the point before the extension.
     static TRkString MakeFilename(short p, short m, short t, short u, short r, short i);
-    /// As RouteStorageCube::MakeFilename, whose names it reads too.
+    /// Parses such names and those of RouteStorageCube::MakeFilename.
     static bool MakeFilename(char const* text, int& p, int& m, int& t, int& u, int& r, int& i);
 
-    /// The fields of the entry's file by name and type, in their order. Keys are one-based. Empty
-    /// for an entry or a file that is missing, and for a file that cannot be read: opening what
-    /// GetData gives tells why. The precision is always 0; so is the size, except 1 for bytes.
-    /// The caller owns one reference. Throws DllNotLoaded without a provider.
+    /// Returns the fields of the entry's file by name and type, in file order; the caller owns one
+    /// reference. Keys are one-based. Empty when the entry or its file is missing or the file cannot
+    /// be read (open the result of GetData to learn why). The precision is always 0; the size is 1
+    /// for bytes and 0 otherwise. Throws DllNotLoaded without a provider.
     Metadata::Vector<Metadata::Field*>* getFieldMetadata(short p, short m, short t, short u, short r, short i) const;
 };

@@ -1,23 +1,34 @@
 #pragma once
 
 #include <cubes/Export.h>
-#include <cubes/text/WholeNumber.h>
 
 #include <compare>
+#include <concepts>
 #include <string>
+#include <utility>
+
+namespace cubes {
+
+/// A whole number that a text can be constructed from: neither a character nor a flag.
+template <typename T>
+concept WholeNumber =
+    std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char> && !std::same_as<T, wchar_t> &&
+    !std::same_as<T, char8_t> && !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
+
+}
 
 #ifdef __CODEGEARC__
 #include <System.hpp>
 #else
 
-/// A text of 8-bit characters in the platform's narrow encoding (UTF-8 off Windows).
-/// A value: copying copies the text. Compilers that bring an AnsiString of their own use that one.
+/// A text of 8-bit characters in the platform's narrow encoding (UTF-8 off Windows). A value type.
+/// Compilers with an AnsiString of their own use that one.
 class CUBES_API AnsiString {
 public:
     AnsiString() = default;
     /// A null pointer gives the empty text.
-    AnsiString(char const* text);
-    AnsiString(std::string text);
+    AnsiString(char const* text) : text_(text ? text : "") {}
+    AnsiString(std::string text) : text_(std::move(text)) {}
     /// The number in decimal.
     template <cubes::WholeNumber Number>
     explicit AnsiString(Number number) : text_(std::to_string(number)) {}
@@ -28,7 +39,10 @@ public:
     bool IsEmpty() const noexcept { return text_.empty(); }
     std::string const& str() const noexcept { return text_; }
 
-    AnsiString& operator+=(AnsiString const& tail);
+    AnsiString& operator+=(AnsiString const& tail) {
+        text_ += tail.text_;
+        return *this;
+    }
     friend AnsiString operator+(AnsiString head, AnsiString const& tail) { return head += tail; }
     friend bool operator==(AnsiString const&, AnsiString const&) = default;
     friend std::strong_ordering operator<=>(AnsiString const&, AnsiString const&) = default;

@@ -2,6 +2,15 @@
 
 #include <cubes/Export.h>
 
+/// The base of objects that the project's settings store under a key.
+class CUBES_API TRkObject {
+public:
+    TRkObject() = default;
+    TRkObject(TRkObject const&) = default;
+    TRkObject& operator=(TRkObject const&) = default;
+    virtual ~TRkObject();
+};
+
 class TRkBase;
 
 /// Visits objects derived from TRkBase, see TRkBase::Accept.
@@ -11,8 +20,8 @@ public:
     virtual void Visit(TRkBase const& object) = 0;
 };
 
-/// The root of every catalogue: optional counting of references, visitors, a validity test and
-/// the object's class name. An object nobody adds references to lives like any value.
+/// The base of every cube class: optional reference counting, visitors, a validity test and the
+/// name of the class. An object without references lives like any value.
 class CUBES_API TRkBase {
 public:
     TRkBase() = default;
@@ -23,14 +32,14 @@ public:
 
     /// Whether the object is usable.
     virtual bool Ok() const;
-    /// A number that tells families of classes apart; 0 here and in every cube class.
+    /// A number for the family of classes; 0 here and in every cube class.
     virtual int ClassID() const;
-    /// Adds a reference and gives the new count.
+    /// Adds a reference and returns the new count.
     virtual long AddReference();
-    /// Gives up a reference and gives the new count; the object deletes itself at 0.
-    /// REQUIRES: the object was made with new and has a reference.
+    /// Releases a reference and returns the new count; the object deletes itself at 0.
+    /// REQUIRES: the object was created with new and has a reference.
     virtual long ReleaseReference();
-    /// The plain name of the object's own class. The text lives as long as the program.
+    /// The name of the object's own class. Valid as long as the program runs.
     virtual char const* ClassName() const;
     virtual long ReferenceCount() const;
     virtual void Accept(TRkVisitor& visitor) const;

@@ -2,9 +2,30 @@
 
 #include <cubes/Export.h>
 #include <cubes/text/AnsiString.h>
-#include <cubes/text/VclOrStdException.h>
 
+#include <exception>
 #include <vector>
+
+/// The base of the library's exceptions: one message text.
+///
+/// Call GetMessageA by its full name on all platforms: the Windows header defines GetMessage as a
+/// macro, which becomes GetMessageW when UNICODE is defined.
+class CUBES_API VclOrStdException : public std::exception {
+public:
+    explicit VclOrStdException(AnsiString message = {});
+    VclOrStdException(VclOrStdException const&);
+    VclOrStdException& operator=(VclOrStdException const&);
+    ~VclOrStdException() override;
+
+    AnsiString GetMessageA() const;
+    /// A null pointer gives the empty message.
+    void SetMessage(char const* message);
+    /// The message alone, without context. Valid until the message changes.
+    char const* what() const noexcept override;
+
+private:
+    AnsiString message_;
+};
 
 /// One place that an error came from or passed through.
 struct TRkExceptionContext {
@@ -18,7 +39,7 @@ struct TRkExceptionContext {
 /// apart from the message: what() gives the message alone.
 class CUBES_API TRkException : public VclOrStdException {
 public:
-    /// The code says what derived classes make of it; nothing is done with it here.
+    /// The code is for derived classes and not used here.
     TRkException(char const* text, unsigned long code);
     /// The message with its place of origin, which becomes the first context entry.
     TRkException(AnsiString message, char const* file, char const* function, int line);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cubes/text/TRkObject.h>
+#include <cubes/text/TRkBase.h>
 
 #include <string>
 

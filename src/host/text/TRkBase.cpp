@@ -4,6 +4,9 @@
 
 #include <typeinfo>
 
+// Defined here so that the class has one home: down-casts work across library boundaries.
+TRkObject::~TRkObject() = default;
+
 TRkVisitor::~TRkVisitor() = default;
 
 TRkBase::TRkBase(TRkBase const&) {}

@@ -1,5 +1,22 @@
 #include <cubes/text/TRkException.h>
 
+VclOrStdException::VclOrStdException(AnsiString message) : message_(std::move(message)) {}
+VclOrStdException::VclOrStdException(VclOrStdException const&) = default;
+VclOrStdException& VclOrStdException::operator=(VclOrStdException const&) = default;
+VclOrStdException::~VclOrStdException() = default;
+
+AnsiString VclOrStdException::GetMessageA() const {
+    return message_;
+}
+
+void VclOrStdException::SetMessage(char const* message) {
+    message_ = AnsiString(message);
+}
+
+char const* VclOrStdException::what() const noexcept {
+    return message_.c_str();
+}
+
 TRkException::TRkException(char const* text, unsigned long /*code*/) : VclOrStdException(AnsiString(text)) {}
 
 TRkException::TRkException(AnsiString message, char const* file, char const* function, int line)

@@ -2,8 +2,7 @@
 
 #include "tool/Errors.h"
 
-#include <cubes/routestorage/TLastError.h>
-#include <cubes/routestorage/TVlRouteStorageDataSet.h>
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include <fmt/format.h>
 

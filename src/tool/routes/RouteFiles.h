@@ -3,7 +3,7 @@
 #include "tool/routes/RouteData.h"
 #include "tool/routes/RouteList.h"
 
-#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include <array>
 #include <optional>

@@ -1,5 +1,5 @@
 #include <cubes/project/TRkGlobalSettings.h>
-#include <cubes/text/TRkObject.h>
+#include <cubes/text/TRkBase.h>
 
 #include <gtest/gtest.h>
 

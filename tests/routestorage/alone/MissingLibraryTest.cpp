@@ -1,7 +1,4 @@
-#include <cubes/routestorage/TLastError.h>
-#include <cubes/routestorage/TVlRouteStorageDataSet.h>
-#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
-#include <cubes/routestorage/TVlSettings.h>
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include <gtest/gtest.h>
 

@@ -46,13 +46,13 @@ constexpr Part parts[] = {{&Data::setPurpose, &Data::getPurpose, -1}, {&Data::se
     {&Data::setParentResult, &Data::getParentResult, -1}, {&Data::setParentIteration, &Data::getParentIteration, -1},
     {&Data::setParentCubeNr, &Data::getParentCubeNr, 0}};
 
-TEST(Record, beginsWithNothingSet) {
+TEST(RouteStorageCubeData, beginsWithNothingSet) {
     Data const record;
     for (Part const& part : parts) EXPECT_EQ((record.*part.get)(), part.initial);
     EXPECT_EQ(record.getRouteStorage(), nullptr);
 }
 
-TEST(Record, keepsEachPartAsItIsGiven) {
+TEST(RouteStorageCubeData, storesEachPartUnchanged) {
     for (long const number : {0L, 1L, -1L, -32769L, 2147483647L, -2147483647L - 1}) {
         Data record;
         for (Part const& part : parts) {
@@ -65,7 +65,7 @@ TEST(Record, keepsEachPartAsItIsGiven) {
     }
 }
 
-TEST(Record, isTheDataThatCubesTake) {
+TEST(RouteStorageCubeData, isAcceptedByTheCubes) {
     Data record;
     CubeDataInterface& data = record;
     data.setPurpose(1);
@@ -83,7 +83,7 @@ TEST(Record, isTheDataThatCubesTake) {
     EXPECT_EQ(record.getParentPurpose(), -1);
 }
 
-TEST(Record, freesItselfWithItsLastReference) {
+TEST(RouteStorageCubeData, isDeletedByItsLastRelease) {
     CountedStorage storage;
     auto* const record = new Data;
     record->setRouteStorage(&storage);
@@ -96,7 +96,7 @@ TEST(Record, freesItselfWithItsLastReference) {
     EXPECT_EQ(storage.references, 0);
 }
 
-TEST(Record, holdsOneReferenceOfItsStorage) {
+TEST(RouteStorageCubeData, holdsOneReferenceOfItsStorage) {
     CountedStorage storage;
     {
         Data record;
@@ -106,7 +106,7 @@ TEST(Record, holdsOneReferenceOfItsStorage) {
     EXPECT_EQ(storage.calls, "+-");
 }
 
-TEST(Record, givesItsStorageWithAReferenceForTheCaller) {
+TEST(RouteStorageCubeData, addsAReferenceWhenItReturnsItsStorage) {
     CountedStorage storage;
     Data record;
     record.setRouteStorage(&storage);
@@ -115,7 +115,7 @@ TEST(Record, givesItsStorageWithAReferenceForTheCaller) {
     EXPECT_EQ(storage.references, 3);
 }
 
-TEST(Record, givesUpTheStorageBeforeItTakesAnother) {
+TEST(RouteStorageCubeData, releasesTheStorageBeforeItHoldsAnother) {
     CountedStorage first;
     CountedStorage second;
     Data record;
@@ -132,7 +132,7 @@ TEST(Record, givesUpTheStorageBeforeItTakesAnother) {
     EXPECT_EQ(second.references, 0);
 }
 
-TEST(Record, isCopiedWithCountAndStorageAsTheyAre) {
+TEST(RouteStorageCubeData, isCopiedWithItsCountAndStorage) {
     CountedStorage storage;
     auto* const record = new Data;
     record->setRouteStorage(&storage);
@@ -150,7 +150,7 @@ TEST(Record, isCopiedWithCountAndStorageAsTheyAre) {
     EXPECT_EQ(storage.calls, "+--");
 }
 
-TEST(Record, isAssignedWithoutGivingUpAnything) {
+TEST(RouteStorageCubeData, releasesNothingWhenItIsAssigned) {
     CountedStorage held;
     CountedStorage storage;
     Data record;

@@ -32,14 +32,14 @@ protected:
 
 CUBES_BOTH_BACKENDS(FieldMetadata);
 
-TEST_P(FieldMetadata, tellsTypesByNameAndSizesOfBytesAlone) {
+TEST_P(FieldMetadata, listsTypesByNameAndASizeForBytesOnly) {
     storeEntry();
     fake.setFields("t0,t1,t2,t3,t4,t5,t6,t-1,t100");
     EXPECT_EQ(fields(), "t0 boolean 0 0\nt1 bytes 0 1\nt2 smalint 0 0\nt3 integer 0 0\nt4 float 0 0\n"
                         "t5 double 0 0\nt6 unknown 0 0\nt-1 unknown 0 0\nt100 unknown 0 0\n");
 }
 
-TEST_P(FieldMetadata, asksTheFileOpenedForReading) {
+TEST_P(FieldMetadata, opensTheFileForReading) {
     storeEntry();
     fake.setFields("\"a, 3\",b2");
     EXPECT_EQ(fields(), "a, 3 integer 0 0\nb2 smalint 0 0\n");
@@ -67,20 +67,20 @@ TEST_P(FieldMetadata, isEmptyForMissingEntriesAndFiles) {
     EXPECT_EQ(fake.calls(), "");
 }
 
-TEST_P(FieldMetadata, isEmptyWhereTheProviderMakesNoObjects) {
+TEST_P(FieldMetadata, isEmptyWhenTheProviderHasNoFactories) {
     storeEntry();
     FakeProvider without("without");
     EXPECT_EQ(fields(), "");
 }
 
-TEST_P(FieldMetadata, isThereForEntriesInUse) {
+TEST_P(FieldMetadata, isReadFromEntriesInUse) {
     storeEntry();
     fake.setFields("a5");
     data().incUsage(1, 2, 3, 4, 5, 6);
     EXPECT_EQ(fields(), "a5 double 0 0\n");
 }
 
-TEST_P(FieldMetadata, belongsToWhoeverAsked) {
+TEST_P(FieldMetadata, isOwnedByTheCaller) {
     storeEntry();
     fake.setFields("a5");
     auto* const list = data().getFieldMetadata(1, 2, 3, 4, 5, 6);

@@ -1,6 +1,4 @@
-#include <cubes/routestorage/TVlRouteStorageDataSet.h>
-#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
-#include <cubes/routestorage/TVlSettings.h>
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include <gtest/gtest.h>
 
@@ -28,7 +26,7 @@ TEST(DllNotLoaded, namesTheLibrary) {
     static_assert(std::is_base_of_v<std::exception, DllNotLoaded>);
 }
 
-TEST(Loader, throwsForALibraryThatIsNotThere) {
+TEST(Loader, throwsForAMissingLibrary) {
     try {
         Library const library("no-such-library64.dll");
         FAIL() << "it was loaded";
@@ -37,7 +35,7 @@ TEST(Loader, throwsForALibraryThatIsNotThere) {
     }
 }
 
-TEST(Loader, throwsForAFileThatIsNoLibrary) {
+TEST(Loader, throwsForAFileThatIsNotALibrary) {
     TempDir const directory;
     writeFile(directory.file(provider), "no library");
     ProviderPath const path(directory.str());
@@ -56,7 +54,7 @@ TEST(Loader, findsWhatIsExported) {
     EXPECT_TRUE(library.getProcedureFromLibrary("FakeLiving", living));
 }
 
-TEST(Loader, emptiesTheProcedureThatItDoesNotFind) {
+TEST(Loader, setsAProcedureThatItDoesNotFindToNull) {
     ProviderPath const path(fakeDirectory("full"));
     Library const library(provider);
     int (*none)() = [] { return 1; };
@@ -91,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(, NameVariants,
         Variant{"full", true}, Variant{"leading", true}, Variant{"trailing", true}, Variant{"without", false}),
     [](auto const& variant) { return std::string(variant.param.directory); });
 
-TEST(Loader, makesNothingWithoutAFactory) {
+TEST(Loader, createsNothingWithoutAFactory) {
     FakeProvider fake("without");
     TVlSettings settings("a.FDB");
     TVlRouteStorageRouteSet routeSet("b.FDB");
@@ -107,7 +105,7 @@ TEST(Loader, leavesTheLibraryLoaded) {
         TVlSettings const first("a.FDB");
         TVlSettings const second("b.FDB");
     }
-    // What the library keeps is still there, so it was neither unloaded nor loaded anew.
+    // The library kept its state, so it was neither unloaded nor loaded again.
     EXPECT_EQ(fake.calls(), "settings.make a.FDB\nsettings.make b.FDB\nsettings.release -1\nsettings.release -1\n");
     int (*before)() = nullptr;
     Library(provider).getProcedure("FakeLiving", before);
@@ -164,7 +162,7 @@ std::string foundWith(std::string const& directories) {
     return library.getProcedure("CreateSettingsInterface", create) ? "full" : "without";
 }
 
-TEST(ProviderSearch, takesTheFirstDirectoryThatHasTheLibrary) {
+TEST(ProviderSearch, usesTheFirstDirectoryThatHoldsTheLibrary) {
     std::string const between(1, platform::searchPathDelimiter());
     TempDir const empty;
     std::string const full = fakeDirectory("full");
@@ -177,13 +175,13 @@ TEST(ProviderSearch, takesTheFirstDirectoryThatHasTheLibrary) {
     EXPECT_EQ(foundWith(empty.file("nowhere") + between + without + "/"), "without");
 }
 
-TEST(ProviderSearch, thenLooksBesideTheLibrary) {
+TEST(ProviderSearch, fallsBackToTheLibrarysOwnDirectory) {
     TempDir const empty;
     EXPECT_EQ(foundWith(""), "ours");
     EXPECT_EQ(foundWith(empty.str()), "ours");
 }
 
-TEST(ProviderSearch, knowsALibraryThatIsNeverLoaded) {
+TEST(ProviderSearch, hasNamesForTheUtilitiesAndScriptLibraries) {
     EXPECT_STREQ(SCRIPT_INTERFACE_DLL_NAME, "ScriptInterface64.dll");
     EXPECT_STREQ(VLINTERFACEUTILITIES_DLL_NAME, "vlinterfaceutilities64.dll");
 }

@@ -1,8 +1,4 @@
-#include <cubes/routestorage/TLastError.h>
-#include <cubes/routestorage/TVlAdditionalDataHeader.h>
-#include <cubes/routestorage/TVlRouteStorageDataSet.h>
-#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
-#include <cubes/routestorage/TVlSettings.h>
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include <gtest/gtest.h>
 
@@ -22,7 +18,7 @@ protected:
     FakeProvider fake;
 };
 
-// What the provider is asked when a wrapper opens, and what that gives.
+// Returns the calls that the provider gets when a wrapper opens, and the result of open.
 template <typename Wrapper>
 std::string opening(FakeProvider& fake, std::string const& file, long mode, SettingsInterface* settings, int& result) {
     Wrapper wrapper(file.c_str());
@@ -31,7 +27,7 @@ std::string opening(FakeProvider& fake, std::string const& file, long mode, Sett
     return fake.calls();
 }
 
-TEST_F(Wrappers, ofCreatingModesGiveTheirOwnSettings) {
+TEST_F(Wrappers, passTheirOwnSettingsInCreatingModes) {
     std::string const asked = ".getFileName\nsettings.make a.FDB\n";
     for (long const mode : {1L, 257L, 0x7FFFFF01L, -255L}) {
         int result = 0;
@@ -43,7 +39,7 @@ TEST_F(Wrappers, ofCreatingModesGiveTheirOwnSettings) {
     }
 }
 
-TEST_F(Wrappers, passOtherModesOn) {
+TEST_F(Wrappers, passOtherModesUnchanged) {
     for (long const mode : {0L, 2L, 3L, 256L, 258L, -1L, 0x101000L}) {
         int result = 0;
         std::string const opened = ".open " + std::to_string(mode) + " without settings\n";
@@ -53,7 +49,7 @@ TEST_F(Wrappers, passOtherModesOn) {
     }
 }
 
-TEST_F(Wrappers, passTheCallersSettingsOn) {
+TEST_F(Wrappers, passTheCallersSettingsUnchanged) {
     TVlSettings const settings("own.FDB");
     for (long const mode : {0L, 1L, 257L}) {
         int result = 0;
@@ -64,7 +60,7 @@ TEST_F(Wrappers, passTheCallersSettingsOn) {
     }
 }
 
-TEST_F(Wrappers, openWithoutSettingsWhereTheProviderMakesNone) {
+TEST_F(Wrappers, openWithoutSettingsWhenTheProviderHasNone) {
     TVlRouteStorageRouteSet routeSet(file.c_str());
     FakeProvider without("without");
     fake.calls();
@@ -77,7 +73,7 @@ struct LastError {
     int result;
 };
 
-TEST_F(Wrappers, tellByTheLastErrorWhetherOpeningWorked) {
+TEST_F(Wrappers, reportByTheLastErrorWhetherOpeningWorked) {
     TVlRouteStorageRouteSet routeSet(file.c_str());
     TVlRouteStorageDataSet dataSet(file.c_str());
     for (auto const& [text, result] : {LastError{"", 1}, LastError{"the disk is full", 0}, LastError{" ", 0},
@@ -89,7 +85,7 @@ TEST_F(Wrappers, tellByTheLastErrorWhetherOpeningWorked) {
     }
 }
 
-TEST_F(Wrappers, withoutAnObjectDoNotOpen) {
+TEST_F(Wrappers, reportAMissingObjectWhenTheyOpen) {
     FakeProvider without("without");
     TVlRouteStorageRouteSet routeSet(file.c_str());
     TVlRouteStorageDataSet dataSet(file.c_str());
@@ -100,7 +96,7 @@ TEST_F(Wrappers, withoutAnObjectDoNotOpen) {
     EXPECT_EQ(without.calls(), "");
 }
 
-TEST_F(Wrappers, makeFurtherObjectsForWhoeverAsks) {
+TEST_F(Wrappers, createFurtherObjectsForTheCaller) {
     TVlSettings settings("a.FDB");
     SettingsInterface* const moreSettings = settings.CreateInterface("b.FDB");
     EXPECT_NE(moreSettings, settings.getInterface());
@@ -114,7 +110,7 @@ TEST_F(Wrappers, makeFurtherObjectsForWhoeverAsks) {
     EXPECT_EQ(fake.living(), 3);
 }
 
-TEST_F(Wrappers, giveUpOneReferenceAndNoMore) {
+TEST_F(Wrappers, releaseOneReferenceOnly) {
     TVlRouteStorageRouteSet* const wrapper = new TVlRouteStorageRouteSet("a.FDB");
     RouteStorageInterface* const kept = wrapper->getInterface();
     kept->addRef();
@@ -124,7 +120,7 @@ TEST_F(Wrappers, giveUpOneReferenceAndNoMore) {
     EXPECT_EQ(kept->release(), 0);
 }
 
-TEST_F(Wrappers, ofHeadersTakeThemOver) {
+TEST_F(Wrappers, ownTheHeaderThatTheyAreGiven) {
     TVlRouteStorageDataSet const dataSet("a.FDB");
     {
         TVlAdditionalDataHeader const header(dataSet.getInterface()->getAdditionalDataHeader());
@@ -137,7 +133,7 @@ TEST_F(Wrappers, ofHeadersTakeThemOver) {
     EXPECT_EQ(none.getInterface(), nullptr);
 }
 
-TEST_F(Wrappers, areOneForTheLastError) {
+TEST_F(Wrappers, shareOneObjectForTheLastError) {
     EXPECT_NE(TLastError::getInstance(), nullptr);
     EXPECT_EQ(TLastError::getInstance(), TLastError::getInstance());
 }

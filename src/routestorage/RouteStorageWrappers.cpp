@@ -1,16 +1,12 @@
-// What the provider makes, each kind by its own factory.
+#include <cubes/routestorage/RouteStorageWrappers.h>
 
-#include <cubes/routestorage/TLastError.h>
-#include <cubes/routestorage/TVlAdditionalDataHeader.h>
-#include <cubes/routestorage/TVlRouteStorageDataSet.h>
-#include <cubes/routestorage/TVlRouteStorageRouteSet.h>
-#include <cubes/routestorage/TVlSettings.h>
+#include <mutex>
 
 namespace VL::Interface {
 
 namespace {
 
-constexpr int notThere = -1;
+constexpr int noObject = -1;
 
 bool createsFile(long mode) {
     constexpr long lowByte = 0xFF;
@@ -22,17 +18,17 @@ void openWithOwnSettings(RouteStorageInterface& storage, long mode) {
     storage.open(mode, settings.getInterface());
 }
 
-bool isTextThere(char const* text) {
+bool isError(char const* text) {
     return text && *text;
 }
 
 int openStorage(RouteStorageInterface* storage, long mode, SettingsInterface* settings) {
-    if (!storage) return notThere;
+    if (!storage) return noObject;
     if (createsFile(mode) && !settings)
         openWithOwnSettings(*storage, mode);
     else
         storage->open(mode, settings);
-    return isTextThere(InterfaceUtilities::TLastError::getInstance()->VlGetLastError()) ? 0 : 1;
+    return isError(InterfaceUtilities::TLastError::getInstance()->VlGetLastError()) ? 0 : 1;
 }
 
 }
@@ -81,6 +77,29 @@ TVlAdditionalDataHeader::TVlAdditionalDataHeader(AdditionalDataHeaderInterface* 
 
 TVlAdditionalDataHeader::~TVlAdditionalDataHeader() {
     if (header_) header_->release();
+}
+
+}
+
+namespace VL::InterfaceUtilities {
+
+TLastError::TLastError() : DynamiclinkLibraryT(VL::Interface::VLINTERFACEUTILITIES_DLL_NAME) {}
+
+TLastError::~TLastError() = default;
+
+TLastError* TLastError::getInstance() {
+    static std::mutex mutex;
+    // Never deleted: objects that are destroyed last may still use it.
+    static TLastError* instance = nullptr;
+    std::lock_guard const lock(mutex);
+    if (!instance) instance = new TLastError;
+    return instance;
+}
+
+char const* TLastError::VlGetLastError() {
+    VL::Interface::LastErrorGetter* ask = getLastError_;
+    if (!ask && getProcedure("VlInterfaceGetLastError", ask)) getLastError_ = ask;
+    return ask ? ask() : nullptr;
 }
 
 }
