@@ -1,6 +1,6 @@
 #include <cubes/core/TRkCubesException.h>
 
-#include "host/platform/SystemErrors.h"
+#include "host/platform/System.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,13 +3,9 @@
 #include <cubes/text/TRkString.h>
 
 #include "host/platform/CallStack.h"
-#include "host/platform/Debugger.h"
-#include "host/platform/Environment.h"
-#include "host/platform/LocalTime.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
-#include "host/platform/SystemErrors.h"
-#include "host/platform/TemporaryDirectory.h"
+#include "host/platform/System.h"
 
 #include <fmt/format.h>
 

@@ -3,10 +3,10 @@
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
 #include <cubes/text/TRkString.h>
 
-#include "host/platform/Environment.h"
 #include "host/platform/Files.h"
 #include "host/platform/Paths.h"
 #include "host/platform/SharedLibrary.h"
+#include "host/platform/System.h"
 
 #include <algorithm>
 #include <sstream>

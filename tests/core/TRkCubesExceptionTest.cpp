@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "host/platform/SystemErrors.h"
+#include "host/platform/System.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "host/platform/File.h"
 #include "host/platform/NarrowText.h"
-#include "host/platform/SystemErrors.h"
+#include "host/platform/System.h"
 #include "support/Errand.h"
 #include "support/OpenFiles.h"
 #include "support/SystemWords.h"

@@ -2,7 +2,7 @@
 
 #include "host/matrix/FileIndex.h"
 #include "host/matrix/OmxReader.h"
-#include "host/platform/FileView.h"
+#include "host/platform/File.h"
 
 #include <cstdlib>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "host/matrix/MatrixFileWriter.h"
 
 #include "host/matrix/BlockCodec.h"
-#include "host/platform/FileView.h"
+#include "host/platform/File.h"
 #include "host/platform/Parallel.h"
 
 #include <algorithm>

@@ -3,7 +3,6 @@
 #include "host/matrix/Failure.h"
 #include "host/matrix/MatrixFileWriter.h"
 #include "host/matrix/OmxReader.h"
-#include "host/platform/CopyContent.h"
 #include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"

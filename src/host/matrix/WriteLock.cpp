@@ -1,8 +1,9 @@
 #include "host/matrix/WriteLock.h"
 
-#include "host/platform/ByteLock.h"
+#include "host/platform/File.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
+#include "host/platform/System.h"
 
 #include <xxhash.h>
 

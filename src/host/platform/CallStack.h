@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
+/// The program's own names: of classes, and of the functions on the call stack.
 namespace cubes::platform {
 
 /// One call that has not returned yet. A text is empty when it is unknown.
@@ -18,5 +20,11 @@ struct StackFrame {
 
 /// The calls of this thread, the innermost first, at most 1024.
 std::vector<StackFrame> callStack();
+
+/// The plain name of a class: "TRkSkimCube" on every platform. The text lives as long as the program.
+char const* className(std::type_info const& type);
+
+/// The name in the source for one that the compiler made; any other name unchanged.
+std::string demangled(char const* name);
 
 }

@@ -2,20 +2,21 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
 namespace cubes::platform {
 
 /// An open file. Movable. Failures throw std::system_error with the action, the path and the
-/// system's reason.
+/// system's message.
 class File {
 public:
     /// Opens an existing regular file. Others may read, write, rename and remove it meanwhile.
     static File openForReading(std::string const& path);
-    /// Makes a new file for reading and writing; fails where one exists.
+    /// Creates a file for reading and writing; fails where one exists.
     static File createNew(std::string const& path);
-    /// Opens a file for reading and writing together with others; makes it when it is missing.
+    /// Opens a file for reading and writing together with others; creates it when it is missing.
     static File openShared(std::string const& path);
 
     File(File&& other) noexcept;
@@ -26,8 +27,8 @@ public:
     /// Reads or writes all the bytes or throws.
     void readAt(std::uint64_t offset, std::span<std::byte> bytes) const;
     void writeAt(std::uint64_t offset, std::span<std::byte const> bytes);
-    /// Starts moving written bytes to the disk where the system can do that in the background; a
-    /// later flush then has less to wait for.
+    /// Starts writing these bytes to the disk where the system can do that in the background, which
+    /// shortens a later flush.
     void beginFlush(std::uint64_t offset, std::uint64_t length) noexcept;
     /// Returns when everything written to the file, by anyone, is on the disk.
     void flush();
@@ -45,16 +46,40 @@ private:
     std::string path_;
 };
 
-/// Gives a file another name, in place of another file or where none is, in one step; a directory
-/// only where nothing is. False when the name lies on another file system: then nothing is done.
-/// Throws std::system_error when it can't be done.
-bool renameFile(std::string const& from, std::string const& to);
-/// Makes what was written to a file, by anyone, survive a power failure.
-void flushFile(std::string const& path);
-/// Makes names given in a directory survive a power failure.
-void flushDirectory(std::string const& directory);
-/// Removes a file; objects that read it keep it. False when it cannot be removed or is not there.
-bool discardFile(std::string const& path) noexcept;
-std::uint64_t processId();
+/// A view on the bytes of a whole file, read as they are touched. Writing to the view changes the
+/// view alone. The view keeps its state when the file is replaced or removed; truncating the file
+/// in place removes the bytes from the view. Movable.
+class FileView {
+public:
+    /// Throws std::system_error; an empty file gives an empty view.
+    static FileView open(std::string const& path);
+
+    FileView(FileView&& other) noexcept;
+    FileView& operator=(FileView&& other) noexcept;
+    ~FileView();
+
+    std::span<std::byte> bytes() const noexcept { return bytes_; }
+
+private:
+    explicit FileView(std::span<std::byte> bytes) noexcept : bytes_(bytes) {}
+    void unmap() noexcept;
+
+    std::span<std::byte> bytes_;
+};
+
+/// An exclusive lock on one byte of a file, held against every other holder in this and in other
+/// processes, until it is destroyed or the process ends. The byte need not exist. Movable.
+class ByteLock {
+public:
+    /// Nothing when another holder has the byte. The file is created when it is missing. Throws
+    /// std::system_error when the file cannot be opened for writing or cannot be locked.
+    static std::optional<ByteLock> tryTake(std::string const& path, std::uint64_t position);
+
+private:
+    explicit ByteLock(File file) noexcept : file_(std::move(file)) {}
+
+    // Closing the file releases the lock.
+    File file_;
+};
 
 }

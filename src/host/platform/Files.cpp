@@ -1,10 +1,7 @@
 #include "host/platform/Files.h"
 
-#include "host/platform/CopyContent.h"
-#include "host/platform/File.h"
 #include "host/platform/Paths.h"
 #include "host/platform/TemporaryFile.h"
-#include "host/platform/Tree.h"
 
 #include <algorithm>
 #include <exception>
@@ -17,10 +14,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The path in the one form that is the same for all texts that name it; a directory's ends in no delimiter.
+fs::path withoutLastDelimiter(fs::path const& path) {
+    return path.has_filename() ? path : path.parent_path();
+}
+
+// The same for all texts that name a path.
 fs::path comparable(std::string const& path) {
-    fs::path const normal = toPath(foldCase(absolutePath(withNativeDelimiters(path))));
-    return normal.has_filename() ? normal : normal.parent_path();
+    return withoutLastDelimiter(toPath(foldCase(absolutePath(withNativeDelimiters(path)))));
 }
 
 bool isInside(std::string const& path, std::string const& directory) {
@@ -29,7 +29,7 @@ bool isInside(std::string const& path, std::string const& directory) {
     return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
 }
 
-// By whatever is there, a link to nowhere too.
+// By anything, a dangling link too.
 bool isTaken(std::string const& path) {
     std::error_code ignored;
     return fs::exists(fs::symlink_status(toPath(path), ignored));
@@ -89,8 +89,7 @@ bool copyFile(std::string const& source, std::string const& target) {
 void replaceByCopy(std::string const& source, std::string const& target) {
     TemporaryFile beside(target);
     copyContent(source, beside.file());
-    beside.file().flush();
-    beside.publish();
+    beside.commit();
 }
 
 bool moveDirectory(std::string const& source, std::string const& target) {
@@ -100,6 +99,12 @@ bool moveDirectory(std::string const& source, std::string const& target) {
     } catch (std::system_error const&) {
         return false;
     }
+}
+
+// On Windows the standard library finds no directory equivalent to one that ends in a delimiter.
+bool isSameDirectory(std::string const& first, std::string const& second) {
+    std::error_code ignored;
+    return fs::equivalent(withoutLastDelimiter(toPath(first)), withoutLastDelimiter(toPath(second)), ignored);
 }
 
 bool overlap(std::string const& first, std::string const& second) {

@@ -1,32 +1,58 @@
 #pragma once
 
+#include "host/platform/File.h"
+
 #include <string>
 
-/// Whole-file operations on narrow path texts. Unless told otherwise they report by their result and never throw.
+/// Files and directories by their names, as narrow texts.
 namespace cubes::platform {
+
+// These return whether they succeeded and never throw.
 
 bool exists(std::string const& path);
 bool isDirectory(std::string const& path);
 bool isRegularFile(std::string const& path);
-/// With all missing levels; an existing directory is no failure.
+/// With all missing levels; true for an existing directory.
 bool createDirectories(std::string const& path);
 /// Removes an empty directory, or one with its content.
 bool removeDirectory(std::string const& path, bool withContent);
+/// Removes a directory with its content; of a link, also where `directory` is one, the link and not its target.
+bool removeTree(std::string const& directory);
 /// Removes a regular file and nothing else.
 bool removeFile(std::string const& path);
+/// Removes a file; objects that read it keep it.
+bool discardFile(std::string const& path) noexcept;
 /// Copies a file or a directory with its content. False also for one into itself.
 bool copy(std::string const& source, std::string const& target, bool overwrite);
-/// Copies a regular file over the target: it is written beside the target and takes its place when
-/// complete. False when that fails, for a directory, and for a file onto itself.
+/// Copies a directory with its content to a new name, or into an existing directory; or a file. Stops at an existing
+/// file unless `overwrite`.
+bool copyTree(std::string const& source, std::string const& target, bool overwrite);
+/// Copies a regular file over the target in one step. False for a directory, and for a file onto itself.
 bool copyFile(std::string const& source, std::string const& target);
-/// The same of two different files; throws what hinders it, std::system_error as a rule.
-void replaceByCopy(std::string const& source, std::string const& target);
 /// Gives a directory another name; false when that is taken or lies on another file system.
 bool moveDirectory(std::string const& source, std::string const& target);
-/// Whether both texts name the same file without asking the file system for links.
+
+// These throw std::system_error with the action, the path and the system's message.
+
+/// Gives a file another name, in place of another file or where none is, in one step; a directory
+/// only where nothing is. False when the name lies on another file system: then nothing is done.
+bool renameFile(std::string const& from, std::string const& to);
+/// Makes what was written to a file, by anyone, survive a power failure.
+void flushFile(std::string const& path);
+/// Makes names given in a directory survive a power failure.
+void flushDirectory(std::string const& directory);
+/// Copies the content of a regular file, off Windows also its permissions, into a new, empty file by
+/// the system's own copy: they share blocks where the file system can do that.
+void copyContent(std::string const& source, File& target);
+/// As copyFile, for two different files. The copy survives a power failure.
+void replaceByCopy(std::string const& source, std::string const& target);
+
+/// Whether both texts name the same file, by the texts alone.
 bool isSamePath(std::string const& first, std::string const& second);
+/// Whether both paths lead to the same existing directory.
+bool isSameDirectory(std::string const& first, std::string const& second);
 /// Whether one path is the other or lies in it, links followed as far as they exist: then neither
-/// can take the other's place.
+/// can replace the other.
 bool overlap(std::string const& first, std::string const& second);
 /// The directory in which a path lies; "." for a name alone.
 std::string directoryOf(std::string const& path);

@@ -18,7 +18,16 @@ std::string toNarrow(std::wstring_view wide);
 /// The first `count` characters; the whole text when it has no more.
 std::string_view firstCharacters(std::string_view narrow, std::size_t count);
 
-/// A UTF-8 text with all its letters made small, those beyond ASCII too.
+/// A UTF-8 text in lower case, letters beyond ASCII included.
 std::string lowerCase(std::string_view utf8);
+
+/// An ASCII letter in lower case, any other byte unchanged, in every locale.
+constexpr char asciiLower(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+inline std::string asciiLower(std::string text) {
+    for (char& byte : text) byte = asciiLower(byte);
+    return text;
+}
 
 }

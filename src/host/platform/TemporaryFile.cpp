@@ -1,8 +1,9 @@
 #include "host/platform/TemporaryFile.h"
 
+#include "host/platform/Files.h"
 #include "host/platform/Paths.h"
 
-#include <atomic>
+#include <random>
 #include <system_error>
 
 namespace cubes::platform {
@@ -13,14 +14,40 @@ constexpr std::string_view suffix = ".cubes-tmp";
 // Leaves room for the rest of the name where a file system takes 255 bytes.
 constexpr std::size_t longestPart = 200;
 
+// Every module of a process that is linked with this code draws its own, and so does a forked process.
+std::string randomDigits() {
+    constexpr char digits[] = "0123456789abcdef";
+    std::random_device random;
+    std::uint64_t number = std::uint64_t{random()} << 32 | random();
+    std::string text(16, '0');
+    for (char& digit : text) {
+        digit = digits[number & 15u];
+        number >>= 4;
+    }
+    return text;
+}
+
+void rename(std::string const& file, std::string const& target) {
+    if (!renameFile(file, target))
+        throw std::system_error(make_error_code(std::errc::cross_device_link), "cannot put in place " + target);
+}
+
 }
 
 std::string temporaryPath(std::string const& target) {
-    static std::atomic<unsigned> counter = 0;
     auto const path = toPath(target);
     std::string const name = fromPath(path.filename()).substr(0, longestPart);
-    std::string const unique = std::to_string(processId()) + "-" + std::to_string(counter++);
-    return fromPath(path.parent_path() / toPath("." + name + "." + unique + std::string(suffix)));
+    return fromPath(path.parent_path() / toPath("." + name + "." + randomDigits() + std::string(suffix)));
+}
+
+bool isTemporaryName(std::string_view name) {
+    return name.starts_with('.') && name.ends_with(suffix);
+}
+
+void commitFile(std::string const& file, std::string const& target) {
+    flushFile(file);
+    rename(file, target);
+    flushDirectory(directoryOf(target));
 }
 
 TemporaryFile::TemporaryFile(std::string const& target)
@@ -34,13 +61,14 @@ TemporaryFile::~TemporaryFile() {
 
 void TemporaryFile::publish() {
     file_.close();
-    if (!renameFile(path(), target_))
-        throw std::system_error(make_error_code(std::errc::cross_device_link), "cannot put in place " + target_);
+    rename(path(), target_);
     published_ = true;
 }
 
-bool isTemporaryName(std::string_view name) {
-    return name.starts_with('.') && name.ends_with(suffix);
+void TemporaryFile::commit() {
+    file_.flush();
+    publish();
+    flushDirectory(directoryOf(target_));
 }
 
 }

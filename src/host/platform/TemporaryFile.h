@@ -7,15 +7,22 @@
 
 namespace cubes::platform {
 
-/// A path of its own beside the target: ".<target>.<process>-<counter>.cubes-tmp".
+/// A new path beside the target: ".<target>.<16 random hexadecimal digits>.cubes-tmp".
 std::string temporaryPath(std::string const& target);
 
-/// A file in the making: it lies beside its target under such a name until it takes the target's
-/// place in one step.
-/// Unpublished it is removed at the end. What a killed process leaves is known by its name.
+/// Whether a file of this name (without directory) is a temporary one: of a running process, or
+/// left by one that was interrupted.
+bool isTemporaryName(std::string_view name);
+
+/// Replaces the target, which need not exist, by a complete and closed file beside it, in one step
+/// that survives a power failure. Throws std::system_error; the target is then the old or the new file.
+void commitFile(std::string const& file, std::string const& target);
+
+/// A new file beside its target that replaces the target in one step when it is complete. Removed
+/// by the destructor otherwise.
 class TemporaryFile {
 public:
-    /// Makes the empty file. Throws std::system_error when that can't be done there.
+    /// Creates the empty file. Throws std::system_error.
     explicit TemporaryFile(std::string const& target);
     TemporaryFile(TemporaryFile const&) = delete;
     TemporaryFile& operator=(TemporaryFile const&) = delete;
@@ -24,17 +31,16 @@ public:
     File& file() noexcept { return file_; }
     std::string const& path() const noexcept { return file_.path(); }
     std::string const& target() const noexcept { return target_; }
-    /// Closes the file and puts it in place of the target. When that throws the target is as before.
+    /// Closes the file and renames it to the target. When that throws the target is unchanged.
     void publish();
+    /// The same, safe against a power failure: flushes the file before and the directory afterwards.
+    /// Throws std::system_error; the target is then the old or the new file.
+    void commit();
 
 private:
     std::string target_;
     File file_;
     bool published_ = false;
 };
-
-/// Whether a file of this name (without directory) is what an interrupted process left behind, or
-/// one in the making.
-bool isTemporaryName(std::string_view name);
 
 }

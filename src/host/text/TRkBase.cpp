@@ -1,6 +1,6 @@
 #include <cubes/text/TRkBase.h>
 
-#include "host/platform/ClassNames.h"
+#include "host/platform/CallStack.h"
 
 #include <typeinfo>
 

@@ -1,7 +1,7 @@
 #include "host/matrix/Samples.h"
 
 #include "host/matrix/WriteLock.h"
-#include "host/platform/ByteLock.h"
+#include "host/platform/File.h"
 #include "host/platform/NarrowText.h"
 #include "support/Errand.h"
 

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <random>
+#include <system_error>
 
 namespace fs = std::filesystem;
 namespace platform = cubes::platform;
@@ -16,8 +18,48 @@ using cubes::test::otherFileSystem;
 using cubes::test::readFile;
 using cubes::test::TempDir;
 using cubes::test::writeFile;
+using platform::copyContent;
+using platform::File;
+using platform::flushFile;
+using platform::renameFile;
 
-TEST(Files, tellFilesFromDirectories) {
+namespace {
+
+std::string noise(std::size_t size) {
+    std::mt19937 random(7);
+    std::string bytes(size, '\0');
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    return bytes;
+}
+
+/// Copies within one directory, or from one to another.
+void expectCopies(TempDir const& from, TempDir const& to) {
+    for (std::size_t const size : {0u, 1u, 4095u, (1u << 20) + 1, (5u << 20) + 3}) {
+        std::string const bytes = noise(size);
+        writeFile(from.file("source"), bytes);
+        File target = File::createNew(to.file("target"));
+        copyContent(from.file("source"), target);
+        target.flush();
+        EXPECT_EQ(target.size(), size);
+        target.close();
+        EXPECT_TRUE(readFile(to.file("target")) == bytes) << size;
+        EXPECT_TRUE(readFile(from.file("source")) == bytes) << size;
+        fs::remove(to.file("target"));
+    }
+}
+
+std::error_code failureOf(auto const& work) {
+    try {
+        work();
+    } catch (std::system_error const& error) {
+        return error.code();
+    }
+    return {};
+}
+
+}
+
+TEST(Files, areDistinguishedFromDirectories) {
     TempDir const directory;
     writeFile(directory.file("a"), "");
     EXPECT_TRUE(platform::isRegularFile(directory.file("a")));
@@ -29,7 +71,7 @@ TEST(Files, tellFilesFromDirectories) {
     EXPECT_FALSE(platform::isDirectory(""));
 }
 
-TEST(Files, removeALinkAndNotWhatItLeadsTo) {
+TEST(Files, removeALinkAndNotItsTarget) {
     TempDir const directory;
     platform::createDirectories(directory.file("kept"));
     writeFile(directory.file("kept/a"), "A");
@@ -40,7 +82,7 @@ TEST(Files, removeALinkAndNotWhatItLeadsTo) {
     EXPECT_EQ("kept\nkept/a\n", listing(directory.str()));
 }
 
-TEST(Files, copyAFileWholeOrNotAtAll) {
+TEST(Files, areCopiedWholeOrNotAtAll) {
     TempDir const directory;
     writeFile(directory.file("a"), "new");
     writeFile(directory.file("b"), "old");
@@ -54,7 +96,7 @@ TEST(Files, copyAFileWholeOrNotAtAll) {
     EXPECT_EQ("a\nb\nd\n", listing(directory.str()));
 }
 
-TEST(Files, giveADirectoryAnotherName) {
+TEST(Files, moveADirectory) {
     TempDir const directory;
     fs::create_directory(directory.file("a"));
     writeFile(directory.file("a/inner"), "content");
@@ -63,7 +105,7 @@ TEST(Files, giveADirectoryAnotherName) {
     EXPECT_EQ("content", readFile(directory.file("b/inner")));
 }
 
-TEST(Files, giveADirectoryNoNameThatIsTakenOrCannotBe) {
+TEST(Files, refuseToMoveADirectoryToATakenOrImpossibleName) {
     TempDir const directory;
     for (char const* name : {"a", "empty"}) fs::create_directory(directory.file(name));
     writeFile(directory.file("file"), "file");
@@ -80,7 +122,7 @@ TEST(Files, giveADirectoryNoNameThatIsTakenOrCannotBe) {
     EXPECT_FALSE(fs::exists(directory.file("b")));
 }
 
-TEST(Files, leaveADirectoryOnItsFileSystem) {
+TEST(Files, areNotMovedToAnotherFileSystemAsADirectory) {
     TempDir const directory;
     std::string const other = otherFileSystem(directory.str());
     if (other.empty()) GTEST_SKIP() << "SKIPPED: no second file system here";
@@ -90,14 +132,111 @@ TEST(Files, leaveADirectoryOnItsFileSystem) {
     EXPECT_EQ("a\n", listing(directory.str()) + listing(there.str()));
 }
 
-TEST(Files, lieInADirectory) {
+TEST(Files, haveADirectory) {
     EXPECT_EQ("/data", platform::directoryOf("/data/a"));
     EXPECT_EQ("data", platform::directoryOf("data/a"));
     EXPECT_EQ(".", platform::directoryOf("a"));
 }
 
-TEST(Files, makePathsAbsoluteWithoutAskingForThem) {
+TEST(Files, needNotExistForAnAbsolutePath) {
     TempDir const directory;
     EXPECT_EQ(directory.file("b"), platform::absolutePath(directory.file("./a/../b")));
     EXPECT_EQ((fs::current_path() / "a").string(), platform::absolutePath("a"));
+}
+
+TEST(Files, areTheSameDirectoryByAnyNameOfIt) {
+    TempDir const directory;
+    fs::create_directory(directory.file("a"));
+    fs::create_directory(directory.file("b"));
+    EXPECT_TRUE(platform::isSameDirectory(directory.file("a"), directory.file("b/../a/")));
+    EXPECT_FALSE(platform::isSameDirectory(directory.file("a"), directory.file("b")));
+    EXPECT_FALSE(platform::isSameDirectory(directory.file("a"), directory.file("none")));
+    EXPECT_FALSE(platform::isSameDirectory("", ""));
+}
+
+TEST(Files, areRenamedOverFilesAndNotOverDirectories) {
+    TempDir const directory;
+    writeFile(directory.file("a"), "new");
+    writeFile(directory.file("b"), "old");
+    EXPECT_TRUE(renameFile(directory.file("a"), directory.file("b")));
+    EXPECT_EQ(readFile(directory.file("b")), "new");
+    std::filesystem::create_directory(directory.file("c"));
+    EXPECT_TRUE(failureOf([&] { renameFile(directory.file("b"), directory.file("c")); }));
+    EXPECT_EQ(failureOf([&] { renameFile(directory.file("none"), directory.file("d")); }),
+        std::errc::no_such_file_or_directory);
+    EXPECT_EQ(listing(directory.str()), "b\nc\n");
+}
+
+TEST(Files, areNotRenamedToAnotherFileSystem) {
+    TempDir const directory;
+    std::string const other = otherFileSystem(directory.str());
+    if (other.empty()) GTEST_SKIP() << "SKIPPED: no second file system here";
+    TempDir const there(other);
+    writeFile(directory.file("a"), "a");
+    writeFile(there.file("a"), "old");
+    EXPECT_FALSE(renameFile(directory.file("a"), there.file("a")));
+    EXPECT_FALSE(renameFile(directory.file("a"), there.file("b")));
+    EXPECT_EQ(readFile(directory.file("a")) + readFile(there.file("a")), "aold");
+    EXPECT_EQ(listing(directory.str()) + listing(there.str()), "a\na\n");
+}
+
+TEST(Files, areFlushedByNameWhenTheyExist) {
+    TempDir const directory;
+    writeFile(directory.file("a"), "a");
+    EXPECT_NO_THROW(flushFile(directory.file("a")));
+    EXPECT_EQ(failureOf([&] { flushFile(directory.file("b")); }), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(listing(directory.str()), "a\n");
+}
+
+TEST(CopyContent, copiesFilesOfAnySize) {
+    TempDir const directory;
+    expectCopies(directory, directory);
+}
+
+TEST(CopyContent, refusesADirectoryAndAMissingFile) {
+    TempDir const directory;
+    File target = File::createNew(directory.file("target"));
+    EXPECT_THROW(copyContent(directory.file("missing"), target), std::system_error);
+    EXPECT_THROW(copyContent(directory.str(), target), std::system_error);
+}
+
+TEST(CopyContent, namesTheMissingSource) {
+    TempDir const directory;
+    File target = File::createNew(directory.file("target"));
+    try {
+        copyContent(directory.file("none"), target);
+        ADD_FAILURE() << "copied";
+    } catch (std::system_error const& error) {
+        EXPECT_TRUE(std::string(error.what()).starts_with("cannot open " + directory.file("none"))) << error.what();
+    }
+}
+
+TEST(CopyContent, sharesNothingThatIsChangedLater) {
+    TempDir const directory;
+    writeFile(directory.file("source"), "old content");
+    File target = File::createNew(directory.file("target"));
+    copyContent(directory.file("source"), target);
+    target.close();
+    writeFile(directory.file("source"), "new");
+    EXPECT_EQ(readFile(directory.file("target")), "old content");
+}
+
+TEST(CopyContent, copiesToAnotherFileSystem) {
+    TempDir const directory;
+    std::string const elsewhere = otherFileSystem(directory.str());
+    if (elsewhere.empty()) GTEST_SKIP() << "SKIPPED: no second file system here";
+    TempDir const other(elsewhere);
+    expectCopies(directory, other);
+    expectCopies(other, directory);
+}
+
+TEST(CopyContent, keepsThePermissions) {
+    TempDir const directory;
+    writeFile(directory.file("source"), "private");
+    fs::permissions(directory.file("source"), fs::perms::owner_read);
+    if (fs::status(directory.file("source")).permissions() != fs::perms::owner_read)
+        GTEST_SKIP() << "SKIPPED: files are for all or for none to read here";
+    File target = File::createNew(directory.file("target"));
+    copyContent(directory.file("source"), target);
+    EXPECT_EQ(fs::status(directory.file("target")).permissions(), fs::perms::owner_read);
 }

@@ -1,8 +1,6 @@
-#include "host/platform/ByteLock.h"
 #include "host/platform/File.h"
-#include "host/platform/FileView.h"
 #include "host/platform/Files.h"
-#include "host/platform/SystemErrors.h"
+#include "host/platform/System.h"
 #include "host/platform/TemporaryFile.h"
 #include "support/Errand.h"
 #include "support/TempDir.h"
@@ -93,6 +91,18 @@ TEST(WindowsErrors, areToldByTheirNumberAcrossOtherCalls) {
     SetLastError(ERROR_DISK_FULL);
     EXPECT_EQ(platform::lastError(), 112u);
     EXPECT_EQ(TRkCubesException("Copy", 0xFFFFFFFF).what(), "Copy " + *platform::errorText(112));
+}
+
+// The C library's copy, which getenv reads, does not change with the system's.
+TEST(WindowsEnvironment, isTheSystemsAtEachCall) {
+    constexpr char const* name = "CUBES_TEST_SYSTEM_ENVIRONMENT";
+    EXPECT_FALSE(platform::environment(name));
+    for (std::string const& value : {std::string("true"), std::string(5000, 'x')}) {
+        ASSERT_TRUE(SetEnvironmentVariableA(name, value.c_str()));
+        EXPECT_EQ(platform::environment(name), value);
+    }
+    ASSERT_TRUE(SetEnvironmentVariableA(name, nullptr));
+    EXPECT_FALSE(platform::environment(name));
 }
 
 TEST(WindowsFile, thatIsInUseIsRefusedWithItsNameAndTheReason) {

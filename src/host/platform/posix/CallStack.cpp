@@ -1,7 +1,5 @@
 #include "host/platform/CallStack.h"
 
-#include "host/platform/Demangled.h"
-
 #include <algorithm>
 #include <array>
 #include <dlfcn.h>
@@ -15,7 +13,7 @@ namespace {
 StackFrame frameAt(void* address) {
     StackFrame frame;
     frame.address = reinterpret_cast<std::uintptr_t>(address);
-    // A call may be the last instruction of its function; one back we are inside it for certain.
+    // A call may be the last instruction of its function; one byte before is certainly inside it.
     Dl_info info{};
     if (::dladdr(static_cast<char*>(address) - 1, &info) == 0) return frame;
     if (info.dli_fname) frame.module = info.dli_fname;

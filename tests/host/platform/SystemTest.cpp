@@ -1,12 +1,14 @@
-#include "host/platform/SystemErrors.h"
+#include "host/platform/System.h"
 
 #include "support/SystemWords.h"
 #include "support/TempDir.h"
+#include "support/Variable.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 
+using cubes::platform::environment;
 using cubes::platform::errorText;
 using cubes::platform::lastError;
 using cubes::platform::LastErrorKept;
@@ -18,12 +20,12 @@ TEST(SystemErrors, haveTheSystemsOwnText) {
     EXPECT_TRUE(text->starts_with(cubes::test::noSuchFile())) << *text;
 }
 
-TEST(SystemErrors, haveNoTextForNumbersThatTheSystemDoesNotKnow) {
+TEST(SystemErrors, haveNoTextForUnknownNumbers) {
     EXPECT_FALSE(errorText(0x1FFFFFFF));
     EXPECT_FALSE(errorText(0xFFFFFFFE));
 }
 
-TEST(SystemErrors, tellWhatFailedLast) {
+TEST(SystemErrors, nameTheLastFailure) {
     cubes::test::TempDir const directory;
     std::FILE* const missing = std::fopen(directory.file("none").c_str(), "rb");
     std::uint32_t const error = lastError();
@@ -31,11 +33,29 @@ TEST(SystemErrors, tellWhatFailedLast) {
     EXPECT_EQ(2U, error);
 }
 
-TEST(SystemErrors, stayAsTheyWereWhileTheyAreKept) {
+TEST(SystemErrors, areRestoredAfterwards) {
     setLastError(13);
     {
         LastErrorKept const kept;
         setLastError(2);
     }
+    EXPECT_EQ(13U, lastError());
+}
+
+TEST(Environment, isReadAtEachCall) {
+    constexpr char const* name = "CUBES_TEST_ENVIRONMENT";
+    cubes::test::Variable variable(name, "first");
+    EXPECT_EQ(environment(name), "first");
+    variable.set("second, and longer");
+    EXPECT_EQ(environment(name), "second, and longer");
+    variable.set("");
+    EXPECT_FALSE(environment(name));
+    variable.set(std::nullopt);
+    EXPECT_FALSE(environment(name));
+}
+
+TEST(Environment, leavesTheLastErrorUnchanged) {
+    setLastError(13);
+    EXPECT_FALSE(environment("CUBES_TEST_UNSET"));
     EXPECT_EQ(13U, lastError());
 }

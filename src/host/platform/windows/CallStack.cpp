@@ -1,8 +1,6 @@
 #include "host/platform/CallStack.h"
 
-#include "host/platform/Demangled.h"
-#include "host/platform/ModuleFile_windows.h"
-#include "host/platform/NarrowText.h"
+#include "host/platform/SharedLibrary.h"
 
 #include <windows.h>
 
@@ -49,10 +47,10 @@ std::optional<unsigned long> lineAt(HANDLE process, DWORD64 place) {
 }
 
 StackFrame frameAt(HANDLE process, void* address) {
-    // A call may be the last instruction of its function; one back we are inside it for certain.
+    // A call may be the last instruction of its function; one byte before is certainly inside it.
     char* const call = static_cast<char*>(address) - 1;
     auto const place = static_cast<DWORD64>(reinterpret_cast<std::uintptr_t>(call));
-    return {reinterpret_cast<std::uintptr_t>(address), toNarrow(moduleFile(call)), functionAt(process, place),
+    return {reinterpret_cast<std::uintptr_t>(address), moduleFile(call), functionAt(process, place),
         lineAt(process, place)};
 }
 

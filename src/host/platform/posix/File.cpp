@@ -1,10 +1,10 @@
 #include "host/platform/File.h"
 
-#include "host/platform/SystemFailure.h"
+#include "host/platform/System.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -12,6 +12,14 @@
 namespace cubes::platform {
 
 namespace {
+
+// Locks of the open file rather than of the process: two objects of one process exclude each
+// other, and closing another descriptor of the file releases nothing.
+#ifdef F_OFD_SETLK
+constexpr int setLock = F_OFD_SETLK;
+#else
+constexpr int setLock = F_SETLK;
+#endif
 
 int descriptor(std::intptr_t native) {
     return static_cast<int>(native);
@@ -26,7 +34,7 @@ struct stat statusOf(std::intptr_t native, std::string const& path) {
 }
 
 File File::openForReading(std::string const& path) {
-    // Not blocking: a named pipe must not hold us up.
+    // Opening a named pipe must not block.
     int const opened = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (opened < 0) throwSystemFailure("cannot open", path);
     File file(opened, path);
@@ -46,19 +54,6 @@ File File::openShared(std::string const& path) {
     int const opened = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
     if (opened < 0) throwSystemFailure("cannot open", path);
     return File(opened, path);
-}
-
-File::File(File&& other) noexcept : native_(std::exchange(other.native_, none)), path_(std::move(other.path_)) {}
-
-File& File::operator=(File&& other) noexcept {
-    close();
-    native_ = std::exchange(other.native_, none);
-    path_ = std::move(other.path_);
-    return *this;
-}
-
-File::~File() {
-    close();
 }
 
 std::uint64_t File::size() const {
@@ -101,31 +96,32 @@ void File::close() noexcept {
     if (native_ != none) ::close(descriptor(std::exchange(native_, none)));
 }
 
-bool renameFile(std::string const& from, std::string const& to) {
-    if (::rename(from.c_str(), to.c_str()) == 0) return true;
-    if (errno == EXDEV) return false;
-    throwSystemFailure("cannot put in place", to);
+FileView FileView::open(std::string const& path) {
+    File const file = File::openForReading(path);
+    auto const size = static_cast<std::size_t>(file.size());
+    if (size == 0) return FileView({});
+    // Private pages are made only for what is written, so none are set aside beforehand.
+    void* const start =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE, descriptor(file.native()), 0);
+    if (start == MAP_FAILED) throwSystemFailure("cannot map", path);
+    return FileView({static_cast<std::byte*>(start), size});
 }
 
-void flushFile(std::string const& path) {
-    File::openForReading(path).flush();
+void FileView::unmap() noexcept {
+    if (!bytes_.empty()) ::munmap(bytes_.data(), bytes_.size());
+    bytes_ = {};
 }
 
-void flushDirectory(std::string const& directory) {
-    int const opened = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (opened < 0) throwSystemFailure("cannot open", directory);
-    int const failure = ::fsync(opened) == 0 ? 0 : errno;
-    ::close(opened);
-    // Some file systems have no flush for directories and say EINVAL.
-    if (failure != 0 && failure != EINVAL) throwSystemFailure("cannot flush", directory, failure);
-}
-
-bool discardFile(std::string const& path) noexcept {
-    return ::unlink(path.c_str()) == 0;
-}
-
-std::uint64_t processId() {
-    return static_cast<std::uint64_t>(::getpid());
+std::optional<ByteLock> ByteLock::tryTake(std::string const& path, std::uint64_t position) {
+    File file = File::openShared(path);
+    struct flock request {};
+    request.l_type = F_WRLCK;
+    request.l_whence = SEEK_SET;
+    request.l_start = static_cast<off_t>(position);
+    request.l_len = 1;
+    if (::fcntl(descriptor(file.native()), setLock, &request) == 0) return ByteLock(std::move(file));
+    if (errno == EAGAIN || errno == EACCES) return std::nullopt;
+    throwSystemFailure("cannot lock", path);
 }
 
 }

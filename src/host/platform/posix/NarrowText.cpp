@@ -52,10 +52,6 @@ void append(std::string& text, char32_t code) {
     byte(0x80u | (code & 0x3Fu));
 }
 
-char smallAscii(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 }
 
 std::string narrowEncoding() {
@@ -88,7 +84,7 @@ std::string lowerCase(std::string_view utf8) {
     while (!utf8.empty()) {
         std::string_view const sequence = utf8.substr(0, sequenceLength(utf8));
         if (sequence.size() == 1)
-            result += smallAscii(sequence[0]);
+            result += asciiLower(sequence[0]);
         else if (letters() && isWellFormed(sequence))
             append(result, static_cast<char32_t>(towlower_l(static_cast<wint_t>(decoded(sequence)), letters())));
         else

@@ -8,11 +8,14 @@ char searchPathDelimiter() {
     return ':';
 }
 
-std::string ownDirectory() {
+std::string moduleFile(void const* address) {
     Dl_info code{};
-    if (!::dladdr(reinterpret_cast<void const*>(&ownDirectory), &code) || !code.dli_fname) return {};
-    std::string const file = code.dli_fname;
-    // A program that was started by its bare name does not tell where it lies.
+    return ::dladdr(address, &code) && code.dli_fname ? code.dli_fname : "";
+}
+
+std::string ownDirectory() {
+    // Empty for a program that was started by its bare name.
+    std::string const file = moduleFile(reinterpret_cast<void const*>(&ownDirectory));
     return file.substr(0, file.rfind('/') + 1);
 }
 

@@ -11,13 +11,13 @@ struct Case {
     char const* result;
 };
 
-TEST(NarrowText, isMadeSmallInAllLanguages) {
+TEST(NarrowText, isConvertedToLowerCaseInAllLanguages) {
     Case const cases[] = {{"", ""}, {"AbC-1_z@[", "abc-1_z@["}, {"ÄÖÜß", "äöüß"}, {"ŁÓDŹ", "łódź"},
         {"МОСКВА", "москва"}, {"ΑΘΉΝΑ", "αθήνα"}, {"ⅣⓏ", "ⅳⓩ"}, {"𐐀", "𐐨"}, {"日本", "日本"}};
     for (auto const& one : cases) EXPECT_EQ(lowerCase(one.text), one.result) << one.text;
 }
 
-TEST(NarrowText, keepsBytesThatAreNoText) {
+TEST(NarrowText, keepsInvalidBytes) {
     for (char const* const bytes : {"\xff", "a\x80z", "\xc3", "\xc3z", "\xe2\x82", "\xf8\x88\x80\x80\x80", "\x80\x80"})
         EXPECT_EQ(lowerCase(bytes), bytes);
     EXPECT_EQ(lowerCase("\xffÄ\xff"), "\xffä\xff");
@@ -48,6 +48,12 @@ TEST(NarrowText, isMadeOfWideText) {
     EXPECT_EQ(toNarrow(L"usageCounter"), "usageCounter");
     EXPECT_EQ(toNarrow(L"ä€"), fromUtf8("ä€"));
     EXPECT_EQ(toNarrow(L""), "");
+}
+
+TEST(NarrowText, isConvertedToAsciiLowerCaseByteByByte) {
+    EXPECT_EQ(asciiLower(std::string("AbYZ@[`{19Ä\xff")), "abyz@[`{19Ä\xff");
+    EXPECT_EQ(asciiLower('Q'), 'q');
+    static_assert(asciiLower('Z') == 'z');
 }
 
 }

@@ -1,25 +1,19 @@
-#include "host/platform/ByteLock.h"
 #include "host/platform/File.h"
-#include "host/platform/FileView.h"
-#include "host/platform/Parallel.h"
-#include "host/platform/TemporaryFile.h"
+
+#include "host/platform/Files.h"
 #include "support/SystemWords.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <stdexcept>
 #include <string>
 #include <system_error>
-#include <vector>
 
 using namespace cubes::platform;
 using cubes::test::filesIn;
 using cubes::test::isADirectory;
 using cubes::test::listing;
 using cubes::test::noSuchFile;
-using cubes::test::otherFileSystem;
 using cubes::test::pastTheEnd;
 using cubes::test::readFile;
 using cubes::test::TempDir;
@@ -58,7 +52,7 @@ TEST(File, readsAndWritesAtAnyPlace) {
     EXPECT_EQ(failureOf([&] { file.readAt(1, std::as_writable_bytes(std::span(got))); }).message(), pastTheEnd());
 }
 
-TEST(File, saysWhatCouldNotBeOpened) {
+TEST(File, namesTheFileThatCannotBeOpenedAndTheReason) {
     TempDir const directory;
     writeFile(directory.file("a"), "");
     EXPECT_EQ(failureOf([&] { File::createNew(directory.file("a")); }), std::errc::file_exists);
@@ -106,70 +100,6 @@ TEST(FileView, keepsTheStateOfARemovedFile) {
     EXPECT_EQ(listing(directory.str()), "b\n");
 }
 
-TEST(File, takesAnotherNameInPlaceOfAFileButOfNoDirectory) {
-    TempDir const directory;
-    writeFile(directory.file("a"), "new");
-    writeFile(directory.file("b"), "old");
-    EXPECT_TRUE(renameFile(directory.file("a"), directory.file("b")));
-    EXPECT_EQ(readFile(directory.file("b")), "new");
-    std::filesystem::create_directory(directory.file("c"));
-    EXPECT_TRUE(failureOf([&] { renameFile(directory.file("b"), directory.file("c")); }));
-    EXPECT_EQ(failureOf([&] { renameFile(directory.file("none"), directory.file("d")); }),
-        std::errc::no_such_file_or_directory);
-    EXPECT_EQ(listing(directory.str()), "b\nc\n");
-}
-
-TEST(File, takesNoNameOnAnotherFileSystem) {
-    TempDir const directory;
-    std::string const other = otherFileSystem(directory.str());
-    if (other.empty()) GTEST_SKIP() << "SKIPPED: no second file system here";
-    TempDir const there(other);
-    writeFile(directory.file("a"), "a");
-    writeFile(there.file("a"), "old");
-    EXPECT_FALSE(renameFile(directory.file("a"), there.file("a")));
-    EXPECT_FALSE(renameFile(directory.file("a"), there.file("b")));
-    EXPECT_EQ(readFile(directory.file("a")) + readFile(there.file("a")), "aold");
-    EXPECT_EQ(listing(directory.str()) + listing(there.str()), "a\na\n");
-}
-
-TEST(File, isFlushedByItsNameWhenItIsThere) {
-    TempDir const directory;
-    writeFile(directory.file("a"), "a");
-    EXPECT_NO_THROW(flushFile(directory.file("a")));
-    EXPECT_EQ(failureOf([&] { flushFile(directory.file("b")); }), std::errc::no_such_file_or_directory);
-    EXPECT_EQ(listing(directory.str()), "a\n");
-}
-
-TEST(TemporaryFile, takesTheTargetsPlaceOrLeavesNothing) {
-    TempDir const directory;
-    writeFile(directory.file("a"), "old");
-    {
-        TemporaryFile unpublished(directory.file("a"));
-        unpublished.file().writeAt(0, bytesOf("half"));
-        EXPECT_TRUE(isTemporaryName(std::filesystem::path(unpublished.path()).filename().string()));
-    }
-    EXPECT_EQ(readFile(directory.file("a")), "old");
-    TemporaryFile published(directory.file("a"));
-    published.file().writeAt(0, bytesOf("new"));
-    published.publish();
-    EXPECT_EQ(readFile(directory.file("a")), "new");
-    EXPECT_EQ(listing(directory.str()), "a\n");
-}
-
-TEST(TemporaryFile, leavesRoomInItsNameForLongOnes) {
-    TempDir const directory;
-    std::string const longest(255, 'n');
-    TemporaryFile file(directory.file(longest));
-    file.publish();
-    EXPECT_EQ(listing(directory.str()), longest + "\n");
-}
-
-TEST(TemporaryFile, isKnownByItsName) {
-    for (char const* name : {".a.skm.12-0.cubes-tmp", ".cubes-tmp"}) EXPECT_TRUE(isTemporaryName(name)) << name;
-    for (char const* name : {"a.skm", "a.cubes-tmp", ".cubes-lock", ".a.cubes-tmp.skm", ""})
-        EXPECT_FALSE(isTemporaryName(name)) << name;
-}
-
 TEST(ByteLock, excludesOthersFromItsByteAlone) {
     TempDir const directory;
     std::string const file = directory.file("lock");
@@ -182,15 +112,4 @@ TEST(ByteLock, excludesOthersFromItsByteAlone) {
     EXPECT_TRUE(ByteLock::tryTake(file, farthest));
     EXPECT_EQ(
         failureOf([&] { ByteLock::tryTake(directory.file("none/lock"), 1); }), std::errc::no_such_file_or_directory);
-}
-
-TEST(Parallel, doesEverythingOnceAndPassesTheFirstFailureOn) {
-    std::vector<std::atomic<int>> done(1000);
-    inParallel(done.size(), [&] { return [&](std::size_t i) { ++done[i]; }; });
-    for (auto const& times : done) EXPECT_EQ(times, 1);
-    inParallel(0, [] { return [](std::size_t) { FAIL(); }; });
-    auto const failAtSeven = [](std::size_t i) {
-        if (i == 7) throw std::runtime_error("seven");
-    };
-    EXPECT_THROW(inParallel(50, [&] { return failAtSeven; }), std::runtime_error);
 }

@@ -1,10 +1,11 @@
-#include "host/platform/ClassNames.h"
+#include "host/platform/CallStack.h"
 
-#include "host/platform/Demangled.h"
+#include <cxxabi.h>
 
+#include <cstdlib>
 #include <map>
+#include <memory>
 #include <mutex>
-#include <string>
 #include <typeindex>
 
 namespace cubes::platform {
@@ -16,6 +17,13 @@ char const* className(std::type_info const& type) {
     auto const known = names.find(type);
     if (known != names.end()) return known->second.c_str();
     return names.emplace(type, demangled(type.name())).first->second.c_str();
+}
+
+std::string demangled(char const* name) {
+    int status = 0;
+    std::unique_ptr<char, decltype(&std::free)> const text(
+        abi::__cxa_demangle(name, nullptr, nullptr, &status), &std::free);
+    return status == 0 ? text.get() : name;
 }
 
 }

@@ -1,0 +1,118 @@
+#include "host/platform/Files.h"
+
+#include "host/platform/Paths.h"
+#include "host/platform/System.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#ifdef __linux__
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#endif
+
+namespace cubes::platform {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::uint64_t pieceSize = std::uint64_t{1} << 20;
+
+int descriptorOf(File const& file) {
+    return static_cast<int>(file.native());
+}
+
+// The copy is readable by the same users. A file system without permissions has none to keep.
+void keepRights(File const& source, File const& target) {
+    struct stat status {};
+    if (::fstat(descriptorOf(source), &status) == 0) ::fchmod(descriptorOf(target), status.st_mode);
+}
+
+#ifdef __linux__
+
+bool clone(File const& source, File const& target) {
+    return ::ioctl(descriptorOf(target), FICLONE, descriptorOf(source)) == 0;
+}
+
+// Returns how many bytes the kernel has copied by itself; not all file systems can.
+std::uint64_t copyInKernel(File const& source, File const& target, std::uint64_t size) {
+    off_t from = 0;
+    off_t to = 0;
+    while (static_cast<std::uint64_t>(from) < size) {
+        auto const rest = static_cast<std::size_t>(size - static_cast<std::uint64_t>(from));
+        if (::copy_file_range(descriptorOf(source), &from, descriptorOf(target), &to, rest, 0) <= 0) break;
+    }
+    return static_cast<std::uint64_t>(from);
+}
+
+#else
+
+bool clone(File const&, File const&) {
+    return false;
+}
+
+std::uint64_t copyInKernel(File const&, File const&, std::uint64_t) {
+    return 0;
+}
+
+#endif
+
+}
+
+bool renameFile(std::string const& from, std::string const& to) {
+    if (::rename(from.c_str(), to.c_str()) == 0) return true;
+    if (errno == EXDEV) return false;
+    throwSystemFailure("cannot put in place", to);
+}
+
+void flushFile(std::string const& path) {
+    File::openForReading(path).flush();
+}
+
+void flushDirectory(std::string const& directory) {
+    int const opened = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (opened < 0) throwSystemFailure("cannot open", directory);
+    int const failure = ::fsync(opened) == 0 ? 0 : errno;
+    ::close(opened);
+    // Some file systems have no flush for directories and say EINVAL.
+    if (failure != 0 && failure != EINVAL) throwSystemFailure("cannot flush", directory, failure);
+}
+
+bool discardFile(std::string const& path) noexcept {
+    return ::unlink(path.c_str()) == 0;
+}
+
+void copyContent(std::string const& source, File& target) {
+    File const original = File::openForReading(source);
+    keepRights(original, target);
+    if (clone(original, target)) return;
+    auto const size = original.size();
+    std::vector<std::byte> buffer;
+    for (auto done = copyInKernel(original, target, size); done < size; done += buffer.size()) {
+        buffer.resize(static_cast<std::size_t>(std::min(size - done, pieceSize)));
+        original.readAt(done, buffer);
+        target.writeAt(done, buffer);
+    }
+}
+
+bool removeTree(std::string const& directory) {
+    std::error_code error;
+    fs::remove_all(toPath(directory), error);
+    return !error;
+}
+
+bool copyTree(std::string const& source, std::string const& target, bool overwrite) {
+    auto const existing = overwrite ? fs::copy_options::overwrite_existing : fs::copy_options::none;
+    std::error_code error;
+    fs::copy(toPath(source), toPath(target), existing | fs::copy_options::recursive, error);
+    return !error;
+}
+
+}

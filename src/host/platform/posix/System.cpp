@@ -1,0 +1,78 @@
+#include "host/platform/System.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <limits>
+#include <unistd.h>
+
+namespace cubes::platform {
+
+std::uint32_t lastError() {
+    return static_cast<std::uint32_t>(errno);
+}
+
+void setLastError(std::uint32_t code) {
+    errno = static_cast<int>(code);
+}
+
+std::optional<std::string> errorText(std::uint32_t code) {
+    if (code > static_cast<std::uint32_t>(std::numeric_limits<int>::max())) return std::nullopt;
+    // strerrordesc_np knows which numbers have a text; strerror makes one up for the others.
+    char const* const text = strerrordesc_np(static_cast<int>(code));
+    return text ? std::optional<std::string>(text) : std::nullopt;
+}
+
+std::optional<std::string> environment(char const* name) {
+    char const* const value = std::getenv(name);
+    return value && *value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+std::string temporaryDirectory() {
+    constexpr std::size_t longest = 259;
+    std::string directory = environment("TMPDIR").value_or("/tmp");
+    if (!directory.ends_with('/')) directory += '/';
+    return directory.size() > longest ? "/tmp/" : directory;
+}
+
+std::tm localTime() {
+    std::time_t const now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    return local;
+}
+
+std::uint64_t processId() {
+    return static_cast<std::uint64_t>(::getpid());
+}
+
+// They do so by themselves.
+void prepareStreams() {}
+
+bool messagesAreWatched() {
+    return ::isatty(STDERR_FILENO) == 1;
+}
+
+bool readerWentAway() {
+    return errno == EPIPE;
+}
+
+// Linux names the process that traces this one, 0 for none. Elsewhere no debugger is ever seen.
+bool isDebuggerAttached() {
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word)
+        if (word == "TracerPid:") return status >> word && word != "0";
+    return false;
+}
+
+void breakIntoDebugger() {
+    std::raise(SIGTRAP);
+}
+
+void writeToDebugger(char const*) {}
+void writeToDebugger(wchar_t const*) {}
+
+}

@@ -1,0 +1,128 @@
+#include "host/platform/File.h"
+
+#include "host/platform/Paths.h"
+#include "host/platform/System.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace cubes::platform {
+
+namespace {
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr std::size_t largestTransfer = std::size_t{1} << 30;
+
+HANDLE handle(std::intptr_t native) {
+    return reinterpret_cast<HANDLE>(native);
+}
+
+// Names like "NUL" and "COM1" are those of devices in every directory.
+std::intptr_t openFile(std::string const& path, DWORD access, DWORD disposition) {
+    HANDLE const opened =
+        ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (opened == INVALID_HANDLE_VALUE || ::GetFileType(opened) == FILE_TYPE_DISK)
+        return reinterpret_cast<std::intptr_t>(opened);
+    ::CloseHandle(opened);
+    ::SetLastError(ERROR_INVALID_NAME);
+    return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
+}
+
+OVERLAPPED at(std::uint64_t offset) {
+    OVERLAPPED position{};
+    position.Offset = static_cast<DWORD>(offset);
+    position.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    return position;
+}
+
+}
+
+File File::openForReading(std::string const& path) {
+    std::intptr_t const opened = openFile(path, GENERIC_READ, OPEN_EXISTING);
+    if (opened == none) throwSystemFailure("cannot open", path);
+    return File(opened, path);
+}
+
+File File::createNew(std::string const& path) {
+    std::intptr_t const opened = openFile(path, GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
+    if (opened == none) throwSystemFailure("cannot create", path);
+    return File(opened, path);
+}
+
+File File::openShared(std::string const& path) {
+    std::intptr_t const opened = openFile(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+    if (opened == none) throwSystemFailure("cannot open", path);
+    return File(opened, path);
+}
+
+std::uint64_t File::size() const {
+    LARGE_INTEGER size;
+    if (!::GetFileSizeEx(handle(native_), &size)) throwSystemFailure("cannot examine", path_);
+    return static_cast<std::uint64_t>(size.QuadPart);
+}
+
+void File::readAt(std::uint64_t offset, std::span<std::byte> bytes) const {
+    while (!bytes.empty()) {
+        OVERLAPPED position = at(offset);
+        DWORD const wanted = static_cast<DWORD>(std::min(bytes.size(), largestTransfer));
+        DWORD got = 0;
+        if (!::ReadFile(handle(native_), bytes.data(), wanted, &got, &position))
+            throwSystemFailure("cannot read", path_);
+        if (got == 0) throwSystemFailure("cannot read past the end of", path_, ERROR_HANDLE_EOF);
+        bytes = bytes.subspan(got);
+        offset += got;
+    }
+}
+
+void File::writeAt(std::uint64_t offset, std::span<std::byte const> bytes) {
+    while (!bytes.empty()) {
+        OVERLAPPED position = at(offset);
+        DWORD const wanted = static_cast<DWORD>(std::min(bytes.size(), largestTransfer));
+        DWORD put = 0;
+        if (!::WriteFile(handle(native_), bytes.data(), wanted, &put, &position))
+            throwSystemFailure("cannot write", path_);
+        bytes = bytes.subspan(put);
+        offset += put;
+    }
+}
+
+void File::beginFlush(std::uint64_t, std::uint64_t) noexcept {}
+
+void File::flush() {
+    if (!::FlushFileBuffers(handle(native_))) throwSystemFailure("cannot flush", path_);
+}
+
+void File::close() noexcept {
+    if (native_ != none) ::CloseHandle(handle(std::exchange(native_, none)));
+}
+
+FileView FileView::open(std::string const& path) {
+    File const file = File::openForReading(path);
+    auto const size = static_cast<std::size_t>(file.size());
+    if (size == 0) return FileView({});
+    HANDLE const mapping = ::CreateFileMappingW(handle(file.native()), nullptr, PAGE_WRITECOPY, 0, 0, nullptr);
+    if (!mapping) throwSystemFailure("cannot map", path);
+    void* const start = ::MapViewOfFile(mapping, FILE_MAP_COPY, 0, 0, 0);
+    DWORD const failure = ::GetLastError();
+    ::CloseHandle(mapping);
+    if (!start) throwSystemFailure("cannot map", path, static_cast<int>(failure));
+    return FileView({static_cast<std::byte*>(start), size});
+}
+
+void FileView::unmap() noexcept {
+    if (!bytes_.empty()) ::UnmapViewOfFile(bytes_.data());
+    bytes_ = {};
+}
+
+std::optional<ByteLock> ByteLock::tryTake(std::string const& path, std::uint64_t position) {
+    File file = File::openShared(path);
+    OVERLAPPED where = at(position);
+    constexpr DWORD exclusiveNow = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+    if (::LockFileEx(handle(file.native()), exclusiveNow, 0, 1, 0, &where)) return ByteLock(std::move(file));
+    if (::GetLastError() == ERROR_LOCK_VIOLATION || ::GetLastError() == ERROR_IO_PENDING) return std::nullopt;
+    throwSystemFailure("cannot lock", path);
+}
+
+}
