@@ -16,6 +16,9 @@ struct libdeflate_decompressor;
 
 namespace cubes::matrix {
 
+/// Deflate makes nothing smaller than about a thousandth.
+inline constexpr std::size_t mostInflation = 1040;
+
 /// Does to a chunk of elements what HDF5's own shuffle and deflate filters do, faster. One thread
 /// at a time may use an object.
 class BlockEncoder {

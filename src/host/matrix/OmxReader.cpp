@@ -16,8 +16,6 @@ using hdf5::Handle;
 namespace {
 
 constexpr std::size_t largestNumber = 16;
-// Deflate makes nothing smaller than about a thousandth.
-constexpr std::size_t mostInflation = 1024;
 constexpr std::size_t alwaysFits = std::size_t{1} << 26;
 
 template <typename Number>
