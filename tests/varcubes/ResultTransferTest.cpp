@@ -4,7 +4,7 @@
 #include <functional>
 #include <stdexcept>
 
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -304,7 +304,7 @@ TEST_P(ResultTransfer, losesNothingThroughALinkToTheSameDirectory) {
     EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
 }
 
-Errand const refusedTransfers("refused transfers", [](int, std::string const& root) {
+ChildTask const refusedTransfers("refused transfers", [](int, std::string const& root) {
     Project const own = Project::open(root);
     TRkSkimCube cube(own.settings(), true);
     if (cube.Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, false, false)) throw std::runtime_error("copied");

@@ -1,6 +1,6 @@
 #include <stdexcept>
 
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -79,7 +79,7 @@ TEST_P(ResultUsage, findsACounterColumnOfOtherLetterCase) {
     EXPECT_FALSE(isCorrect());
 }
 
-Errand const manyUsers("many users", [](int, std::string const& root) {
+ChildTask const manyUsers("many users", [](int, std::string const& root) {
     Project const own = Project::open(root);
     TRkSkimCube cube(own.settings(), true);
     for (int i = 0; i < 50; ++i)

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
@@ -126,7 +126,7 @@ TEST_P(SelectedLinkCube, isTheOnlyKindWithScreenLinesThatCopies) {
     EXPECT_EQ(skims().GetHeader(1, 1, 1, 1, 1, 1, false)->Type(), mtSkim);
 }
 
-Errand const refusedSaving("refused saving", [](int, std::string const& root) {
+ChildTask const refusedSaving("refused saving", [](int, std::string const& root) {
     Project const own = Project::open(root);
     TRkSelectedLinkCube cube(own.settings(), true);
     TempDir const there;

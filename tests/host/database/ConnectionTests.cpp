@@ -2,7 +2,7 @@
 #include "host/database/sqlite/Waiting.h"
 #include "host/platform/NarrowText.h"
 
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "support/User.h"
 
 #include <filesystem>
@@ -96,7 +96,7 @@ TEST(SqliteFile, isMadeWhenMissingAndLeavesNothingBesideIt) {
 }
 
 // The superuser may write everywhere, so another user tries.
-cubes::test::Errand const readingAndChanging("reading and changing", [](int, std::string const& path) {
+cubes::test::ChildTask const readingAndChanging("reading and changing", [](int, std::string const& path) {
     cubes::test::becomeOrdinaryUser();
     TPgConnection connection("sqlite:" + path);
     Rktable::TRkTableProxy table("cube", "", "cube");

@@ -2,7 +2,7 @@
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
 #include "host/database/TableTest.h"
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ void makeOn(std::string const& url) {
     makeMissingTables(connection.Backend(), "delta");
 }
 
-cubes::test::Errand const making("making", [](int, std::string const& url) { makeOn(url); });
+cubes::test::ChildTask const making("making", [](int, std::string const& url) { makeOn(url); });
 
 class Definition : public cubes::test::BackendTest {
 protected:

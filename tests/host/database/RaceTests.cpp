@@ -1,12 +1,12 @@
 #include "host/database/TableTest.h"
 #include "host/database/Transaction.h"
 #include "host/database/sqlite/Waiting.h"
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 
 namespace {
 
 using cubes::database::ExclusiveAccess;
-using cubes::test::Errand;
+using cubes::test::ChildTask;
 using cubes::test::Rows;
 using cubes::test::sqlStateOf;
 using Rktable::TRkTableProxy;
@@ -34,13 +34,13 @@ void addNext(TRkTableProxy& table, std::string const& name) {
 
 constexpr int processes = 4;
 
-Errand const raises("raises of a counter", [](int, std::string const& url) {
+ChildTask const raises("raises of a counter", [](int, std::string const& url) {
     Opened opened(url);
     for (int i = 0; i < 50; ++i)
         if (!opened.table.Locate("cubenr", 1) || !opened.table.Raise("usageCounter"))
             throw std::runtime_error("row not found");
 });
-Errand const equalRows("equal rows", [](int number, std::string const& url) {
+ChildTask const equalRows("equal rows", [](int number, std::string const& url) {
     Opened opened(url);
     opened.table.Append();
     opened.table.FieldByName("cubenr")->SetAsInteger(1);
@@ -49,18 +49,18 @@ Errand const equalRows("equal rows", [](int number, std::string const& url) {
     if (state != "none" && state != "23505") throw std::runtime_error("unexpected: " + state);
     if (!opened.table.Locate("cubenr", 1)) throw std::runtime_error("row not found");
 });
-Errand const nextNumbers("next numbers", [](int process, std::string const& url) {
+ChildTask const nextNumbers("next numbers", [](int process, std::string const& url) {
     Opened opened(url);
     for (int i = 0; i < 20; ++i) addNext(opened.table, std::to_string(process) + "-" + std::to_string(i));
 });
 
 class Race : public cubes::test::TableTest {
 protected:
-    int run(Errand const& errand) {
+    int run(ChildTask const& task) {
         // An open SQLite file must not be carried into another process.
         table.SetConnection(nullptr);
         connection.reset();
-        return errand.inProcesses(processes, database->url());
+        return task.inProcesses(processes, database->url());
     }
 };
 CUBES_BOTH_BACKENDS(Race);

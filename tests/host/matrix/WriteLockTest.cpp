@@ -3,7 +3,7 @@
 #include "host/matrix/WriteLock.h"
 #include "host/platform/File.h"
 #include "host/platform/NarrowText.h"
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ bool is(std::string const& expected, TRkMatrix const& matrix) {
 
 // Told what is expected too: "done open 1 a.skm", "refused open 3 a.skm". A process that could not try ends badly
 // whatever was expected.
-Errand const trial("trial", [](int, std::string const& told) {
+ChildTask const trial("trial", [](int, std::string const& told) {
     std::istringstream words(told);
     std::string expected, action, file;
     int lock = 0;
@@ -45,7 +45,7 @@ bool isElsewhere(std::string const& expected, std::string const& action, int loc
 }
 
 // Told the file. Ends without running destructors, like a process that is killed.
-Errand const holding("holding", [](int, std::string const& file) {
+ChildTask const holding("holding", [](int, std::string const& file) {
     TRkMatrix const held = opened(file, lsReadWrite);
     bool const isHeld = held.IsValid() && isElsewhere("refused", "open", lsReadWrite, file) &&
                         isElsewhere("refused", "create", lsReadWrite, file) &&

@@ -2,7 +2,7 @@
 #include "host/platform/Files.h"
 #include "host/platform/System.h"
 #include "host/platform/TemporaryFile.h"
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "support/TempDir.h"
 
 #include <cubes/core/TRkCubesException.h>
@@ -15,7 +15,7 @@
 #include <windows.h>
 
 namespace platform = cubes::platform;
-using cubes::test::Errand;
+using cubes::test::ChildTask;
 using cubes::test::leaveAtOnce;
 using cubes::test::listing;
 using cubes::test::readFile;
@@ -64,12 +64,12 @@ bool canBeTaken(std::string const& path) {
     return platform::ByteLock::tryTake(path, 7).has_value();
 }
 
-Errand const taking("taking", [](int, std::string const& path) { leaveAtOnce(canBeTaken(path)); });
+ChildTask const taking("taking", [](int, std::string const& path) { leaveAtOnce(canBeTaken(path)); });
 
 // Apart from the other, so that a process that cannot even try does not pass for one that was refused.
-Errand const beingRefused("being refused", [](int, std::string const& path) { leaveAtOnce(!canBeTaken(path)); });
+ChildTask const beingRefused("being refused", [](int, std::string const& path) { leaveAtOnce(!canBeTaken(path)); });
 
-Errand const takingAndEnding("taking and ending", [](int, std::string const& path) {
+ChildTask const takingAndEnding("taking and ending", [](int, std::string const& path) {
     auto const lock = platform::ByteLock::tryTake(path, 7);
     leaveAtOnce(lock && beingRefused.inProcesses(1, path) == 1);
 });

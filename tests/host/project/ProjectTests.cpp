@@ -1,5 +1,5 @@
 #include "support/Backend.h"
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "support/Variable.h"
 
 #include <cubes/database/TPgConnection.h>
@@ -45,9 +45,9 @@ public:
     explicit DatabaseOverride(std::string const& url) : Variable("CUBES_DATABASE", url) {}
 };
 
-cubes::test::Errand const making("making",
+cubes::test::ChildTask const making("making",
     [](int number, std::string const& directory) { Project::create(directory + "/p" + std::to_string(number)); });
-cubes::test::Errand const opening("opening", [](int, std::string const& root) { Project::open(root); });
+cubes::test::ChildTask const opening("opening", [](int, std::string const& root) { Project::open(root); });
 
 class ProjectOver : public cubes::test::BackendTest {
 protected:

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "routestorage/FakeProvider.h"
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "support/TempDir.h"
 
 using namespace VL::Interface;
@@ -48,14 +48,14 @@ TEST(MissingProvider, isToldByEveryWrapper) {
 
 // What is found first stays until the process ends, so each of these has one of its own.
 
-Errand const finding("finding", [](int, std::string const&) {
+ChildTask const finding("finding", [](int, std::string const&) {
     ProviderPath const nowhere("");
     EXPECT_EQ(failureOf([] { TVlSettings("a.FDB"); }), noProvider);
     ProviderPath const path(fakeDirectory("full"));
     EXPECT_NE(TVlSettings("a.FDB").getInterface(), nullptr);
 });
 
-Errand const askingUntilTheyAreThere("asking until they are there", [](int, std::string const&) {
+ChildTask const askingUntilTheyAreThere("asking until they are there", [](int, std::string const&) {
     ProviderPath const nowhere("");
     EXPECT_EQ(failureOf([] { TLastError::getInstance(); }), noUtilities);
     EXPECT_EQ(failureOf([] { TLastError::getInstance(); }), noUtilities);
@@ -65,7 +65,7 @@ Errand const askingUntilTheyAreThere("asking until they are there", [](int, std:
 });
 
 // Told a file beside half a provider.
-Errand const openingWithout("opening without them", [](int, std::string const& file) {
+ChildTask const openingWithout("opening without them", [](int, std::string const& file) {
     ProviderPath const path(std::filesystem::path(file).parent_path().string());
     TVlRouteStorageRouteSet routeSet(file.c_str());
     EXPECT_EQ(failureOf([&] { routeSet.open(1, nullptr); }), noUtilities);
@@ -73,7 +73,7 @@ Errand const openingWithout("opening without them", [](int, std::string const& f
     EXPECT_EQ(failureOf([&] { dataSet.open(0, nullptr); }), noUtilities);
 });
 
-Errand const askingSilentOnes("asking silent ones", [](int, std::string const&) {
+ChildTask const askingSilentOnes("asking silent ones", [](int, std::string const&) {
     ProviderPath const path(fakeDirectory("without"));
     EXPECT_EQ(TLastError::getInstance()->VlGetLastError(), nullptr);
     FakeProvider fake;
@@ -84,7 +84,7 @@ Errand const askingSilentOnes("asking silent ones", [](int, std::string const&) 
 });
 
 // Told the variant.
-Errand const asking("asking", [](int, std::string const& variant) {
+ChildTask const asking("asking", [](int, std::string const& variant) {
     FakeProvider fake(variant);
     fake.setLastError(variant.c_str());
     EXPECT_STREQ(TLastError::getInstance()->VlGetLastError(), variant.c_str());

@@ -42,12 +42,12 @@ int inProcesses(int count, std::function<void(int)> const& work) {
     }
     close(gate[0]);
     close(gate[1]);
-    int good = 0;
+    int succeeded = 0;
     for (pid_t const child : children) {
         int status = 0;
-        if (waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0) ++good;
+        if (waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0) ++succeeded;
     }
-    return good;
+    return succeeded;
 }
 
 }

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "matcubes/MatCubesTest.h"
+#include "support/VersionGuard.h"
 
 namespace cubes::test {
 namespace {
@@ -18,7 +19,7 @@ protected:
     TRkFareCube& fares() { return *fares_; }
     void store(short u, float first) {
         ASSERT_TRUE(fares().Add(1, 1, 1, u, false));
-        ASSERT_TRUE(fares().Set(1, 1, 1, u, matrix(first), lsNone, false));
+        ASSERT_TRUE(fares().Set(1, 1, 1, u, smallMatrix(first), lsNone, false));
     }
     double first(short u) { return fares().Get(1, 1, 1, u, 0, 0, lsRead, false); }
 
@@ -50,7 +51,7 @@ TEST_P(FareCube, keepsItsTypeWhenItIsCopiedAndAssigned) {
     TRkFareCube copied = there;
     EXPECT_EQ(copied.MatrixDirectory().str(), own.file(""));
     ASSERT_TRUE(copied.Add(1, 1, 1, 1, false));
-    ASSERT_TRUE(copied.Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    ASSERT_TRUE(copied.Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
     EXPECT_EQ(copied.GetHeader(1, 1, 1, 1, false)->Type(), mtFare);
     fares() = copied;
     EXPECT_EQ(fares().MatrixDirectory().str(), own.file(""));
@@ -78,7 +79,7 @@ TEST_P(FareCube, doesNothingAsACube) {
 TEST_P(FareCube, isClearedAlone) {
     store(1, 5);
     store(2, 6);
-    ASSERT_TRUE(cubes().Set("Base", 1, 1, 1, 1, matrix(1), lsNone, false));
+    ASSERT_TRUE(cubes().Set("Base", 1, 1, 1, 1, smallMatrix(1), lsNone, false));
     EXPECT_TRUE(fares().Clear());
     EXPECT_EQ(rows(), "1|1|1|1|1|0|1-1-1-1-1.odm\n");
     EXPECT_EQ(files(), "1-1-1-1-1.odm\n");
@@ -86,7 +87,7 @@ TEST_P(FareCube, isClearedAlone) {
 }
 
 TEST_P(FareCube, worksOnItsEntriesByKeyAndByAnyName) {
-    ASSERT_TRUE(cubes().Set("Base", 1, 1, 1, 1, matrix(1), lsNone, false));
+    ASSERT_TRUE(cubes().Set("Base", 1, 1, 1, 1, smallMatrix(1), lsNone, false));
     store(1, 5);
     EXPECT_TRUE(fares().Check(0, 0, 0, 0, true));
     EXPECT_TRUE(fares().Check("Base", 1, 1, 1, 1, false));
@@ -99,10 +100,10 @@ TEST_P(FareCube, worksOnItsEntriesByKeyAndByAnyName) {
     ASSERT_TRUE(byKey && byName);
     EXPECT_EQ(byKey->RowAt(0, 8)[0], 5.0f);
     EXPECT_EQ(byName->RowAt(0, 8)[0], 5.0f);
-    EXPECT_TRUE(fares().Set("Base", 1, 1, 1, 1, matrix(7), lsNone, false));
+    EXPECT_TRUE(fares().Set("Base", 1, 1, 1, 1, smallMatrix(7), lsNone, false));
     EXPECT_EQ(first(1), 7.0);
-    EXPECT_FALSE(fares().Set("Base", 1, 1, 1, 2, matrix(7), lsNone, false));
-    EXPECT_FALSE(fares().Set(1, 1, 1, 2, matrix(7), lsNone, false));
+    EXPECT_FALSE(fares().Set("Base", 1, 1, 1, 2, smallMatrix(7), lsNone, false));
+    EXPECT_FALSE(fares().Set(1, 1, 1, 2, smallMatrix(7), lsNone, false));
     EXPECT_EQ(firstElement(1, 1, 1, 1, 1), 1.0);
 }
 
@@ -139,11 +140,11 @@ TEST_P(FareCube, refusesAnExistingTargetAsTheFormsByNumberDo) {
     store(2, 6);
     std::string const before = rows() + files();
     EXPECT_EQ(
-        messageOf([&] { fares().Copy(1, 1, 1, 1, 1, 1, 1, 2, true, false); }), "Entry already exists in the cube");
-    EXPECT_EQ(messageOf([&] { fares().Copy("A", 1, 1, 1, 1, "B", 1, 1, 1, 2, true, false); }),
+        cubeErrorOf([&] { fares().Copy(1, 1, 1, 1, 1, 1, 1, 2, true, false); }), "Entry already exists in the cube");
+    EXPECT_EQ(cubeErrorOf([&] { fares().Copy("A", 1, 1, 1, 1, "B", 1, 1, 1, 2, true, false); }),
         "Entry already exists in the cube");
-    EXPECT_EQ(messageOf([&] { fares().Move(1, 1, 1, 1, 1, 1, 1, 2, true, false); }), "Cube already exists");
-    EXPECT_EQ(messageOf([&] { fares().Move("A", 1, 1, 1, 1, "B", 1, 1, 1, 2, true, false); }), "Cube already exists");
+    EXPECT_EQ(cubeErrorOf([&] { fares().Move(1, 1, 1, 1, 1, 1, 1, 2, true, false); }), "Cube already exists");
+    EXPECT_EQ(cubeErrorOf([&] { fares().Move("A", 1, 1, 1, 1, "B", 1, 1, 1, 2, true, false); }), "Cube already exists");
     EXPECT_EQ(rows() + files(), before);
     EXPECT_EQ(first(2), 6.0);
 }
@@ -167,11 +168,9 @@ TEST_P(FareCube, listsFaresWithoutNames) {
 
 // Two base-40 digits hold no sign.
 TEST_P(FareCube, cannotBeStoredUnderOldFileNames) {
-    int const version = TRkBaseCubes::Version;
-    TRkBaseCubes::Version = 3;
-    EXPECT_EQ(messageOf([&] { fares().Add(1, 1, 1, 1, false); }),
+    VersionGuard const version(3);
+    EXPECT_EQ(cubeErrorOf([&] { fares().Add(1, 1, 1, 1, false); }),
         "IntTo40T> Only 2 positions reserved! Maximum value is 1599");
-    TRkBaseCubes::Version = version;
     EXPECT_EQ(rows(), "");
 }
 

@@ -1,4 +1,4 @@
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 
 #include "support/Variable.h"
 
@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -18,10 +19,10 @@ namespace cubes::test {
 
 namespace {
 
-constexpr char const* nameVariable = "CUBES_TEST_ERRAND";
-constexpr char const* numberVariable = "CUBES_TEST_ERRAND_NUMBER";
-constexpr char const* gateVariable = "CUBES_TEST_ERRAND_GATE";
-constexpr char const* toldVariable = "CUBES_TEST_ERRAND_TOLD";
+constexpr char const* nameVariable = "CUBES_TEST_TASK";
+constexpr char const* numberVariable = "CUBES_TEST_TASK_NUMBER";
+constexpr char const* gateVariable = "CUBES_TEST_TASK_GATE";
+constexpr char const* argumentVariable = "CUBES_TEST_TASK_ARGUMENT";
 constexpr DWORD patience = 60'000;
 
 struct Closer {
@@ -30,8 +31,8 @@ struct Closer {
 };
 using Handle = std::unique_ptr<HANDLE, Closer>;
 
-std::map<std::string, Errand const*>& errands() {
-    static std::map<std::string, Errand const*> all;
+std::map<std::string, ChildTask const*>& tasks() {
+    static std::map<std::string, ChildTask const*> all;
     return all;
 }
 
@@ -40,7 +41,7 @@ std::string variable(char const* name) {
     return value ? value : "";
 }
 
-/// Where processes wait for the last one to be there.
+/// Holds processes until the last one has started.
 class Gate {
 public:
     explicit Gate(std::string const& name)
@@ -63,11 +64,11 @@ private:
     Handle opening_;
 };
 
-int runErrand(Errand const& errand) {
+int runTask(ChildTask const& task) {
     int const number = std::stoi(variable(numberVariable));
     try {
         Gate(variable(gateVariable)).pass();
-        errand.run(number, variable(toldVariable));
+        task.run(number, variable(argumentVariable));
         return testing::Test::HasFailure() ? 1 : 0;
     } catch (std::exception const& error) {
         std::fprintf(stderr, "process %d: %s\n", number, error.what());
@@ -75,16 +76,16 @@ int runErrand(Errand const& errand) {
     }
 }
 
-/// Comes before all tests of a process, and is the end of one that was started for an errand.
-class Errands : public testing::Environment {
+/// Runs before all tests of a process, and ends a process that was started for a task.
+class ChildTasks : public testing::Environment {
 public:
     void SetUp() override {
         std::string const name = variable(nameVariable);
         if (name.empty()) return;
-        auto const wanted = errands().find(name);
+        auto const wanted = tasks().find(name);
         // Its test would start this program again, and so on without end.
-        if (wanted == errands().end()) std::fprintf(stderr, "no errand is named '%s'\n", name.c_str());
-        leaveAtOnce(wanted != errands().end() && runErrand(*wanted->second) == 0);
+        if (wanted == tasks().end()) std::fprintf(stderr, "no child-process task is named '%s'\n", name.c_str());
+        leaveAtOnce(wanted != tasks().end() && runTask(*wanted->second) == 0);
     }
 };
 
@@ -93,7 +94,7 @@ std::string ownPath() {
     return {path, GetModuleFileNameA(nullptr, path, MAX_PATH)};
 }
 
-// A process that was itself started for an errand runs no test, but was told of one.
+// A process that was itself started for a task runs no test, but its filter names one.
 std::string currentTest() {
     auto const* const test = testing::UnitTest::GetInstance()->current_test_info();
     return test ? std::string(test->test_suite_name()) + "." + test->name() : testing::GTEST_FLAG(filter);
@@ -118,27 +119,28 @@ bool endsWell(Handle const& process) {
 
 }
 
-Errand::Errand(std::string name, Work work) : name_(std::move(name)), work_(std::move(work)) {
-    if (errands().empty()) testing::AddGlobalTestEnvironment(new Errands);
-    if (!errands().emplace(name_, this).second) throw std::logic_error("two errands are named '" + name_ + "'");
+ChildTask::ChildTask(std::string name, Work work) : name_(std::move(name)), work_(std::move(work)) {
+    if (tasks().empty()) testing::AddGlobalTestEnvironment(new ChildTasks);
+    if (!tasks().emplace(name_, this).second)
+        throw std::logic_error("two child-process tasks are named '" + name_ + "'");
 }
 
-int Errand::inProcesses(int count, std::string const& told) const {
+int ChildTask::inProcesses(int count, std::string const& argument) const {
     static int gates = 0;
     std::string const gateName = "cubes-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++gates);
     Gate const gate(gateName);
     Variable const name(nameVariable, name_);
     Variable const gateOfAll(gateVariable, gateName);
-    Variable const toldToAll(toldVariable, told);
+    Variable const argumentOfAll(argumentVariable, argument);
     std::vector<Handle> processes;
     for (int i = 0; i < count; ++i) {
         Variable const number(numberVariable, std::to_string(i));
         processes.push_back(startAgain());
     }
     gate.openFor(count);
-    int good = 0;
-    for (auto const& process : processes) good += endsWell(process) ? 1 : 0;
-    return good;
+    int succeeded = 0;
+    for (auto const& process : processes) succeeded += endsWell(process) ? 1 : 0;
+    return succeeded;
 }
 
 void killThisProcess() {
@@ -150,6 +152,13 @@ void leaveAtOnce(bool isWell) {
     std::fflush(nullptr);
     TerminateProcess(GetCurrentProcess(), isWell ? 0 : 1);
     std::abort();
+}
+
+void endThisProcessAfter(std::chrono::seconds limit) {
+    std::thread([limit] {
+        std::this_thread::sleep_for(limit);
+        leaveAtOnce(false);
+    }).detach();
 }
 
 }

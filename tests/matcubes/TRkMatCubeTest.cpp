@@ -72,7 +72,7 @@ TEST_P(MatCube, takesTheMatrixDirectoryFromTheSettingsWhenNoneIsGiven) {
 TEST_P(MatCube, worksOnTheEntriesOfItsCube) {
     EXPECT_TRUE(base().Add(1, 2, 3, 4, false));
     EXPECT_EQ(cubeRows(), "1|Other\n2|Base\n");
-    EXPECT_TRUE(base().Set(1, 2, 3, 4, matrix(5), lsNone, false));
+    EXPECT_TRUE(base().Set(1, 2, 3, 4, smallMatrix(5), lsNone, false));
     EXPECT_EQ(rows(), "2|1|2|3|4|0|2-1-2-3-4.odm\n");
     EXPECT_TRUE(base().Check(0, 1, 2, 3, true));
     EXPECT_EQ(base().FileName(1, 2, 3, 4, false).str(), pathOf("2-1-2-3-4.odm"));
@@ -90,7 +90,7 @@ TEST_P(MatCube, removesAnEntryInThreeWays) {
     bool (TRkMatCube::*const ways[])(short, short, short, short, bool)
         const = {&TRkMatCube::Clear, &TRkMatCube::Delete, &TRkMatCube::Remove};
     for (auto const way : ways) {
-        ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
+        ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
         EXPECT_TRUE((base().*way)(0, 0, 0, 0, true));
         EXPECT_EQ(rows() + files(), "");
         EXPECT_FALSE((base().*way)(1, 1, 1, 1, false));
@@ -133,7 +133,7 @@ TEST_P(MatCube, withoutANameIsNoCube) {
         EXPECT_TRUE(cube.Get(list));
         EXPECT_EQ(list.Count(), 0);
     }
-    EXPECT_FALSE(nameless.Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    EXPECT_FALSE(nameless.Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
     EXPECT_EQ(cubeRows() + rows() + files(), before);
     nameless.Name("");
     EXPECT_TRUE(nameless.Check() && nameless.Check(1, 1, 1, 1, false));
@@ -147,8 +147,8 @@ TEST_P(MatCube, withoutANameIsNoCube) {
 TEST_P(MatCube, isRegisteredClearedAndRemovedAsAWhole) {
     EXPECT_TRUE(base().Add());
     EXPECT_TRUE(base().Check());
-    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
-    ASSERT_TRUE(cubes().Set("Other", 1, 1, 1, 1, matrix(6), lsNone, false));
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
+    ASSERT_TRUE(cubes().Set("Other", 1, 1, 1, 1, smallMatrix(6), lsNone, false));
     EXPECT_TRUE(base().Clear());
     EXPECT_EQ(rows(), "1|1|1|1|1|0|1-1-1-1-1.odm\n");
     EXPECT_TRUE(base().Check());
@@ -162,12 +162,12 @@ TEST_P(MatCube, isRegisteredClearedAndRemovedAsAWhole) {
 }
 
 TEST_P(MatCube, copiesWithinItself) {
-    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
     EXPECT_TRUE(copy(1, 2, true));
     EXPECT_EQ(first(2), 5.0);
     EXPECT_TRUE(base().Copy(0, 0, 0, 0, 0, 0, 0, 2, true, true));
     EXPECT_EQ(rows(), "2|1|1|1|1|0|2-1-1-1-1.odm\n2|1|1|1|2|0|2-1-1-1-2.odm\n2|1|1|1|3|0|2-1-1-1-3.odm\n");
-    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(6), lsNone, false));
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(6), lsNone, false));
     EXPECT_TRUE(copy(1, 2, false));
     EXPECT_EQ(first(2), 6.0);
     EXPECT_TRUE(copy(8, 9, true));
@@ -177,8 +177,8 @@ TEST_P(MatCube, copiesWithinItself) {
 }
 
 TEST_P(MatCube, refusesAnExistingTargetAsAMatrix) {
-    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
-    ASSERT_TRUE(base().Set(1, 1, 1, 2, matrix(6), lsNone, false));
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
+    ASSERT_TRUE(base().Set(1, 1, 1, 2, smallMatrix(6), lsNone, false));
     std::string const before = rows() + files();
     for (short const target : {short{1}, short{2}}) {
         try {
@@ -194,7 +194,7 @@ TEST_P(MatCube, refusesAnExistingTargetAsAMatrix) {
 
 // The matrix cubes below it keep their own rule: one and the same cube by name is refused.
 TEST_P(MatCube, leavesTheFormsByNameAsTheyAre) {
-    ASSERT_TRUE(base().Set(1, 1, 1, 1, matrix(5), lsNone, false));
+    ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
     EXPECT_THROW(base().TRkMatCubes::Copy("Base", 1, 1, 1, 1, "Base", 1, 1, 1, 2, true, false), TRkCubesException);
     EXPECT_TRUE(base().Move("Base", 1, 1, 1, 1, "Base", 1, 1, 1, 2, false, false));
     EXPECT_EQ(first(2), 5.0);

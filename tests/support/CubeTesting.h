@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cubes/core/TRkCubesException.h>
+#include <cubes/matrix/TRkMatrix.h>
+
+#include <memory>
+#include <string>
+
+namespace cubes::test {
+
+/// A matrix of 2 rows and 3 columns, asymmetric: `first`, 1 more for each column, 10 more for each row.
+inline TRkMatrix smallMatrix(float first) {
+    TRkMatrix made = TRkMatrix::inMemory(2, 3);
+    for (int row = 0; row < 2; ++row)
+        for (int column = 0; column < 3; ++column)
+            made.RowAt(row, 8)[column] = first + static_cast<float>(10 * row + column);
+    return made;
+}
+
+/// The first element of a matrix; -1 for null.
+inline double firstElementOf(std::unique_ptr<TRkMatrix> const& matrix) {
+    return matrix ? matrix->RowAt(0, 8)[0] : -1.0;
+}
+
+/// The message of the error of cubes that the call throws; "none" when it throws nothing.
+template <typename Call>
+std::string cubeErrorOf(Call const& call) {
+    try {
+        call();
+    } catch (TRkCubesException const& error) {
+        return error.what();
+    }
+    return "none";
+}
+
+}
