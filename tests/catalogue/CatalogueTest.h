@@ -28,7 +28,7 @@ protected:
         return {settings, nullptr, nullptr, ctMatrix, mtMatrixCube, mkDefault, false};
     }
 
-    /// The register as an independent client sees it: "1|Base" a line.
+    /// The register as an independent client reads it: "1|Base" a line.
     std::string rows() { return joined(project().sql("select cubenr, name from cube order by cubenr")); }
 
 private:

@@ -45,20 +45,31 @@ TEST_P(CubeKinds, listsReservedRowsWithUserCubes) {
     EXPECT_STREQ(list[6]->AsString().c_str(), "1,Base");
 }
 
-TEST_P(CubeKinds, initSaysWhetherTheRegisterCouldBeOpened) {
+TEST_P(CubeKinds, initReturnsWhetherTheRegisterCouldBeOpened) {
     TRkCubes kinds(project().settings());
     EXPECT_TRUE(kinds.Init());
     TRkCubes none(nullptr);
     EXPECT_FALSE(none.Init());
     EXPECT_FALSE(none.Check("SkimCube"));
     TRkAutoListT<TRkBaseCubes::TKey> list;
+    list.Add(new TRkBaseCubes::TKey(99, "left over"));
     EXPECT_FALSE(none.Get(list));
+    EXPECT_EQ(list.Count(), 0);
 }
 
-TEST_P(CubeKinds, copiesAreCataloguesToo) {
+TEST_P(CubeKinds, copiesWorkOnTheSameRegisterAndAddNoReservedRows) {
     TRkCubes const kinds(project().settings());
+    project().execute("delete from cube where cubenr < -1");
     TRkCubes const copy(kinds);
-    EXPECT_TRUE(copy.Check(short(-1)));
+    TRkCubes assigned(nullptr);
+    assigned = kinds;
+    EXPECT_EQ(rows(), "-1|SkimCube\n");
+    EXPECT_TRUE(copy.Check(short(-1)) && assigned.Check(short(-1)));
+    EXPECT_FALSE(copy.Check(short(-2)) || assigned.Check(short(-2)));
+    EXPECT_TRUE(copy.Add("Base"));
+    EXPECT_TRUE(assigned.Add("Other"));
+    EXPECT_EQ(rows(), "-1|SkimCube\n1|Base\n2|Other\n");
+    EXPECT_EQ(kinds.CubeNameToNr("Other"), 2);
     EXPECT_EQ(copy.ClassID(), 0);
     EXPECT_STREQ(copy.ClassName(), "TRkCubes");
 }

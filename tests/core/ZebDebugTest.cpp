@@ -3,7 +3,7 @@
 #include "host/platform/File.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/System.h"
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "support/OpenFiles.h"
 #include "support/SystemWords.h"
 #include "support/TempDir.h"
@@ -186,7 +186,7 @@ TEST(ZebDebugPrefix, startsWithTheLetterOfTheType) {
         EXPECT_EQ(withoutTimes(ZebDebug::now(static_cast<Type>(type))), std::string(letter) + "[time] ") << type;
 }
 
-Errand const inAnotherZone("in another zone", [](int, std::string const&) {
+ChildTask const inAnotherZone("in another zone", [](int, std::string const&) {
     Variable const zone("TZ", "CUB-5:30");
     tzset();
     std::time_t const there = std::time(nullptr) + (5 * 60 + 30) * 60;
@@ -375,7 +375,7 @@ TEST_F(ZebDebugTest, holdsEveryMessageOfSeveralThreads) {
     EXPECT_TRUE(std::multiset<std::string>(lines.begin(), lines.end()) == expected);
 }
 
-Errand const suddenEnd("sudden end", [](int, std::string const& state) {
+ChildTask const suddenEnd("sudden end", [](int, std::string const& state) {
     if (state == "open") ZebDebug::openStream();
     ZebDebug::writeDebug("text");
     killThisProcess();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cubes/database/TPgConnection.h>
-#include <cubes/matrix/TRkMatrix.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/TRkGlobalSettings.h>
 #include <cubes/varcubes/TRkPathCube.h>
@@ -14,6 +13,7 @@
 #include <string>
 
 #include "support/Backend.h"
+#include "support/CubeTesting.h"
 #include "support/TempDir.h"
 
 namespace cubes::test {
@@ -33,7 +33,7 @@ protected:
 
     void execute(std::string const& statement) { project().project().connection()->Execute(statement); }
     std::string read(std::string const& query) { return joined(project().sql(query)); }
-    /// The entry table as an independent client sees it: "-1|1|2|3|4|5|6|0|1-2-3-4-5-6.skm" a line.
+    /// The entry table as an independent client reads it: "-1|1|2|3|4|5|6|0|1-2-3-4-5-6.skm" a line.
     std::string rows() {
         return read(
             "select cubenr, purpose, mode, time, \"user\", result, iteration, \"usageCounter\", filename from " +
@@ -48,7 +48,7 @@ protected:
     std::string table() { return project().database().table(project().project().schema(), "cube5data1"); }
 
     std::string directory() { return project().settings()->WorkingDirectory().str(); }
-    /// What lies in the matrix directory, the lock file of all writers left out.
+    /// The files of the matrix directory without the lock file of all writers.
     std::string files() { return filesIn(directory()); }
     std::string pathOf(std::string const& name) { return directory() + name; }
 
@@ -58,22 +58,14 @@ protected:
     }
     /// Stores 1/1/1/1/1/`iteration` with a matrix that is recognised by its first element.
     static bool store(TRkVarCubes& cube, short iteration, float first) {
-        return cube.Set(1, 1, 1, 1, 1, iteration, matrix(first), lsReadWrite, false);
-    }
-    static TRkMatrix matrix(float first) {
-        TRkMatrix made = TRkMatrix::inMemory(2, 3);
-        for (int row = 0; row < 2; ++row)
-            for (int column = 0; column < 3; ++column)
-                made.RowAt(row, 8)[column] = first + static_cast<float>(10 * row + column);
-        return made;
+        return cube.Set(1, 1, 1, 1, 1, iteration, smallMatrix(first), lsReadWrite, false);
     }
     static std::unique_ptr<TRkMatrix> open(TRkVarCubes const& cube, short iteration, RkLockState lock) {
         return std::unique_ptr<TRkMatrix>(cube.Get(1, 1, 1, 1, 1, iteration, lock, false));
     }
     /// What a later reader finds in the file of 1/1/1/1/1/`iteration`, or -1 without a matrix.
     static double firstElement(TRkVarCubes const& cube, short iteration) {
-        auto const found = open(cube, iteration, lsRead);
-        return found ? found->RowAt(0, 8)[0] : -1.0;
+        return firstElementOf(open(cube, iteration, lsRead));
     }
 
 private:

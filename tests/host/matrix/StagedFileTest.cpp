@@ -5,7 +5,7 @@
 #include "host/matrix/Elements.h"
 #include "host/matrix/Samples.h"
 #include "host/platform/TemporaryFile.h"
-#include "support/Errand.h"
+#include "support/ChildTask.h"
 #include "support/Process.h"
 
 #include <cubes/matrix/MatrixStorage.h>
@@ -227,7 +227,7 @@ TEST(DirectoryIdentity, isOneForAllThreadsThatAskAtOnce) {
     EXPECT_EQ(listing(directory.str()), "cubes-id\n");
 }
 
-Errand const asking("asking", [](int number, std::string const& directory) {
+ChildTask const asking("asking", [](int number, std::string const& directory) {
     writeFile(directory + "/seen-" + std::to_string(number), directoryIdentity(directory + "/matrices").text());
 });
 

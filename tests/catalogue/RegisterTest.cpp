@@ -1,6 +1,6 @@
 #include <cubes/database/TPgConnection.h>
-#include <cubes/database/TRkConnectionManager.h>
 #include <cubes/database/TRkDBDataDictionary.h>
+#include <cubes/database/TRkDatabaseException.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/TRkGlobalSettings.h>
 
@@ -60,14 +60,14 @@ TEST_P(CubeRegister, findsACubeByNameWithoutRegardToLetterCase) {
     EXPECT_EQ(catalogue().CubeNameToNr("B_se"), 0);
 }
 
-TEST_P(CubeRegister, cutsANameToTheColumnBeforeItSearches) {
+TEST_P(CubeRegister, truncatesANameToTheColumnBeforeItSearches) {
     std::string const stored(128, 'n');
     project().execute("insert into cube (cubenr, name) values (9, '" + stored + "')");
     EXPECT_EQ(catalogue().CubeNameToNr((stored + "and more").c_str()), 9);
     EXPECT_EQ(catalogue().CubeNameToNr(stored.substr(1).c_str()), 0);
 }
 
-TEST_P(CubeRegister, cutsANameByCharactersNotBytes) {
+TEST_P(CubeRegister, truncatesANameByCharactersNotBytes) {
     std::string umlauts;
     for (int i = 0; i < 128; ++i) umlauts += "\xC3\xA4";
     project().execute("insert into cube (cubenr, name) values (9, '" + umlauts + "')");
@@ -86,14 +86,14 @@ TEST_P(CubeRegister, convertsBetweenNumberAndName) {
     EXPECT_EQ(catalogue().CubeNameToNr(nullptr), 0);
 }
 
-TEST_P(CubeRegister, takesNamesWithQuotesAsTheyAre) {
+TEST_P(CubeRegister, acceptsNamesWithQuotes) {
     char const* const name = "O'Brien \"east\"; drop table cube; --";
     ASSERT_TRUE(catalogue().Add(name));
     EXPECT_EQ(catalogue().CubeNameToNr(name), 1);
     EXPECT_EQ(rows(), std::string("1|") + name + "\n");
 }
 
-TEST_P(CubeRegister, aNegativeNumberIsPresentWithoutAsking) {
+TEST_P(CubeRegister, findsEveryNegativeNumberWithoutReadingTheTable) {
     EXPECT_TRUE(catalogue().LookUp(short(-1)));
     EXPECT_TRUE(catalogue().LookUp(short(-32768)));
     EXPECT_FALSE(catalogue().LookUp(short(0)));
@@ -112,17 +112,21 @@ TEST_P(CubeRegister, usesTheProjectThatMadeItsSettingsWhateverIsCurrent) {
     EXPECT_EQ(getConnectionManagerInstance().CurrentConnection(), other.project().connection());
 }
 
-TEST_P(CubeRegister, usesTheCurrentConnectionWithSettingsFromElsewhere) {
+// Settings that no project made, with the dictionary of one.
+TEST_P(CubeRegister, ofSettingsFromElsewhereIsOnTheCurrentConnectionNotTheStoredOne) {
     TRkGlobalSettings settings;
-    TRkDBDataDictionary dictionary;
-    settings.Set("RkLib.DataDictionary", &dictionary);
-    auto const elsewhere = catalogueOf(&settings);
+    settings.Set("RkLib.DataDictionary", catalogue().DataDictionary());
+    TRkBaseCubes const elsewhere = catalogueOf(&settings);
     elsewhere.Add("Here");
+    EXPECT_EQ(rows(), "1|Here\n");
     TestProject other(backend());
     EXPECT_FALSE(elsewhere.Check("Here"));
+    elsewhere.Add("There");
+    EXPECT_EQ(joined(other.sql("select name from cube")), "There\n");
     EXPECT_EQ(elsewhere.GetConnection(), project().project().connection());
     project().project().makeCurrent();
     EXPECT_TRUE(elsewhere.Check("Here"));
+    EXPECT_EQ(rows(), "1|Here\n");
 }
 
 TEST_P(CubeRegister, isNotFoundWithoutSettingsDictionaryOrTable) {
@@ -147,7 +151,9 @@ TEST_P(CubeRegister, isNotFoundWithoutSettingsDictionaryOrTable) {
         EXPECT_FALSE(none.Clear("Base"));
         EXPECT_FALSE(none.Clear(short(1)));
         TRkAutoListT<TRkBaseCubes::TKey> list;
+        list.Add(new TRkBaseCubes::TKey(99, "left over"));
         EXPECT_FALSE(none.Get(list));
+        EXPECT_EQ(list.Count(), 0);
     }
 }
 
@@ -171,52 +177,113 @@ TEST_P(CubeRegister, knowsItsDictionaryFromTheSettings) {
     EXPECT_TRUE(catalogue().Open());
 }
 
-TEST_P(CubeRegister, copiesShareSettingsAndConnection) {
-    TRkBaseCubes const copy(catalogue());
-    TRkBaseCubes assigned = catalogueOf(nullptr);
-    assigned = catalogue();
-    for (TRkBaseCubes const* const one : {&copy, static_cast<TRkBaseCubes const*>(&assigned)}) {
-        EXPECT_EQ(one->Settings(), catalogue().Settings());
-        EXPECT_EQ(one->GetConnection(), catalogue().GetConnection());
-    }
-    assigned.SetConnection(nullptr);
-    EXPECT_NE(catalogue().GetConnection(), nullptr);
+TEST_P(CubeRegister, numbersTheFirstCubeOne) {
+    EXPECT_TRUE(catalogue().Add("Base"));
+    EXPECT_EQ(rows(), "1|Base\n");
 }
 
-TEST(PlainCatalogue, hasTheFieldsItWasGiven) {
-    TRkGlobalSettings settings;
-    TRkBaseCubes catalogue(&settings, "/data/m", ".odm", ctMatrix, mtMatrixCube, mkDefault, true);
-    EXPECT_EQ(catalogue.Settings(), &settings);
-    EXPECT_STREQ(catalogue.MatrixDirectory().c_str(), "/data/m");
-    EXPECT_STREQ(catalogue.getMatrixSchema().c_str(), "");
-    catalogue.setMatrixSchema("public");
-    EXPECT_STREQ(catalogue.getMatrixSchema().c_str(), "public");
-    EXPECT_EQ(catalogue.ClassID(), 0);
-    EXPECT_STREQ(catalogue.ClassName(), "TRkBaseCubes");
-    EXPECT_FALSE(catalogue.Refresh());
-    EXPECT_TRUE(catalogue.Ok());
-    catalogue.Settings(nullptr);
-    EXPECT_EQ(catalogue.Settings(), nullptr);
-    EXPECT_EQ(catalogue.DataDictionary(), nullptr);
-    EXPECT_EQ(TRkBaseCubes::Version, 4);
-    EXPECT_STREQ(TRkBaseCubes::ObjectName, "cube");
+TEST_P(CubeRegister, numbersANewCubeAboveTheHighest) {
+    project().execute("insert into cube (cubenr, name) values (7, 'Seven'), (3, 'Three')");
+    EXPECT_TRUE(catalogue().Add("Eight"));
+    EXPECT_EQ(rows(), "3|Three\n7|Seven\n8|Eight\n");
 }
 
-TEST(PlainCatalogue, hasAnEmptyPathForANullDirectory) {
-    TRkBaseCubes const catalogue(nullptr, nullptr, nullptr, ctMatrix, mtMatrixCube, mkDefault, false);
-    EXPECT_STREQ(catalogue.MatrixDirectory().c_str(), "");
-    EXPECT_EQ(catalogue.GetConnection(), getConnectionManagerInstance().CurrentConnection());
+TEST_P(CubeRegister, startsAtOneAboveReservedNumbers) {
+    project().execute("insert into cube (cubenr, name) values (-1, 'SkimCube'), (-6, 'PathCube')");
+    EXPECT_TRUE(catalogue().Add("Base"));
+    EXPECT_EQ(rows(), "-6|PathCube\n-1|SkimCube\n1|Base\n");
 }
 
-TEST(RegisterKey, isShownAsNumberCommaName) {
-    EXPECT_STREQ(TRkBaseCubes::TKey(3, "Base").AsString().c_str(), "3,Base");
-    EXPECT_STREQ(TRkBaseCubes::TKey(-1, nullptr).AsString().c_str(), "-1,");
-    TRkBaseCubes::TKey const key(3, "Base");
-    TRkBaseCubes::TKey copy(key);
-    EXPECT_EQ(copy.cubenr, 3);
-    EXPECT_STREQ(copy.name.c_str(), "Base");
-    copy = TRkBaseCubes::TKey(4, "Other");
-    EXPECT_STREQ(copy.AsString().c_str(), "4,Other");
+TEST_P(CubeRegister, reusesTheHighestNumberOnlyWhenItWasFreed) {
+    for (char const* const name : {"A", "B", "C"}) catalogue().Add(name);
+    EXPECT_TRUE(catalogue().Clear("B"));
+    EXPECT_TRUE(catalogue().Add("D"));
+    EXPECT_EQ(rows(), "1|A\n3|C\n4|D\n");
+    EXPECT_TRUE(catalogue().Clear(short(4)));
+    EXPECT_TRUE(catalogue().Add("E"));
+    EXPECT_EQ(rows(), "1|A\n3|C\n4|E\n");
+}
+
+TEST_P(CubeRegister, addsNothingForANameThatExistsInOtherLetterCase) {
+    catalogue().Add("Base");
+    EXPECT_TRUE(catalogue().Add("BASE"));
+    EXPECT_TRUE(catalogue().Add("Base"));
+    EXPECT_EQ(rows(), "1|Base\n");
+}
+
+TEST_P(CubeRegister, truncatesALongNameAndFindsItAgain) {
+    std::string const name(200, 'x');
+    EXPECT_TRUE(catalogue().Add(name.c_str()));
+    EXPECT_TRUE(catalogue().Add(name.c_str()));
+    EXPECT_EQ(rows(), "1|" + name.substr(0, 128) + "\n");
+}
+
+TEST_P(CubeRegister, acceptsTheEmptyNameButNoNullName) {
+    EXPECT_FALSE(catalogue().Add(nullptr));
+    EXPECT_EQ(rows(), "");
+    EXPECT_TRUE(catalogue().Add(""));
+    EXPECT_TRUE(catalogue().Add(""));
+    EXPECT_EQ(rows(), "1|\n");
+}
+
+TEST_P(CubeRegister, addsNothingWhenTheNumbersAreUsedUp) {
+    project().execute("insert into cube (cubenr, name) values (32767, 'Last')");
+    EXPECT_FALSE(catalogue().Add("OneMore"));
+    EXPECT_TRUE(catalogue().Add("last"));
+    EXPECT_EQ(rows(), "32767|Last\n");
+}
+
+TEST_P(CubeRegister, addsNumbersThatFileNamesOfTheOldFormCannotHold) {
+    project().execute("insert into cube (cubenr, name) values (1599, 'x')");
+    EXPECT_TRUE(catalogue().Add("y"));
+    EXPECT_EQ(catalogue().CubeNameToNr("y"), 1600);
+}
+
+TEST_P(CubeRegister, checksByNameAndByNumber) {
+    project().execute("insert into cube (cubenr, name) values (3, 'Base'), (-3, 'CordonCube')");
+    EXPECT_TRUE(catalogue().Check("base"));
+    EXPECT_TRUE(catalogue().Exist("Base"));
+    EXPECT_FALSE(catalogue().Check("Other"));
+    EXPECT_FALSE(catalogue().Exist("Other"));
+    EXPECT_FALSE(catalogue().Check(static_cast<char const*>(nullptr)));
+    EXPECT_TRUE(catalogue().Check(short(3)));
+    EXPECT_FALSE(catalogue().Check(short(4)));
+    // Unlike LookUp, Check searches a negative number like any other.
+    EXPECT_TRUE(catalogue().Check(short(-3)));
+    EXPECT_FALSE(catalogue().Check(short(-4)));
+}
+
+TEST_P(CubeRegister, clearsTheRowAloneAndReturnsWhetherItExisted) {
+    for (char const* const name : {"A", "B", "C", "D"}) catalogue().Add(name);
+    EXPECT_TRUE(catalogue().Clear("a"));
+    EXPECT_FALSE(catalogue().Clear("a"));
+    EXPECT_TRUE(catalogue().Clear(short(2)));
+    EXPECT_FALSE(catalogue().Clear(short(2)));
+    EXPECT_TRUE(catalogue().Delete("C"));
+    EXPECT_FALSE(catalogue().Delete("C"));
+    EXPECT_TRUE(catalogue().Remove("D"));
+    EXPECT_FALSE(catalogue().Remove("D"));
+    EXPECT_FALSE(catalogue().Clear(static_cast<char const*>(nullptr)));
+    EXPECT_EQ(rows(), "");
+}
+
+TEST_P(CubeRegister, listsAllCubesIntoAnEmptiedList) {
+    TRkAutoListT<TRkBaseCubes::TKey> list;
+    list.Add(new TRkBaseCubes::TKey(99, "left over"));
+    EXPECT_TRUE(catalogue().Get(list));
+    EXPECT_EQ(list.Count(), 0);
+    project().execute("insert into cube (cubenr, name) values (7, 'Seven'), (-1, 'SkimCube'), (3, 'Three')");
+    EXPECT_TRUE(catalogue().Get(list));
+    ASSERT_EQ(list.Count(), 3);
+    EXPECT_STREQ(list[0]->AsString().c_str(), "-1,SkimCube");
+    EXPECT_STREQ(list[1]->AsString().c_str(), "3,Three");
+    EXPECT_STREQ(list[2]->AsString().c_str(), "7,Seven");
+}
+
+TEST_P(CubeRegister, passesADatabaseErrorOn) {
+    project().project().connection()->Execute("alter table cube rename column name to label");
+    EXPECT_THROW(catalogue().Check("Base"), TRkDatabaseException);
+    EXPECT_THROW(catalogue().Add("Base"), TRkDatabaseException);
 }
 
 }
