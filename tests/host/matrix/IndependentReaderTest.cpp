@@ -1,13 +1,9 @@
 #include "host/matrix/Samples.h"
 
 #include "host/matrix/FileIndex.h"
-<<<<<<< HEAD
 #include "host/matrix/MatrixFileWriter.h"
 #include "host/matrix/StagedFile.h"
 #include "host/platform/File.h"
-    =======
-#include "host/matrix/PlainStorage.h"
-    >>>>>>> bc23da6 (Merge the platform's files by concept, with the two systems in folders posix and windows)
 #include "host/platform/NarrowText.h"
 #include "support/Process.h"
 
@@ -22,7 +18,7 @@
 #include <cstring>
 #include <limits>
 
-    using namespace cubes::test;
+using namespace cubes::test;
 using namespace std::string_literals;
 
 namespace {
