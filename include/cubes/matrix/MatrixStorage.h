@@ -6,7 +6,7 @@
 
 namespace cubes {
 
-/// How the elements lie in a matrix file.
+/// How elements are stored in a matrix file.
 enum class Storage {
     /// In one piece, uncompressed: read and written at the speed of the file system.
     plain,
@@ -14,9 +14,9 @@ enum class Storage {
     deflate,
 };
 
-/// What a finished matrix file has survived.
+/// What a finished matrix file survives.
 enum class Durability {
-    /// The file is flushed to disk before it takes its name: it survives a power failure.
+    /// The file is flushed to disk before it is renamed to its name: it survives a power failure.
     full,
     /// The file survives the end of the process, not a power failure.
     process,
@@ -28,8 +28,8 @@ struct MatrixStorage {
     Durability durability = Durability::full;
 };
 
-/// Fixes, for this process, how matrix files created in `directory` are written from now on.
-/// Directories without a rule of their own use the defaults.
+/// Sets, for this process, how matrix files created in `directory` are written from now on.
+/// Directories without a rule of their own use the defaults. Any thread may call this.
 CUBES_API void setMatrixStorage(std::string const& directory, MatrixStorage const& rule);
 /// The rule for files created in `directory`.
 CUBES_API MatrixStorage matrixStorage(std::string const& directory);

@@ -13,9 +13,9 @@ namespace matrix {
 class OmxReader;
 }
 
-/// An OMX file of any program, opened to see and read its tables. It keeps the state it was opened
-/// on when the file is replaced. Movable, not copyable. One thread at a time may use an object.
-/// What fails throws TRkMatrixException with the file and the reason.
+/// An OMX file of any program, opened for reading its tables. It keeps the state it was opened on when the file is
+/// replaced. Movable, not copyable. Different objects may be used in different threads; one thread at a time may use
+/// one object. Failures throw TRkMatrixException with the file and the cause.
 class CUBES_API OmxFile {
 public:
     static OmxFile open(std::string const& path);
@@ -28,17 +28,17 @@ public:
     std::vector<std::string> tables() const;
     /// The names of the one-dimensional lookups under /lookup, sorted.
     std::vector<std::string> lookups() const;
-    /// A table in memory, with its kind where it has one. Elements become single precision; what
-    /// is too large for that becomes infinite. Zone numbers come from the lookup named "zone",
-    /// "taz", "no" or the like, else from the only one, if they are distinct whole numbers, one a
-    /// row of a square table.
+    /// A table in memory, with its kind where it has one. Elements are converted to single precision;
+    /// numbers outside its range become infinite. Zone numbers are those of the lookup named "zone", "taz", "no" or the
+    /// like, or of the only lookup, when they are distinct whole numbers, one for each row of a square table.
     TRkMatrix read(std::string const& table) const;
-    /// Whether the elements of a table agree with the checksum that was recorded with them. A
-    /// table without one counts as intact: another program wrote it.
+    /// Whether the elements of a table and their zone numbers agree with the content id that was recorded with them
+    /// (in files of the first version, the elements with their checksum). A table without either counts as intact:
+    /// another program wrote it.
     bool isIntact(std::string const& table) const;
 
-    /// Writes a matrix as the only table of a file, which takes the place of an old one when it is
-    /// complete. The rule for matrix files of that directory holds. No lock is asked for.
+    /// Writes a matrix as the only table of a file; an old file is replaced atomically. The storage rule of the
+    /// directory applies. Takes no lock.
     static void write(std::string const& path, std::string const& table, TRkMatrix const& matrix);
 
 private:

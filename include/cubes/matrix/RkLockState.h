@@ -1,13 +1,13 @@
 #pragma once
 
 /// The lock under which a matrix file is opened or created. Any number may be cast in and passes
-/// through unchanged; the bit of value 2 asks for an exclusive write lock.
+/// through unchanged; the bit of value 2 requests an exclusive write lock.
 enum RkLockState : int {
     lsNone = 0,
     lsRead = 1,
     lsWrite = 2,
     lsReadWrite = 3,
-    /// Work in place, on the file the matrix already lives in.
+    /// Works in place, on the file that the matrix already has.
     lsInPlace = 4,
     /// Unchanged since it was opened.
     lsUnchanged = 8,

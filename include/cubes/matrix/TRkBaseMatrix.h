@@ -2,7 +2,7 @@
 
 #include <cubes/Export.h>
 
-/// The body of a matrix: where its elements live. Recognise a derived body by dynamic_cast.
+/// The body of a matrix, which holds its elements. Recognise a derived body by dynamic_cast.
 class CUBES_API TRkBaseMatrix {
 public:
     TRkBaseMatrix() = default;
@@ -10,6 +10,6 @@ public:
     TRkBaseMatrix& operator=(TRkBaseMatrix const&) = delete;
     virtual ~TRkBaseMatrix();
 
-    /// The file the elements live in; empty for a matrix in memory.
+    /// The file of the elements; empty for a matrix in memory.
     virtual char const* FileName() const noexcept = 0;
 };

@@ -23,27 +23,27 @@ void dropZones(TRkMatrix& matrix);
 /// A matrix of single-precision values: rows are origins, columns are destinations, both
 /// zero-based. Bound to one file, or in memory. Movable, not copyable.
 ///
-/// Files are OMX 0.2 files (see docs/matrix-file.md). A file is written beside its target and
-/// renamed over it when it is complete: whatever goes wrong, the target is the old file or the
-/// new one. An object opened on a file keeps the state it was opened on, even when the file is
-/// replaced or removed. One thread at a time may use an object.
+/// Files are OMX 0.2 files (see docs/matrix-file.md). Writing is atomic: a new file is written to a temporary file
+/// beside its target and renamed over it when it is complete. An object opened on a file keeps the state it was opened
+/// on, even when the file is replaced or removed.
+///
+/// Threads: different objects may be used in different threads at once, also on the same file. One thread at a time
+/// may use one object, for reading as well.
 class CUBES_API TRkMatrix {
 public:
-    /// An empty object, good for GetHeader.
+    /// An empty object, not valid; serves for GetHeader.
     TRkMatrix();
-    /// Opens the file of a matrix. IsValid() tells whether that worked and Reason() why not: a
-    /// file that is missing, damaged, truncated or foreign, or whose lock is refused.
-    /// The kind stored in the file wins over `kind`. `name` is the display name (null or empty: the
-    /// one stored in the file).
-    /// With the bit of value 2 in `lock` the file is locked against all others that write;
-    /// opening for reading takes no lock. The unnamed arguments mean nothing here.
+    /// Opens a matrix file. When that fails, because the file is missing, damaged, truncated, no matrix or locked,
+    /// IsValid() returns false and Reason() the cause.
+    /// The kind stored in the file overrides `kind`. `name` is the display name; null or empty: the one stored in the
+    /// file. With the bit of value 2 in `lock` the file is locked against all other writers; opening for reading takes
+    /// no lock. The unnamed arguments are ignored.
     TRkMatrix(char const* fileName, int, char const* name, bool, RkMatrixKind kind, RkLockState lock, int);
-    /// Makes a matrix for a new file: `rows` x `columns` zeros. Nothing is seen of the file until
-    /// AssignFrom has filled the matrix, or until a matrix filled by rows is destroyed; then it
-    /// takes the place of an old one. When nothing was written no file appears and an old one
-    /// stays. The directory must exist. Not valid when the file cannot be made, its write lock is
-    /// refused or a dimension is below 1. The first text is the display name; the other texts and
-    /// the unnamed arguments mean nothing here.
+    /// Creates a matrix for a new file: `rows` x `columns` zeros. The file appears, or replaces an old one, when
+    /// AssignFrom has filled the matrix or when a matrix filled by rows is destroyed. When nothing was written no file
+    /// appears and an old one stays. The directory must exist. Not valid when the file cannot be created, its write
+    /// lock is refused or a dimension is below 1. The first text is the display name; the second text and the unnamed
+    /// arguments are ignored.
     TRkMatrix(int rows, int columns, RkMatrixType type, char const* fileName, int, char const*, char const*, bool,
         RkMatrixKind kind, RkLockState lock);
     TRkMatrix(TRkMatrix&&) noexcept;
@@ -53,12 +53,12 @@ public:
     /// more elements than memory can hold.
     static TRkMatrix inMemory(int rows, int columns);
 
-    /// A selected-link matrix, all elements 0: its body is a TRkVLSelectedLinkMatrix. `file`: where
-    /// it is to live; null or empty for memory alone. Throws TRkMatrixException like inMemory; not
-    /// valid when the file cannot be made.
+    /// A selected-link matrix, all elements 0: its body is a TRkVLSelectedLinkMatrix. `file` is
+    /// the file that Flush writes; null or empty for a matrix in memory. Throws TRkMatrixException like inMemory; not
+    /// valid when the file cannot be created.
     static TRkMatrix selectedLink(int rows, int columns, char const* file);
 
-    /// Finishes the file of a new matrix that was filled by rows; a failure leaves the old file.
+    /// Writes the file of a new matrix that was filled by rows; when that fails the old file stays.
     virtual ~TRkMatrix();
     /// Whether the object is usable.
     virtual bool IsValid() const;
@@ -66,9 +66,9 @@ public:
     virtual int StateCode() const;
     /// The file this matrix is bound to; empty in memory. Valid as long as the object.
     virtual char const* FileName() const;
-    /// Copies all elements of another matrix of the same dimensions, and its zone numbers; on a
-    /// new file it then finishes the file and puts it in place. When that fails the object is no
-    /// longer valid and the old file stays. Throws TRkMatrixException when dimensions differ.
+    /// Copies all elements of another matrix of the same dimensions, and its zone numbers; for a
+    /// new file it then writes the file. When that fails the object is no longer valid and the old file stays. Throws
+    /// TRkMatrixException when dimensions differ.
     virtual void AssignFrom(TRkMatrix const& source);
     /// The second dimension: number of destinations.
     virtual int Columns() const;
@@ -76,11 +76,11 @@ public:
     virtual int Rows() const;
     /// The `Columns()` values of a row, valid until Release or the end of the object. Writing to
     /// a matrix opened from a file, or to a new one after AssignFrom, changes this object alone. Throws
-    /// TRkMatrixException for a row outside the matrix or an object that is not valid. `access` means nothing here.
+    /// TRkMatrixException for a row outside the matrix or an object that is not valid. `access` is ignored.
     virtual float* RowAt(int row, int access);
-    /// Closes the file, gives up its write lock and frees what was read from it; what was written to rows read from the
-    /// file is lost. A later RowAt opens the file again, in the state it has then, and throws when that has other
-    /// dimensions. Does nothing to a matrix in memory or to a new file that is being filled.
+    /// Closes the file and releases its write lock and the rows read from it; what was written to those rows is lost.
+    /// The header stays. A later access to elements opens the file again, in the state it has then, and throws when it
+    /// has other dimensions. Does nothing to a matrix in memory or to a new file that is being filled.
     virtual void Release();
     /// Called on a matrix before its file name is asked for when it is saved.
     virtual void Prepare() const;
@@ -115,7 +115,7 @@ public:
     TRkString const& Name() const noexcept;
     /// Zone numbers of the rows and columns, in order; empty when not known.
     std::vector<std::int32_t> const& Zones() const noexcept;
-    /// Gives the rows and columns their zone numbers (empty: none). Throws TRkMatrixException
+    /// Sets the zone numbers of rows and columns (empty: none). Throws TRkMatrixException
     /// unless the matrix is square and there is one number a row.
     void SetZones(std::vector<std::int32_t> zones);
     /// The body that holds the elements; null when the object is not valid.

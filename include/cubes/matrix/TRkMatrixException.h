@@ -6,7 +6,7 @@
 #include <string>
 #include <system_error>
 
-/// An error of the matrix layer: what was asked, of which file, and why it failed.
+/// An error of the matrix layer: "cannot <do what> <file>: <cause>".
 class CUBES_API TRkMatrixException : public TRkException {
 public:
     TRkMatrixException(std::string const& message, std::string file, std::error_code code = {});

@@ -8,13 +8,13 @@
 #include <cstdint>
 #include <vector>
 
-/// What a matrix knows of itself without its elements. A value.
+/// The description of a matrix without its elements. A value.
 class CUBES_API TRkMatrixHeader {
 public:
     TRkMatrixHeader() = default;
     TRkMatrixHeader(int rows, int columns, RkMatrixType type, RkMatrixKind kind);
 
-    /// Compared as a number with 31 when a matrix is saved, so it is given unsigned.
+    /// The kind as an unsigned number: saving a matrix compares it with 31.
     unsigned Kind() const noexcept { return static_cast<unsigned>(kind_); }
     RkMatrixType Type() const noexcept { return type_; }
     /// Number of origins.

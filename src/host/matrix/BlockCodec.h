@@ -19,8 +19,8 @@ namespace cubes::matrix {
 /// Deflate makes nothing smaller than about a thousandth.
 inline constexpr std::size_t mostInflation = 1040;
 
-/// Does to a chunk of elements what HDF5's own shuffle and deflate filters do, faster. One thread
-/// at a time may use an object.
+/// Encodes a chunk of elements as HDF5's own shuffle and deflate filters do, but faster. One thread at a time may use
+/// an object.
 class BlockEncoder {
 public:
     explicit BlockEncoder(Filters filters);
@@ -43,7 +43,7 @@ public:
     BlockDecoder(BlockDecoder const&) = delete;
     BlockDecoder& operator=(BlockDecoder const&) = delete;
 
-    /// Gives the elements of a chunk. `skipped` has a bit for each filter that the writer left out.
+    /// Decodes a chunk. `skipped` has a bit for each filter that the writer skipped.
     /// Throws std::runtime_error unless they come to exactly the size of `elements`.
     void decode(std::span<std::byte const> stored, unsigned skipped, std::span<float> elements);
 

@@ -11,7 +11,7 @@
 
 namespace cubes::matrix {
 
-/// What a TRkMatrix holds: elements, and where they belong.
+/// The elements of a TRkMatrix and the file they belong to.
 class Body : public virtual TRkBaseMatrix {
 public:
     explicit Body(std::string file) : file_(std::move(file)) {}
@@ -25,7 +25,7 @@ public:
     virtual float* all() = 0;
     /// The same for writing.
     virtual float* writableAll() { return all(); }
-    /// Takes over all elements; `header` is that of this matrix.
+    /// Copies all elements; `header` is that of this matrix.
     virtual void assign(TRkMatrixHeader const& header, float const* elements) = 0;
     /// Releases cached rows; returns whether nothing was left unsaved.
     virtual bool release() { return false; }
@@ -69,11 +69,11 @@ private:
     std::unique_ptr<Elements> elements_;
 };
 
-/// A matrix for a new file. Its elements are in memory while they are filled by rows; the file
-/// takes its place when all are assigned, or at the end.
+/// A matrix for a new file. Its elements are in memory while they are filled by rows; the file is written when all are
+/// assigned, or at the end.
 class NewFileBody : public Body {
 public:
-    /// Makes the temporary file, so that a place where nothing can be written is known at once.
+    /// Creates the temporary file, so that a directory that cannot be written to is reported at once.
     NewFileBody(std::string file, int rows, int columns);
 
     float* row(int row) override;

@@ -13,7 +13,7 @@ namespace cubes::matrix {
 
 [[noreturn]] inline void throwFailure(
     char const* action, std::string const& file, std::string const& reason, std::error_code code = {}) {
-    throw TRkMatrixException(std::string(action) + " " + file + ": " + reason, file, code);
+    throw TRkMatrixException(action + (file.empty() ? file : " " + file) + ": " + reason, file, code);
 }
 
 /// The system's error in a reason of HDF5, which knows it as text only: "... errno = 28, error message = ...".

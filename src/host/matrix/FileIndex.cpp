@@ -47,8 +47,9 @@ std::vector<Value> readAt(std::span<std::byte const> file, std::uint64_t offset,
     return values;
 }
 
+// Cannot overflow: both factors have 31 bits.
 std::uint64_t elementsBytes(std::int32_t rows, std::int32_t columns) {
-    return elementCount(static_cast<std::uint64_t>(rows), static_cast<std::uint64_t>(columns)) * sizeof(float);
+    return static_cast<std::uint64_t>(rows) * static_cast<std::uint64_t>(columns) * sizeof(float);
 }
 
 Extent zonesExtent(std::uint64_t offset, std::int32_t rows) {

@@ -59,7 +59,7 @@ std::vector<Run> runsOf(OmxWriter const& writer, MatrixContent const& content, B
     std::vector<Run> runs;
     for (std::size_t band = 0; band < bands.count(); ++band) {
         ChunkPlace const place = writer.chunkPlace(bands.firstRow(band));
-        if (place.offset == 0) throw std::runtime_error("HDF5 gave the elements no place");
+        if (place.offset == 0) throw std::runtime_error("HDF5 allocated no space for the elements");
         runs.push_back({{place.offset, place.size}, std::as_bytes(bands.elements(band, content.elements))});
     }
     return runs;

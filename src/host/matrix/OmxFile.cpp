@@ -22,7 +22,7 @@ auto reading(std::string const& path, Work const& work) {
 
 void requireTableName(std::string const& name) {
     if (name.empty() || name == "." || name.find('/') != std::string::npos)
-        throw std::runtime_error("\"" + name + "\" can't be the name of a table");
+        throw std::runtime_error("\"" + name + "\" is not a valid name of a table");
 }
 
 }

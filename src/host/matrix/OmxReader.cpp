@@ -1,5 +1,7 @@
 #include "host/matrix/OmxReader.h"
 
+#include "host/matrix/Elements.h"
+
 #include <xxhash.h>
 
 #include <algorithm>
@@ -118,7 +120,7 @@ bool isUsualName(std::string name) {
     return std::find(usualNames.begin(), usualNames.end(), name) != usualNames.end();
 }
 
-// "" when there is no telling.
+// Empty when it is not clear which lookup has them.
 std::string zoneLookup(std::vector<std::string> const& names) {
     auto const usual = std::find_if(names.begin(), names.end(), isUsualName);
     if (usual != names.end()) return *usual;
@@ -241,11 +243,12 @@ void OmxTable::readLayout() {
 std::optional<bool> OmxTable::isIntact() const {
     auto const recorded = recordedIds();
     if (!recorded.content.isKnown() && !recorded.checksum) return std::nullopt;
-    std::vector<float> elements(
-        elementCount(static_cast<std::uint64_t>(header_.rows), static_cast<std::uint64_t>(header_.columns)));
-    readAll(elements.data());
-    if (recorded.content.isKnown()) return contentId(recorded.header, elements.data()) == recorded.content;
-    return XXH3_64bits(elements.data(), elements.size() * sizeof(float)) == *recorded.checksum;
+    MemoryElements elements(header_.rows, header_.columns);
+    readAll(elements.all());
+    if (recorded.content.isKnown()) return contentId(recorded.header, elements.all()) == recorded.content;
+    auto const count =
+        elementCount(static_cast<std::uint64_t>(header_.rows), static_cast<std::uint64_t>(header_.columns));
+    return XXH3_64bits(elements.all(), count * sizeof(float)) == *recorded.checksum;
 }
 
 OmxTable::RecordedIds OmxTable::recordedIds() const {
@@ -300,7 +303,7 @@ void OmxTable::inflate(BlockDecoder& decoder, std::size_t band, float* all) cons
 }
 
 OmxReader::OmxReader(std::string const& path) {
-    // Missing, unreadable and empty files in plainer words than HDF5's.
+    // Missing, unreadable and empty files get a clearer message than HDF5's.
     auto file = platform::File::openForReading(path);
     if (file.size() == 0) throw std::runtime_error("it is empty");
     hdf5::Session const session;

@@ -31,9 +31,9 @@ SelectedLinkBody::SelectedLinkBody(std::string file, TRkMatrixHeader const& head
 
 void SelectedLinkBody::Add(int row, int column, float value) {
     if (!lies(row, header_.Rows()) || !lies(column, header_.Columns()))
-        throwFailure("cannot add to pair", file(),
-            std::to_string(row) + ", " + std::to_string(column) + ": the matrix has " + std::to_string(header_.Rows()) +
-                " rows and " + std::to_string(header_.Columns()) + " columns");
+        throwFailure("cannot add to an OD pair of", file(),
+            "there is no pair " + std::to_string(row) + ", " + std::to_string(column) + "; the matrix has " +
+                std::to_string(header_.Rows()) + " rows and " + std::to_string(header_.Columns()) + " columns");
     // All are read at once: the file is replaced when this is flushed, and nothing may hold it then.
     elements_->all();
     elements_->row(row)[column] += value;

@@ -13,8 +13,8 @@ namespace cubes::matrix {
 /// A selected-link matrix, new or opened from its file.
 class SelectedLinkBody : public Body, public TRkVLSelectedLinkMatrix {
 public:
-    /// For a new file, or for none. Makes the temporary file, so that a place where nothing can be
-    /// written is known at once. REQUIRES: the header outlives this object.
+    /// For a new file, or for none. Creates the temporary file, so that a directory that cannot be written to is
+    /// reported at once. REQUIRES: the header outlives this object.
     SelectedLinkBody(std::string file, TRkMatrixHeader const& header);
     SelectedLinkBody(std::string file, TRkMatrixHeader const& header, OpenedFile opened);
 
@@ -35,7 +35,7 @@ private:
 
     TRkMatrixHeader const& header_;
     std::unique_ptr<FileBody> elements_;
-    // Made beforehand for a new file; gone with the first attempt to write it.
+    // Created beforehand for a new file; used up by the first attempt to write it.
     mutable std::optional<StagedFile> staged_;
     bool isNew_;
     mutable bool hasFile_;

@@ -22,8 +22,8 @@ using hdf5::Provenance;
 /// What fails throws TRkMatrixException ("cannot write matrix file <target>: ..."); the target is then as before.
 class StagedFile {
 public:
-    /// Makes the empty file, so that a place where nothing can be written is known at once. Throws std::system_error,
-    /// or std::runtime_error where the target has no name or is a directory.
+    /// Creates the empty file, so that a directory that cannot be written to is reported at once. Throws
+    /// std::system_error, or std::runtime_error when the target has no name or is a directory.
     explicit StagedFile(std::string const& target);
 
     /// Writes a matrix, plain or deflate as the rule of the directory says.
@@ -44,7 +44,7 @@ private:
     std::unique_ptr<platform::TemporaryFile> temporary_;
 };
 
-/// Writes a matrix file and puts it in place. Throws like StagedFile.
+/// Writes a matrix file and replaces the target with it. Throws TRkMatrixException; then the target is as before.
 void replaceMatrixFile(std::string const& target, MatrixContent const& content);
 
 /// The header of a matrix as its file keeps it.

@@ -25,7 +25,7 @@ struct TRkMatrix::State {
     std::string file;
     RkLockState lock = lsNone;
     std::string reason;
-    // Given up last: what the body finishes at its end is written under the lock.
+    // Released last: what the body writes at its end is written under the lock.
     std::optional<WriteLock> writeLock;
     std::unique_ptr<cubes::matrix::Body> body;
     // The positions in the order of their zone numbers; made by the first search.
@@ -62,8 +62,8 @@ struct TRkMatrix::State {
     cubes::matrix::Body& bodyWithRow(int row) const {
         cubes::matrix::Body& usable = usableBody();
         if (row < 0 || row >= header.Rows())
-            throw TRkMatrixException("there is no row " + std::to_string(row) + " in a matrix of " +
-                                         std::to_string(header.Rows()) + " rows" + (file.empty() ? "" : ", " + file),
+            throw TRkMatrixException("cannot read row " + std::to_string(row) + (file.empty() ? "" : " of " + file) +
+                                         ": the matrix has " + std::to_string(header.Rows()) + " rows",
                 file);
         return usable;
     }
@@ -174,7 +174,7 @@ TRkMatrix TRkMatrix::inMemory(int rows, int columns) {
     matrix.state_ = std::make_unique<State>();
     matrix.state_->header = TRkMatrixHeader(rows, columns, mtMatrixCube, mkDefault);
     std::string const size = std::to_string(rows) + " x " + std::to_string(columns);
-    describingFailure(("cannot make a matrix of " + size + " elements").c_str(), {},
+    describingFailure(("cannot create a matrix of " + size + " elements").c_str(), {},
         [&] { matrix.state_->body = std::make_unique<MemoryBody>(rows, columns); });
     return matrix;
 }
@@ -198,7 +198,7 @@ TRkMatrix::~TRkMatrix() {
     try {
         state_->body->finish(state_->header);
     } catch (std::exception const&) {
-        // A destructor has no one to tell; the old file is still there.
+        // A destructor cannot report it; the old file is still there.
     }
 }
 
@@ -219,7 +219,11 @@ void TRkMatrix::AssignFrom(TRkMatrix const& source) {
     if (!source.IsValid())
         throw TRkMatrixException("cannot assign a matrix that is not valid: " + source.Reason(), FileName());
     if (source.Rows() != Rows() || source.Columns() != Columns())
-        throw TRkMatrixException("cannot assign a matrix of other dimensions", FileName());
+        throw TRkMatrixException("cannot assign a matrix of " + std::to_string(source.Rows()) + " x " +
+                                     std::to_string(source.Columns()) + " elements to one of " +
+                                     std::to_string(Rows()) + " x " + std::to_string(Columns()) +
+                                     (state_->file.empty() ? "" : ", " + state_->file),
+            FileName());
     try {
         state_->setZones(source.Zones());
         state_->body->assign(state_->header, source.Elements().data());

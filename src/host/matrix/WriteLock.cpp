@@ -66,7 +66,7 @@ WriteLock::WriteLock(std::string const& path, Purpose purpose) : key_(keyOf(path
     auto& known = Register<Held>::instance();
     std::lock_guard const guard(known.mutex);
     held_ = known.byKey[key_].lock();
-    // A forked process has its parent's objects but not its parent's rights.
+    // A forked process has its parent's objects but not its parent's locks.
     if (held_ && held_->process != platform::processId()) held_.reset();
     if (held_ && (purpose == Purpose::open || held_->created)) {
         held_.reset();

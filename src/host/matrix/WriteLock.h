@@ -10,7 +10,7 @@ namespace cubes::matrix {
 class LockRefused : public std::runtime_error {
 public:
     explicit LockRefused(std::string file)
-        : std::runtime_error("another program or object is writing the file; try again later"),
+        : std::runtime_error("it is locked by another writer; try again later"),
           file_(std::move(file)) {}
 
     std::string const& file() const noexcept { return file_; }
@@ -19,18 +19,18 @@ private:
     std::string file_;
 };
 
-/// The exclusive right to write a matrix file, while the object lives. It belongs to the name, not
-/// to the file of the moment, so it outlives the file's replacement: it is a lock on one byte of
-/// the file ".cubes-lock" in the same directory, at a place computed from the name.
+/// An exclusive lock for writing a matrix file, held while the object lives. It belongs to the name, not to the file of
+/// the moment, so it outlives the file's replacement: it is a lock on one byte of the file ".cubes-lock" in the same
+/// directory, at an offset computed from the name.
 ///
-/// Others that open or create the file for writing are refused, in this process and in others,
-/// with one exception: a process may create a file anew (save onto it) that it has open itself.
+/// Others that open or create the file for writing are refused, in this process and in others, with one exception: a
+/// process may save onto a file that it has open itself. Objects may be created and destroyed in any thread.
 class WriteLock {
 public:
     enum class Purpose { open, create };
 
-    /// Throws LockRefused, or std::system_error when the lock cannot be asked for, as in a
-    /// directory that cannot be written to.
+    /// Throws LockRefused, or std::system_error when the lock cannot be requested, as in a directory
+    /// without write permission.
     WriteLock(std::string const& path, Purpose purpose);
     WriteLock(WriteLock const&) = delete;
     WriteLock& operator=(WriteLock const&) = delete;
@@ -39,7 +39,7 @@ public:
 private:
     std::string key_;
     Purpose purpose_;
-    // Shared: an object that creates a file which this process has open rests on the same lock.
+    // Shared: an object that creates a file which this process has open uses the same lock.
     struct Held;
     std::shared_ptr<Held> held_;
 };

@@ -50,7 +50,7 @@ protected:
 
 }
 
-TEST_P(EachDamagedStorage, aFileCutShortIsNotValid) {
+TEST_P(EachDamagedStorage, aTruncatedFileIsNotValid) {
     std::mt19937 random(7);
     std::vector<std::size_t> lengths = {1, 7, 8, 47, 48, 96, 512, 2048, 3000, 3512, 4096, 4097, bytes.size() - 1};
     for (int i = 0; i < 40; ++i) lengths.push_back(1 + random() % (bytes.size() - 1));
@@ -75,7 +75,7 @@ TEST_P(EachDamagedStorage, aChangedByteInTheStructureNeverCrashes) {
 }
 
 // A record may hold and yet lead anywhere: whoever writes such a file knows how to compute a checksum.
-TEST_P(EachDamagedStorage, aRecordThatLeadsAstrayNeverCrashes) {
+TEST_P(EachDamagedStorage, aRecordWithWrongPlacesNeverCrashes) {
     namespace hdf5 = cubes::hdf5;
     auto const original = hdf5::findRecord(std::as_bytes(std::span(bytes)));
     ASSERT_TRUE(original);
@@ -102,7 +102,7 @@ TEST_P(EachDamagedStorage, aFileOfNoiseOrZerosIsNotValid) {
     }
 }
 
-TEST_P(EachDamagedStorage, aChangedElementIsFoundByTheChecksum) {
+TEST_P(EachDamagedStorage, aChangedElementIsFoundByTheContentId) {
     EXPECT_TRUE(cubes::OmxFile::open(good).isIntact("matrix"));
     std::string damaged = bytes;
     std::size_t const place = damaged.size() - 2000;
@@ -117,7 +117,7 @@ TEST_P(EachDamagedStorage, aChangedElementIsFoundByTheChecksum) {
     EXPECT_FALSE(intact);
 }
 
-TEST_P(EachDamagedStorage, bytesBehindTheEndDoNoHarm) {
+TEST_P(EachDamagedStorage, bytesAfterTheEndAreIgnored) {
     writeFile(file, bytes + "more");
     EXPECT_EQ(difference(opened(file), opened(good)), "");
 }
@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(DamagedFile, EachDamagedStorage,
     testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
     [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
 
-TEST(DamagedFile, namesAndReasonsOfThingsThatAreNoFiles) {
+TEST(DamagedFile, whatIsNotARegularFileIsRefusedWithItsNameAndACause) {
     TempDir const directory;
     TRkMatrix const none(nullptr, 1, nullptr, true, mkDefault, lsNone, 0);
     EXPECT_FALSE(none.IsValid());

@@ -90,7 +90,7 @@ TEST_P(EachFailure, everyFailingStepLeavesTheOldFileOrTheNewOne) {
     EXPECT_GT(steps, 6);
 }
 
-TEST_P(EachFailure, everyFailingStepAtTheEndOfAMatrixFilledByRowsIsSilent) {
+TEST_P(EachFailure, everyFailingStepInTheDestructorLeavesTheOldFileOrTheNewOne) {
     TRkMatrix const source = times(90, 90);
     int steps = 0;
     for (bool failed = true; failed; ++steps) {
@@ -110,7 +110,7 @@ TEST_P(EachFailure, everyFailingStepAtTheEndOfAMatrixFilledByRowsIsSilent) {
     EXPECT_GT(steps, 5);
 }
 
-TEST_P(EachFailure, theReasonNamesTheFileAndTheSystemsWords) {
+TEST_P(EachFailure, theReasonNamesTheFileAndTheSystemsMessage) {
     FailingSystem const system(4, ENOSPC);
     TRkMatrix target = created(file, 90, 90);
     target.AssignFrom(times(90, 90));
@@ -139,7 +139,7 @@ TEST_P(EachFailure, aFullDiskLeavesTheOldFile) {
     EXPECT_TRUE(save(times(50, 50), target));
 }
 
-TEST_P(EachFailure, aReadOnlyDiskIsReadAndRefusedForWriting) {
+TEST_P(EachFailure, aReadOnlyDiskIsReadButNotWritten) {
     std::string const mountPoint = directory.file("disk");
     std::filesystem::create_directory(mountPoint);
     SmallDisk const disk(mountPoint, "size=1m");
@@ -156,7 +156,7 @@ TEST_P(EachFailure, aReadOnlyDiskIsReadAndRefusedForWriting) {
     }
 }
 
-TEST_P(EachFailure, aProcessThatIsKilledLeavesTheOldFileAndANameThatTellsWhatItIs) {
+TEST_P(EachFailure, aKilledProcessLeavesTheOldFileAndATemporaryFile) {
     pid_t const child = fork();
     if (child == 0) {
         TRkMatrix target = created(file, 90, 90);
@@ -197,7 +197,7 @@ TEST(Failure, keepsTheSystemsErrorWhateverStepFails) {
     EXPECT_GT(steps, 5);
 }
 
-TEST(Failure, aSourceThatCanNotBeReadAnyMoreLeavesTheOldFile) {
+TEST(Failure, aSourceThatCanNoLongerBeReadLeavesTheOldFile) {
     TempDir const directory;
     std::string const file = directory.file("a.skm");
     ASSERT_TRUE(save(numbered(3, 3), file));

@@ -115,7 +115,7 @@ with h5py.File(sys.argv[1] + '/latest', 'w', libver='latest') as f:
     EXPECT_EQ(files, 14);
 }
 
-TEST(ForeignFile, numbersOutsideSinglePrecisionPassAsTheyAre) {
+TEST(ForeignFile, numbersOutsideSinglePrecisionBecomeInfiniteOrNan) {
     TempDir const directory;
     std::string const file =
         makeWithH5py("f['data/t'] = np.array([[1e300, -1e300, np.nan, 1e-300, -0.0, np.inf]])", directory);
@@ -129,7 +129,7 @@ TEST(ForeignFile, numbersOutsideSinglePrecisionPassAsTheyAre) {
     EXPECT_EQ(row[5], std::numeric_limits<float>::infinity());
 }
 
-TEST(ForeignFile, aFillValueStandsForChunksThatWereNeverWritten) {
+TEST(ForeignFile, chunksThatWereNeverWrittenHaveTheFillValue) {
     TempDir const directory;
     std::string const file = makeWithH5py(
         "d = f.create_dataset('data/t', (20, 10), 'f4', chunks=(5, 10), compression='gzip', fillvalue=-1)\n"
@@ -141,7 +141,7 @@ TEST(ForeignFile, aFillValueStandsForChunksThatWereNeverWritten) {
     EXPECT_EQ(matrix.RowAt(7, 8)[4], -1);
 }
 
-TEST(ForeignFile, aFilterThatWasSkippedForAChunkIsNotUndone) {
+TEST(ForeignFile, aFilterThatWasSkippedForAChunkIsNotReversed) {
     TempDir const directory;
     std::string const file = makeWithH5py(R"(
 e = np.arange(40, dtype='<f4').reshape(4, 10)
@@ -204,7 +204,7 @@ TEST(ForeignFile, aTableIsChosenByNameWhereThereAreSeveral) {
     EXPECT_EQ(opened(directory.file("1")).RowAt(2, 8)[2], 7);
 }
 
-TEST(ForeignFile, whatIsNoMatrixIsRefusedWithAReason) {
+TEST(ForeignFile, aFileWithoutAMatrixIsRefusedWithTheCause) {
     TempDir const directory;
     struct Case {
         std::string program;
@@ -260,7 +260,7 @@ TEST(OmxFile, keepsTheStateItWasOpenedOn) {
     EXPECT_EQ(difference(OmxFile::open(file).read("matrix"), times(5, 5)), "");
 }
 
-TEST(OmxFile, isToldToEndWhereAnotherProgramCutIt) {
+TEST(OmxFile, reportsAFileThatAnotherProgramTruncated) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     OmxFile::write(file, "matrix", numbered(300, 300));
@@ -275,7 +275,7 @@ TEST(OmxFile, isToldToEndWhereAnotherProgramCutIt) {
     }
 }
 
-TEST(OmxFile, aFileThatCanNotBeOpenedIsNamedWithTheReason) {
+TEST(OmxFile, namesAFileThatCannotBeOpenedWithTheCause) {
     TempDir const directory;
     writeFile(directory.file("empty"), "");
     writeFile(directory.file("text"), "origin,destination,value\n");

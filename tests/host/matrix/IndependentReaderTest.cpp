@@ -72,7 +72,7 @@ TEST_P(EachStorageRead, h5pyReadsEveryElementBitByBit) {
         "(700, 300) float32 True\n");
 }
 
-TEST_P(EachStorageRead, h5pyFindsWhatOmxAsksForAndWhatWeAdd) {
+TEST_P(EachStorageRead, h5pyFindsWhatOmxRequiresAndOurAdditions) {
     saveWithEverything(file);
     EXPECT_EQ(python(R"(
 f = h5py.File(file)
@@ -88,7 +88,7 @@ print(len(d.attrs['cubes_content']), 'cubes_checksum' in d.attrs)
         "CARRAY 23 6 Base [1,2,3,4]\n32 False\n");
 }
 
-TEST_P(EachStorageRead, h5pyReadsANameOfAnyLetters) {
+TEST_P(EachStorageRead, h5pyReadsANameBeyondAscii) {
     std::string const name = cubes::platform::fromUtf8("Zürich");
     {
         TRkMatrix target(3, 3, mtFare, file.c_str(), 1, name.c_str(), "", true, mkTransit, lsNone);
@@ -103,7 +103,7 @@ TEST_P(EachStorageRead, h5pyReadsANameOfAnyLetters) {
     EXPECT_EQ(opened(file).Name().str(), name);
 }
 
-TEST_P(EachStorageRead, pyTablesListsTheMatrixAsOmxToolsDo) {
+TEST_P(EachStorageRead, pyTablesListsTheMatrixAsOmxToolsExpect) {
     saveWithEverything(file);
     EXPECT_EQ(python(R"(
 import warnings
@@ -124,7 +124,7 @@ TEST_P(EachStorageRead, aMatrixOfZerosIsReadAsZeros) {
     EXPECT_EQ(python("m = h5py.File(file)['data/matrix'][:]; print(m.shape, abs(m).sum())", file), "(600, 600) 0.0\n");
 }
 
-TEST_P(EachStorageRead, whatAnotherProgramChangesInTheFileIsSeen) {
+TEST_P(EachStorageRead, changesByAnotherProgramAreRead) {
     saveWithEverything(file);
     python("f = h5py.File(file, 'r+'); f['data/matrix'][1, 2] = 99; f['data/matrix'].attrs['cubes_kind'] = 31", file);
     EXPECT_EQ(opened(file).RowAt(1, 8)[2], 99);
@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(IndependentReader, EachStorageRead,
     testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
     [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
 
-TEST(PlainStorage, isOneUnfilteredChunkOnAPageBorder) {
+TEST(PlainStorage, isOneUnfilteredChunkOnAPageBoundary) {
     TempDir const directory;
     ASSERT_TRUE(save(times(300, 200), directory.file("a.omx")));
     EXPECT_EQ(python(R"(
@@ -156,7 +156,7 @@ print((np.frombuffer(raw, '<f4').reshape(300, 200) == d[:]).all())
         "(300, 200) None False 1 0 240000\nTrue\n");
 }
 
-TEST(PlainStorage, hasKnownBytesAtAKnownPlace) {
+TEST(PlainStorage, hasKnownBytesAtAKnownOffset) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     TRkMatrix matrix = TRkMatrix::inMemory(40, 30);
@@ -172,7 +172,7 @@ TEST(PlainStorage, hasKnownBytesAtAKnownPlace) {
 }
 
 // The example of docs/matrix-file.md.
-TEST(PlainStorage, isLaidOutAsTheDocumentationShows) {
+TEST(PlainStorage, hasTheBytesOfTheDocumentation) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     {
@@ -225,7 +225,7 @@ for size in (1, 5, 31, 32, 33, 500, 1200):
         ours);
 }
 
-TEST(PlainStorage, aNameTooLongForTheIndexIsStillRead) {
+TEST(PlainStorage, aNameTooLongForTheRecordIsStillRead) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     std::string const name(5000, 'n');
@@ -239,7 +239,7 @@ TEST(PlainStorage, aNameTooLongForTheIndexIsStillRead) {
     EXPECT_EQ(python("print((h5py.File(file)['data/matrix'][29, 39]))", file), "29039.0\n");
 }
 
-TEST(PlainStorage, matricesBeyondTheChunkLimitLieInOnePieceAllTheSame) {
+TEST(PlainStorage, matricesBeyondTheChunkLimitAreStillContiguous) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     TRkMatrix const matrix = numbered(2500, 7);
@@ -254,7 +254,7 @@ TEST(PlainStorage, matricesBeyondTheChunkLimitLieInOnePieceAllTheSame) {
     EXPECT_EQ(difference(opened(file), matrix), "");
 }
 
-TEST(DeflateStorage, isSmallAndLeavesZerosOut) {
+TEST(DeflateStorage, isSmallAndOmitsChunksOfZeros) {
     TempDir const directory;
     cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::process});
     TRkMatrix sparse = TRkMatrix::inMemory(1000, 1000);
@@ -299,7 +299,7 @@ TEST(DeflateStorage, hasAnIndexThatAgreesWithHdf5) {
     }
 }
 
-TEST(DeflateStorage, hasAnIndexThatEndsWithAnyChangeOfItsStructure) {
+TEST(DeflateStorage, hasAnIndexThatIsIgnoredAfterAnyChangeOfTheStructure) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::process});
@@ -314,7 +314,7 @@ TEST(DeflateStorage, hasAnIndexThatEndsWithAnyChangeOfItsStructure) {
     }
 }
 
-TEST(MatrixFile, theContentIdIsThatOfShapeElementsAndZones) {
+TEST(MatrixFile, hasTheContentIdOfItsShapeElementsAndZones) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     for (auto storage : {cubes::Storage::plain, cubes::Storage::deflate}) {

@@ -30,7 +30,7 @@ struct Size {
 
 }
 
-TEST_P(EachStorage, givesBackWhatWasSaved) {
+TEST_P(EachStorage, readsWhatWasSaved) {
     for (auto const [rows, columns] : {Size{1, 1}, {3, 5}, {5, 3}, {1, 2000}, {2000, 1}, {31, 33}, {400, 700}}) {
         TRkMatrix const source = times(rows, columns);
         ASSERT_TRUE(save(source, file));
@@ -39,13 +39,13 @@ TEST_P(EachStorage, givesBackWhatWasSaved) {
     }
 }
 
-TEST_P(EachStorage, givesBackAnyRowAlone) {
+TEST_P(EachStorage, readsAnySingleRow) {
     TRkMatrix const source = times(700, 400);
     ASSERT_TRUE(save(source, file));
     for (int row : {0, 163, 164, 350, 699}) EXPECT_EQ(opened(file).RowAt(row, 8)[399], source.RowAt(row, 8)[399]);
 }
 
-TEST_P(EachStorage, givesBackAMatrixWhoseRowsAreMostlyZero) {
+TEST_P(EachStorage, readsAMatrixOfMostlyZeros) {
     for (int const filled : {0, 350, 699}) {
         TRkMatrix source = TRkMatrix::inMemory(700, 400);
         source.RowAt(filled, 8)[399] = 5;
@@ -55,7 +55,7 @@ TEST_P(EachStorage, givesBackAMatrixWhoseRowsAreMostlyZero) {
     }
 }
 
-TEST_P(EachStorage, keepsRowsThatWereHandedOutAndWhatWasWrittenToThem) {
+TEST_P(EachStorage, keepsReturnedRowsAndWhatWasWrittenToThem) {
     ASSERT_TRUE(save(times(700, 400), file));
     TRkMatrix matrix = opened(file);
     float* const early = matrix.RowAt(350, 8);
@@ -142,7 +142,7 @@ TEST_P(EachStorage, aMatrixCanBeSavedOntoTheFileItIsReadFrom) {
     EXPECT_EQ(opened(file).RowAt(2, 8)[1], -5);
 }
 
-TEST_P(EachStorage, rowsThatWereFilledArePublishedAtTheEnd) {
+TEST_P(EachStorage, filledRowsAreWrittenByTheDestructor) {
     {
         TRkMatrix target = created(file, 3, 2);
         target.RowAt(2, 0)[1] = 4;
@@ -208,7 +208,7 @@ TEST(MatrixFile, nothingAppearsWhenNothingWasWritten) {
     EXPECT_EQ(listing(directory.str()), "a.skm\n");
 }
 
-TEST(MatrixFile, releaseClosesTheFileAndRowsOpenItAgain) {
+TEST(MatrixFile, releaseClosesTheFileAndRowsReopenIt) {
     TempDir const directory;
     std::string const file = directory.file("a.skm");
     ASSERT_TRUE(save(numbered(3, 3), file));
@@ -272,7 +272,7 @@ TEST(MatrixFile, theStateCodeIsTheLockState) {
     EXPECT_STREQ(opened(file).Body()->FileName(), file.c_str());
 }
 
-TEST(MatrixFile, whatCanNotBeCreatedIsNotValid) {
+TEST(MatrixFile, aFileThatCannotBeCreatedIsNotValid) {
     TempDir const directory;
     std::filesystem::create_directory(directory.file("d"));
     struct Case {
@@ -386,7 +386,7 @@ TEST(Matrix, refusesSpansOfWhatIsNotThere) {
     EXPECT_THROW(matrix.WritableRow(-1), TRkMatrixException);
 }
 
-TEST(Matrix, objectsOfDifferentThreadsDoNotMeet) {
+TEST(Matrix, objectsInDifferentThreadsAreIndependent) {
     TempDir const directory;
     std::atomic<int> correct = 0;
     auto const work = [&](int number) {

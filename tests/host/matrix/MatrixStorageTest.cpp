@@ -6,13 +6,13 @@
 
 using namespace cubes;
 
-TEST(MatrixStorageRule, isPlainAndFullUnlessADirectoryHasAnother) {
+TEST(MatrixStorageRule, isPlainAndFullByDefault) {
     MatrixStorage const rule = matrixStorage("/no/rule/here");
     EXPECT_EQ(rule.storage, Storage::plain);
     EXPECT_EQ(rule.durability, Durability::full);
 }
 
-TEST(MatrixStorageRule, holdsForADirectoryHoweverItIsWritten) {
+TEST(MatrixStorageRule, appliesToADirectoryHoweverItsPathIsWritten) {
     test::TempDir const directory;
     setMatrixStorage(directory.str() + "/x/", {Storage::deflate, Durability::process});
     for (char const* way : {"x", "x/", "x//", "./x", "y/../x/"}) {

@@ -8,7 +8,7 @@
 
 namespace cubes::test {
 
-/// A matrix in memory whose elements tell their place: 1000 * row + column.
+/// A matrix in memory with the elements 1000 * row + column.
 TRkMatrix numbered(int rows, int columns);
 /// A dense matrix of made-up travel times, the same for the same dimensions.
 TRkMatrix times(int rows, int columns);
@@ -17,7 +17,7 @@ TRkMatrix times(int rows, int columns);
 TRkMatrix created(std::string const& file, int rows, int columns, int lock = 0, char const* name = "");
 /// An object opened on a file.
 TRkMatrix opened(std::string const& file, int lock = 0, int kind = 0, char const* name = "");
-/// Saves a matrix as a file and tells whether that worked.
+/// Saves a matrix as a file; returns whether that succeeded.
 bool save(TRkMatrix const& matrix, std::string const& file, int lock = 0);
 
 /// The first difference between two matrices, bit by bit; empty when there is none.

@@ -29,7 +29,7 @@ protected:
     TempDir directory_;
 };
 
-TEST_F(SelectedLinkMatrix, addsUpThePairsItIsGiven) {
+TEST_F(SelectedLinkMatrix, sumsTheValuesAddedToOdPairs) {
     TRkMatrix matrix = made();
     links(matrix).Add(0, 2, 1.5f);
     links(matrix).Add(0, 2, 2);
@@ -44,14 +44,14 @@ TEST_F(SelectedLinkMatrix, addsUpThePairsItIsGiven) {
     EXPECT_STREQ(matrix.FileName(), file().c_str());
 }
 
-TEST_F(SelectedLinkMatrix, refusesPairsOutsideTheMatrix) {
+TEST_F(SelectedLinkMatrix, refusesOdPairsOutsideTheMatrix) {
     TRkMatrix matrix = made(2, 3);
     for (auto const& [row, column] : {std::pair(-1, 0), std::pair(2, 0), std::pair(0, -1), std::pair(0, 3)})
         EXPECT_THROW(links(matrix).Add(row, column, 1), TRkMatrixException);
     EXPECT_THROW(TRkMatrix::selectedLink(0, 3, ""), TRkMatrixException);
 }
 
-TEST_F(SelectedLinkMatrix, isAnOrdinaryMatrixForReadersOnceFlushed) {
+TEST_F(SelectedLinkMatrix, isAnOrdinaryMatrixForOtherReaders) {
     TRkMatrix matrix = made(2, 3);
     links(matrix).Add(1, 2, 4);
     links(matrix).Flush();
@@ -67,7 +67,7 @@ TEST_F(SelectedLinkMatrix, isAnOrdinaryMatrixForReadersOnceFlushed) {
     EXPECT_EQ(seen.output, "(2, 3) gzip [[0.0, 0.0, 0.0], [0.0, 0.0, 4.0]] 1\n") << seen.errors;
 }
 
-TEST_F(SelectedLinkMatrix, isOneAgainWhenItsFileIsOpened) {
+TEST_F(SelectedLinkMatrix, isASelectedLinkMatrixWhenItsFileIsOpened) {
     {
         TRkMatrix matrix = made();
         links(matrix).Add(0, 1, 4);
@@ -83,7 +83,7 @@ TEST_F(SelectedLinkMatrix, isOneAgainWhenItsFileIsOpened) {
     EXPECT_NE(dynamic_cast<TRkVLSelectedLinkMatrix const*>(opened().Body()), nullptr);
 }
 
-TEST_F(SelectedLinkMatrix, isNotOneWhenItsElementsWereAssigned) {
+TEST_F(SelectedLinkMatrix, isAnOrdinaryMatrixWhenItsElementsWereAssignedToOne) {
     TRkMatrix matrix = made();
     {
         TRkMatrix plain(3, 3, mtSkim, file().c_str(), 1, "", "", true, mkSkim, lsRead);
@@ -93,7 +93,7 @@ TEST_F(SelectedLinkMatrix, isNotOneWhenItsElementsWereAssigned) {
     EXPECT_EQ(dynamic_cast<TRkVLSelectedLinkMatrix const*>(TRkMatrix::inMemory(3, 3).Body()), nullptr);
 }
 
-TEST_F(SelectedLinkMatrix, writesTheFileWhenThereIsSomethingNew) {
+TEST_F(SelectedLinkMatrix, writesTheFileWhenItIsMissingOrOutdated) {
     TRkMatrix matrix = made();
     EXPECT_FALSE(fs::exists(file()));
     links(matrix).Flush();
@@ -109,7 +109,7 @@ TEST_F(SelectedLinkMatrix, writesTheFileWhenThereIsSomethingNew) {
     EXPECT_EQ(opened().RowAt(0, 8)[0], 1.0f);
 }
 
-TEST_F(SelectedLinkMatrix, isFlushedAtItsEndWhenValuesWereAdded) {
+TEST_F(SelectedLinkMatrix, isFlushedByTheDestructorWhenValuesWereAdded) {
     { TRkMatrix const untouched = made(); }
     EXPECT_EQ(files(), "");
     {
@@ -121,7 +121,7 @@ TEST_F(SelectedLinkMatrix, isFlushedAtItsEndWhenValuesWereAdded) {
     EXPECT_EQ(opened().RowAt(0, 8)[0], 1.0f);
 }
 
-TEST_F(SelectedLinkMatrix, takesElementsByRowAndByAssignmentToo) {
+TEST_F(SelectedLinkMatrix, canBeFilledByRowsAndByAssignment) {
     {
         TRkMatrix byRow = made();
         byRow.RowAt(1, 8)[1] = 3;
@@ -168,7 +168,7 @@ TEST_F(SelectedLinkMatrix, isNotValidWhereNoFileCanBeMade) {
     EXPECT_FALSE(TRkMatrix::selectedLink(2, 2, directory_.str().c_str()).IsValid());
 }
 
-TEST_F(SelectedLinkMatrix, tellsWhenItCannotBeFlushed) {
+TEST_F(SelectedLinkMatrix, throwsWhenItCannotBeFlushed) {
     TRkMatrix matrix = made();
     fs::remove(file());
     fs::create_directory(file());
@@ -189,7 +189,7 @@ TEST_F(SelectedLinkMatrix, keepsKindAndZonesInItsFile) {
     EXPECT_EQ(opened().Zones(), (std::vector<std::int32_t>{5, 7, 9}));
 }
 
-TEST_F(SelectedLinkMatrix, isWrittenAsOftenAsItIsAssigned) {
+TEST_F(SelectedLinkMatrix, isWrittenByEachAssignment) {
     TRkMatrix matrix = made(1, 2);
     TRkMatrix source = TRkMatrix::inMemory(1, 2);
     for (float const value : {3.0f, 4.0f}) {
@@ -199,7 +199,7 @@ TEST_F(SelectedLinkMatrix, isWrittenAsOftenAsItIsAssigned) {
     }
 }
 
-TEST_F(SelectedLinkMatrix, canBeFlushedOnceTheCauseOfAFailureIsGone) {
+TEST_F(SelectedLinkMatrix, canBeFlushedAfterAFailure) {
     TRkMatrix matrix = made(2, 2);
     links(matrix).Add(1, 1, 9);
     fs::create_directory(file());
@@ -210,7 +210,7 @@ TEST_F(SelectedLinkMatrix, canBeFlushedOnceTheCauseOfAFailureIsGone) {
     EXPECT_EQ(opened().RowAt(1, 8)[1], 9.0f);
 }
 
-TEST_F(SelectedLinkMatrix, keepsRowsWrittenInAnOpenedMatrixToItself) {
+TEST_F(SelectedLinkMatrix, doesNotFlushRowsWrittenInAnOpenedMatrix) {
     {
         TRkMatrix matrix = made(2, 2);
         links(matrix).Add(0, 0, 1);

@@ -116,7 +116,7 @@ TEST_F(WriteLocks, theLockOutlivesTheReplacementOfTheFile) {
     EXPECT_TRUE(isElsewhere("refused", "create", lsReadWrite, file));
 }
 
-TEST_F(WriteLocks, theLockGoesOverToAnObjectThatSavesWhileItsHolderGoes) {
+TEST_F(WriteLocks, theLockPassesToAnObjectThatSavesWhenItsHolderIsDestroyed) {
     auto holder = std::make_unique<TRkMatrix>(opened(file, lsReadWrite));
     TRkMatrix const saver = created(file, 3, 3, lsReadWrite);
     ASSERT_TRUE(saver.IsValid()) << saver.Reason();
@@ -136,21 +136,21 @@ TEST_F(WriteLocks, creatingForWritingExcludesOthersThatWrite) {
     EXPECT_TRUE(created(file, 3, 3, lsWrite).IsValid());
 }
 
-TEST_F(WriteLocks, creatingWithoutTheWriteBitAsksForNoLock) {
+TEST_F(WriteLocks, creatingWithoutTheWriteBitTakesNoLock) {
     TRkMatrix const holder = opened(file, lsReadWrite);
     EXPECT_TRUE(isElsewhere("done", "save", lsNone, file));
     EXPECT_EQ(difference(opened(file), times(3, 3)), "");
     EXPECT_EQ(difference(holder, numbered(3, 3)), "");
 }
 
-TEST_F(WriteLocks, otherFilesOfTheDirectoryAreFree) {
+TEST_F(WriteLocks, otherFilesOfTheDirectoryAreNotLocked) {
     ASSERT_TRUE(save(numbered(3, 3), directory.file("b.skm")));
     TRkMatrix const first = opened(file, lsReadWrite);
     EXPECT_TRUE(opened(directory.file("b.skm"), lsReadWrite).IsValid());
     EXPECT_TRUE(isElsewhere("done", "open", lsReadWrite, directory.file("b.skm")));
 }
 
-TEST_F(WriteLocks, aFileIsTheSameByWhateverPath) {
+TEST_F(WriteLocks, aFileIsLockedByAnyPath) {
     std::filesystem::create_directory(directory.file("sub"));
     DirectoryLink const link(directory.file("sub"), directory.file("link"));
     DirectoryLink const here(directory.str(), directory.file("here"));
@@ -161,7 +161,7 @@ TEST_F(WriteLocks, aFileIsTheSameByWhateverPath) {
     }
 }
 
-TEST_F(WriteLocks, theLockFileAppearsOnlyForALock) {
+TEST_F(WriteLocks, theLockFileIsCreatedByTheFirstLock) {
     opened(file, lsRead);
     created(file, 3, 3, lsNone);
     EXPECT_EQ(listing(directory.str()), "a.skm\n");
@@ -172,7 +172,7 @@ TEST_F(WriteLocks, theLockFileAppearsOnlyForALock) {
     EXPECT_FALSE(cubes::matrix::isLockName("a.skm"));
 }
 
-TEST_F(WriteLocks, theLockIsAByteThatProgramsOfAllEncodingsAgreeOn) {
+TEST_F(WriteLocks, theLockedByteIsComputedFromTheNameInUtf8) {
     std::string const name = directory.file(cubes::platform::fromUtf8("zürich.skm"));
     ASSERT_TRUE(save(numbered(3, 3), name));
     // Half of the XXH3 of "zürich.skm" in UTF-8.
@@ -184,7 +184,7 @@ TEST_F(WriteLocks, theLockIsAByteThatProgramsOfAllEncodingsAgreeOn) {
     EXPECT_TRUE(held());
 }
 
-TEST_F(WriteLocks, aMovedObjectTakesItsLockAlong) {
+TEST_F(WriteLocks, aMovedObjectKeepsItsLock) {
     TRkMatrix first = opened(file, lsReadWrite);
     TRkMatrix second = std::move(first);
     EXPECT_FALSE(opened(file, lsReadWrite).IsValid());
