@@ -110,7 +110,8 @@ TEST_P(ProjectConnections, takeTheNamesOfTheOtherCataloguesCubesFromTheirOwnRegi
     if (!isFourKeys()) return;
     TestProject third(Backend::sqlite);
     TRkMatCubes theirs(third.settings(), ".odm", true);
-    for (char const* const name : {"Theirs", "Base"}) ASSERT_TRUE(theirs.Set(name, 1, 1, 1, 1, smallMatrix(name[0]), lsRead, false));
+    for (char const* const name : {"Theirs", "Base"})
+        ASSERT_TRUE(theirs.Set(name, 1, 1, 1, 1, smallMatrix(name[0]), lsRead, false));
     current().project().makeCurrent();
     TRkMatCubes const cubes(project().settings(), ".odm", true);
     // "Base" is cube 1 here and cube 2 there; "Theirs" is unknown here.
@@ -140,8 +141,8 @@ public:
         call_();
         return inner_.BuildTable(table, schema);
     }
-    bool BuildDataTables(char const* table, std::vector<CountedPtr<Rktable::TRkTableProxy>>& tables,
-        AnsiString const& schema) override {
+    bool BuildDataTables(
+        char const* table, std::vector<CountedPtr<Rktable::TRkTableProxy>>& tables, AnsiString const& schema) override {
         call_();
         return inner_.BuildDataTables(table, tables, schema);
     }

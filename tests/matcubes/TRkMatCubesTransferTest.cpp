@@ -46,7 +46,7 @@ protected:
     TRkMatCubes& other() { return *other_; }
     bool run(Form const& form, End from, End to, Flags flags = {}) {
         auto const transfer = [&](auto a, auto b) {
-            // Parts counted from zero: the ends are told apart by their user all the same.
+            // Only the user tells the ends apart, also when the parts are counted from zero.
             short const one = flags.zeroBased ? 0 : 1;
             bool const fails = flags.failIfExists;
             bool const zero = flags.zeroBased;
@@ -207,7 +207,7 @@ TEST_P(MatCubesTransfer, refusesAZeroBasedTarget) {
     }
 }
 
-// Negative numbers count as present, and never as a cube that is in the way.
+// Negative numbers count as present, and never as an existing cube.
 TEST_P(MatCubesTransfer, refusesTheEntryOfANegativeCubeButNotTheCube) {
     for (auto const& form : forms()) {
         if (form.isByName) continue;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,10 +16,13 @@ class Project;
 
 namespace cubes::test {
 
-/// The kinds of database that a project may lie in. What is told of one holds for both.
+/// The kinds of database that a project may lie in. What a test claims of one holds for both.
 enum class Backend { sqlite, postgres };
 
 std::string backendName(Backend backend);
+inline void PrintTo(Backend backend, std::ostream* out) {
+    *out << backendName(backend);
+}
 
 /// Rows as texts, as an independent client (sqlite3 or psql) reads them; null reads "NULL".
 using Rows = std::vector<std::vector<std::string>>;
@@ -29,7 +33,7 @@ std::string joined(Rows const& rows);
 /// the private PostgreSQL server. Gone at the end.
 class TestDatabase {
 public:
-    /// `options`: what CREATE DATABASE is told besides the name.
+    /// `options`: of CREATE DATABASE, after the name.
     explicit TestDatabase(Backend backend, std::string const& options = {});
     ~TestDatabase();
     TestDatabase(TestDatabase const&) = delete;

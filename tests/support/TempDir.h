@@ -26,7 +26,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// Where temporary files lie when the user's directory for them cannot be told, with a delimiter at its end.
+/// The directory of temporary files when the user's own is unknown, with a delimiter at its end.
 std::string temporaryDirectoryWithoutName();
 
 /// A directory on another file system than `directory`; empty where there is none.

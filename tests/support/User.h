@@ -4,7 +4,7 @@ namespace cubes::test {
 
 /// Whether a process can become a user who may not write everywhere, or is one.
 bool canBeOrdinaryUser();
-/// In a process of its own: becomes one.
+/// Becomes such a user. Call it in a child process.
 void becomeOrdinaryUser();
 
 }

@@ -11,7 +11,7 @@
 namespace cubes::test {
 namespace {
 
-// All ways between all nodes, by Floyd and Warshall: other steps than Dijkstra's.
+// The shortest paths between all nodes by Floyd and Warshall, where Network uses Dijkstra's algorithm.
 constexpr char const* independentSkim = R"(
 import h5py, numpy, re, sys
 text = open(sys.argv[1]).read()
@@ -82,7 +82,7 @@ TEST_P(NetworkSkim, ofChicagoAgreesWithAnotherProgram) {
     storeAndCompare(sharedData("tntp/ChicagoSketch_net.tntp"), 387);
 }
 
-// From 1 to 2 the way through zone 3 would be cheapest.
+// From 1 to 2 the path through zone 3 would be the shortest.
 TEST_P(NetworkSkim, leadsThroughNoZoneThatMayNotBePassed) {
     TempDir const directory;
     auto const file = directory.file("net.tntp");

@@ -176,7 +176,7 @@ TEST_P(ResultKinds, keepNoAttachedDataAndChangeNoParent) {
         EXPECT_FALSE(cube.GetChilds(1, 1, 1, 1, 1, 1, list));
         EXPECT_EQ(list.Count(), 0);
         EXPECT_EQ(rows() + parents() + files(), before);
-        // They are there for who looks for them in the table.
+        // The parents that Add wrote are in the table.
         cube.GetPmturis(static_cast<short>(kind.cubeType), 1, 1, 1, 1, 1, 1, list);
         EXPECT_EQ(list.Count(), 1);
         EXPECT_TRUE(cube.Clear());

@@ -75,7 +75,7 @@ TEST_P(ResultListing, isSortedWhateverTheTablesOwnOrder) {
     EXPECT_TRUE(skims().Get(list));
     ASSERT_EQ(list.Count(), 4);
     EXPECT_STREQ(list[3]->AsString().c_str(), "-1,1,1,1,1,1,10,a");
-    // No register row tells the name of the cube.
+    // No register row has the name of the cube.
     EXPECT_FALSE(skims().GetAllCubes(list));
     ASSERT_EQ(list.Count(), 4);
     EXPECT_EQ(list[0]->iteration, 1);
@@ -114,7 +114,7 @@ TEST_P(ResultListing, ofAllCubesHasTheCubesNameInThePlaceOfTheFileName) {
     EXPECT_FALSE(list[0]->flag);
 }
 
-TEST_P(ResultListing, ofAllCubesLeavesOutEntriesInUse) {
+TEST_P(ResultListing, ofAllCubesOmitsEntriesInUse) {
     TRkCubes const cubes(project().settings());
     for (short iteration = 1; iteration <= 4; ++iteration) add(skims(), iteration);
     execute("update " + table() + " set \"usageCounter\" = null where iteration = 2");
@@ -127,7 +127,7 @@ TEST_P(ResultListing, ofAllCubesLeavesOutEntriesInUse) {
     EXPECT_EQ(list[2]->iteration, 4);
 }
 
-TEST_P(ResultListing, ofAllCubesTellsWhetherTheLastCubeIsKnown) {
+TEST_P(ResultListing, ofAllCubesReturnsWhetherTheLastCubeIsKnown) {
     Keys list;
     EXPECT_TRUE(skims().GetAllCubes(list));
     project().execute("insert into cube (cubenr, name) values (-6, 'Paths')");
@@ -168,7 +168,7 @@ TEST_P(ResultListing, ofChildrenNeedsAllSevenPartsToBeEqual) {
     EXPECT_EQ(children(-6, 1, 2, 3, 4, 5, 6), 0);
 }
 
-// Which of all free entries are children can be told from the long list: the short way must agree.
+// The children can also be found in the list of all free entries: both lists must agree.
 TEST_P(ResultListing, ofChildrenIsWhatTheListOfAllCubesHas) {
     short const parents[][7] = {{0, -1, -1, -1, -1, -1, -1}, {-6, -1, -1, -1, -1, -1, -1}, {0, 1, 1, 1, 1, 1, 1},
         {-6, 1, 1, 1, 1, 1, 1}, {-6, 1, -1, 1, -1, 1, 1}, {-6, 0, 0, 0, 0, 0, 0}};
