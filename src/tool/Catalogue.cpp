@@ -2,7 +2,8 @@
 
 #include "tool/Errors.h"
 #include "tool/Kinds.h"
-#include "tool/ProjectFinder.h"
+#include "tool/Projects.h"
+#include "tool/Text.h"
 
 #include <fmt/format.h>
 
@@ -28,6 +29,14 @@ Catalogue::Catalogue(Project project)
 
 Catalogue Catalogue::open(Surroundings const& surroundings) {
     return Catalogue(findProject(surroundings.project));
+}
+
+Catalogue Catalogue::create(std::string const& directory, ProjectOptions const& options) {
+    refuseProject(directory);
+    Catalogue created(Project::create(directory, options));
+    if (auto const count = created.entries().size(); count > 0)
+        printNote(fmt::format("the database holds {} entries of cubes from other projects; they are shared", count));
+    return created;
 }
 
 EntryFamily& Catalogue::familyOf(Cube const& cube) const {
@@ -65,9 +74,18 @@ bool Catalogue::has(CubeWord const& word) const {
     return word.number ? register_.Check(*word.number) : register_.Check(word.text.c_str());
 }
 
+// How to find a cube that does not exist by that name.
+std::string Catalogue::hintFor(CubeWord const& word) const {
+    std::vector<std::string> names;
+    for (auto const& known : cubes()) names.push_back(known.text());
+    for (auto const& kind : kinds()) names.emplace_back(kind.word);
+    auto const near = word.number ? std::string() : suggestion(word.text, names);
+    return near.empty() ? "; list the cubes with: cubes list" : near;
+}
+
 Cube Catalogue::cube(CubeWord const& word) const {
     if (word.kind) return cubeOfKind(*word.kind);
-    if (!has(word)) throw Refusal(fmt::format("there is no cube {}", word.text));
+    if (!has(word)) throw Refusal(fmt::format("there is no cube {}{}", word.text, hintFor(word)));
     short const number = word.number ? *word.number : register_.CubeNameToNr(word.text.c_str());
     return {number, register_.CubeNrToName(number).str()};
 }
@@ -77,7 +95,7 @@ Cube Catalogue::cubeOf(short number) const {
     return {number, register_.CubeNrToName(number).str()};
 }
 
-// A row may name a parent whose key is none of its cube's.
+// A row may name a parent whose key does not suit its cube.
 bool Catalogue::has(Entry const& entry) const {
     return entry.key.size() == entry.cube.keyLength() && familyOf(entry.cube).has(entry);
 }
@@ -85,8 +103,9 @@ bool Catalogue::has(Entry const& entry) const {
 Entry Catalogue::entry(EntryWord const& word) const {
     Entry const found = {cube(word.cube), word.key};
     if (has(found)) return found;
-    if (word.cube.kind) throw Refusal(fmt::format("there is no {}", word.text()));
-    throw Refusal(fmt::format("cube {} has no entry {}", found.cube.text(), textOf(word.key)));
+    auto const hint = fmt::format("list its entries with: cubes entries {}", quotedForShell(found.cube.text()));
+    throw Refusal(fmt::format(
+        "{} {} has no entry {}; {}", word.cube.kind ? "kind" : "cube", found.cube.text(), textOf(word.key), hint));
 }
 
 Entry Catalogue::possibleEntry(EntryWord const& word) const {
@@ -96,12 +115,12 @@ Entry Catalogue::possibleEntry(EntryWord const& word) const {
 Entry Catalogue::entryOf(ParentNumbers const& numbers) const {
     auto const cube = cubeOf(numbers.cube);
     auto length = cube.keyLength();
-    // What is set beyond is told too: no such entry exists then.
+    // Further parts are shown too: no such entry can exist.
     while (length < numbers.key.size() && numbers.key[length] != ParentNumbers().key[length]) ++length;
     return {cube, Key(numbers.key.begin(), numbers.key.begin() + static_cast<std::ptrdiff_t>(length))};
 }
 
-// Nobody uses what others have just removed.
+// An entry that others have just removed has no users.
 bool Catalogue::isInUse(Entry const& entry) const {
     return entry.key.size() == entry.cube.keyLength() && users(entry) != 0;
 }
@@ -111,12 +130,12 @@ std::string Catalogue::path(Entry const& entry) const {
 }
 
 std::unique_ptr<TRkMatrix> Catalogue::matrix(Entry const& entry) const {
-    if (entry.cube.holdsRoutes()) throw Refusal(fmt::format("{} holds routes and no matrix", entry.text()));
+    if (entry.cube.holdsRoutes()) throw Refusal(fmt::format("{} holds routes, not a matrix", entry.text()));
     if (auto found = familyOf(entry.cube).matrix(entry)) return found;
     if (entry.cube.isOfResults()) refuseUse(entry);
     auto const file = path(entry);
-    if (file.empty()) throw Failure("its row names no file inside its directory");
-    // The cube tells only that there is no matrix; the matrix tells why.
+    if (file.empty()) throw Failure("its database row names no file inside its directory");
+    // The cube only returns that there is no matrix; the matrix has the reason.
     TRkMatrix const unreadable(file.c_str(), 0, nullptr, false, mkDefault, lsNone, 0);
     throw Failure(unreadable.Reason());
 }
@@ -128,7 +147,7 @@ long Catalogue::users(Entry const& entry) const {
 }
 
 Cube Catalogue::add(std::string const& name) {
-    if (!register_.Add(name.c_str())) throw Failure("the database takes no more cubes");
+    if (!register_.Add(name.c_str())) throw Failure("the database accepts no more cubes");
     return cube({name, std::nullopt});
 }
 
@@ -165,16 +184,16 @@ void Catalogue::setParent(Entry const& entry, ParentNumbers const& parent) {
 }
 
 void Catalogue::refuseUse(Entry const& entry) const {
-    if (isInUse(entry)) throw Refusal(fmt::format("{} is in use (users: {})", entry.text(), users(entry)));
+    if (isInUse(entry)) throw Refusal(fmt::format("{} is in use; try again later", entry.text()));
 }
 
 void Catalogue::use(Entry const& entry) {
-    if (!familyOf(entry.cube).use(entry)) throw Failure("the table of entries counts no users");
+    if (!familyOf(entry.cube).use(entry)) throw Failure("the entry table has no usage counter");
 }
 
 void Catalogue::leave(Entry const& entry) {
-    if (users(entry) <= 0) throw Refusal("nobody uses the entry");
-    if (!familyOf(entry.cube).leave(entry)) throw Failure("the table of entries counts no users");
+    if (users(entry) <= 0) throw Refusal("it has no users");
+    if (!familyOf(entry.cube).leave(entry)) throw Failure("the entry table has no usage counter");
 }
 
 ParentNumbers numbersOf(Entry const& parent) {

@@ -22,8 +22,11 @@ class Catalogue {
 public:
     explicit Catalogue(std::string const& directory);
     explicit Catalogue(Project project);
-    /// The project that the surroundings name.
+    /// The project that the command line names.
     static Catalogue open(Surroundings const& surroundings);
+    /// Creates a project. Throws Refusal when the directory is already one; prints a note when the database
+    /// holds entries of other projects.
+    static Catalogue create(std::string const& directory, ProjectOptions const& options);
 
     Project const& project() const noexcept { return project_; }
 
@@ -91,9 +94,10 @@ public:
     Entry moveFrom(Catalogue& source, Entry const& from, EntryWord const& to, Existing existing);
 
 private:
-    static constexpr char const* noEntryTable = "the database has no table of entries";
+    static constexpr char const* noEntryTable = "the database has no entry table";
 
     EntryFamily& familyOf(Cube const& cube) const;
+    std::string hintFor(CubeWord const& word) const;
     using FilePlacing = bool (EntryFamily::*)(
         EntryFamily const& source, Entry const& from, Entry const& to, bool failIfExists);
     template <typename Action>

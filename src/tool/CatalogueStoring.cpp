@@ -37,7 +37,8 @@ void shielded(Undo const& undo) {
 }
 
 void requireFile(Entry const& entry, std::string const& path) {
-    if (path.empty()) throw Failure(fmt::format("the row of {} names no file inside its directory", entry.text()));
+    if (path.empty())
+        throw Failure(fmt::format("the database row of {} names no file inside its directory", entry.text()));
 }
 
 }
@@ -83,7 +84,7 @@ Entry Catalogue::storeRoutes(
 }
 
 void Catalogue::storeAt(Entry const& entry, TRkMatrix const& matrix) {
-    if (entry.cube.holdsRoutes()) throw Refusal(fmt::format("{} holds routes and no matrix", entry.text()));
+    if (entry.cube.holdsRoutes()) throw Refusal(fmt::format("{} holds routes, not a matrix", entry.text()));
     fill(entry, [&] { write(entry, matrix); });
 }
 
@@ -137,7 +138,7 @@ void Catalogue::refuseToReplace(Entry const& entry) const {
     auto const file = fileOf(path(entry));
     bool const isGone = file.empty() && !has(entry);
     if (!isGone && file != fileOf(familyOf(entry.cube).fileName(entry)))
-        throw Refusal(fmt::format("the entry's row names the file \"{}\"; remove the entry first", file));
+        throw Refusal(fmt::format("the entry's database row names another file, \"{}\"; remove the entry first", file));
 }
 
 void Catalogue::write(Entry const& entry, TRkMatrix const& matrix) {
@@ -185,7 +186,7 @@ void Catalogue::giveParent(Entry const& entry, ParentNumbers const& parent) {
 }
 
 void Catalogue::refuseExisting(Entry const& to, Existing existing) const {
-    if (existing == Existing::refused && has(to)) throw Refusal(fmt::format("{} exists already", to.text()));
+    if (existing == Existing::refused && has(to)) throw Refusal(fmt::format("{} already exists", to.text()));
 }
 
 // Files go as they are, without being read.
@@ -211,14 +212,14 @@ void Catalogue::place(Entry const& from, Entry const& to, FilePlacing placing, E
 // Copying and moving tell only that they failed.
 std::string Catalogue::whyNotPlaced(std::string const& file, Entry const& to) const {
     auto const target = path(to);
-    auto const told = fmt::format("the file {} could not be placed at {}", file, target);
+    auto const told = fmt::format("the file {} could not be copied or renamed to {}", file, target);
     std::error_code error;
     auto const isDirectory = fs::is_directory(toPath(file), error);
     auto const size = isDirectory ? 0 : fs::file_size(toPath(file), error);
     if (error) return fmt::format("{}: {}", told, error.message());
     if (isDirectory != fs::is_directory(toPath(target), error)) return told + ": one is a directory";
     auto const room = fs::space(toPath(directoryOf(to.cube.kind)), error).available;
-    if (!error && room < size) return told + ": no space is left";
+    if (!error && room < size) return told + ": No space left on device";
     auto const unwritable = lockOf(to);
     return unwritable.IsValid() ? told : fmt::format("{}: {}", told, unwritable.Reason());
 }
@@ -242,7 +243,7 @@ Entry Catalogue::copyFrom(Catalogue& source, Entry const& from, EntryWord const&
 
 Entry Catalogue::copyRoutes(std::string const& file, Entry const& from, EntryWord const& word, Existing existing) {
     if (word.cube.kind != from.cube.kind)
-        throw Refusal(fmt::format("{} holds routes, {} does not", from.text(), word.text()));
+        throw Refusal(fmt::format("{} and {} must be of the same kind", from.text(), word.text()));
     requireFile(from, file);
     std::error_code ignored;
     if (!fs::is_regular_file(toPath(file), ignored)) throw Failure(fmt::format("there is no file {}", file));

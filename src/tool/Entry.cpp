@@ -2,6 +2,7 @@
 
 #include "tool/Errors.h"
 #include "tool/Kinds.h"
+#include "tool/Text.h"
 
 #include <fmt/format.h>
 
@@ -71,7 +72,9 @@ Kind const* kindOf(std::string const& word) {
 }
 
 [[noreturn]] void refuseWord(std::string const& text, std::string const& expected) {
-    throw UsageError(fmt::format("\"{}\" is no entry: expected {}", text, expected));
+    bool const mayBeCube = text.find('/') == std::string::npos;
+    throw UsageError(fmt::format("\"{}\" is not an entry; expected {}{}", text, expected,
+        mayBeCube ? "; list the entries of a cube with: cubes entries " + quotedForShell(text) : ""));
 }
 
 }
@@ -109,7 +112,7 @@ CubeWord parseCube(std::string const& text) {
     if (auto const* const kind = kindOf(text)) return {text, kind->number, kind};
     if (!looksLikeNumber(text)) return {text, std::nullopt};
     auto const number = shortOf(text);
-    if (!number) throw Refusal(fmt::format("the cube's number {} is beyond 16 bits", text));
+    if (!number) throw Refusal(fmt::format("there is no cube {}; cube numbers run from -32768 to 32767", text));
     return {text, number};
 }
 

@@ -1,16 +1,18 @@
 #pragma once
 
+#include <exception>
 #include <stdexcept>
+#include <string>
 
 namespace cubes::tool {
 
-/// Something that was named is not there, or must not be done.
+/// What was named does not exist, or the command is refused.
 class Refusal : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The command line makes no sense.
+/// The command line is wrong.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -21,5 +23,33 @@ class Failure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// A file that cannot be read or written in its format. The message gives the line where it is known,
+/// what was found and what was expected, but not the file's name: "line 7: found 'abc', expected a number".
+class FormatError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+    /// `line`: counted from 1.
+    FormatError(std::size_t line, std::string const& problem);
+};
+
+/// The exit code of the tool. Scripts rely on the numbers: they are only ever added to.
+enum class ExitCode : int {
+    done = 0,
+    /// Not found, or refused.
+    refused = 1,
+    /// Wrong usage.
+    usage = 2,
+    /// The database, the disk or a file failed.
+    failed = 3,
+};
+
+/// The exit code that the tool ends with after this error.
+ExitCode exitCodeOf(std::exception const& error);
+
+/// Print a message to standard error, one line each, with the tool's name in front.
+void printError(std::string const& message);
+void printWarning(std::string const& message);
+void printNote(std::string const& message);
 
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "tool/Catalogue.h"
+#include "tool/Output.h"
 
 #include <map>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -33,5 +35,23 @@ public:
 private:
     std::map<Entry, std::vector<Entry>, EntryOrder> children_;
 };
+
+/// An entry and what was derived from it, as far as it is shown.
+struct Branch {
+    Entry entry;
+    bool isThere = true;
+    /// Whether it is the entry that was asked for.
+    bool isAsked = false;
+    std::vector<Branch> children;
+};
+
+/// The entry's line of ancestors, from the oldest, and everything derived from the entry.
+Branch lineageOf(Entry const& entry, Lineage const& lineage, Catalogue const& catalogue);
+
+/// One line an entry, each under the one it was derived from.
+std::string asText(Branch const& root);
+/// A graph for Graphviz.
+std::string asDot(Branch const& root);
+Json asJson(Branch const& root);
 
 }

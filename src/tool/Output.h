@@ -1,16 +1,71 @@
 #pragma once
 
-#include "tool/Table.h"
+#include <nlohmann/json.hpp>
 
 #include <string>
+#include <vector>
 
 namespace cubes::tool {
 
-/// How results are shown.
+using Json = nlohmann::ordered_json;
+
+/// A value for people: text without quotes, numbers with the digits they need, "-" for null and NaN.
+std::string plainText(Json const& value);
+
+/// The value, or null when it is not known.
+inline Json orNull(bool isKnown, Json value) {
+    return isKnown ? std::move(value) : Json();
+}
+
+/// A column of a table: its key in JSON and its title in text. A column without a key is printed in
+/// text only, one without a title in JSON only.
+struct Column {
+    std::string key;
+    std::string title;
+};
+
+/// Rows of values, printed as aligned text or as a JSON list of objects.
+class Table {
+public:
+    explicit Table(std::vector<Column> columns);
+
+    /// REQUIRES: one value a column.
+    void add(std::vector<Json> row);
+
+    /// Empty without rows.
+    std::string asText() const;
+    Json asJson() const;
+
+private:
+    std::vector<Column> columns_;
+    std::vector<std::vector<Json>> rows_;
+};
+
+/// The properties of one thing, printed as lines of label and value or as a JSON object.
+class Record {
+public:
+    /// A value without a label is printed in JSON only.
+    void add(std::string key, std::string label, Json value);
+    /// Adds all values of another record.
+    void add(Record const& more) { fields_.insert(fields_.end(), more.fields_.begin(), more.fields_.end()); }
+
+    std::string asText() const;
+    Json asJson() const;
+
+private:
+    struct Field {
+        std::string key;
+        std::string label;
+        Json value;
+    };
+    std::vector<Field> fields_;
+};
+
+/// How results are printed.
 enum class Form { text, json };
 
-/// The results of a command on their way to the output stream. They are collected and written
-/// at the end, so that a command that fails prints no half result.
+/// The results of a command. They are collected and printed at the end, so that a command that fails
+/// prints none.
 class Output {
 public:
     explicit Output(Form form) : form_(form) {}
@@ -21,8 +76,8 @@ public:
     void show(Json const& value);
     void add(std::string const& text) { text_ += text; }
 
-    /// Writes everything. Throws Failure when the stream refuses; a reader that went away
-    /// (as `head` does) is no failure.
+    /// Prints everything to standard output. Throws Failure when that fails; a reader that has closed the
+    /// pipe, as `head` does, is no failure.
     void write() const;
 
 private:

@@ -6,19 +6,19 @@
 
 namespace cubes::tool {
 
-Progress::Progress(std::string what) : what_(std::move(what)), watched_(messagesAreWatched()) {
+Progress::Progress(std::string task) : task_(std::move(task)), isTerminal_(messagesAreWatched()) {
     reached(0);
 }
 
 Progress::~Progress() {
-    if (watched_) std::fputs("\r\x1b[K", stderr);
+    if (isTerminal_) std::fputs("\r\x1b[K", stderr);
 }
 
 void Progress::reached(double share) {
     int const percent = static_cast<int>(share * 100);
-    if (!watched_ || percent == shown_) return;
+    if (!isTerminal_ || percent == shown_) return;
     shown_ = percent;
-    std::fprintf(stderr, "\r%s: %d %%", what_.c_str(), percent);
+    std::fprintf(stderr, "\r%s: %d %%", task_.c_str(), percent);
     std::fflush(stderr);
 }
 

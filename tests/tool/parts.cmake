@@ -8,5 +8,4 @@ endfunction()
 
 add_subdirectory(formats)
 add_subdirectory(routes)
-add_subdirectory(statistics)
 add_subdirectory(city)

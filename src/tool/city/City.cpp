@@ -1,9 +1,8 @@
 #include "tool/city/City.h"
 
-#include "tool/city/Gravity.h"
-#include "tool/city/Layout.h"
-#include "tool/city/ModeChoice.h"
-#include "tool/city/SelectedLink.h"
+#include "tool/city/Demand.h"
+#include "tool/city/Roads.h"
+#include "tool/city/Zones.h"
 
 #include <algorithm>
 #include <cmath>

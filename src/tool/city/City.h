@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tool/city/Demand.h"
-#include "tool/city/Zone.h"
+#include "tool/city/Zones.h"
 #include "tool/formats/TripTable.h"
 
 #include <cstdint>

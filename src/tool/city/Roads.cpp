@@ -1,6 +1,6 @@
 #include "tool/city/Roads.h"
 
-#include "tool/city/Layout.h"
+#include "tool/city/Zones.h"
 
 #include <algorithm>
 #include <limits>
@@ -101,6 +101,26 @@ RouteList Roads::shortestRoutes(std::vector<Zone> const& zones) const {
 double Roads::kilometres(RouteList::Route const& route) const {
     return std::accumulate(route.links.begin(), route.links.end(), 0.0,
         [&](double sum, std::uint32_t link) { return sum + roads_[link - 1].kilometres; });
+}
+
+namespace {
+
+constexpr float accepted = 1.05f;
+
+}
+
+TripTable tripsOver(Link const& link, TripTable const& trips, TripTable const& distance) {
+    // A skim's diagonal is the way within a zone; to the end of the link itself there is none.
+    auto const way = [&](int from, int to) { return from == to ? 0 : distance.at(from, to); };
+    float const length = way(link.from, link.to);
+    TripTable passing = trips;
+    for (int origin = 0; origin < trips.rows; ++origin)
+        for (int destination = 0; destination < trips.columns; ++destination) {
+            float const over = way(origin, link.from) + length + way(link.to, destination);
+            if (origin == destination || over > accepted * way(origin, destination))
+                passing.at(origin, destination) = 0;
+        }
+    return passing;
 }
 
 }

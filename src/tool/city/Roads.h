@@ -1,7 +1,8 @@
 #pragma once
 
-#include "tool/city/Zone.h"
-#include "tool/routes/RouteList.h"
+#include "tool/city/Zones.h"
+#include "tool/formats/TripTable.h"
+#include "tool/routes/RouteFiles.h"
 
 #include <vector>
 
@@ -31,5 +32,15 @@ private:
     /// The roads that begin in a zone, by their places in roads_.
     std::vector<std::vector<std::size_t>> leaving_;
 };
+
+/// A stretch of road from one zone to another, by their indices.
+struct Link {
+    int from = 0;
+    int to = 0;
+};
+
+/// The trips that pass the link: those of the pairs for which the way over it is at most a twentieth
+/// longer than the shortest one.
+TripTable tripsOver(Link const& link, TripTable const& trips, TripTable const& distance);
 
 }

@@ -1,6 +1,6 @@
 #include "tool/city/Travel.h"
 
-#include "tool/city/Layout.h"
+#include "tool/city/Zones.h"
 
 #include <algorithm>
 

@@ -1,6 +1,8 @@
 #include "tool/Catalogue.h"
+#include "tool/Command.h"
 #include "tool/Errors.h"
-#include "tool/commands/Commands.h"
+
+#include <fmt/format.h>
 
 namespace cubes::tool {
 
@@ -11,17 +13,20 @@ public:
     Add() : Command("add", "Add a cube") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("NAME", name_, "Name of the cube; not of digits alone, these are read as a number");
+        arguments.required("NAME", name_, "Name of the cube; digits alone are read as a number");
     }
 
-    std::string task() const override { return "add the cube " + name_; }
+    std::string task() const override { return fmt::format("add the cube \"{}\"", name_); }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        if (parseCube(name_).kind) throw Refusal("the word stands for fares or a kind of results");
-        if (parseCube(name_).number) throw Refusal("a name of digits alone would be read as the number of a cube");
-        if (!isName(name_)) throw Refusal("a name that begins like a result would be read as one");
+        if (parseCube(name_).kind)
+            throw Refusal("the name is reserved for fares or a kind of results; choose another one");
+        if (parseCube(name_).number)
+            throw Refusal("a name of digits would be read as a cube number; choose another one");
+        if (!isName(name_))
+            throw Refusal("a name that begins with a kind of results would be read as a result; choose another one");
         auto catalogue = Catalogue::open(surroundings);
-        if (catalogue.has(parseCube(name_))) throw Refusal("there is a cube of that name already");
+        if (catalogue.has(parseCube(name_))) throw Refusal("it already exists");
         auto const cube = catalogue.add(name_);
         Record added;
         added.add("number", "number", cube.number);

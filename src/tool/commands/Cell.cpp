@@ -1,53 +1,49 @@
 #include "tool/Catalogue.h"
+#include "tool/Command.h"
 #include "tool/Errors.h"
-#include "tool/Numbers.h"
-#include "tool/commands/Commands.h"
+#include "tool/Text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 
 namespace cubes::tool {
 
 namespace {
 
-int zoneNumber(char const* what, std::string const& text) {
-    int number = 0;
-    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error == std::errc() && end == text.data() + text.size()) return number;
-    throw Refusal(fmt::format("{} must be the number of a zone, not \"{}\"", what, text));
-}
-
-/// The index of a zone: by its number where the matrix knows zone numbers, else by position from 1.
+/// The index of a zone: by its number, or by its position from 1 in a matrix without zone numbers.
 int indexOf(int zone, std::vector<std::int32_t> const& zones, int size) {
+    auto const refuse = [&](int least, int most) {
+        throw Refusal(fmt::format("there is no zone {}; zone numbers run from {} to {}", zone, least, most));
+    };
     if (zones.empty()) {
-        if (zone >= 1 && zone <= size) return zone - 1;
-        throw Refusal(fmt::format("there is no zone {}: the matrix has {}", zone, size));
+        if (zone > size) refuse(1, size);
+        return zone - 1;
     }
     auto const found = std::find(zones.begin(), zones.end(), zone);
-    if (found == zones.end()) throw Refusal(fmt::format("there is no zone {} in the matrix", zone));
+    if (found == zones.end()) refuse(std::ranges::min(zones), std::ranges::max(zones));
     return static_cast<int>(found - zones.begin());
 }
 
 class Cell : public Command {
 public:
-    Cell() : Command("cell", "Print one value of an entry") {}
+    Cell() : Command("cell", "Print one cell of a matrix") {}
 
     void declare(Arguments arguments) override {
         arguments.required("ENTRY", entry_, "The entry");
-        arguments.required("ORIGIN", origin_, "Number of the zone of origin; its position from 1 in a matrix without");
-        arguments.required("DESTINATION", destination_, "The same of the zone of destination");
+        arguments.required(
+            "ORIGIN", origin_, "Zone number of the origin, or its position from 1 in a matrix without zone numbers");
+        arguments.required("DESTINATION", destination_, "The same for the destination");
     }
 
     std::string task() const override {
-        return fmt::format("read the cell {} to {} of {}", origin_, destination_, entry_);
+        return fmt::format("read the cell from {} to {} of {}", origin_, destination_, entry_);
     }
 
     void run(Surroundings const& surroundings, Output& output) override {
         auto const word = parseEntry(entry_);
-        int const origin = zoneNumber("ORIGIN", origin_);
-        int const destination = zoneNumber("DESTINATION", destination_);
+        int const origin = parseZone(origin_);
+        int const destination = parseZone(destination_);
         auto const catalogue = Catalogue::open(surroundings);
         auto const entry = catalogue.entry(word);
         auto const matrix = catalogue.matrix(entry);

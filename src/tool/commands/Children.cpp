@@ -1,6 +1,6 @@
 #include "tool/Catalogue.h"
-#include "tool/Messages.h"
-#include "tool/commands/Commands.h"
+#include "tool/Command.h"
+#include "tool/Errors.h"
 
 #include <fmt/format.h>
 
@@ -12,7 +12,9 @@ class Children : public Command {
 public:
     Children() : Command("children", "List the results derived from an entry") {}
 
-    void declare(Arguments arguments) override { arguments.required("ENTRY", entry_, "The entry, there or not"); }
+    void declare(Arguments arguments) override {
+        arguments.required("ENTRY", entry_, "The entry, which need not exist any more");
+    }
 
     std::string task() const override { return "list the children of " + entry_; }
 
@@ -24,7 +26,7 @@ public:
         auto const children = catalogue.childrenOf(entry);
         for (auto const& child : children) table.add({child.text(), catalogue.path(child)});
         output.show(table);
-        if (children.empty()) tellNote(fmt::format("nothing was derived from {}", entry.text()));
+        if (children.empty()) printNote(fmt::format("nothing was derived from {}", entry.text()));
     }
 
 private:

@@ -1,5 +1,5 @@
-#include "tool/Messages.h"
-#include "tool/commands/Commands.h"
+#include "tool/Command.h"
+#include "tool/Errors.h"
 #include "tool/commands/Removal.h"
 
 #include <fmt/format.h>
@@ -10,10 +10,10 @@ namespace {
 
 class Clear : public Command {
 public:
-    Clear() : Command("clear", "Remove the entries of a cube that are not in use, or an entry; the cube stays") {}
+    Clear() : Command("clear", "Remove an entry, or the entries of a cube that are not in use, but not the cube") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("WHAT", what_, "CUBE, or ENTRY; fares or a kind of results stand for all their entries");
+        arguments.required("WHAT", what_, "CUBE or ENTRY; fare or a kind of results means all its entries");
     }
 
     std::string task() const override { return "clear " + what_; }
@@ -37,14 +37,14 @@ private:
             bool const stays = catalogue.isInUse(entry);
             kept += stays ? 1 : 0;
             auto const file = catalogue.path(entry);
-            // One that somebody else has removed meanwhile is none of ours.
+            // Another program may have removed it meanwhile.
             if (stays || !catalogue.remove(entry)) continue;
             gone.push_back(entry);
             files.push_back(file);
         }
-        tellOfFilesThatStayed(files);
-        tellOfOrphans("an entry of " + cube.text(), orphansOf(gone, catalogue));
-        if (kept > 0) tellWarning(fmt::format("entries that are in use and stay: {}", kept));
+        warnOfRemainingFiles(files);
+        warnOfOrphans("an entry of " + cube.text(), orphansOf(gone, catalogue));
+        if (kept > 0) printWarning(fmt::format("entries in use were kept: {}", kept));
         Record cleared;
         cleared.add("cleared", "cleared", cube.text());
         cleared.add("entries", "entries", files.size());

@@ -1,43 +1,81 @@
 #include "tool/Catalogue.h"
-#include "tool/CityReport.h"
-#include "tool/CityRoutes.h"
+#include "tool/CityCubes.h"
 #include "tool/Errors.h"
-#include "tool/LineageReport.h"
+#include "tool/Lineage.h"
 #include "tool/Progress.h"
-#include "tool/ProjectFinder.h"
-#include "tool/commands/Commands.h"
-#include "tool/formats/MatrixTable.h"
+#include "tool/Projects.h"
+#include "tool/Statistics.h"
+#include "tool/Text.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <cctype>
-#include <string_view>
+#include <cmath>
 
 namespace cubes::tool {
 
 namespace {
 
-/// Trips are balanced to much less than this share of what starts and ends in a zone.
+/// The accepted relative error of the row and column totals; balancing reaches much less.
 constexpr double tolerance = 1e-4;
 
 std::string const firstTrips = std::string(tripsCube) + "/1/1/1/1";
 constexpr char const* firstDistances = "skim/1/1/1/1/1/1";
 
 constexpr char const* checked =
-    "\nEvery matrix and route was read back and is what was stored; the trips of each zone agree with what\n"
-    "starts and ends there to a share of {}.\n";
+    "\nEvery matrix and route was read back and equals what was stored; row and column totals of the trips\n"
+    "agree with productions and attractions to a relative error of {}.\n";
 
-/// A word as the shell takes it.
-std::string quoted(std::string const& word) {
-    auto const isPlain = [](char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) ||
-               std::string_view("/._-+=:@\\").find(c) != std::string_view::npos;
-    };
-    if (std::all_of(word.begin(), word.end(), isPlain)) return word;
-    std::string text = "'";
-    for (char const c : word) text += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return text + "'";
+Statistics figuresOf(TripTable const& table) {
+    return statisticsOf(table.rows, table.columns, [&](int row) { return table.row(row); });
+}
+
+double tripsOf(TripTable const& table) {
+    return std::round(figuresOf(table).total);
+}
+
+double meanOf(TripTable const& table) {
+    return std::round(figuresOf(table).mean * 10) / 10;
+}
+
+/// A line that begins with `head` and goes on with a figure for every period.
+template <typename Figure>
+void addLine(Table& table, City const& city, std::vector<Json> head, Figure figure) {
+    for (int period = 0; period < count(city.periods); ++period) head.emplace_back(figure(period));
+    table.add(std::move(head));
+}
+
+using Skim = TripTable const& (City::*)(int mode, int period) const;
+
+void addSkims(Table& table, City const& city, char const* figure, Skim skim) {
+    for (int mode = 0; mode < count(city.modes); ++mode)
+        addLine(table, city, {"skim", figure, Json(), nameAt(city.modes, mode)},
+            [&](int period) { return meanOf((city.*skim)(mode, period)); });
+}
+
+// A line a purpose and mode with the trips of each period, and a line a mode with the mean distances and times.
+Table overview(City const& city) {
+    std::vector<Column> columns = {{"", "cube"}, {"", "figure"}, {"", "purpose"}, {"", "mode"}};
+    for (auto const& period : city.periods) columns.push_back({"", period});
+    Table table(columns);
+    for (int purpose = 0; purpose < count(city.purposes); ++purpose)
+        for (int mode = 0; mode < count(city.modes); ++mode)
+            addLine(table, city, {tripsCube, "trips", nameAt(city.purposes, purpose), nameAt(city.modes, mode)},
+                [&](int period) { return tripsOf(city.trips(purpose, mode, period)); });
+    addSkims(table, city, "mean km", &City::distance);
+    addSkims(table, city, "mean minutes", &City::time);
+    return table;
+}
+
+// A line a matrix.
+Table listed(std::vector<CityMatrix> const& matrices) {
+    Table table({{"entry", "entry"}, {"purpose", "purpose"}, {"mode", "mode"}, {"period", "period"}, {"total", "total"},
+        {"mean", "mean"}});
+    for (auto const& matrix : matrices) {
+        auto const figures = figuresOf(*matrix.table);
+        table.add({matrix.entry.text(), matrix.purpose.empty() ? Json() : Json(matrix.purpose), matrix.mode,
+            matrix.period, trusted(figures.total, cellsIn(figures)), trusted(figures.mean, cellsIn(figures))});
+    }
+    return table;
 }
 
 void storeAll(Catalogue& catalogue, std::vector<CityMatrix> const& matrices) {
@@ -45,7 +83,7 @@ void storeAll(Catalogue& catalogue, std::vector<CityMatrix> const& matrices) {
     for (std::size_t i = 0; i < matrices.size(); ++i) {
         auto const entry = catalogue.store(matrices[i].entry, matrixOf(*matrices[i].table));
         if (auto const& parent = matrices[i].parent) catalogue.setParent(entry, numbersOf(catalogue.entry(*parent)));
-        progress.reached(static_cast<double>(i + 1) / static_cast<double>(matrices.size()));
+        progress.reached(i + 1, matrices.size());
     }
 }
 
@@ -56,44 +94,43 @@ void check(Catalogue const& catalogue, std::vector<CityMatrix> const& matrices) 
         auto const entry = catalogue.entry(matrices[i].entry);
         auto const stored = tableOf(*catalogue.matrix(entry));
         if (stored.cells != matrices[i].table->cells || stored.zones != matrices[i].table->zones)
-            throw Failure(fmt::format("{} is not read back as it was stored", entry.text()));
-        progress.reached(static_cast<double>(i + 1) / static_cast<double>(matrices.size()));
+            throw Failure(fmt::format("{} was read back with other values than stored", entry.text()));
+        progress.reached(i + 1, matrices.size());
     }
 }
 
 double checkedImbalance(City const& city) {
     double const imbalance = largestMarginError(city);
     if (imbalance > tolerance)
-        throw Failure(fmt::format("the trips miss what starts and ends in a zone by a share of {}", imbalance));
+        throw Failure(fmt::format("row and column totals of the trips have a relative error of {}", imbalance));
     return imbalance;
 }
 
 class Demo : public Command {
 public:
-    Demo() : Command("demo", "Make a project with a made-up city in it") {}
+    Demo() : Command("demo", "Create a project with a synthetic city") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("DIR", directory_, "Directory of the project, made when it is not there");
+        arguments.required("DIR", directory_, "Directory of the project, created when it does not exist");
         arguments.optional("--database", options_.database, "sqlite:PATH or postgresql://...; default sqlite:cubes.db")
             .calls("URL");
     }
 
     bool needsProject() const override { return false; }
-    std::string task() const override { return "make a demo in " + directory_; }
+    std::string task() const override { return "create a demo in " + directory_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        refuseProject(directory_);
         auto const city = makeCity();
         double const imbalance = checkedImbalance(city);
         auto const matrices = matricesOf(city);
-        Catalogue catalogue(Project::create(directory_, options_));
+        auto catalogue = Catalogue::create(directory_, options_);
         storeAll(catalogue, matrices);
         check(catalogue, matrices);
         auto const routes = storeRoutes(city, catalogue);
         show(city, matrices, routes, imbalance, catalogue.project().root(), output);
         if (output.form() == Form::json) return;
         output.add("\n" + overview(city).asText());
-        output.add("\nWhat was derived from the trips to work by car in the morning, and from the distances by car:\n" +
+        output.add("\nLineage of the work trips by car in the morning, and of the car distances:\n" +
                    lineageOf(firstTrips, catalogue) + lineageOf(firstDistances, catalogue));
         output.add(fmt::format(checked, tolerance) + nextCommands(surroundings.program, city));
     }
@@ -118,7 +155,7 @@ private:
 
     std::string nextCommands(std::string const& program, City const& city) const {
         auto const line = [&](std::string const& words) {
-            return fmt::format("  {} {} --project {}\n", quoted(program), words, quoted(directory_));
+            return fmt::format("  {} {} --project {}\n", quotedForShell(program), words, quotedForShell(directory_));
         };
         return "\nTry next:\n" + line("list") + line("show " + firstTrips) + line("tree selectedlink/1/1/1/1/1/1") +
                line(fmt::format("cell skim/1/1/1/1/2/1 {} {}", city.zones.front().number, city.zones.back().number)) +

@@ -1,8 +1,8 @@
 #include "tool/Catalogue.h"
-#include "tool/Messages.h"
+#include "tool/Command.h"
+#include "tool/Errors.h"
 #include "tool/Paths.h"
 #include "tool/Progress.h"
-#include "tool/commands/Commands.h"
 
 #include <filesystem>
 
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 /// Purpose, mode, time, user, result, iteration.
 constexpr std::size_t longestKey = 6;
 
-/// The file of an entry as a listing shows it.
+/// What a listing shows of a file.
 struct FileFacts {
     std::string state = "missing";
     Json size;
@@ -28,7 +28,7 @@ FileFacts factsOf(Entry const& entry, std::string const& path) {
     std::error_code missing;
     auto const size = fs::file_size(toPath(path), missing);
     if (missing) return facts;
-    // Whether routes are readable their provider knows, who has to read all of them to tell.
+    // The provider would have to read all routes to know whether they are readable.
     facts.state = entry.cube.holdsRoutes() ? "ok" : "unreadable";
     facts.size = size;
     if (entry.cube.holdsRoutes()) return facts;
@@ -43,11 +43,10 @@ FileFacts factsOf(Entry const& entry, std::string const& path) {
 
 class Entries : public Command {
 public:
-    Entries() : Command("entries", "List the entries of a cube, or of all") {}
+    Entries() : Command("entries", "List the entries of a cube or of the project") {}
 
     void declare(Arguments arguments) override {
-        arguments.optional(
-            "CUBE", cube_, "Name or number of a cube, fare, or a kind of results; else the entries of all");
+        arguments.optional("CUBE", cube_, "Name or number of a cube, fare, or a kind of results; default: all entries");
     }
 
     std::string task() const override { return cube_.empty() ? "list the entries" : "list the entries of " + cube_; }
@@ -62,10 +61,10 @@ public:
         Progress progress("listing");
         for (std::size_t i = 0; i < entries.size(); ++i) {
             table.add(rowOf(entries[i], catalogue.path(entries[i])));
-            progress.reached(static_cast<double>(i + 1) / static_cast<double>(entries.size()));
+            progress.reached(i + 1, entries.size());
         }
         output.show(table);
-        if (entries.empty()) tellNote("there are no entries yet; cubes import stores one");
+        if (entries.empty()) printNote("there are no entries; store one with: cubes import FILE ENTRY");
     }
 
 private:

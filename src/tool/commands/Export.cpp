@@ -1,8 +1,8 @@
 #include "tool/Catalogue.h"
+#include "tool/Command.h"
 #include "tool/Progress.h"
-#include "tool/commands/Commands.h"
 #include "tool/formats/Formats.h"
-#include "tool/formats/MatrixTable.h"
+#include "tool/formats/TripTable.h"
 
 #include <fmt/format.h>
 
@@ -15,12 +15,12 @@ constexpr char const* tableName = "matrix";
 
 class Export : public Command {
 public:
-    Export() : Command("export", "Write the matrix of an entry to a file") {}
+    Export() : Command("export", "Write a matrix to a file") {}
 
     void declare(Arguments arguments) override {
         arguments.required("ENTRY", entry_, "The entry");
-        arguments.required("FILE", file_, "The file; its extension tells the format: .omx or .csv");
-        arguments.optional("--form", form_, "How a .csv file is written: long (default), one line a cell, or wide")
+        arguments.required("FILE", file_, "The file; its extension determines the format: .omx or .csv");
+        arguments.optional("--form", form_, "Form of a .csv file: long (default), a line for each cell, or wide")
             .oneOf({"long", "wide"})
             .calls("FORM");
     }
@@ -45,7 +45,7 @@ private:
     void write(TripTable const& trips) const {
         Progress progress("writing " + file_);
         auto const form = form_ == "wide" ? CsvForm::wide : CsvForm::longForm;
-        writeTripTable(file_, trips, tableName, form, [&](double share) { progress.reached(share); });
+        writeTripTable(file_, trips, tableName, form, progress.callback());
     }
 
     std::string entry_;

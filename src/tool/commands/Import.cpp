@@ -1,13 +1,13 @@
 #include "tool/Catalogue.h"
-#include "tool/MatrixFacts.h"
-#include "tool/Messages.h"
-#include "tool/Numbers.h"
+#include "tool/Command.h"
+#include "tool/Errors.h"
 #include "tool/Progress.h"
-#include "tool/ProjectFinder.h"
-#include "tool/commands/Commands.h"
-#include "tool/formats/FormatError.h"
+#include "tool/Projects.h"
+#include "tool/Statistics.h"
+#include "tool/Text.h"
 #include "tool/formats/Formats.h"
-#include "tool/formats/MatrixTable.h"
+#include "tool/formats/TripTable.h"
+#include "tool/formats/WholeFile.h"
 
 #include <fmt/format.h>
 
@@ -19,18 +19,19 @@ namespace {
 
 class Import : public Command {
 public:
-    Import() : Command("import", "Store the matrix of a file in an entry") {}
+    Import() : Command("import", "Store a matrix from a file in an entry") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("FILE", file_, "The file; its extension tells the format: .omx, .csv or .tntp");
-        arguments.required("ENTRY", entry_, "The entry; a cube of a new name is added");
-        arguments.optional("--table", table_, "Table of an OMX file that holds several").calls("NAME");
-        arguments.flag("--allow-negative", allowNegative_, "Store negative cells too, which no trip table has");
+        arguments.required("FILE", file_, "The file; its extension determines the format: .omx, .csv or .tntp");
+        arguments.required("ENTRY", entry_, "The entry; a new cube is added");
+        arguments.optional("--table", table_, "Table of an OMX file with several tables").calls("NAME");
+        arguments.flag(
+            "--allow-negative", allowNegative_, "Store negative cells as well, which trip tables do not have");
     }
 
     std::string task() const override { return fmt::format("import {} into {}", file_, entry_); }
 
-    // The file is read to its end before the project is touched.
+    // The whole file is read before the project is changed.
     void run(Surroundings const& surroundings, Output& output) override {
         auto const word = parseEntry(entry_);
         auto const directory = findProject(surroundings.project);
@@ -40,15 +41,15 @@ public:
         auto const matrix = matrixOf(trips);
         auto const entry = catalogue.store(word, matrix);
         auto const figures = statisticsOf(matrix);
-        for (auto const& warning : trips.warnings) tellWarning(warning);
-        tellOfStrangeCells(figures);
+        for (auto const& warning : trips.warnings) printWarning(warning);
+        warnOfUnusualCells(figures);
         show(entry, matrix, figures, catalogue.path(entry), output);
     }
 
 private:
     TripTable read() const {
         Progress progress("reading " + file_);
-        return readTripTable(file_, table_, [&](double share) { progress.reached(share); });
+        return readTripTable(file_, table_, progress.callback());
     }
 
     void refuseNegative(TripTable const& trips) const {
@@ -60,18 +61,16 @@ private:
         auto const zone = [&](std::size_t position) {
             return trips.zones.empty() ? static_cast<std::int32_t>(position + 1) : trips.zones[position];
         };
-        throw FormatError(
-            file_, fmt::format("found {} from zone {} to zone {}, expected cells that are not negative ({} are); "
-                               "--allow-negative stores them",
-                       *first, zone(index / columns), zone(index % columns),
-                       std::count_if(first, trips.cells.end(), isNegative)));
+        throw FormatError(fmt::format("it has negative cells ({} in all), the first is {} from zone {} to zone {}; "
+                                      "store them with --allow-negative",
+            std::count_if(first, trips.cells.end(), isNegative), *first, zone(index / columns), zone(index % columns)));
     }
 
-    static void tellOfStrangeCells(Statistics const& figures) {
-        std::pair<std::int64_t, char const*> const strange[] = {
-            {figures.nans, "no number (NaN)"}, {figures.infinities, "infinite"}, {figures.negatives, "negative"}};
-        for (auto const& [count, what] : strange)
-            if (count > 0) tellWarning(fmt::format("cells that are {}: {}", what, count));
+    static void warnOfUnusualCells(Statistics const& figures) {
+        std::pair<std::int64_t, char const*> const unusual[] = {
+            {figures.nans, "NaN"}, {figures.infinities, "infinite"}, {figures.negatives, "negative"}};
+        for (auto const& [count, what] : unusual)
+            if (count > 0) printWarning(fmt::format("cells that are {}: {}", what, count));
     }
 
     static void show(Entry const& entry, TRkMatrix const& matrix, Statistics const& figures, std::string const& path,
@@ -79,7 +78,7 @@ private:
         Record stored;
         stored.add("entry", "entry", entry.text());
         stored.add("cube", "", entry.cube.number);
-        stored.add("zones", "zones", zoneCount(matrix));
+        stored.add("zones", "zones", orNull(figures.isSquare(), figures.rows));
         stored.add("rows", "rows", matrix.Rows());
         stored.add("columns", "columns", matrix.Columns());
         stored.add("total", "total", trusted(figures.total, cellsIn(figures)));

@@ -1,5 +1,5 @@
-#include "tool/ProjectFinder.h"
-#include "tool/commands/Commands.h"
+#include "tool/Catalogue.h"
+#include "tool/Command.h"
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/project/Project.h>
@@ -10,10 +10,10 @@ namespace {
 
 class Init : public Command {
 public:
-    Init() : Command("init", "Make a project") {}
+    Init() : Command("init", "Create a project") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("DIR", directory_, "Directory of the project, made when it is not there");
+        arguments.required("DIR", directory_, "Directory of the project, created when it does not exist");
         arguments.optional("--database", options_.database, "sqlite:PATH or postgresql://...; default sqlite:cubes.db")
             .calls("URL");
         arguments.optional("--storage", options_.storage, "How matrix files are stored: plain (default) or deflate")
@@ -21,17 +21,17 @@ public:
             .calls("HOW");
         arguments
             .optional("--durability", options_.durability,
-                "full (default): a stored matrix survives a power failure; process: it need not, and is stored faster")
+                "full (default): stored matrices survive a power failure; process: faster, but they may not")
             .oneOf({"full", "process"})
             .calls("HOW");
     }
 
     bool needsProject() const override { return false; }
-    std::string task() const override { return "make a project in " + directory_; }
+    std::string task() const override { return "create a project in " + directory_; }
 
     void run(Surroundings const&, Output& output) override {
-        refuseProject(directory_);
-        auto const project = Project::create(directory_, options_);
+        auto const catalogue = Catalogue::create(directory_, options_);
+        auto const& project = catalogue.project();
         Record made;
         made.add("project", "project", project.root());
         made.add("database", "database", project.connection()->Url());

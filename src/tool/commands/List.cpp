@@ -1,7 +1,7 @@
 #include "tool/Catalogue.h"
+#include "tool/Command.h"
+#include "tool/Errors.h"
 #include "tool/Kinds.h"
-#include "tool/Messages.h"
-#include "tool/commands/Commands.h"
 
 #include <map>
 
@@ -11,14 +11,14 @@ namespace {
 
 class List : public Command {
 public:
-    List() : Command("list", "List the cubes, the fares and the kinds of results of the project") {}
+    List() : Command("list", "List the cubes, fares and kinds of results of the project") {}
 
     void declare(Arguments) override {}
     std::string task() const override { return "list the cubes"; }
 
     void run(Surroundings const& surroundings, Output& output) override {
         auto const catalogue = Catalogue::open(surroundings);
-        // Fares and results of a kind are counted under its number.
+        // Fares and results are counted by the number of their kind.
         std::map<short, std::size_t> counts;
         for (auto const& entry : catalogue.entries()) ++counts[entry.cube.number];
         Table table({{"number", "number"}, {"name", "name"}, {"entries", "entries"}});
@@ -27,7 +27,7 @@ public:
         for (auto const& kind : kinds())
             if (counts[kind.number] > 0) table.add({kind.number, kind.word, counts[kind.number]});
         output.show(table);
-        if (cubes.empty()) tellNote("the project has no cubes yet; cubes add or cubes import make one");
+        if (cubes.empty()) printNote("the project has no cubes; add one with: cubes add NAME");
     }
 };
 

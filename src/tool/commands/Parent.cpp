@@ -1,7 +1,7 @@
 #include "tool/Catalogue.h"
+#include "tool/Command.h"
 #include "tool/Errors.h"
 #include "tool/Lineage.h"
-#include "tool/commands/Commands.h"
 
 #include <fmt/format.h>
 
@@ -17,9 +17,8 @@ public:
 
     void declare(Arguments arguments) override {
         arguments.required("ENTRY", entry_, "The result");
-        auto const parent =
-            arguments.optional("PARENT", parent_, "The entry it was derived from; else that is printed");
-        arguments.flag("--none", none_, "Take its parent away").without(parent);
+        auto const parent = arguments.optional("PARENT", parent_, "The entry it was derived from; default: print it");
+        arguments.flag("--none", none_, "Remove its parent").without(parent);
     }
 
     std::string task() const override {
@@ -38,7 +37,7 @@ public:
 
 private:
     static void set(Catalogue& catalogue, Entry const& entry, Entry const& parent) {
-        if (parent == entry) throw Refusal("an entry is not its own parent");
+        if (parent == entry) throw Refusal("an entry cannot be its own parent");
         auto const ancestors = ancestorsOf(parent, catalogue);
         if (std::find(ancestors.begin(), ancestors.end(), entry) != ancestors.end())
             throw Refusal(fmt::format("{} was derived from it", parent.text()));

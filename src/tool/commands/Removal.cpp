@@ -2,7 +2,6 @@
 
 #include "tool/Errors.h"
 #include "tool/Lineage.h"
-#include "tool/Messages.h"
 #include "tool/Paths.h"
 
 #include <fmt/format.h>
@@ -16,9 +15,9 @@ void removeEntry(EntryWord const& word, char const* done, Surroundings const& su
     auto const entry = catalogue.entry(word);
     catalogue.refuseUse(entry);
     auto const file = catalogue.path(entry);
-    if (!catalogue.remove(entry)) throw Refusal("the entry is gone");
-    tellOfFilesThatStayed({file});
-    tellOfOrphans(entry.text(), catalogue.childrenOf(entry).size());
+    if (!catalogue.remove(entry)) throw Refusal("another program has just removed it");
+    warnOfRemainingFiles({file});
+    warnOfOrphans(entry.text(), catalogue.childrenOf(entry).size());
     Record record;
     record.add(done, done, entry.text());
     output.show(record);
@@ -31,15 +30,14 @@ std::size_t orphansOf(std::vector<Entry> const& gone, Catalogue const& catalogue
     return count;
 }
 
-void tellOfOrphans(std::string const& gone, std::size_t count) {
-    if (count > 0) tellWarning(fmt::format("results that still name {} as their parent: {}", gone, count));
+void warnOfOrphans(std::string const& gone, std::size_t count) {
+    if (count > 0) printWarning(fmt::format("results that still have {} as their parent: {}", gone, count));
 }
 
-// A file that the system keeps is not worth an error.
-void tellOfFilesThatStayed(std::vector<std::string> const& files) {
+void warnOfRemainingFiles(std::vector<std::string> const& files) {
     std::error_code ignored;
     for (auto const& file : files)
-        if (std::filesystem::exists(toPath(file), ignored)) tellWarning(file + " could not be removed");
+        if (std::filesystem::exists(toPath(file), ignored)) printWarning("cannot remove the file " + file);
 }
 
 }

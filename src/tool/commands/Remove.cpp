@@ -1,5 +1,5 @@
+#include "tool/Command.h"
 #include "tool/Lineage.h"
-#include "tool/commands/Commands.h"
 #include "tool/commands/Removal.h"
 
 namespace cubes::tool {
@@ -11,8 +11,8 @@ public:
     Remove() : Command("remove", "Remove an entry, or a cube with all its entries") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("WHAT", what_, "CUBE, or ENTRY; fares or a kind of results stand for all their entries");
-        arguments.flag("--with-children", withChildren_, "Remove all that was derived from an entry as well");
+        arguments.required("WHAT", what_, "CUBE or ENTRY; fare or a kind of results means all its entries");
+        arguments.flag("--with-children", withChildren_, "Also remove everything that was derived from the entry");
     }
 
     std::string task() const override { return "remove " + what_; }
@@ -27,13 +27,13 @@ public:
     }
 
 private:
-    // Children go before what they were derived from; nothing goes when one of them is in use.
+    // Children are removed before their parents, and nothing is when one of them is in use.
     static void removeWithChildren(EntryWord const& word, Surroundings const& surroundings, Output& output) {
         auto catalogue = Catalogue::open(surroundings);
         auto const entries = derivedFrom(catalogue.entry(word), catalogue);
         auto const files = filesOf(entries, catalogue);
         for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) catalogue.remove(*entry);
-        tellOfFilesThatStayed(files);
+        warnOfRemainingFiles(files);
         Record removed;
         removed.add("removed", "removed", entries.front().text());
         removed.add("entries", "entries", entries.size());
@@ -46,15 +46,15 @@ private:
         auto const entries = catalogue.entriesOf(cube);
         auto const files = filesOf(entries, catalogue);
         catalogue.remove(cube);
-        tellOfFilesThatStayed(files);
-        tellOfOrphans("an entry of " + cube.text(), orphansOf(entries, catalogue));
+        warnOfRemainingFiles(files);
+        warnOfOrphans("an entry of " + cube.text(), orphansOf(entries, catalogue));
         Record removed;
         removed.add("removed", "removed", cube.text());
         removed.add("entries", "entries", entries.size());
         output.show(removed);
     }
 
-    /// The entries' files; refuses when an entry is in use.
+    /// The files of the entries. Throws Refusal when an entry is in use.
     static std::vector<std::string> filesOf(std::vector<Entry> const& entries, Catalogue const& catalogue) {
         std::vector<std::string> files;
         for (auto const& entry : entries) {

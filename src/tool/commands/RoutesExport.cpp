@@ -1,8 +1,7 @@
+#include "tool/Command.h"
 #include "tool/Progress.h"
-#include "tool/commands/Commands.h"
 #include "tool/commands/Routes.h"
-#include "tool/routes/RouteDataCsv.h"
-#include "tool/routes/RoutesCsv.h"
+#include "tool/routes/RouteCsv.h"
 
 #include <fmt/format.h>
 
@@ -12,11 +11,11 @@ namespace {
 
 class RoutesExport : public RoutesCommand {
 public:
-    RoutesExport() : RoutesCommand("routes export", "Write the routes of an entry, or data of routes, to a file") {}
+    RoutesExport() : RoutesCommand("routes export", "Write routes or route data to a file") {}
 
     void declare(Arguments arguments) override {
         arguments.required("ENTRY", entry_, "The entry, of routes or routedata");
-        arguments.required("CSV", file_, "The file, as routes import reads it");
+        arguments.required("CSV", file_, "The file, which routes import can read");
     }
 
     std::string task() const override { return fmt::format("export {} to {}", entry_, file_); }
@@ -34,17 +33,17 @@ public:
     }
 
 private:
-    // Gives the number of routes.
+    // Returns the number of routes.
     std::size_t write(Entry const& entry, std::string const& file) const {
         Progress progress("writing " + file_);
-        auto const shareDone = [&](double share) { progress.reached(share); };
+        auto const callback = progress.callback();
         if (isRouteSet(entry.cube)) {
             auto const routes = routesIn(RouteSetFile(file));
-            writeRoutesCsv(file_, routes, shareDone);
+            writeRoutesCsv(file_, routes, callback);
             return routes.size();
         }
         auto const fields = readRouteData(file);
-        writeRouteDataCsv(file_, fields, shareDone);
+        writeRouteDataCsv(file_, fields, callback);
         return fields.empty() ? 0 : fields.front().values.size();
     }
 

@@ -1,5 +1,5 @@
+#include "tool/Command.h"
 #include "tool/Errors.h"
-#include "tool/commands/Commands.h"
 #include "tool/commands/Routes.h"
 
 #include <cubes/routestorage/Reference.h>
@@ -21,10 +21,10 @@ public:
 
     void run(Surroundings const& surroundings, Output& output) override {
         auto const word = parseRoutes(entry_);
-        if (isRouteSet(word.cube)) throw Refusal("routes have no fields; data of routes have");
+        if (isRouteSet(word.cube)) throw Refusal("routes have no fields; route data have");
         auto const catalogue = Catalogue::open(surroundings);
         auto const entry = catalogue.entry(word);
-        // Metadata tell nothing of a file that cannot be read; reading it does.
+        // The metadata of an unreadable file are empty; reading it gives the reason.
         readRouteData(routeFileOf(entry, catalogue));
         Table table({{"name", "name"}, {"type", "type"}, {"size", "size"}, {"precision", "precision"}});
         RouteStorageDataCube const cube(catalogue.project().settings());

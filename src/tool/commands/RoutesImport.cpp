@@ -1,9 +1,8 @@
+#include "tool/Command.h"
 #include "tool/Progress.h"
-#include "tool/ProjectFinder.h"
-#include "tool/commands/Commands.h"
+#include "tool/Projects.h"
 #include "tool/commands/Routes.h"
-#include "tool/routes/RouteDataCsv.h"
-#include "tool/routes/RoutesCsv.h"
+#include "tool/routes/RouteCsv.h"
 
 #include <fmt/format.h>
 
@@ -13,17 +12,17 @@ namespace {
 
 class RoutesImport : public RoutesCommand {
 public:
-    RoutesImport() : RoutesCommand("routes import", "Store the routes of a file, or data of routes, in an entry") {}
+    RoutesImport() : RoutesCommand("routes import", "Store routes or route data from a file in an entry") {}
 
     void declare(Arguments arguments) override {
-        arguments.required(
-            "CSV", file_, "The file: origin,destination,route,sequence,link,share, or for data route,NAME:TYPE,...");
+        arguments.required("CSV", file_,
+            "The file: origin,destination,route,sequence,link,share, or for route data route,NAME:TYPE,...");
         arguments.required("ENTRY", entry_, "The entry, of routes or routedata");
     }
 
     std::string task() const override { return fmt::format("import {} into {}", file_, entry_); }
 
-    // The file is read to its end before the project is touched.
+    // The whole file is read before the project is changed.
     void run(Surroundings const& surroundings, Output& output) override {
         auto const word = parseRoutes(entry_);
         auto const directory = findProject(surroundings.project);
@@ -37,7 +36,7 @@ private:
     template <typename Reader>
     auto read(Reader const& reader) const {
         Progress progress("reading " + file_);
-        return reader(file_, [&](double share) { progress.reached(share); });
+        return reader(file_, progress.callback());
     }
 
     void storeSet(EntryWord const& word, std::string const& directory, Output& output) const {

@@ -1,11 +1,11 @@
+#include "tool/Command.h"
 #include "tool/Errors.h"
 #include "tool/Kinds.h"
-#include "tool/MatrixFacts.h"
-#include "tool/Numbers.h"
-#include "tool/commands/Commands.h"
+#include "tool/Statistics.h"
+#include "tool/Text.h"
 #include "tool/commands/Routes.h"
-#include "tool/formats/MatrixTable.h"
-#include "tool/routes/SelectLink.h"
+#include "tool/formats/TripTable.h"
+#include "tool/routes/RouteFiles.h"
 
 #include <fmt/format.h>
 
@@ -15,13 +15,13 @@ namespace {
 
 class RoutesSelect : public RoutesCommand {
 public:
-    RoutesSelect() : RoutesCommand("routes select", "Store the trips that pass a link by the routes of an entry") {}
+    RoutesSelect() : RoutesCommand("routes select", "Select link analysis: store the trips over a link") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("ENTRY", entry_, "The entry of routes; it becomes the parent of RESULT");
-        arguments.required("LINK", link_, "The number of the link");
-        arguments.required("TRIPS", trips_, "The entry of the trips; the shares of the routes divide them up");
-        arguments.required("RESULT", result_, "The result to store the trips in that pass the link");
+        arguments.required("ENTRY", entry_, "The routes; they become the parent of RESULT");
+        arguments.required("LINK", link_, "The link number");
+        arguments.required("TRIPS", trips_, "The demand matrix, which is split by the shares of the routes");
+        arguments.required("RESULT", result_, "The result to store the trips over the link in");
     }
 
     std::string task() const override { return fmt::format("select link {} of {}", link_, entry_); }
@@ -32,7 +32,7 @@ public:
         auto const tripsWord = parseEntry(trips_);
         auto const resultWord = parseEntry(result_);
         if (!resultWord.cube.kind || !resultWord.cube.kind->isResult || resultWord.cube.kind->holdsRoutes)
-            throw Refusal("RESULT must be a result that holds a matrix");
+            throw Refusal("RESULT must be a result that holds a matrix, such as selectedlink/1/1/1/1/1/1");
         auto catalogue = Catalogue::open(surroundings);
         auto const entry = catalogue.entry(routesWord);
         auto const trips = tableOf(*catalogue.matrix(catalogue.entry(tripsWord)));
@@ -48,7 +48,7 @@ private:
     static void show(Entry const& stored, Statistics const& figures, std::string const& file, Output& output) {
         Record done;
         done.add("entry", "entry", stored.text());
-        done.add("pairs", "pairs of zones", cellsIn(figures));
+        done.add("pairs", "OD pairs", cellsIn(figures));
         done.add("total", "total", trusted(figures.total, cellsIn(figures)));
         done.add("file", "file", file);
         output.show(done);

@@ -1,6 +1,6 @@
+#include "tool/Command.h"
 #include "tool/Errors.h"
-#include "tool/Messages.h"
-#include "tool/commands/Commands.h"
+#include "tool/Text.h"
 #include "tool/commands/Routes.h"
 
 #include <fmt/format.h>
@@ -13,12 +13,12 @@ namespace {
 
 class RoutesShow : public RoutesCommand {
 public:
-    RoutesShow() : RoutesCommand("routes show", "Print what an entry of routes is like, or some of its routes") {}
+    RoutesShow() : RoutesCommand("routes show", "Print the size of a route set, or some of its routes") {}
 
     void declare(Arguments arguments) override {
         arguments.required("ENTRY", entry_, "The entry, of routes or routedata");
-        auto const pair = arguments.optional("--od", pair_, 2, "The routes from a zone to another").calls("ZONE");
-        arguments.optional("--link", link_, "The routes over a link").calls("LINK").without(pair);
+        auto const pair = arguments.optional("--od", pair_, 2, "Print the routes of an OD pair").calls("ZONE");
+        arguments.optional("--link", link_, "Print the routes over a link").calls("LINK").without(pair);
     }
 
     std::string task() const override { return "show " + entry_; }
@@ -56,7 +56,7 @@ private:
         record.add("file", "file", file);
         record.add("routes", "routes", set.size());
         record.add("links", "links", set.linkCount());
-        record.add("pairs", "pairs of zones", pairs.size());
+        record.add("pairs", "OD pairs", pairs.size());
         record.add("shares", "sum of shares", shares);
         output.show(record);
     }
@@ -71,7 +71,7 @@ private:
                 {number, one.origin, one.destination, one.share, links, fmt::format("{}", fmt::join(links, " "))});
         }
         output.show(table);
-        if (numbers.empty()) tellNote("there are no such routes");
+        if (numbers.empty()) printNote("there are no such routes");
     }
 
     static void showData(Entry const& entry, std::string const& file, Output& output) {

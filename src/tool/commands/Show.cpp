@@ -1,7 +1,7 @@
 #include "tool/Catalogue.h"
-#include "tool/MatrixFacts.h"
-#include "tool/Numbers.h"
-#include "tool/commands/Commands.h"
+#include "tool/Command.h"
+#include "tool/Statistics.h"
+#include "tool/Text.h"
 
 #include <limits>
 
@@ -9,20 +9,20 @@ namespace cubes::tool {
 
 namespace {
 
-/// Of a share of counted cells.
+/// The cells of a share of counted cells, which is exact.
 constexpr auto exactly = std::numeric_limits<std::int64_t>::max();
 
-/// A cell's value, which the statistics give widened.
+/// The value of a cell, which the statistics hold as a double.
 double cellValue(double value) {
     return shortest(static_cast<float>(value));
 }
 
-void addShape(Record& record, TRkMatrix const& matrix) {
+void addShape(Record& record, TRkMatrix const& matrix, Statistics const& figures) {
     auto const& zones = matrix.Zones();
     bool const isNumbered = !zones.empty();
     record.add("rows", "rows", matrix.Rows());
     record.add("columns", "columns", matrix.Columns());
-    record.add("zones", "zones", zoneCount(matrix));
+    record.add("zones", "zones", orNull(figures.isSquare(), figures.rows));
     record.add("firstZone", "first zone", isNumbered ? Json(zones.front()) : Json());
     record.add("lastZone", "last zone", isNumbered ? Json(zones.back()) : Json());
 }
@@ -48,7 +48,7 @@ void addValues(Record& record, Statistics const& figures) {
 
 class Show : public Command {
 public:
-    Show() : Command("show", "Print what the matrix of an entry is like") {}
+    Show() : Command("show", "Print the size and statistics of a matrix") {}
 
     void declare(Arguments arguments) override { arguments.required("ENTRY", entry_, "The entry"); }
 
@@ -63,7 +63,7 @@ public:
         Record record;
         record.add("entry", "entry", entry.text());
         record.add("file", "file", catalogue.path(entry));
-        addShape(record, *matrix);
+        addShape(record, *matrix, figures);
         addSums(record, figures);
         addValues(record, figures);
         output.show(record);

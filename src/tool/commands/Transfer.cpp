@@ -1,8 +1,8 @@
 #include "tool/Catalogue.h"
+#include "tool/Command.h"
 #include "tool/Errors.h"
 #include "tool/Paths.h"
-#include "tool/ProjectFinder.h"
-#include "tool/commands/Commands.h"
+#include "tool/Projects.h"
 #include "tool/commands/Removal.h"
 
 #include <fmt/format.h>
@@ -16,23 +16,22 @@ namespace {
 
 using Existing = Catalogue::Existing;
 
-// Copying and moving differ in what becomes of the source.
+// Copying and moving differ in what happens to the source.
 class Transfer : public Command {
 public:
     using Command::Command;
 
     void declare(Arguments arguments) override {
-        arguments.required("FROM", from_, "The entry that is there");
-        arguments.required("TO", to_, "The entry to make; one that is there is replaced");
-        arguments.flag("--fail-if-exists", failIfExists_, "Refuse to replace an entry");
-        arguments.optional("--from-project", fromProject_, "Project that holds FROM; else the one to work in")
-            .calls("DIR");
+        arguments.required("FROM", from_, "The existing entry");
+        arguments.required("TO", to_, "The entry to create or replace");
+        arguments.flag("--fail-if-exists", failIfExists_, "Do not replace an existing entry");
+        arguments.optional("--from-project", fromProject_, "Project of FROM; default: the one to work in").calls("DIR");
     }
 
     std::string task() const override { return fmt::format("{} {} to {}", name(), from_, to_); }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        if (fromProject_ && fromProject_->empty()) throw UsageError("--from-project names no directory");
+        if (fromProject_ && fromProject_->empty()) throw UsageError("--from-project needs a directory");
         fromWord_ = parseEntry(from_);
         toWord_ = parseEntry(to_);
         auto catalogue = Catalogue::open(surroundings);
@@ -62,9 +61,9 @@ private:
     }
 
     void runBetween(Catalogue& catalogue, Output& output) {
-        // It names one database for every project that is opened.
+        // It overrides the database of every project.
         if (std::getenv("CUBES_DATABASE"))
-            throw Refusal("CUBES_DATABASE is set and names one database for both projects");
+            throw Refusal("CUBES_DATABASE is set, which overrides the database of both projects; unset it");
         Catalogue source(findProject(*fromProject_));
         auto const from = source.entry(fromWord_);
         auto const to = between(catalogue, source, from);
@@ -107,21 +106,21 @@ public:
 
 private:
     Entry within(Catalogue& catalogue, Entry const& from) override {
-        return tellingWhatStayed(catalogue, from, [&] { return catalogue.move(from, to(), existing()); });
+        return warningOfRemains(catalogue, from, [&] { return catalogue.move(from, to(), existing()); });
     }
 
     Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) override {
-        return tellingWhatStayed(source, from, [&] { return catalogue.moveFrom(source, from, to(), existing()); });
+        return warningOfRemains(source, from, [&] { return catalogue.moveFrom(source, from, to(), existing()); });
     }
 
     template <typename Moving>
-    static Entry tellingWhatStayed(Catalogue const& source, Entry const& from, Moving const& moving) {
+    static Entry warningOfRemains(Catalogue const& source, Entry const& from, Moving const& moving) {
         auto const file = source.path(from);
         auto const children = source.childrenOf(from);
         auto const moved = moving();
         if (source.has(from)) return moved;
-        tellOfFilesThatStayed({file});
-        tellOfOrphans(from.text(), children.size());
+        warnOfRemainingFiles({file});
+        warnOfOrphans(from.text(), children.size());
         return moved;
     }
 };

@@ -1,7 +1,7 @@
 #include "tool/Catalogue.h"
+#include "tool/Command.h"
 #include "tool/Errors.h"
-#include "tool/LineageReport.h"
-#include "tool/commands/Commands.h"
+#include "tool/Lineage.h"
 
 #include <fmt/format.h>
 
@@ -14,7 +14,7 @@ public:
     Tree() : Command("tree", "Show what an entry was derived from and what was derived from it") {}
 
     void declare(Arguments arguments) override {
-        arguments.required("ENTRY", entry_, "The entry, there or not");
+        arguments.required("ENTRY", entry_, "The entry, which need not exist any more");
         arguments.flag("--dot", dot_, "Print a graph for Graphviz");
     }
 

@@ -1,6 +1,6 @@
 #include "tool/Catalogue.h"
+#include "tool/Command.h"
 #include "tool/Errors.h"
-#include "tool/commands/Commands.h"
 
 #include <fmt/format.h>
 
@@ -10,11 +10,11 @@ namespace {
 
 class Use : public Command {
 public:
-    Use() : Command("use", "Protect an entry while it is used, give it free, or count its users") {}
+    Use() : Command("use", "Count, add or remove the users of an entry, which protect it") {}
 
     void declare(Arguments arguments) override {
         arguments.required("ENTRY", entry_, "The entry");
-        arguments.optional("CHANGE", change_, "+1: one more user; -1: one less; else they are counted")
+        arguments.optional("CHANGE", change_, "+1: add a user; -1: remove one; default: count them")
             .oneOf({"+1", "-1"});
     }
 

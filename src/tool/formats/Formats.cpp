@@ -1,11 +1,10 @@
 #include "tool/formats/Formats.h"
 
+#include "tool/Errors.h"
 #include "tool/Paths.h"
-#include "tool/formats/Csv.h"
-#include "tool/formats/FormatError.h"
-#include "tool/formats/NumberText.h"
-#include "tool/formats/Omx.h"
-#include "tool/formats/Tntp.h"
+#include "tool/Text.h"
+
+#include <cubes/matrix/OmxFile.h>
 
 #include <fmt/format.h>
 
@@ -18,10 +17,35 @@ namespace cubes::tool {
 
 namespace {
 
+using Tables = std::vector<std::string>;
+
+std::string onlyTable(Tables const& tables) {
+    if (tables.size() == 1) return tables.front();
+    if (tables.empty()) throw FormatError("it holds no table");
+    throw FormatError(
+        fmt::format("it holds {} tables; choose one with --table: {}", tables.size(), fmt::join(tables, ", ")));
+}
+
+std::string chosenTable(Tables const& tables, std::string const& name) {
+    if (std::ranges::find(tables, name) != tables.end()) return name;
+    if (tables.empty()) throw FormatError("it holds no table");
+    auto const near = suggestion(name, tables);
+    throw FormatError(fmt::format("it has no table '{}'{}", name,
+        near.empty() ? fmt::format("; choose one with --table: {}", fmt::join(tables, ", ")) : near));
+}
+
+TripTable readOmx(std::string const& path, std::optional<std::string> const& table) {
+    auto const file = OmxFile::open(path);
+    auto const name = table ? chosenTable(file.tables(), *table) : onlyTable(file.tables());
+    if (!file.isIntact(name))
+        throw FormatError(fmt::format("table '{}' is damaged: its values do not match its checksum", name));
+    return tableOf(file.read(name));
+}
+
 struct Source {
     std::string const& path;
     std::optional<std::string> const& table;
-    ShareDone const& shareDone;
+    ProgressCallback const& progress;
 };
 
 struct Target {
@@ -29,23 +53,21 @@ struct Target {
     TripTable const& trips;
     std::string const& table;
     CsvForm form;
-    ShareDone const& shareDone;
+    ProgressCallback const& progress;
 };
 
 void refuseTableName(Source const& source) {
-    if (source.table)
-        throw FormatError(
-            source.path, fmt::format("holds one table without a name, '{}' was asked for", *source.table));
+    if (source.table) throw FormatError("it holds one table without a name; leave out --table");
 }
 
 TripTable readCsvSource(Source const& source) {
     refuseTableName(source);
-    return readCsv(source.path, source.shareDone);
+    return readCsv(source.path, source.progress);
 }
 
 TripTable readTntpSource(Source const& source) {
     refuseTableName(source);
-    return readTntp(source.path, source.shareDone);
+    return readTntp(source.path, source.progress);
 }
 
 TripTable readOmxSource(Source const& source) {
@@ -53,16 +75,16 @@ TripTable readOmxSource(Source const& source) {
 }
 
 void writeCsvTarget(Target const& target) {
-    writeCsv(target.path, target.trips, target.form, target.shareDone);
+    writeCsv(target.path, target.trips, target.form, target.progress);
 }
 
 void writeOmxTarget(Target const& target) {
-    writeOmx(target.path, target.trips, target.table);
+    OmxFile::write(target.path, target.table, matrixOf(target.trips));
 }
 
-// The format keeps no more digits than its author chose, and has no place for skims.
-void refuseTntpTarget(Target const& target) {
-    throw FormatError(target.path, ".tntp is a format to import from; write .omx or .csv, which keep every value");
+// The format keeps no more digits than its author chose, and cannot hold skims.
+void refuseTntpTarget(Target const&) {
+    throw FormatError(".tntp files can be imported only; export to .omx or .csv, which keep every value");
 }
 
 struct Format {
@@ -82,33 +104,36 @@ Format const& formatOf(std::string const& path) {
     auto const found = std::find_if(
         formats.begin(), formats.end(), [&](Format const& format) { return isSameWord(format.extension, extension); });
     if (found != formats.end()) return *found;
-    std::string known;
-    for (auto const& format : formats) known += fmt::format("{}{}", known.empty() ? "" : ", ", format.extension);
-    auto const what = extension.empty() ? std::string("has no extension") : fmt::format("'{}' is no format", extension);
-    throw FormatError(path, fmt::format("{}, expected one of {}", what, known));
+    Tables known;
+    for (auto const& format : formats) known.emplace_back(format.extension);
+    throw FormatError(fmt::format("{}; expected one of {}",
+        extension.empty() ? std::string("the file name has no extension")
+                          : fmt::format("'{}' is not a format", extension),
+        fmt::join(known, ", ")));
 }
 
-// A table can be larger than this machine, whatever its format.
+// A table of any format can be too large for this machine.
 template <typename Work>
-auto withinMemory(std::string const& path, Work work) {
+auto withinMemory(Work work) {
     try {
         return work();
     } catch (std::bad_alloc const&) {
-        throw FormatError(path, "needs more memory than there is");
+        throw FormatError("the matrix does not fit into memory");
     }
 }
 
 }
 
-TripTable readTripTable(std::string const& path, std::optional<std::string> const& table, ShareDone const& shareDone) {
+TripTable readTripTable(
+    std::string const& path, std::optional<std::string> const& table, ProgressCallback const& progress) {
     auto const& format = formatOf(path);
-    return withinMemory(path, [&] { return format.read({path, table, shareDone}); });
+    return withinMemory([&] { return format.read({path, table, progress}); });
 }
 
 void writeTripTable(std::string const& path, TripTable const& trips, std::string const& table, CsvForm form,
-    ShareDone const& shareDone) {
+    ProgressCallback const& progress) {
     auto const& format = formatOf(path);
-    withinMemory(path, [&] { format.write({path, trips, table, form, shareDone}); });
+    withinMemory([&] { format.write({path, trips, table, form, progress}); });
 }
 
 }

@@ -1,8 +1,8 @@
 #include "tool/formats/WholeFile.h"
 
+#include "tool/Errors.h"
 #include "tool/Paths.h"
 #include "tool/PutInPlace.h"
-#include "tool/formats/FormatError.h"
 
 #include <fmt/format.h>
 
@@ -17,12 +17,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string reasonOf(int error) {
-    return error ? std::generic_category().message(error) : std::string("input/output error");
-}
-
-std::string cannotBe(std::string_view done, int error) {
-    return fmt::format("cannot be {}: {}", done, reasonOf(error));
+// The standard streams keep their reason in errno, if anywhere.
+[[noreturn]] void fail() {
+    throw FormatError(errno ? std::generic_category().message(errno) : std::string("input/output error"));
 }
 
 std::string temporaryBeside(std::string const& path) {
@@ -30,30 +27,30 @@ std::string temporaryBeside(std::string const& path) {
     return fmt::format("{}.{:08x}{:08x}.part", path, random(), random());
 }
 
-// Renaming over a directory, a device or a pipe is never meant.
+// Replacing a directory, a device or a pipe is never intended.
 void requireRegularOrNew(std::string const& path) {
     std::error_code ignored;
     auto const status = fs::status(toPath(path), ignored);
-    if (fs::is_directory(status)) throw FormatError(path, "is a directory, expected a file");
-    if (fs::exists(status) && !fs::is_regular_file(status)) throw FormatError(path, "is not a regular file");
+    if (fs::is_directory(status)) throw FormatError("it is a directory");
+    if (fs::exists(status) && !fs::is_regular_file(status)) throw FormatError("it is not a regular file");
 }
 
 }
 
 std::string readWholeFile(std::string const& path) {
     std::error_code ignored;
-    fs::path const place = toPath(path);
-    if (fs::is_directory(place, ignored)) throw FormatError(path, "is a directory, expected a file");
+    fs::path const file = toPath(path);
+    if (fs::is_directory(file, ignored)) throw FormatError("it is a directory");
     errno = 0;
-    std::ifstream stream(place, std::ios::binary);
-    if (!stream) throw FormatError(path, cannotBe("read", errno));
-    auto const size = fs::is_regular_file(place, ignored) ? fs::file_size(place, ignored) : 0;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) fail();
+    auto const size = fs::is_regular_file(file, ignored) ? fs::file_size(file, ignored) : 0;
     std::string bytes;
     bytes.reserve(ignored ? 0 : size);
     char block[1 << 16];
     while (stream.read(block, sizeof block) || stream.gcount() > 0)
         bytes.append(block, static_cast<std::size_t>(stream.gcount()));
-    if (stream.bad()) throw FormatError(path, cannotBe("read", errno));
+    if (stream.bad()) fail();
     return bytes;
 }
 
@@ -74,16 +71,11 @@ void NewFile::write(std::string_view bytes) {
     if (!stream_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()))) fail();
 }
 
-void NewFile::publish() {
+void NewFile::commit() {
     errno = 0;
     stream_.close();
     if (!stream_) fail();
-    if (auto const error = putInPlace(toPath(temporary_), toPath(path_)))
-        throw FormatError(path_, fmt::format("cannot be written: {}", error.message()));
-}
-
-void NewFile::fail() const {
-    throw FormatError(path_, cannotBe("written", errno));
+    if (auto const error = putInPlace(toPath(temporary_), toPath(path_))) throw FormatError(error.message());
 }
 
 }

@@ -6,25 +6,23 @@
 
 namespace cubes::tool {
 
-/// The bytes of a file. Throws FormatError for one that is missing, a directory or unreadable.
+/// The bytes of a file. Throws FormatError when it is missing, a directory or unreadable.
 std::string readWholeFile(std::string const& path);
 
-/// A file that is written beside its place and takes it when it is complete. Throws FormatError
-/// when something cannot be written; until publish has returned the old file is what it was.
+/// A file written under a temporary name beside its target, which it replaces when it is complete. Throws
+/// FormatError when something cannot be written; until commit() returns, the old file is unchanged.
 class NewFile {
 public:
     explicit NewFile(std::string path);
-    /// Removes what was not published.
+    /// Removes what was not committed.
     ~NewFile();
     NewFile(NewFile const&) = delete;
     NewFile& operator=(NewFile const&) = delete;
 
     void write(std::string_view bytes);
-    void publish();
+    void commit();
 
 private:
-    [[noreturn]] void fail() const;
-
     std::string path_;
     std::string temporary_;
     std::ofstream stream_;

@@ -1,7 +1,8 @@
-#include "tool/routes/RouteDataCsv.h"
+#include "tool/routes/RouteCsv.h"
 
+#include "tool/Errors.h"
+#include "tool/Text.h"
 #include "tool/formats/CsvLines.h"
-#include "tool/formats/NumberText.h"
 #include "tool/formats/WholeFile.h"
 
 #include <fmt/format.h>
@@ -17,7 +18,7 @@ namespace {
 
 using VL::Interface::RouteFieldType;
 
-/// What a field's values may be.
+/// A type of field and the range of its values.
 struct Type {
     RouteFieldType type;
     char const* name;
@@ -47,7 +48,7 @@ Type const& typeOf(RouteFieldType wanted) {
     return *std::find_if(std::begin(types), std::end(types), [&](Type const& type) { return type.type == wanted; });
 }
 
-// The text with each `what` in it replaced.
+// The text with every `what` replaced.
 std::string replaced(std::string_view text, std::string_view what, std::string_view by) {
     std::string result(text);
     for (auto at = result.find(what); at != std::string::npos; at = result.find(what, at + by.size()))
@@ -55,7 +56,7 @@ std::string replaced(std::string_view text, std::string_view what, std::string_v
     return result;
 }
 
-// As it stands in the first line: in quotes where a comma or a quote in it would mislead.
+// The heading of a column, quoted where it contains a comma or a quote.
 std::string headingOf(RouteValues const& field) {
     auto const heading = fmt::format("{}:{}", field.name, typeName(field.type));
     if (heading.find_first_of(",\"") == std::string::npos) return heading;
@@ -66,41 +67,41 @@ bool isControl(char letter) {
     return static_cast<unsigned char>(letter) < ' ' || letter == '\x7f';
 }
 
-RouteValues fieldOf(std::string_view heading, Place const& place) {
+RouteValues fieldOf(std::string_view heading, std::size_t line) {
     auto const colon = heading.rfind(':');
     auto const* const type = colon == std::string_view::npos ? findType("double") : findType(heading.substr(colon + 1));
     auto const name = heading.substr(0, colon);
     if (!type || name.empty())
-        unexpected(place, heading, "NAME:TYPE with the type boolean, bytes, smalint, integer, float or double");
+        unexpected(line, heading, "NAME:TYPE with the type boolean, bytes, smalint, integer, float or double");
     if (std::any_of(name.begin(), name.end(), isControl))
-        unexpected(place, heading, "a name without control characters");
+        unexpected(line, heading, "a name without control characters");
     return {replaced(name, "\"\"", "\""), type->type, {}};
 }
 
 std::vector<RouteValues> fieldsOf(CsvLines const& lines) {
     auto const& header = lines.fields();
     if (!isSameWord(header.front(), "route") || header.size() < 2)
-        unexpected(lines.place(), header.front(), "the header route,NAME:TYPE,...");
+        unexpected(lines.number(), header.front(), "the header route,NAME:TYPE,...");
     std::vector<RouteValues> fields;
     for (std::size_t i = 1; i < header.size(); ++i) {
-        auto field = fieldOf(header[i], lines.place());
+        auto field = fieldOf(header[i], lines.number());
         for (auto const& other : fields)
-            if (other.name == field.name) unexpected(lines.place(), header[i], "each field once");
+            if (other.name == field.name) unexpected(lines.number(), header[i], "each field once");
         fields.push_back(std::move(field));
     }
     return fields;
 }
 
-double valueOf(std::string_view text, RouteFieldType fieldType, Place const& place) {
-    if (fieldType == VL::Interface::rftFloat) return static_cast<double>(finiteFloat(text, place));
+double valueOf(std::string_view text, RouteFieldType fieldType, std::size_t line) {
+    if (fieldType == VL::Interface::rftFloat) return static_cast<double>(finiteFloat(text, line));
     Type const& type = typeOf(fieldType);
-    double const value = finiteNumber(text, place);
+    double const value = finiteNumber(text, line);
     bool const fits = value >= type.least && value <= type.most && (!type.isWhole || value == std::trunc(value));
-    if (!fits) unexpected(place, text, fmt::format("a value of the type {}", type.name));
+    if (!fits) unexpected(line, text, fmt::format("a value of the type {}", type.name));
     return value;
 }
 
-/// The values of a route and where they stand.
+/// The values of a route and the number of their line.
 struct ValueLine {
     std::uint32_t route;
     std::size_t number;
@@ -109,20 +110,21 @@ struct ValueLine {
 
 ValueLine valueLineOf(CsvLines const& lines, std::vector<RouteValues> const& fields) {
     auto const& texts = lines.fields();
-    auto const place = lines.place();
+    auto const number = lines.number();
     if (texts.size() != fields.size() + 1)
-        throw FormatError(place, fmt::format("found {} fields, expected {}", texts.size(), fields.size() + 1));
-    ValueLine line{wholeNumber(texts.front(), place), place.line, {}};
-    for (std::size_t i = 0; i < fields.size(); ++i) line.values.push_back(valueOf(texts[i + 1], fields[i].type, place));
+        throw FormatError(number, fmt::format("found {} fields, expected {}", texts.size(), fields.size() + 1));
+    ValueLine line{wholeNumber(texts.front(), number), number, {}};
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        line.values.push_back(valueOf(texts[i + 1], fields[i].type, number));
     return line;
 }
 
-void requireEachRoute(std::string const& path, std::vector<ValueLine> const& lines) {
+void requireEachRoute(std::vector<ValueLine> const& lines) {
     for (std::size_t i = 0; i < lines.size(); ++i)
         if (lines[i].route != i)
             throw FormatError(
-                Place{path, lines[i].number}, fmt::format("found route {}, expected the routes from 0 to {}, each once",
-                                                  lines[i].route, lines.size() - 1));
+                lines[i].number, fmt::format("found route {}, expected the routes from 0 to {}, each once",
+                                     lines[i].route, lines.size() - 1));
 }
 
 }
@@ -131,28 +133,29 @@ char const* typeName(RouteFieldType type) {
     return typeOf(type).name;
 }
 
-std::vector<RouteValues> readRouteDataCsv(std::string const& path, ShareDone const& shareDone) {
+std::vector<RouteValues> readRouteDataCsv(std::string const& path, ProgressCallback const& progress) {
     auto const text = readWholeFile(path);
-    CsvLines csv(path, text, shareDone);
-    if (!csv.next()) throw FormatError(path, "is empty, expected the header route,NAME:TYPE,...");
+    CsvLines csv(text, progress);
+    if (!csv.next()) throw FormatError("it is empty, expected the header route,NAME:TYPE,...");
     auto fields = fieldsOf(csv);
     std::vector<ValueLine> lines;
     while (csv.next()) lines.push_back(valueLineOf(csv, fields));
     std::stable_sort(
         lines.begin(), lines.end(), [](ValueLine const& a, ValueLine const& b) { return a.route < b.route; });
-    requireEachRoute(path, lines);
+    requireEachRoute(lines);
     for (std::size_t i = 0; i < fields.size(); ++i)
         for (auto const& line : lines) fields[i].values.push_back(line.values[i]);
     return fields;
 }
 
-void writeRouteDataCsv(std::string const& path, std::vector<RouteValues> const& fields, ShareDone const& shareDone) {
+void writeRouteDataCsv(
+    std::string const& path, std::vector<RouteValues> const& fields, ProgressCallback const& progress) {
     NewFile file(path);
     std::string text = "route";
     for (auto const& field : fields) text += ',' + headingOf(field);
     text += '\n';
     std::size_t const routes = fields.empty() ? 0 : fields.front().values.size();
-    Milestones milestones(routes, shareDone);
+    ProgressThrottle throttle(routes, progress);
     for (std::size_t route = 0; route < routes; ++route) {
         text += fmt::format("{}", route);
         for (auto const& field : fields) {
@@ -163,10 +166,10 @@ void writeRouteDataCsv(std::string const& path, std::vector<RouteValues> const& 
         text += '\n';
         file.write(text);
         text.clear();
-        milestones.reached(route + 1);
+        throttle.reached(route + 1);
     }
     file.write(text);
-    file.publish();
+    file.commit();
 }
 
 }

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <cstring>
+#include <unordered_map>
 
 namespace cubes::tool {
 
@@ -17,12 +18,12 @@ using VL::InterfaceUtilities::TLastError;
 
 [[noreturn]] void fail(std::string const& path) {
     char const* const reason = TLastError::getInstance()->VlGetLastError();
-    throw Failure(reason && *reason ? reason : fmt::format("{}: the provider does not tell why", path));
+    throw Failure(reason && *reason ? reason : fmt::format("{}: the route provider gives no reason", path));
 }
 
-// Whether what was asked for was found.
+// Returns whether something was found.
 bool isFound(std::string const& path, RouteResult result) {
-    if (result == rrNotOffered) throw Failure(fmt::format("{}: the provider does not offer this", path));
+    if (result == rrNotOffered) throw Failure(fmt::format("{}: the route provider does not support this", path));
     if (result == rrFailed) fail(path);
     return result == rrDone;
 }
@@ -30,7 +31,7 @@ bool isFound(std::string const& path, RouteResult result) {
 template <typename File>
 void open(File& file, std::string const& path, long mode) {
     auto const opened = file.open(mode, nullptr);
-    if (opened < 0) throw Failure("the provider does not make such files");
+    if (opened < 0) throw Failure("the route provider does not support such files");
     if (opened == 0) fail(path);
 }
 
@@ -48,7 +49,7 @@ std::vector<std::size_t> listOf(RouteNumbers const& found) {
     return {found.numbers, found.numbers + found.count};
 }
 
-// A field's values in memory, as its type tells.
+// The values of a field as its type lays them out.
 template <typename Value>
 std::vector<std::byte> packed(std::vector<double> const& values) {
     std::vector<std::byte> bytes(values.size() * sizeof(Value));
@@ -79,7 +80,7 @@ std::vector<std::byte> packed(RouteValues const& field) {
 
 RouteSetFile::RouteSetFile(std::string const& path) : file_(path.c_str()) {
     open(file_, path, romRead);
-    if (set().countRoutes() < 0) throw Failure(fmt::format("{}: the provider does not offer reading", path));
+    if (set().countRoutes() < 0) throw Failure(fmt::format("{}: the route provider does not support reading", path));
 }
 
 RouteList::Route RouteSetFile::route(std::size_t number) const {
@@ -135,6 +136,42 @@ std::vector<RouteValues> readRouteData(std::string const& path) {
     for (std::int64_t route = 0; isFound(path, data.getRouteValues(route, values.data())); ++route)
         for (std::size_t i = 0; i < fields.size(); ++i) fields[i].values.push_back(values[i]);
     return fields;
+}
+
+namespace {
+
+class ZoneIndex {
+public:
+    explicit ZoneIndex(TripTable const& trips) {
+        for (int i = 0; i < trips.rows; ++i)
+            places_[trips.zones.empty() ? i + 1 : trips.zones[static_cast<std::size_t>(i)]] = i;
+    }
+    int operator[](std::int32_t zone) const {
+        auto const found = places_.find(zone);
+        if (found == places_.end())
+            throw Failure(fmt::format("the trips have no zone {}, which a route begins or ends in", zone));
+        return found->second;
+    }
+
+private:
+    std::unordered_map<std::int32_t, int> places_;
+};
+
+}
+
+TripTable tripsOverLink(RouteSetFile const& routes, std::uint32_t link, TripTable const& trips) {
+    if (!trips.isSquare()) throw Failure("the matrix of the trips is not square");
+    ZoneIndex const zones(trips);
+    TripTable shares = trips;
+    std::fill(shares.cells.begin(), shares.cells.end(), 0.0f);
+    for (auto const number : routes.overLink(link)) {
+        auto const one = routes.route(number);
+        shares.at(zones[one.origin], zones[one.destination]) += one.share;
+    }
+    // A share of 0 makes 0 trips, even of infinitely many.
+    for (std::size_t i = 0; i < shares.cells.size(); ++i)
+        if (shares.cells[i] != 0) shares.cells[i] *= trips.cells[i];
+    return shares;
 }
 
 }

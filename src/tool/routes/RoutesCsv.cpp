@@ -1,7 +1,8 @@
-#include "tool/routes/RoutesCsv.h"
+#include "tool/routes/RouteCsv.h"
 
-#include "tool/formats/CsvColumns.h"
-#include "tool/formats/NumberText.h"
+#include "tool/Errors.h"
+#include "tool/Text.h"
+#include "tool/formats/CsvLines.h"
 #include "tool/formats/WholeFile.h"
 
 #include <fmt/format.h>
@@ -34,60 +35,60 @@ struct Line {
 };
 
 Line lineOf(CsvColumns const& columns) {
-    auto const place = columns.place();
+    auto const number = columns.line();
     Line line{};
-    line.origin = zoneNumber(columns[origin], place);
-    line.destination = zoneNumber(columns[destination], place);
-    line.route = wholeNumber(columns[route], place);
-    line.share = finiteFloat(columns[share], place);
-    line.number = static_cast<std::uint32_t>(place.line);
+    line.origin = zoneNumber(columns[origin], number);
+    line.destination = zoneNumber(columns[destination], number);
+    line.route = wholeNumber(columns[route], number);
+    line.share = finiteFloat(columns[share], number);
+    line.number = static_cast<std::uint32_t>(number);
     line.hasLink = !columns[link].empty() || !columns[sequence].empty();
     if (!line.hasLink) return line;
-    line.sequence = wholeNumber(columns[sequence], place);
-    line.link = wholeNumber(columns[link], place);
+    line.sequence = wholeNumber(columns[sequence], number);
+    line.link = wholeNumber(columns[link], number);
     return line;
 }
 
-std::vector<Line> readLines(std::string const& path, ShareDone const& shareDone) {
+std::vector<Line> readLines(std::string const& path, ProgressCallback const& progress) {
     auto const text = readWholeFile(path);
-    CsvColumns columns(path, text, columnNames, shareDone);
+    CsvLines csv(text, progress);
+    auto columns = CsvColumns::require(csv, columnNames);
     std::vector<Line> lines;
     while (columns.next()) lines.push_back(lineOf(columns));
-    if (lines.empty()) throw FormatError(path, "found no routes after the header line");
+    if (lines.empty()) throw FormatError("it has no routes after the header line");
     return lines;
 }
 
-// Throws for two lines of which at least one says that their route has no links.
-[[noreturn]] void refuseLineWithoutLink(std::string const& path, Line const& before, Line const& line) {
+// Throws for two lines of a route of which at least one has no link.
+[[noreturn]] void refuseLineWithoutLink(Line const& before, Line const& line) {
     if (!before.hasLink && !line.hasLink)
-        throw FormatError(Place{path, line.number},
-            fmt::format("found a route without links a second time, after line {}", before.number));
+        throw FormatError(
+            line.number, fmt::format("found a route without links a second time, after line {}", before.number));
     auto const& without = before.hasLink ? line : before;
     auto const& with = before.hasLink ? before : line;
-    throw FormatError(Place{path, without.number},
-        fmt::format("found a route without links, which has some in line {}", with.number));
+    throw FormatError(
+        without.number, fmt::format("found a route without links, but it has some in line {}", with.number));
 }
 
-// Whether the line goes on with the route of the one before.
-bool goesOn(std::string const& path, Line const& before, Line const& line) {
+// Whether both lines belong to one route.
+bool isSameRoute(Line const& before, Line const& line) {
     if (before.routeKey() != line.routeKey()) return false;
-    Place const place{path, line.number};
     if (before.share != line.share)
-        throw FormatError(place, fmt::format("found share {}, expected {} as in line {} of the same route", line.share,
-                                     before.share, before.number));
-    if (!before.hasLink || !line.hasLink) refuseLineWithoutLink(path, before, line);
+        throw FormatError(line.number, fmt::format("found share {}, expected {} as in line {} of the same route",
+                                           line.share, before.share, before.number));
+    if (!before.hasLink || !line.hasLink) refuseLineWithoutLink(before, line);
     if (before.sequence == line.sequence)
-        throw FormatError(place,
+        throw FormatError(line.number,
             fmt::format("found sequence {} of a route a second time, after line {}", line.sequence, before.number));
     return true;
 }
 
 // The lines of each route, in the order in which the routes first appear in the file.
-std::vector<std::span<Line const>> routesOf(std::string const& path, std::span<Line const> lines) {
+std::vector<std::span<Line const>> routesOf(std::span<Line const> lines) {
     std::vector<std::span<Line const>> routes;
     std::size_t first = 0;
     for (std::size_t i = 1; i <= lines.size(); ++i) {
-        if (i < lines.size() && goesOn(path, lines[i - 1], lines[i])) continue;
+        if (i < lines.size() && isSameRoute(lines[i - 1], lines[i])) continue;
         routes.push_back(lines.subspan(first, i - first));
         first = i;
     }
@@ -110,14 +111,14 @@ void appendLine(std::string& text, RouteList::Route const& one, std::uint32_t nu
 
 }
 
-RouteList readRoutesCsv(std::string const& path, ShareDone const& shareDone) {
-    auto lines = readLines(path, shareDone);
+RouteList readRoutesCsv(std::string const& path, ProgressCallback const& progress) {
+    auto lines = readLines(path, progress);
     auto const order = [](Line const& line) {
         return std::tie(line.origin, line.destination, line.route, line.sequence);
     };
     std::stable_sort(lines.begin(), lines.end(), [&](Line const& a, Line const& b) { return order(a) < order(b); });
     RouteList routes;
-    for (auto const& one : routesOf(path, lines)) {
+    for (auto const& one : routesOf(lines)) {
         routes.begin(one.front().origin, one.front().destination, one.front().share);
         for (Line const& line : one)
             if (line.hasLink) routes.addLink(line.link);
@@ -125,9 +126,9 @@ RouteList readRoutesCsv(std::string const& path, ShareDone const& shareDone) {
     return routes;
 }
 
-void writeRoutesCsv(std::string const& path, RouteList const& routes, ShareDone const& shareDone) {
+void writeRoutesCsv(std::string const& path, RouteList const& routes, ProgressCallback const& progress) {
     NewFile file(path);
-    Milestones milestones(routes.size(), shareDone);
+    ProgressThrottle throttle(routes.size(), progress);
     std::map<std::pair<std::int32_t, std::int32_t>, std::uint32_t> ofPair;
     std::string text = std::string(header) + "\n";
     for (std::size_t i = 0; i < routes.size(); ++i) {
@@ -138,10 +139,10 @@ void writeRoutesCsv(std::string const& path, RouteList const& routes, ShareDone 
         if (text.size() < bytesAtOnce) continue;
         file.write(text);
         text.clear();
-        milestones.reached(i + 1);
+        throttle.reached(i + 1);
     }
     file.write(text);
-    file.publish();
+    file.commit();
 }
 
 }

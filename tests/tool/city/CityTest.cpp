@@ -1,5 +1,5 @@
 #include "tool/city/City.h"
-#include "tool/statistics/Statistics.h"
+#include "tool/Statistics.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,17 @@
 #include "BadFile.h"
 
+#include "support/Process.h"
+#include "support/SharedData.h"
+#include "support/TempDir.h"
+#include "tool/Errors.h"
+#include "tool/formats/Formats.h"
+
+#include <cubes/matrix/TRkMatrixException.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
 #include <filesystem>
+#include <sstream>
 
 namespace cubes::tool {
 
@@ -46,38 +57,38 @@ TEST(Formats, areToldByTheExtensionWhateverItsCase) {
 
 TEST(Formats, refusesOtherExtensionsAndNamesTheKnown) {
     for (auto const& message : {readMessage("a.xlsx"), writeMessage("a.xlsx")})
-        EXPECT_EQ(message, "a.xlsx: '.xlsx' is no format, expected one of .omx, .csv, .tntp");
-    EXPECT_EQ(readMessage("dir.csv/trips"), "dir.csv/trips: has no extension, expected one of .omx, .csv, .tntp");
+        EXPECT_EQ(message, "'.xlsx' is not a format; expected one of .omx, .csv, .tntp");
+    EXPECT_EQ(readMessage("dir.csv/trips"), "the file name has no extension; expected one of .omx, .csv, .tntp");
 }
 
 TEST(Formats, refusesToWriteTntpAndSaysWhy) {
     test::TempDir const directory;
     EXPECT_EQ(writeMessage(directory.file("a.tntp")),
-        directory.file("a.tntp") + ": .tntp is a format to import from; write .omx or .csv, which keep every value");
+        ".tntp files can be imported only; export to .omx or .csv, which keep every value");
     EXPECT_EQ(test::listing(directory.str()), "");
 }
 
 TEST(Formats, refusesATableNameWhereThereAreNone) {
-    EXPECT_EQ(readMessage("a.csv", "AM"), "a.csv: holds one table without a name, 'AM' was asked for");
-    EXPECT_EQ(readMessage("a.tntp", "AM"), "a.tntp: holds one table without a name, 'AM' was asked for");
+    EXPECT_EQ(readMessage("a.csv", "AM"), "it holds one table without a name; leave out --table");
+    EXPECT_EQ(readMessage("a.tntp", "AM"), "it holds one table without a name; leave out --table");
 }
 
 TEST(Formats, nameAFileThatIsMissing) {
-    EXPECT_EQ(readMessage("/no/such/file.csv"), "/no/such/file.csv: cannot be read: No such file or directory");
-    EXPECT_EQ(readMessage("/no/such/file.tntp"), "/no/such/file.tntp: cannot be read: No such file or directory");
+    EXPECT_EQ(readMessage("/no/such/file.csv"), "No such file or directory");
+    EXPECT_EQ(readMessage("/no/such/file.tntp"), "No such file or directory");
 }
 
 TEST(Formats, nameADirectoryWhereAFileShouldBe) {
     test::TempDir const directory;
     auto const path = directory.file("trips.csv");
     fs::create_directory(path);
-    EXPECT_EQ(readMessage(path), path + ": is a directory, expected a file");
-    EXPECT_EQ(writeMessage(path), path + ": is a directory, expected a file");
+    EXPECT_EQ(readMessage(path), "it is a directory");
+    EXPECT_EQ(writeMessage(path), "it is a directory");
     EXPECT_EQ(test::listing(directory.str()), "trips.csv\n");
 }
 
 TEST(Formats, nameADirectoryThatIsMissing) {
-    EXPECT_EQ(writeMessage("/no/such/file.csv"), "/no/such/file.csv: cannot be written: No such file or directory");
+    EXPECT_EQ(writeMessage("/no/such/file.csv"), "No such file or directory");
 }
 
 TEST(Formats, replaceAnOldFile) {
@@ -91,7 +102,7 @@ TEST(Formats, replaceAnOldFile) {
 TEST(Formats, keepTheOldFileWhenWritingStops) {
     test::TempDir const directory;
     test::writeFile(directory.file("t.csv"), "old");
-    auto const stop = [](double) { throw FormatError("t.csv", "stopped"); };
+    auto const stop = [](double) { throw FormatError("stopped"); };
     EXPECT_THROW(writeTripTable(directory.file("t.csv"), one(), "", CsvForm::wide, stop), FormatError);
     EXPECT_EQ(test::readFile(directory.file("t.csv")), "old");
     EXPECT_EQ(test::listing(directory.str()), "t.csv\n");
@@ -102,8 +113,184 @@ TEST(Formats, writeOverNoDevice) {
     auto const device = test::endlessDevice();
     if (device.empty() || !test::makeLink(device, directory.file("t.csv")))
         GTEST_SKIP() << "SKIPPED: no links to devices here";
-    EXPECT_EQ(writeMessage(device), device + ": has no extension, expected one of .omx, .csv, .tntp");
-    EXPECT_EQ(writeMessage(directory.file("t.csv")), directory.file("t.csv") + ": is not a regular file");
+    EXPECT_EQ(writeMessage(device), "the file name has no extension; expected one of .omx, .csv, .tntp");
+    EXPECT_EQ(writeMessage(directory.file("t.csv")), "it is not a regular file");
+}
+
+namespace {
+
+using Zones = std::vector<std::int32_t>;
+using Cells = std::vector<float>;
+
+TripTable rectangle() {
+    TripTable table;
+    table.rows = 2;
+    table.columns = 3;
+    table.cells = {1, 2, 3, 4, 5, 0.1f};
+    return table;
+}
+
+TripTable square() {
+    TripTable table;
+    table.rows = table.columns = 2;
+    table.zones = {11, 3};
+    table.cells = {1, -2, 0.1f, 4e30f};
+    return table;
+}
+
+// A file that h5py writes: tables of 2 x 2 under the given names, with the values 1, 2, 3, 4.
+void writeForeign(std::string const& path, std::vector<std::string> names) {
+    names.insert(names.begin(), path);
+    auto const result = test::runPython("import sys, h5py, numpy\n"
+                                        "f = h5py.File(sys.argv[1], 'w')\n"
+                                        "f.attrs['OMX_VERSION'] = numpy.bytes_('0.2')\n"
+                                        "f.attrs['SHAPE'] = numpy.array([2, 2], 'i4')\n"
+                                        "f.create_group('data')\n"
+                                        "for i, name in enumerate(sys.argv[2:]):\n"
+                                        "    f['data'].create_dataset(name, data=i + numpy.array([[1, 2], [3, 4]]))\n",
+        names);
+    ASSERT_EQ(result.exitCode, 0) << result.errors;
+}
+
+}
+
+TEST(Omx, givesBackATableWithItsZonesInTheirOrder) {
+    test::TempDir const directory;
+    writeTripTable(directory.file("t.omx"), square(), "AM");
+    auto const back = readTripTable(directory.file("t.omx"), "AM");
+    EXPECT_EQ(back.zones, square().zones);
+    EXPECT_EQ(back.cells, square().cells);
+    EXPECT_EQ(test::listing(directory.str()), "t.omx\n");
+}
+
+TEST(Omx, givesBackATableThatIsNotSquare) {
+    test::TempDir const directory;
+    writeTripTable(directory.file("t.OMX"), rectangle(), "AM");
+    auto const back = readTripTable(directory.file("t.OMX"));
+    EXPECT_EQ(back.rows, 2);
+    EXPECT_EQ(back.columns, 3);
+    EXPECT_EQ(back.zones, Zones{});
+    EXPECT_EQ(back.cells, rectangle().cells);
+}
+
+TEST(Omx, isReadByOthers) {
+    test::TempDir const directory;
+    writeTripTable(directory.file("t.omx"), square(), "AM");
+    auto const result =
+        test::runPython("import sys, h5py\n"
+                        "f = h5py.File(sys.argv[1])\n"
+                        "print(list(f['data']), f['data/AM'][0].tolist(), f['lookup/zone'][:].tolist())",
+            {directory.file("t.omx")});
+    EXPECT_EQ(result.output, "['AM'] [1.0, -2.0] [11, 3]\n") << result.errors;
+}
+
+TEST(Omx, takesTheOnlyTableWithoutBeingTold) {
+    test::TempDir const directory;
+    writeForeign(directory.file("t.omx"), {"car"});
+    EXPECT_EQ(readTripTable(directory.file("t.omx")).cells, (Cells{1, 2, 3, 4}));
+}
+
+TEST(Omx, takesTheTableThatIsChosen) {
+    test::TempDir const directory;
+    writeForeign(directory.file("t.omx"), {"car", "bike"});
+    EXPECT_EQ(readTripTable(directory.file("t.omx"), "bike").cells, (Cells{2, 3, 4, 5}));
+}
+
+TEST(Omx, listsTheTablesWhenNoneOrAnUnknownOneIsChosen) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeForeign(path, {"car", "bike"});
+    EXPECT_EQ(readMessage(path), "it holds 2 tables; choose one with --table: bike, car");
+    EXPECT_EQ(readMessage(path, "train"), "it has no table 'train'; choose one with --table: bike, car");
+}
+
+TEST(Omx, refusesAFileWithoutTables) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeForeign(path, {});
+    EXPECT_EQ(readMessage(path), "it holds no table");
+    EXPECT_EQ(readMessage(path, "car"), "it holds no table");
+}
+
+TEST(Omx, refusesATableWhoseValuesWereDamaged) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeTripTable(path, square(), "AM");
+    auto bytes = test::readFile(path);
+    float const value = square().cells[3];
+    auto const place = bytes.find(std::string(reinterpret_cast<char const*>(&value), sizeof value));
+    ASSERT_NE(place, std::string::npos);
+    bytes[place] ^= 1;
+    test::writeFile(path, bytes);
+    EXPECT_EQ(readMessage(path), "table 'AM' is damaged: its values do not match its checksum");
+}
+
+TEST(Omx, refusesWhatIsNoFileOfThisFormatAndNamesIt) {
+    test::TempDir const directory;
+    test::writeFile(directory.file("text.omx"), "origin,destination,value\n");
+    test::writeFile(directory.file("empty.omx"), "");
+    std::filesystem::create_directory(directory.file("directory.omx"));
+    for (auto const* name : {"text.omx", "empty.omx", "directory.omx", "missing.omx"}) {
+        auto const path = directory.file(name);
+        try {
+            readTripTable(path);
+            FAIL() << name;
+        } catch (TRkMatrixException const& error) {
+            EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << error.what();
+        }
+    }
+}
+
+TEST(Omx, refusesADirectoryToWriteTo) {
+    test::TempDir const directory;
+    std::filesystem::create_directory(directory.file("t.omx"));
+    EXPECT_THROW(writeTripTable(directory.file("t.omx"), square(), "AM"), TRkMatrixException);
+    EXPECT_EQ(test::listing(directory.str()), "t.omx\n");
+}
+
+TEST(Omx, refusesAFileThatIsCutOffAnywhere) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeTripTable(path, square(), "AM");
+    auto const whole = test::readFile(path);
+    for (std::size_t part = 0; part < 20; ++part) {
+        test::writeFile(path, whole.substr(0, whole.size() * part / 20));
+        EXPECT_THROW(readTripTable(path), TRkMatrixException) << part << "/20";
+    }
+}
+
+TEST(Omx, givesTheTablesOfARealFile) {
+    CUBES_REQUIRE_DATA("omx/example.omx");
+    auto const path = test::sharedData("omx/example.omx");
+    EXPECT_EQ(readMessage(path),
+        "it holds 8 tables; choose one with --table: FARE, IVT, IVTBUS, IVTRAIL, IVTTRAM, OWT, TRANSFERS, TWT");
+    auto const times = readTripTable(path, "IVT");
+    EXPECT_EQ(times.rows, 485);
+    EXPECT_EQ(times.columns, 485);
+    EXPECT_EQ(times.zones.size(), 485u);
+    auto const result = test::runPython("import sys, h5py\n"
+                                        "f = h5py.File(sys.argv[1])\n"
+                                        "print(float(f['data/IVT'][3, 400]), int(f['lookup/NO'][484]))",
+        {path});
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    std::istringstream stream(result.output);
+    double value = 0;
+    std::int32_t zone = 0;
+    stream >> value >> zone;
+    EXPECT_EQ(times.at(3, 400), static_cast<float>(value));
+    EXPECT_EQ(times.zones[484], zone);
+}
+
+TEST(Omx, comesThroughCsvIdentical) {
+    CUBES_REQUIRE_DATA("omx/example.omx");
+    test::TempDir const directory;
+    auto const times = readTripTable(test::sharedData("omx/example.omx"), "TWT");
+    for (auto const form : {CsvForm::longForm, CsvForm::wide}) {
+        writeTripTable(directory.file("t.csv"), times, "", form);
+        auto const back = readTripTable(directory.file("t.csv"));
+        EXPECT_EQ(back.zones, times.zones);
+        EXPECT_EQ(back.cells, times.cells);
+    }
 }
 
 }

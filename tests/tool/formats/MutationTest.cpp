@@ -64,7 +64,8 @@ Outcomes readMutations(std::string const& fileName, std::string const& good) {
             EXPECT_TRUE(std::is_sorted(table.zones.begin(), table.zones.end()));
             ++outcomes.read;
         } catch (FormatError const& error) {
-            EXPECT_EQ(std::string(error.what()).rfind(path + ":", 0), 0u) << error.what();
+            std::string const message = error.what();
+            EXPECT_TRUE(message.starts_with("line ") || message.starts_with("it ")) << message;
             ++outcomes.refused;
         }
     }

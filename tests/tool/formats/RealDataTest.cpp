@@ -1,7 +1,7 @@
 #include "support/SharedData.h"
 #include "support/TempDir.h"
+#include "tool/Statistics.h"
 #include "tool/formats/Formats.h"
-#include "tool/statistics/Statistics.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tool/routes/RouteDataCsv.h"
+#include "tool/routes/RouteCsv.h"
 
 #include "tool/formats/BadFile.h"
 
@@ -100,37 +100,39 @@ TEST_P(BadRouteDataCsv, isRefusedWithItsLineAndReason) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Header, BadRouteDataCsv,
-    testing::Values(BadFile{"empty", "", ": is empty, expected the header route,NAME:TYPE,..."},
-        BadFile{"missing", "0,1.5\n", ":1: found '0', expected the header route,NAME:TYPE,..."},
-        BadFile{"withoutFields", "route\n0\n", ":1: found 'route', expected the header route,NAME:TYPE,..."},
-        BadFile{
-            "fieldTwice", "route,toll:float,toll:bytes\n0,1,1\n", ":1: found 'toll:bytes', expected each field once"},
-        BadFile{"emptyName", "route,a,\n0,1,1\n", std::string(":1: found nothing, ") + typeError},
-        BadFile{"emptyNameBeforeAType", "route,:float\n0,1\n", std::string(":1: found ':float', ") + typeError},
-        BadFile{"unknownType", "route,a:text\n0,1\n", std::string(":1: found 'a:text', ") + typeError},
+    testing::Values(BadFile{"empty", "", "it is empty, expected the header route,NAME:TYPE,..."},
+        BadFile{"missing", "0,1.5\n", "line 1: found '0', expected the header route,NAME:TYPE,..."},
+        BadFile{"withoutFields", "route\n0\n", "line 1: found 'route', expected the header route,NAME:TYPE,..."},
+        BadFile{"fieldTwice", "route,toll:float,toll:bytes\n0,1,1\n",
+            "line 1: found 'toll:bytes', expected each field once"},
+        BadFile{"emptyName", "route,a,\n0,1,1\n", std::string("line 1: found nothing, ") + typeError},
+        BadFile{"emptyNameBeforeAType", "route,:float\n0,1\n", std::string("line 1: found ':float', ") + typeError},
+        BadFile{"unknownType", "route,a:text\n0,1\n", std::string("line 1: found 'a:text', ") + typeError},
         BadFile{"controlCharacterInAName", "route,a\tb\n0,1\n",
-            ":1: found 'a?b', expected a name without control characters"},
-        BadFile{"emptyType", "route,a:\n0,1\n", std::string(":1: found 'a:', ") + typeError}),
+            "line 1: found 'a?b', expected a name without control characters"},
+        BadFile{"emptyType", "route,a:\n0,1\n", std::string("line 1: found 'a:', ") + typeError}),
     nameOf);
 
 INSTANTIATE_TEST_SUITE_P(Lines, BadRouteDataCsv,
-    testing::Values(BadFile{"tooFewFields", "route,a,b\n0,1,2\n1,1\n", ":3: found 2 fields, expected 3"},
-        BadFile{"tooManyFields", "route,a\n0,1,2\n", ":2: found 3 fields, expected 2"},
-        BadFile{"noValue", "route,a\n0,\n", ":2: found nothing, expected a number"},
-        BadFile{"valueInWords", "route,a:bytes\n0,many\n", ":2: found 'many', expected a number"},
+    testing::Values(BadFile{"tooFewFields", "route,a,b\n0,1,2\n1,1\n", "line 3: found 2 fields, expected 3"},
+        BadFile{"tooManyFields", "route,a\n0,1,2\n", "line 2: found 3 fields, expected 2"},
+        BadFile{"noValue", "route,a\n0,\n", "line 2: found nothing, expected a number"},
+        BadFile{"valueInWords", "route,a:bytes\n0,many\n", "line 2: found 'many', expected a number"},
         BadFile{"floatTooLarge", "route,a:float\n0,3.5e38\n",
-            ":2: found '3.5e38', expected a number from -3.4e38 to 3.4e38"},
+            "line 2: found '3.5e38', expected a number from -3.4e38 to 3.4e38"},
         BadFile{"floatFarTooLarge", "route,a:float\n0,-1e999\n",
-            ":2: found '-1e999', expected a number from -3.4e38 to 3.4e38"},
-        BadFile{"doubleTooLarge", "route,a:double\n0,1e999\n", ":2: found '1e999', expected a number"},
-        BadFile{"routeNegative", "route,a\n-1,1\n", ":2: found '-1', expected a whole number from 0 to 4294967295"},
-        BadFile{"routeBroken", "route,a\n0.5,1\n", ":2: found '0.5', expected a whole number from 0 to 4294967295"},
-        BadFile{"routeMissing", "route,a\n0,1\n2,3\n", ":3: found route 2, expected the routes from 0 to 1, each once"},
-        BadFile{"firstRouteMissing", "route,a\n1,1\n", ":2: found route 1, expected the routes from 0 to 0, each once"},
+            "line 2: found '-1e999', expected a number from -3.4e38 to 3.4e38"},
+        BadFile{"doubleTooLarge", "route,a:double\n0,1e999\n", "line 2: found '1e999', expected a number"},
+        BadFile{"routeNegative", "route,a\n-1,1\n", "line 2: found '-1', expected a whole number from 0 to 4294967295"},
+        BadFile{"routeBroken", "route,a\n0.5,1\n", "line 2: found '0.5', expected a whole number from 0 to 4294967295"},
         BadFile{
-            "routeTwice", "route,a\n0,1\n1,2\n0,3\n", ":4: found route 0, expected the routes from 0 to 2, each once"},
+            "routeMissing", "route,a\n0,1\n2,3\n", "line 3: found route 2, expected the routes from 0 to 1, each once"},
+        BadFile{
+            "firstRouteMissing", "route,a\n1,1\n", "line 2: found route 1, expected the routes from 0 to 0, each once"},
+        BadFile{"routeTwice", "route,a\n0,1\n1,2\n0,3\n",
+            "line 4: found route 0, expected the routes from 0 to 2, each once"},
         BadFile{"largestRoute", "route,a\n4294967295,1\n",
-            ":2: found route 4294967295, expected the routes from 0 to 0, each once"}),
+            "line 2: found route 4294967295, expected the routes from 0 to 0, each once"}),
     nameOf);
 
 class RouteDataType : public testing::TestWithParam<TypeCase> {};
@@ -147,9 +149,10 @@ TEST_P(RouteDataType, holdsItsValuesAndNoOthers) {
     auto const read = [](std::string const& path) { readRouteDataCsv(path, {}); };
     for (auto const& value : GetParam().bad)
         EXPECT_EQ(refusalOf("a.csv", head + value, read),
-            ":2: found '" + value + "', expected a value of the type " + GetParam().name);
+            "line 2: found '" + value + "', expected a value of the type " + GetParam().name);
     for (auto const* value : {"nan", "inf", "-inf", "0x1"})
-        EXPECT_EQ(refusalOf("a.csv", head + value, read), std::string(":2: found '") + value + "', expected a number");
+        EXPECT_EQ(
+            refusalOf("a.csv", head + value, read), std::string("line 2: found '") + value + "', expected a number");
 }
 
 INSTANTIATE_TEST_SUITE_P(RouteDataCsv, RouteDataType,
@@ -205,7 +208,7 @@ TEST(RouteDataCsv, givesBackIdenticalValues) {
 TEST(RouteDataCsv, tellsHowFarItIs) {
     test::TempDir const directory;
     std::vector<double> shares;
-    ShareDone const noted = [&](double share) { shares.push_back(share); };
+    ProgressCallback const noted = [&](double share) { shares.push_back(share); };
     writeRouteDataCsv(directory.file("data.csv"), {{"a", rftDouble, std::vector<double>(1000)}}, noted);
     EXPECT_GT(shares.size(), 50u);
     EXPECT_GT(shares.back(), 0.9);

@@ -1,0 +1,66 @@
+#include "tool/Text.h"
+
+#include "tool/Errors.h"
+
+#include <gtest/gtest.h>
+
+namespace cubes::tool {
+
+namespace {
+
+std::string written(float value) {
+    std::string text;
+    appendValue(text, value);
+    return text;
+}
+
+}
+
+TEST(Text, writesTheShortestTextOfAValue) {
+    EXPECT_EQ(written(0.1f), "0.1");
+    EXPECT_EQ(written(1365.9f), "1365.9");
+    EXPECT_EQ(written(0), "0");
+    EXPECT_EQ(written(1e20f), "1e+20");
+}
+
+TEST(Text, roundsAValueToSinglePrecisionOnce) {
+    // Rounded to double precision first this text would become the even neighbour 1.
+    EXPECT_EQ(cellValue("1.00000005960464477540", 1), 1.00000012f);
+}
+
+TEST(Text, acceptsIntegersFromOneAsZoneNumbers) {
+    for (auto const* text : {"1", "2147483647", "007", "+5"}) EXPECT_TRUE(isZoneNumber(text)) << text;
+    for (auto const* text : {"0", "-1", "1.0", "1e3", "", " 1", "2147483648", "+-1", "++1", "+", "x"})
+        EXPECT_FALSE(isZoneNumber(text)) << text;
+}
+
+TEST(Text, comparesWordsIgnoringCase) {
+    EXPECT_TRUE(isSameWord("Origin", "ORIGIN"));
+    EXPECT_FALSE(isSameWord("Origin", "Origins"));
+    EXPECT_FALSE(isSameWord("@", "`"));
+}
+
+TEST(Text, refusesZoneAndLinkNumbersThatAreNone) {
+    EXPECT_EQ(parseZone("12"), 12);
+    EXPECT_EQ(parseLink("4294967295"), 4294967295u);
+    for (auto const* text : {"0", "-1", "centre", "1.5", ""}) EXPECT_THROW(parseZone(text), Refusal) << text;
+    for (auto const* text : {"4294967296", "-10", "ten", ""}) EXPECT_THROW(parseLink(text), Refusal) << text;
+}
+
+TEST(Text, suggestsTheNearestWordUpToTwoEditsAway) {
+    std::vector<std::string> const known = {"Base", "Plan 2030", "skim"};
+    EXPECT_EQ(suggestion("Bsae", known), "; did you mean Base?");
+    EXPECT_EQ(suggestion("basse", known), "; did you mean Base?");
+    EXPECT_EQ(suggestion("Plan 2035", known), "; did you mean Plan 2030?");
+    EXPECT_EQ(suggestion("skims", known), "; did you mean skim?");
+    for (auto const* far : {"Unknown", "Plan 1999", "x", ""}) EXPECT_EQ(suggestion(far, known), "") << far;
+    EXPECT_EQ(suggestion("Base", {}), "");
+}
+
+TEST(Text, quotesWordsForTheShellWhereTheyNeedIt) {
+    EXPECT_EQ(quotedForShell("Base/1/1/1/1"), "Base/1/1/1/1");
+    EXPECT_EQ(quotedForShell("my city"), "'my city'");
+    EXPECT_EQ(quotedForShell("it's"), "'it'\\''s'");
+}
+
+}

@@ -1,0 +1,63 @@
+#include "tool/formats/CsvLines.h"
+
+#include "tool/formats/BadFile.h"
+
+namespace cubes::tool {
+
+namespace {
+
+constexpr std::string_view names[] = {"zone", "jobs"};
+
+// "zone jobs" a line, each with its number in the file.
+std::string read(std::string const& text) {
+    std::string result;
+    ProgressCallback const nobody;
+    CsvLines lines(text, nobody);
+    auto columns = CsvColumns::require(lines, names);
+    while (columns.next())
+        result +=
+            std::to_string(columns.line()) + ": " + std::string(columns[0]) + " " + std::string(columns[1]) + "\n";
+    return result;
+}
+
+std::string errorOf(std::string const& text) {
+    try {
+        return "no error: " + read(text);
+    } catch (FormatError const& error) {
+        return error.what();
+    }
+}
+
+}
+
+TEST(CsvColumns, areFoundByNameInAnyOrderAndLetterCase) {
+    for (auto const* header : {"zone,jobs", "Zone,JOBS", " zone ,\t\"jobs\""})
+        EXPECT_EQ(read(header + std::string("\n1,20\n\n2,30\n")), "2: 1 20\n4: 2 30\n");
+    EXPECT_EQ(read("jobs,zone\n20,1\n30,2\n"), "2: 1 20\n3: 2 30\n");
+}
+
+TEST(CsvColumns, areReadToTheEndAndNoFurther) {
+    EXPECT_EQ(read("zone,jobs"), "");
+    EXPECT_EQ(read("zone,jobs\n1,"), "2: 1 \n");
+    std::string const text = "zone,jobs\n1,2\n";
+    ProgressCallback const nobody;
+    CsvLines lines(text, nobody);
+    auto columns = CsvColumns::require(lines, names);
+    EXPECT_TRUE(columns.next());
+    EXPECT_FALSE(columns.next());
+    EXPECT_FALSE(columns.next());
+}
+
+TEST(CsvColumns, tellWhatHeaderTheyExpect) {
+    EXPECT_EQ(errorOf(""), "it is empty, expected the header zone,jobs");
+    EXPECT_EQ(errorOf("\n \n"), "it is empty, expected the header zone,jobs");
+    for (std::string const header : {"zone", "zone,zone", "zone,jobs,", "zone,jobs,jobs", "zone,job", "1,2"})
+        EXPECT_EQ(errorOf("\n" + header + "\n1,2\n"), "line 2: found '" + header + "', expected the header zone,jobs");
+}
+
+TEST(CsvColumns, refuseALineWithMoreOrFewerFields) {
+    EXPECT_EQ(errorOf("zone,jobs\n1,2\n3\n"), "line 3: found 1 fields, expected 2");
+    EXPECT_EQ(errorOf("zone,jobs\n1,2,\n"), "line 2: found 3 fields, expected 2");
+}
+
+}
