@@ -52,7 +52,7 @@ std::vector<SquareTable> timesOf(
 std::vector<SquareTable> tripsOf(Purpose purpose, Margins const& margins, std::vector<SquareTable> const& times,
     std::vector<SquareTable> const& distances) {
     auto choice = chooseModes(purpose, times, distances);
-    auto const all = distribute(margins, deterrenceOf(purpose, choice.ease));
+    auto const all = distribute(margins, deterrenceOf(purpose, choice.logsum));
     for (auto& share : choice.shares)
         for (std::size_t i = 0; i < all.size(); ++i)
             for (std::size_t j = 0; j < all.size(); ++j) share.at(i, j) *= all.at(i, j);
@@ -83,8 +83,8 @@ void addPeriod(City& city, int period, std::vector<SquareTable> const& distances
     }
 }
 
-// Two stretches of one road into the centre: zones are numbered from there outward. In a city of
-// few zones they begin at its last.
+// Two links of one road to the centre: zones are numbered from there outward. In a city of few zones
+// they begin at its last.
 constexpr Link roadsIn[] = {{20, 4}, {4, 0}};
 
 void addLinks(City& city) {
@@ -100,7 +100,7 @@ void addLinks(City& city) {
     }
 }
 
-// The trips of all modes that start and end in each zone.
+// The trip ends of all modes in each zone.
 Margins marginsFound(City const& city, int purpose, int period) {
     auto const size = city.zones.size();
     Margins found{std::vector<double>(size), std::vector<double>(size)};

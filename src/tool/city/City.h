@@ -10,7 +10,7 @@
 
 namespace cubes::tool {
 
-/// A made-up city with its travel. Purposes, modes and periods are counted from 0.
+/// A synthetic city and its demand and skim matrices. Purposes, modes and periods are counted from 0.
 struct City {
     std::vector<Zone> zones;
     std::vector<std::string> purposes;
@@ -23,13 +23,12 @@ struct City {
     TripTable const& distance(int mode, int period) const;
     /// Minutes from zone to zone.
     TripTable const& time(int mode, int period) const;
-    /// Trips by car in the morning over the first link (0), and of those the trips that go on over
-    /// the second (1).
+    /// Car trips in the morning over the first selected link (0), and over both (1).
     TripTable const& tripsOverLinks(int purpose, int link) const;
-    /// What the trips of all modes add up to.
+    /// The trip ends of all modes.
     Margins const& margins(int purpose, int period) const;
 
-    // In the order of their arguments, the last one running fastest.
+    // In the order of their arguments, the last one varying fastest.
     std::vector<TripTable> tripTables;
     std::vector<TripTable> distanceTables;
     std::vector<TripTable> timeTables;
@@ -37,7 +36,7 @@ struct City {
     std::vector<TripTable> linkTables;
 };
 
-/// How many purposes, modes or periods there are, and what one of them is called.
+/// The number of purposes, modes or periods, and the name of one.
 int count(std::vector<std::string> const& names);
 std::string const& nameAt(std::vector<std::string> const& names, int index);
 
@@ -50,8 +49,7 @@ struct CityOptions {
 /// The same options make the same city, on every platform to the precision of its mathematical functions.
 City makeCity(CityOptions const& options = {});
 
-/// The largest difference between the trips that start or end in a zone and the margins they must
-/// add up to, as a share of the margin.
+/// The largest relative error of the row and column totals against the productions and attractions.
 double largestMarginError(City const& city);
 
 }

@@ -81,11 +81,11 @@ Margins marginsOf(Purpose purpose, Period period, std::vector<Zone> const& zones
 namespace {
 
 constexpr double perMinute = -0.06;
-// Driving costs fuel, cycling costs strength; tickets are flat.
+// Money by car, effort by bike; transit fares are flat.
 constexpr double perKilometre[] = {-0.03, 0, -0.08};
 
-// What speaks for a mode besides time and distance; pupils hardly drive, shoppers carry bags.
-constexpr double likings[][3] = {
+// Mode-specific constants by purpose.
+constexpr double modeConstants[][3] = {
     {0, 0.1, -0.4},
     {-1.8, 0.4, 0.2},
     {0.3, -0.4, -0.6},
@@ -93,7 +93,7 @@ constexpr double likings[][3] = {
 };
 
 double utilityOf(Purpose purpose, std::size_t mode, double time, double distance) {
-    return likings[static_cast<std::size_t>(purpose)][mode] + perMinute * time + perKilometre[mode] * distance;
+    return modeConstants[static_cast<std::size_t>(purpose)][mode] + perMinute * time + perKilometre[mode] * distance;
 }
 
 }
@@ -111,7 +111,7 @@ ModeChoice chooseModes(
             double sum = 0;
             for (auto const& share : choice.shares) sum += share.at(from, to);
             for (auto& share : choice.shares) share.at(from, to) /= sum;
-            choice.ease.at(from, to) = std::log(sum);
+            choice.logsum.at(from, to) = std::log(sum);
         }
     return choice;
 }
@@ -120,11 +120,11 @@ namespace {
 
 using Figures = std::vector<double>;
 
-// Leaves room for the rounding to single precision, so that trips add up within a millionth.
+// Leaves room for the rounding to single precision, so that totals are right within a millionth.
 constexpr double tolerance = 5e-7;
 constexpr int mostRounds = 1000;
 
-// People go far to work, and shop where it is near.
+// Work trips are long, shopping trips are short.
 constexpr double sensitivities[] = {1.1, 1.9, 1.9, 1.5};
 
 Figures rowSums(SquareTable const& deterrence, Figures const& columnFactors) {
@@ -177,10 +177,10 @@ SquareTable distribute(Margins const& margins, SquareTable const& deterrence) {
     throw std::runtime_error("origins and destinations are not balanced after 1000 rounds");
 }
 
-SquareTable deterrenceOf(Purpose purpose, SquareTable const& ease) {
+SquareTable deterrenceOf(Purpose purpose, SquareTable const& logsum) {
     double const sensitivity = sensitivities[static_cast<std::size_t>(purpose)];
     return SquareTable::of(
-        ease.size(), [&](std::size_t i, std::size_t j) { return std::exp(sensitivity * ease.at(i, j)); });
+        logsum.size(), [&](std::size_t i, std::size_t j) { return std::exp(sensitivity * logsum.at(i, j)); });
 }
 
 }

@@ -12,7 +12,7 @@ enum class Purpose { work, education, shopping, other };
 
 inline constexpr std::array<char const*, 4> purposeNames = {"work", "education", "shopping", "other"};
 
-/// The trips that start and end in each zone, of one purpose in one period, over all modes.
+/// The trip ends of each zone, of one purpose in one period, over all modes: row and column totals.
 struct Margins {
     std::vector<double> origins;
     std::vector<double> destinations;
@@ -20,20 +20,19 @@ struct Margins {
 
 double totalOf(std::vector<double> const& figures);
 
-/// Every trip goes out from home to where its purpose is, or back. Homes produce trips by their
-/// residents; zones attract them by jobs, school places or shops. Attractions are scaled so that
-/// both sides have the same total.
+/// Trip generation. Every trip goes from home to an activity or back. Productions depend on residents,
+/// attractions on jobs, school places or shops; attractions are scaled to the total of the productions.
 Margins marginsOf(Purpose purpose, Period period, std::vector<Zone> const& zones);
 
-/// For every pair of zones, the share of each mode, and how easy the trip is by all of them together.
+/// The share of each mode and the logsum of all modes, for every OD pair.
 struct ModeChoice {
     std::vector<SquareTable> shares;
-    SquareTable ease;
+    SquareTable logsum;
 };
 
 /// A multinomial logit (McFadden 1974): a mode's utility falls with its time and distance, its share
-/// is exp(utility) over the sum of all modes', and the ease is the logarithm of that sum, the utility
-/// that the best mode is expected to have. Tables are by mode.
+/// is exp(utility) over the sum of all modes, and the logsum is the logarithm of that sum, the expected
+/// utility of the best mode. Tables are by mode.
 ModeChoice chooseModes(
     Purpose purpose, std::vector<SquareTable> const& times, std::vector<SquareTable> const& distances);
 
@@ -46,8 +45,7 @@ ModeChoice chooseModes(
 /// REQUIRES: deterrence is above 0 everywhere.
 SquareTable distribute(Margins const& margins, SquareTable const& deterrence);
 
-/// How willing people are to go where it is as easy as told: exp(sensitivity x ease), with the
-/// sensitivity of the purpose. The harder it is to get somewhere the less it draws.
-SquareTable deterrenceOf(Purpose purpose, SquareTable const& ease);
+/// The deterrence function exp(sensitivity x logsum), with the sensitivity of the purpose.
+SquareTable deterrenceOf(Purpose purpose, SquareTable const& logsum);
 
 }

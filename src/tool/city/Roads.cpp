@@ -57,8 +57,8 @@ Roads::Roads(std::vector<Zone> const& zones) : leaving_(zones.size()) {
     }
 }
 
-// Dijkstra: the last road of the shortest way to each zone.
-std::vector<std::size_t> Roads::quickestRoadsTo(int origin, std::size_t zones) const {
+// Dijkstra: the last road of the shortest path by distance to each zone.
+std::vector<std::size_t> Roads::lastRoadsOfShortestPaths(int origin, std::size_t zones) const {
     std::vector<double> length(zones, std::numeric_limits<double>::infinity());
     std::vector<std::size_t> last(zones, none);
     using Reached = std::pair<double, int>;
@@ -84,7 +84,7 @@ std::vector<std::size_t> Roads::quickestRoadsTo(int origin, std::size_t zones) c
 RouteList Roads::shortestRoutes(std::vector<Zone> const& zones) const {
     RouteList routes;
     for (int origin = 0; origin < static_cast<int>(zones.size()); ++origin) {
-        auto const last = quickestRoadsTo(origin, zones.size());
+        auto const last = lastRoadsOfShortestPaths(origin, zones.size());
         for (int destination = 0; destination < static_cast<int>(zones.size()); ++destination) {
             if (destination == origin) continue;
             std::vector<std::uint32_t> links;
@@ -110,7 +110,7 @@ constexpr float accepted = 1.05f;
 }
 
 TripTable tripsOver(Link const& link, TripTable const& trips, TripTable const& distance) {
-    // A skim's diagonal is the way within a zone; to the end of the link itself there is none.
+    // The diagonal of a skim is the intrazonal distance, which does not count on the way to the link.
     auto const way = [&](int from, int to) { return from == to ? 0 : distance.at(from, to); };
     float const length = way(link.from, link.to);
     TripTable passing = trips;

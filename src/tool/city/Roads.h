@@ -26,21 +26,21 @@ public:
     double kilometres(RouteList::Route const& route) const;
 
 private:
-    std::vector<std::size_t> quickestRoadsTo(int origin, std::size_t zones) const;
+    std::vector<std::size_t> lastRoadsOfShortestPaths(int origin, std::size_t zones) const;
 
     std::vector<Road> roads_;
-    /// The roads that begin in a zone, by their places in roads_.
+    /// The roads that begin in a zone, by their indices in roads_.
     std::vector<std::vector<std::size_t>> leaving_;
 };
 
-/// A stretch of road from one zone to another, by their indices.
+/// A link from one zone to another, by their indices.
 struct Link {
     int from = 0;
     int to = 0;
 };
 
-/// The trips that pass the link: those of the pairs for which the way over it is at most a twentieth
-/// longer than the shortest one.
+/// Select link analysis: the trips of the OD pairs whose path over the link is at most 5 % longer than the
+/// shortest path.
 TripTable tripsOver(Link const& link, TripTable const& trips, TripTable const& distance);
 
 }

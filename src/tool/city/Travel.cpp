@@ -18,10 +18,10 @@ constexpr std::size_t indexOf(Period period) {
     return static_cast<std::size_t>(period);
 }
 
-// A network's way is longer than the crow's by this factor.
+// Network distance over crow-fly distance, by mode.
 constexpr double detours[] = {1.25, 1.35, 1.2};
 
-// What an end of a trip adds to it, by the area it lies in.
+// Properties of a trip end by its area.
 struct Surroundings {
     double freeSpeed;      // of cars, km/h
     double congestion;     // share of the period's delay that is felt here

@@ -38,8 +38,8 @@ enum class Period { morning, midday, evening };
 inline constexpr std::array<char const*, 3> modeNames = {"car", "transit", "bike"};
 inline constexpr std::array<char const*, 3> periodNames = {"morning", "midday", "evening"};
 
-/// Kilometres along the mode's network. Within a zone it is half the way to the nearest other
-/// zone, the usual assumption where a model has no finer network.
+/// Kilometres along the mode's network. The intrazonal distance is half the distance to the nearest
+/// other zone, as usual.
 SquareTable distancesBy(Mode mode, std::vector<Zone> const& zones);
 
 /// Minutes from door to door over the given distances.

@@ -27,8 +27,8 @@ struct Zone {
     double shopSpace = 0;
 };
 
-/// Random numbers that are the same on every platform: the engine is fixed by the C++ standard,
-/// its distributions are not, so that we make our own.
+/// Random numbers that are the same on every platform: the C++ standard fixes the engine, but not its
+/// distributions.
 class Random {
 public:
     explicit Random(std::uint64_t seed) : engine_(seed) {}
@@ -42,7 +42,7 @@ private:
     std::mt19937_64 engine_;
 };
 
-/// Zones of a made-up city: a dense centre full of jobs and shops, suburbs around it where most
+/// The zones of a synthetic city: a dense centre full of jobs and shops, suburbs around it where most
 /// people live, and towns farther out. Numbered from 1, from the centre outward.
 /// REQUIRES: count is at least 3.
 std::vector<Zone> layOutZones(int count, Random& random);

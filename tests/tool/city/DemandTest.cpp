@@ -112,14 +112,14 @@ TEST(ModeChoice, isTheLogitComputedByHand) {
     EXPECT_DOUBLE_EQ(choice.shares[0].at(0, 1), car / sum);
     EXPECT_DOUBLE_EQ(choice.shares[1].at(0, 1), transit / sum);
     EXPECT_DOUBLE_EQ(choice.shares[2].at(0, 1), bike / sum);
-    EXPECT_DOUBLE_EQ(choice.ease.at(1, 0), std::log(sum));
+    EXPECT_DOUBLE_EQ(choice.logsum.at(1, 0), std::log(sum));
 }
 
 TEST(ModeChoice, favoursTheFasterMode) {
     auto const slow = chooseModes(Purpose::other, {all(40), all(30), all(25)}, {all(5), all(6), all(4)});
     auto const fast = chooseModes(Purpose::other, {all(20), all(30), all(25)}, {all(5), all(6), all(4)});
     EXPECT_GT(fast.shares[0].at(0, 0), slow.shares[0].at(0, 0));
-    EXPECT_GT(fast.ease.at(0, 0), slow.ease.at(0, 0));
+    EXPECT_GT(fast.logsum.at(0, 0), slow.logsum.at(0, 0));
 }
 
 }

@@ -114,6 +114,13 @@ TEST_P(BetweenProjects, ofOneDatabaseAnEntryKeepsTheRowThatIsBoth) {
     EXPECT_NE(output("cubes entries").find("1-1-1-1-1.odm  ok"), std::string::npos);
 }
 
+TEST_P(BetweenProjects, ofOneDatabaseInitReportsTheSharedEntries) {
+    EXPECT_EQ(session->run("cubes init none --database \"$DATABASE\"").errors, "");
+    succeeds("cubes import trips.csv Base/1/1/1/1 && cubes import trips.csv fare/1/1/1/1");
+    EXPECT_EQ(session->run("cubes init other --database \"$DATABASE\"").errors,
+        "cubes: note: the database holds 2 entries of cubes from other projects; they are shared\n");
+}
+
 TEST_P(BetweenProjects, ofOneDirectoryNothingIsCopied) {
     succeeds("cubes init other && cubes import trips.csv Base/1/1/1/1");
     succeeds("sed -i 's|^matrix_directory.*|matrix_directory = \"../matrices\"|' other/cubes.toml");
