@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view names[] = {"zone", "jobs"};
 
 // "zone jobs" a line, each with its number in the file.
-std::string read(std::string const& text) {
+std::string readColumns(std::string const& text) {
     std::string result;
     ProgressCallback const nobody;
     CsvLines lines(text, nobody);
@@ -22,7 +22,7 @@ std::string read(std::string const& text) {
 
 std::string errorOf(std::string const& text) {
     try {
-        return "no error: " + read(text);
+        return "no error: " + readColumns(text);
     } catch (FormatError const& error) {
         return error.what();
     }
@@ -32,13 +32,13 @@ std::string errorOf(std::string const& text) {
 
 TEST(CsvColumns, areFoundByNameInAnyOrderAndLetterCase) {
     for (auto const* header : {"zone,jobs", "Zone,JOBS", " zone ,\t\"jobs\""})
-        EXPECT_EQ(read(header + std::string("\n1,20\n\n2,30\n")), "2: 1 20\n4: 2 30\n");
-    EXPECT_EQ(read("jobs,zone\n20,1\n30,2\n"), "2: 1 20\n3: 2 30\n");
+        EXPECT_EQ(readColumns(header + std::string("\n1,20\n\n2,30\n")), "2: 1 20\n4: 2 30\n");
+    EXPECT_EQ(readColumns("jobs,zone\n20,1\n30,2\n"), "2: 1 20\n3: 2 30\n");
 }
 
 TEST(CsvColumns, areReadToTheEndAndNoFurther) {
-    EXPECT_EQ(read("zone,jobs"), "");
-    EXPECT_EQ(read("zone,jobs\n1,"), "2: 1 \n");
+    EXPECT_EQ(readColumns("zone,jobs"), "");
+    EXPECT_EQ(readColumns("zone,jobs\n1,"), "2: 1 \n");
     std::string const text = "zone,jobs\n1,2\n";
     ProgressCallback const nobody;
     CsvLines lines(text, nobody);
