@@ -12,7 +12,9 @@
 
 #include <initializer_list>
 #include <memory>
-#include <exception>
+#include <stdexcept>
+#include <system_error>
+#include <tuple>
 
 namespace platform = cubes::platform;
 
@@ -78,10 +80,13 @@ Reference<RouteStorageInterface> storageOf(CubeDataInterface* data) {
 // Without a source file the target stays as it is.
 void copyIfPresent(std::string const& source, std::string const& target) {
     if (target.empty() || !platform::isRegularFile(source) || platform::overlap(source, target)) return;
+    std::string const task = "cannot copy " + source + " to " + target + ": ";
     try {
         cubes::catalogue::copyFile(source, target, lsNone);
-    } catch (std::exception const& error) {
-        throw TRkMatrixException("cannot copy " + source + " to " + target + ": " + error.what(), target);
+    } catch (std::system_error const& error) {
+        throw TRkMatrixException(task + error.code().message(), target, error.code());
+    } catch (std::runtime_error const& error) {
+        throw TRkMatrixException(task + error.what(), target);
     }
 }
 

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// What crosses the border between the cubes library and a route-storage provider: all that a
-/// provider needs to see.
+/// The interface between the cubes library and a route-storage provider; the only header that a
+/// provider needs.
 ///
 /// A provider is a library "routeprovider64.dll" that exports, with C linkage,
 ///
@@ -14,15 +14,15 @@
 /// and a library "vlinterfaceutilities64.dll" that exports VlInterfaceGetLastError, a LastErrorGetter.
 ///
 /// Rules for both sides:
-/// - Objects count their references: a factory hands out an object with count 0, and the release
-///   that brings the count below 1 frees it. Whoever receives an object gives it up with one
-///   release, and takes a reference with addRef before sharing it.
-/// - No exception crosses the border. Every operation but addRef, release, getFileName and those of
-///   AdditionalDataHeaderInterface begins by emptying the last-error text of its thread, and leaves
-///   the reason there when it fails.
-/// - Slots stand in a fixed order, without overloads and virtual destructors, and only plain types
-///   cross: the order is the same for every compiler. New operations come last.
-/// - Operations that are not pure have a body that says "not offered": a provider may leave them out.
+/// - Objects are reference-counted: a factory returns an object with count 0, and the release that
+///   brings the count below 1 deletes it. The receiver of an object releases it once, and adds a
+///   reference with addRef before sharing it.
+/// - No exception passes the interface. Every operation except addRef, release, getFileName and those
+///   of AdditionalDataHeaderInterface first clears its thread's last-error text, and sets it to the
+///   cause when it fails.
+/// - Virtual functions have a fixed order, without overloads and virtual destructors, and use plain
+///   types only, so that the order is the same for every compiler. New operations are appended.
+/// - Operations that are not pure return rrNotOffered by default: a provider may omit them.
 /// - One thread at a time may use an object. Several may read one that was opened for reading.
 /// - Texts are in the platform's narrow encoding and end with a zero byte.
 namespace VL::Interface {
@@ -31,18 +31,18 @@ constexpr char const* VLINTERFACEUTILITIES_DLL_NAME = "vlinterfaceutilities64.dl
 /// The name only: nothing loads this library.
 constexpr char const* SCRIPT_INTERFACE_DLL_NAME = "ScriptInterface64.dll";
 
-/// How a file is opened: the low byte of the mode. What other values mean is the provider's affair.
+/// How a file is opened: the low byte of the mode. Other values are up to the provider.
 enum RouteOpenMode : long {
     romRead = 0,   ///< An existing file, to read.
-    romCreate = 1, ///< A new, empty file, which at once takes the place of an old one.
-    romExtend = 2, ///< An existing file, to read and to add to.
+    romCreate = 1, ///< A new, empty file, which replaces an existing one at once.
+    romExtend = 2, ///< An existing file, to read and to extend.
 };
 
-/// How an operation ended. Negative: no answer was given.
+/// The result of an operation. Negative: no answer.
 enum RouteResult : int {
     rrDone = 1,        ///< Done, or found.
-    rrAbsent = 0,      ///< What was asked for is not there; no error.
-    rrFailed = -1,     ///< The last-error text tells why. Nothing was changed.
+    rrAbsent = 0,      ///< Not found; not an error.
+    rrFailed = -1,     ///< Failed without any change; the last-error text holds the cause.
     rrNotOffered = -2, ///< This provider does not have the operation.
 };
 
@@ -61,8 +61,8 @@ enum RouteFieldType : int {
 struct Route {
     std::int32_t origin;        ///< Zone number.
     std::int32_t destination;   ///< Zone number.
-    float share;                ///< Share of the pair's trips that take the route, or trips; a finite number.
-    std::uint32_t const* links; ///< Link numbers in travel order; one may come twice.
+    float share;                ///< Share of the OD pair's trips on this route, or trips; a finite number.
+    std::uint32_t const* links; ///< Link numbers in travel order; a link may occur twice.
     std::int64_t linkCount;     ///< 0 for a route without links; `links` may then be null.
 };
 
@@ -76,7 +76,7 @@ struct RouteNumbers {
 struct RouteField {
     char const* name; ///< Not empty, without control characters.
     RouteFieldType type;
-    void const* values; ///< `count` values as the type tells; may be null when there are none.
+    void const* values; ///< `count` values of that type; may be null when there are none.
     std::int64_t count;
 };
 
@@ -84,27 +84,27 @@ struct RouteField {
 class SettingsInterface {
 public:
     virtual void addRef() = 0;
-    /// Gives the new count. Below 1 the object is gone.
+    /// Returns the new count; below 1 the object is deleted.
     virtual long release() = 0;
 
 protected:
     ~SettingsInterface() = default;
 };
 
-/// A route file: what route sets and route data have in common. An object names its file from the
-/// beginning; nothing is read or written before open.
+/// A route file, the base of route sets and route data. The factory sets its name; nothing is read
+/// or written before open.
 class RouteStorageInterface {
 public:
     virtual void addRef() = 0;
-    /// Gives the new count. Below 1 the object is gone, with what was added and not committed.
+    /// Returns the new count; below 1 the object is deleted with everything that was not committed.
     virtual long release() = 0;
-    /// Opens the file, anew when it is open already. Fails by the last-error text alone; the
-    /// object is then closed. The settings may be null, and are not kept.
+    /// Opens the file, again if it is open. A failure is reported by the last-error text only and
+    /// leaves the object closed. The settings may be null and are not kept.
     virtual void open(long mode, SettingsInterface* settings) = 0;
-    /// The file as the factory was told. Lives as long as the object.
+    /// The path that the factory was given. Valid as long as the object.
     virtual char const* getFileName() const = 0;
-    /// The cube type and the entry that the file belongs to, kept in the file with the next
-    /// writing; in a file that is open for adding at once, so that it can be copied afterwards.
+    /// Sets the cube type and the key of the file's entry, which the next write stores in the file.
+    /// A file that is open for adding is written at once, so that it can be copied afterwards.
     virtual void setCubeType(int cubeType) = 0;
     virtual void setKey(short purpose, short mode, short time, short user, short result, short iteration) = 0;
 
@@ -114,27 +114,27 @@ protected:
 
 /// A set of routes stored in a file.
 ///
-/// Pointers that reading gives belong to the object. They hold until it is given up, opened again
-/// or added to. Reading sees all that was added, committed or not.
+/// Pointers that reading returns belong to the object and are valid until it is released, opened
+/// again or extended. Reading includes what was added but not committed.
 class VelmoraRouteStorageRouteSetInterface : public RouteStorageInterface {
 public:
     /// Adds a route; the links are copied. REQUIRES: opened for creating or extending.
     virtual RouteResult addRoute(Route const& /*route*/) { return rrNotOffered; }
-    /// Writes the file with all that was added. The file is whole at any time: as it was before,
-    /// which it stays when this fails, or as it is now. What was added stays too, to try again.
+    /// Writes the file with everything that was added, as an atomic replacement: after a failure the
+    /// old file remains, and so do the additions, to try again.
     virtual RouteResult commit() { return rrNotOffered; }
     /// The number of routes; a negative RouteResult when there is no answer.
     virtual std::int64_t countRoutes() const { return rrNotOffered; }
     /// The number of links of all routes together; a negative RouteResult when there is no answer.
     virtual std::int64_t countLinks() const { return rrNotOffered; }
-    /// A route by its number: with countRoutes a walk over all. rrAbsent leaves `route` as it is.
+    /// Reads a route by its number, from 0 to countRoutes() - 1. rrAbsent leaves `route` unchanged.
     virtual RouteResult getRoute(std::int64_t /*number*/, Route* /*route*/) const { return rrNotOffered; }
-    /// The routes from a zone to another, by number. When there are none: rrAbsent, and an empty list.
+    /// The routes of an OD pair, by number. Without any: rrAbsent and an empty list.
     virtual RouteResult findRoutesOfPair(
         std::int32_t /*origin*/, std::int32_t /*destination*/, RouteNumbers* /*found*/) const {
         return rrNotOffered;
     }
-    /// The routes from a zone to everywhere, by destination, then number.
+    /// The routes of an origin, by destination, then number.
     virtual RouteResult findRoutesOfOrigin(std::int32_t /*origin*/, RouteNumbers* /*found*/) const {
         return rrNotOffered;
     }
@@ -145,27 +145,27 @@ protected:
     ~VelmoraRouteStorageRouteSetInterface() = default;
 };
 
-/// The names and types of the fields of route data, as they were when this object was handed out.
+/// The names and types of the fields of route data at the time when this object was created.
 class AdditionalDataHeaderInterface {
 public:
     virtual void addRef() = 0;
-    /// Gives the new count. Below 1 the object is gone.
+    /// Returns the new count; below 1 the object is deleted.
     virtual long release() = 0;
     /// A RouteFieldType; rftUnknown when there is no such field.
     virtual int getFieldType(char const* name) const = 0;
-    /// The names in order, separated by commas. A name with blanks, commas or quotation marks
-    /// stands in quotation marks, with its own doubled. Lives as long as the object.
+    /// The names in order, separated by commas. A name with blanks, commas or quotation marks is
+    /// quoted, with its own marks doubled. Valid as long as the object.
     virtual char const* getFieldNames() const = 0;
 
 protected:
     ~AdditionalDataHeaderInterface() = default;
 };
 
-/// Values that belong to the routes of a set, stored in a file of their own: fields with one value a
-/// route. What is said of reading and committing a route set holds here too.
+/// Values of the routes of a set, stored in a separate file: fields with one value a route. Reading
+/// and committing work as for a route set.
 class VelmoraRouteStorageDataSetInterface : public RouteStorageInterface {
 public:
-    /// A new object, to be given up with one release; null when there is none.
+    /// Returns a new object, which the caller releases once; null when there is none.
     virtual AdditionalDataHeaderInterface* getAdditionalDataHeader() = 0;
     /// Adds a field of a new name; the values are copied. All fields have the same number of
     /// values. REQUIRES: opened for creating or extending.
@@ -175,26 +175,25 @@ public:
     virtual std::int64_t countRoutes() const { return rrNotOffered; }
     /// The number of fields; a negative RouteResult when there is no answer.
     virtual std::int64_t countFields() const { return rrNotOffered; }
-    /// A field by its place, from 0 in the order in which they were added, with all values.
-    /// rrAbsent leaves `field` as it is.
+    /// Reads a field with all values by its position, from 0 in the order of adding. rrAbsent leaves
+    /// `field` unchanged.
     virtual RouteResult getField(std::int64_t /*place*/, RouteField* /*field*/) const { return rrNotOffered; }
     /// The same by name.
     virtual RouteResult findField(char const* /*name*/, RouteField* /*field*/) const { return rrNotOffered; }
-    /// The values of one route: countFields() numbers in the order of the fields, put where `values`
-    /// points. A double holds a value of any type exactly. rrAbsent leaves them as they are.
+    /// Writes the values of one route to `values`: countFields() numbers in the order of the fields. A
+    /// double represents a value of every type exactly. rrAbsent leaves them unchanged.
     virtual RouteResult getRouteValues(std::int64_t /*route*/, double* /*values*/) const { return rrNotOffered; }
 
 protected:
     ~VelmoraRouteStorageDataSetInterface() = default;
 };
 
-/// The provider's exports: each takes the path of a route file and gives a new object, null when
-/// there is none to be had.
+/// The provider's exports: each takes the path of a route file and returns a new object, or null.
 using SettingsFactory = SettingsInterface*(char const* fileName);
 using RouteSetFactory = VelmoraRouteStorageRouteSetInterface*(char const* fileName);
 using DataSetFactory = VelmoraRouteStorageDataSetInterface*(char const* fileName);
-/// The export of the utilities library: what went wrong in the calling thread's last operation, ""
-/// when nothing did. The text holds until the thread's next operation.
+/// The export of the utilities library: returns the error of the calling thread's last operation,
+/// "" for success. Valid until the thread's next operation.
 using LastErrorGetter = char const*();
 
 }

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-/// A shared owning pointer: copies share the object and one count; the object is destroyed when
-/// the last copy lets go. An empty pointer stands for an object that could not be had.
+/// A shared owning pointer: copies share the object, which the last copy destroys. An empty pointer
+/// stands for an object that does not exist or could not be opened.
 template <typename Object>
 class CountedPtr {
 public:
@@ -17,10 +17,9 @@ public:
     /// REQUIRES: not empty.
     Object& operator*() const noexcept { return *object_; }
     explicit operator bool() const noexcept { return object_ != nullptr; }
-    /// Lets go of the object; this pointer is empty afterwards.
+    /// Releases the object; this pointer is empty afterwards.
     void Release() noexcept { object_.reset(); }
 
 private:
-    // Shared by contract: that is what this type is.
     std::shared_ptr<Object> object_;
 };

@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
-/// A list that owns its items. A copy is another handle on the same list: what one handle adds
-/// or clears, all see. The items go when they are deleted, cleared, or with the last handle.
+/// A list that owns its items. A copy is another handle of the same list: changes through one
+/// handle show in all. Items are destroyed by Delete, by Clear or with the last handle.
 template <typename Item>
 class TRkAutoListT {
 public:
@@ -16,14 +16,14 @@ public:
     /// The item at `index`, still owned by the list. REQUIRES: 0 <= index < Count().
     Item* operator[](int index) const noexcept { return (*body_)[static_cast<std::size_t>(index)].get(); }
     void Clear() noexcept { body_->clear(); }
-    /// Destroys the item at `index`; the items behind it move up. REQUIRES: 0 <= index < Count().
+    /// Destroys the item at `index`; the following items move up. REQUIRES: 0 <= index < Count().
     void Delete(int index) { body_->erase(body_->begin() + index); }
-    /// Orders the items by `compare` (negative: first before second). Equal items keep their order.
+    /// Sorts the items by `compare` (negative: first before second). Equal items keep their order.
     void Sort(int (*compare)(Item*, Item*)) {
         std::stable_sort(body_->begin(), body_->end(),
             [compare](auto const& a, auto const& b) { return compare(a.get(), b.get()) < 0; });
     }
-    /// A list of its own with copies of the items.
+    /// Returns a separate list with copies of the items.
     TRkAutoListT Clone() const {
         TRkAutoListT copy;
         copy.body_->reserve(body_->size());
@@ -32,6 +32,6 @@ public:
     }
 
 private:
-    // Shared on purpose: lists are handed over by value and filled by the callee.
+    // Shared because lists are passed by value and filled by the callee.
     std::shared_ptr<std::vector<std::unique_ptr<Item>>> body_ = std::make_shared<std::vector<std::unique_ptr<Item>>>();
 };

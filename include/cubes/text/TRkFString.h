@@ -7,10 +7,10 @@
 #include <string>
 
 /// The text of a file path, split at its last delimiter ("\" or "/") into a directory part
-/// and a file part. A value; nothing is asked of the file system until an operation says so.
+/// and a file part. A value type; only the file operations access the file system.
 ///
-/// Where an operation takes a name: empty or null means the path itself, anything else that
-/// name inside Path(). File operations report by their result and never throw.
+/// Operations with a name: empty or null means the path itself, any other name an entry of
+/// Path(). File operations return whether they succeeded and never throw.
 class CUBES_API TRkFString {
 public:
     TRkFString() = default;
@@ -41,16 +41,16 @@ public:
     /// Replaces the file part's extension, which begins at its last point.
     void SetExtension(char const* extension);
 
-    /// Whether a file or directory of that name is there.
+    /// Whether a file or directory of that name exists.
     bool Exists(char const* name = nullptr) const;
-    /// Creates the directory with all missing levels; an existing one is no failure.
+    /// Creates the directory with all missing levels; true for an existing one.
     bool MkDir(char const* name = nullptr) const;
-    /// Removes a directory; with its content when `withContent`, else only an empty one.
+    /// Removes a directory: with its content when `withContent`, or only an empty one.
     bool RmDir(bool withContent, char const* name = nullptr) const;
-    /// Copies the file, or the directory with its content, to `target`. An existing target
-    /// file is replaced when `overwrite`, else the result is false.
+    /// Copies the file, or the directory with its content, to `target`. Replaces an existing
+    /// target file when `overwrite`, and returns false otherwise.
     bool CopyTo(char const* target, bool overwrite) const;
-    /// Deletes a regular file; anything else is left alone and gives false.
+    /// Deletes a regular file; false for anything else, which stays.
     bool RmFile(char const* name = nullptr) const;
 
     /// Whether both texts name the same file: made absolute, lexically normalised, separators

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// The generic text of the library: 8-bit characters in the platform's narrow encoding.
-/// A value. Positions are zero-based and counted in bytes.
+/// The text type of the library: 8-bit characters in the platform's narrow encoding. A value type.
+/// Positions are zero-based and counted in bytes.
 class CUBES_API TRkString {
 public:
     TRkString() = default;
@@ -29,15 +29,15 @@ public:
     /// The character at `position`; NUL outside the text.
     char operator[](int position) const noexcept;
 
-    /// At most `count` characters from `start`; what lies outside the text is left out.
+    /// At most `count` characters from `start`; those outside the text are omitted.
     TRkString SubString(int start, int count) const;
     /// Without blanks and control characters at both ends.
     TRkString Trim() const;
     /// Every occurrence of `from` replaced by `to`; unchanged when `from` is empty.
     TRkString Replace(TRkString const& from, TRkString const& to) const;
-    /// The pieces between the separators: always one more than there are separators.
+    /// The pieces between the separators, one more than there are separators.
     std::vector<TRkString> Split(char separator) const;
-    /// With the letters A to Z made small.
+    /// Converted to ASCII lower case.
     TRkString ToLower() const;
     /// The whole number the text begins with (sign and digits); 0 when it begins with none.
     int ToInteger() const noexcept;

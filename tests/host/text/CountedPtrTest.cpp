@@ -20,7 +20,7 @@ TEST(CountedPtr, isEmptyByDefaultAndFromNull) {
     EXPECT_FALSE(CountedPtr<int>(std::unique_ptr<int>()));
 }
 
-TEST(CountedPtr, givesItsObject) {
+TEST(CountedPtr, pointsToItsObject) {
     CountedPtr<std::pair<int, int>> const pointer(new std::pair(1, 2));
     ASSERT_TRUE(pointer);
     EXPECT_EQ(1, pointer->first);
@@ -40,7 +40,7 @@ TEST(CountedPtr, destroysTheObjectWithTheLastCopy) {
     EXPECT_EQ(0, alive);
 }
 
-TEST(CountedPtr, takesOverFromAUniquePointer) {
+TEST(CountedPtr, takesOwnershipFromAUniquePointer) {
     int alive = 0;
     {
         CountedPtr<Guest> const pointer(std::make_unique<Guest>(alive));

@@ -43,7 +43,7 @@ void fill(List byValue) {
 
 }
 
-TEST(TRkAutoListT, ownsItsItemsUntilTheLastHandleGoes) {
+TEST(TRkAutoListT, ownsItsItemsUntilItsLastHandleIsDestroyed) {
     {
         List second;
         {
@@ -80,7 +80,7 @@ TEST(TRkAutoListT, sortsForAllHandlesAndKeepsEqualItemsInOrder) {
     EXPECT_EQ("ebdac", labels(second));
 }
 
-TEST(TRkAutoListT, clonesIntoAListOfItsOwn) {
+TEST(TRkAutoListT, clonesIntoASeparateList) {
     List const list = listOf({{1, "a"}, {2, "b"}});
     List clone = list.Clone();
     clone[0]->label = "z";
@@ -89,7 +89,7 @@ TEST(TRkAutoListT, clonesIntoAListOfItsOwn) {
     EXPECT_EQ("z", labels(clone));
 }
 
-TEST(TRkAutoListT, isEmptyAtFirst) {
+TEST(TRkAutoListT, isEmptyWhenConstructed) {
     List list;
     EXPECT_EQ(0, list.Count());
     list.Clear();

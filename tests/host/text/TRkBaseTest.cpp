@@ -28,7 +28,7 @@ TEST(TRkBase, isUsableAndOfFamily0) {
     EXPECT_FALSE(object.IsReferenced());
 }
 
-TEST(TRkBase, goesWithItsLastReference) {
+TEST(TRkBase, isDeletedWithItsLastReference) {
     int alive = 0;
     auto* const object = new Counted(alive);
     EXPECT_EQ(1, object->AddReference());
@@ -53,14 +53,14 @@ TEST(TRkBase, keepsItsOwnReferencesWhenCopiedOrAssigned) {
     EXPECT_EQ(1, first.ReferenceCount());
 }
 
-TEST(TRkBase, tellsThePlainNameOfTheObjectsOwnClass) {
+TEST(TRkBase, returnsTheNameOfTheObjectsOwnClass) {
     NamedCatalogue const object;
     TRkBase const& base = object;
     EXPECT_STREQ("NamedCatalogue", base.ClassName());
     EXPECT_EQ(base.ClassName(), NamedCatalogue().ClassName()) << "one text that lives as long as the program";
 }
 
-TEST(TRkBase, showsItselfToAVisitor) {
+TEST(TRkBase, passesItselfToAVisitor) {
     TRkBase const object;
     LastVisit visitor;
     object.Accept(visitor);

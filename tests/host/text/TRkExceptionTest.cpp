@@ -14,7 +14,7 @@ void expectContext(
 
 }
 
-TEST(VclOrStdException, saysItsMessageInBothForms) {
+TEST(VclOrStdException, returnsItsMessageInBothForms) {
     VclOrStdException error(AnsiString("no such cube"));
     EXPECT_EQ(AnsiString("no such cube"), error.GetMessageA());
     EXPECT_STREQ("no such cube", error.what());

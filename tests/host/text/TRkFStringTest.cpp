@@ -29,7 +29,7 @@ void makeTree(TempDir const& directory) {
 
 }
 
-TEST(TRkFString, isMadeFromEveryKindOfText) {
+TEST(TRkFString, isConstructedFromEveryKindOfText) {
     EXPECT_STREQ("", TRkFString(static_cast<char const*>(nullptr)).c_str());
     EXPECT_STREQ("a/b", TRkFString("a/b").c_str());
     EXPECT_STREQ("a/b", TRkFString(std::string("a/b")).c_str());
@@ -153,7 +153,7 @@ TEST(TRkFString, makesNoDirectoryWhereAFileIs) {
     EXPECT_EQ("A", readFile(directory.file("a")));
 }
 
-TEST(TRkFString, removesADirectoryWithContentOnlyWhenToldTo) {
+TEST(TRkFString, removesADirectoryWithContentOnRequestOnly) {
     TempDir const directory;
     makeTree(directory);
     TRkFString const root = TRkFString::Directory(directory.str());
@@ -186,7 +186,7 @@ TEST(TRkFString, removesRegularFilesOnly) {
     EXPECT_EQ("tree\ntree/sub\n", listing(directory.str()));
 }
 
-TEST(TRkFString, copiesAFileAndReplacesOnlyWhenToldTo) {
+TEST(TRkFString, copiesAFileAndReplacesOnRequestOnly) {
     TempDir const directory;
     writeFile(directory.file("a"), "new");
     writeFile(directory.file("b"), "old and longer");
@@ -207,7 +207,7 @@ TEST(TRkFString, copiesADirectoryWithItsContent) {
     EXPECT_EQ("B", readFile(directory.file("copy/sub/b.skm")));
 }
 
-TEST(TRkFString, copiesNothingThatMakesNoSense) {
+TEST(TRkFString, rejectsMissingSourcesAndImpossibleTargets) {
     TempDir const directory;
     makeTree(directory);
     std::string const before = listing(directory.str());
@@ -223,7 +223,7 @@ TEST(TRkFString, copiesNothingThatMakesNoSense) {
     EXPECT_EQ("A", readFile(file.str()));
 }
 
-TEST(TRkFString, knowsTheSameFileByItsText) {
+TEST(TRkFString, recognisesTheSameFileByItsText) {
     struct {
         char const* first;
         char const* second;

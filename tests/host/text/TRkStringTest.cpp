@@ -14,7 +14,7 @@ std::vector<std::string> pieces(TRkString const& text, char separator) {
 
 }
 
-TEST(TRkString, isMadeFromEveryKindOfText) {
+TEST(TRkString, isConstructedFromEveryKindOfText) {
     EXPECT_TRUE(TRkString().IsEmpty());
     EXPECT_STREQ("", TRkString(static_cast<char const*>(nullptr)).c_str());
     EXPECT_STREQ("car", TRkString("car").c_str());
@@ -44,7 +44,7 @@ TEST(TRkString, isReadByPositionWithNulOutside) {
     EXPECT_EQ('\0', TRkString()[0]);
 }
 
-TEST(TRkString, givesThePartOfASubStringThatLiesInside) {
+TEST(TRkString, clipsASubStringToTheText) {
     constexpr int most = std::numeric_limits<int>::max();
     constexpr int least = std::numeric_limits<int>::min();
     struct {
@@ -105,11 +105,11 @@ TEST(TRkString, splitsIntoOneMoreThanThereAreSeparators) {
     EXPECT_EQ(Pieces({""}), pieces("", '/'));
 }
 
-TEST(TRkString, lowersTheLettersAToZOnly) {
+TEST(TRkString, convertsAsciiLettersToLowerCaseOnly) {
     EXPECT_STREQ("abyz@[1Ä", TRkString("AbYZ@[1Ä").ToLower().c_str());
 }
 
-TEST(TRkString, readsTheNumberItBeginsWith) {
+TEST(TRkString, parsesTheNumberAtItsBeginning) {
     struct {
         char const* text;
         int number;
@@ -138,7 +138,7 @@ TEST(TRkString, readsTheNumberItBeginsWith) {
     for (auto const& c : cases) EXPECT_EQ(c.number, TRkString(c.text).ToInteger()) << c.text;
 }
 
-TEST(TRkString, takesTailsOfEveryKind) {
+TEST(TRkString, appendsEveryKindOfText) {
     TRkString text("a");
     text += TRkString("b");
     text += "c";

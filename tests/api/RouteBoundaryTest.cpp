@@ -1,4 +1,4 @@
-// Route cubes as an application uses them, with the provider that lies beside the library.
+// Route cubes in an application, with the provider in the library's directory.
 
 #include <cubes/cubes.h>
 
@@ -11,7 +11,7 @@ using namespace VL::Interface;
 
 namespace {
 
-class RouteBorder : public testing::Test {
+class RouteBoundary : public testing::Test {
 protected:
     cubes::test::TempDir const directory;
     cubes::Project project = cubes::Project::create(directory.file("delta"));
@@ -19,7 +19,7 @@ protected:
 
 }
 
-TEST_F(RouteBorder, letsAnApplicationStoreRoutes) {
+TEST_F(RouteBoundary, letsAnApplicationStoreRoutes) {
     RouteStorageCube cube(project.settings());
     ASSERT_TRUE(cube.SetData(nullptr, 1, 1, 1, 1, 1, 1, 0, -1, -1, -1, -1, -1, -1, false));
     cubes::Reference<CubeDataInterface> const data(cube.GetData(1, 1, 1, 1, 1, 1, false));
@@ -38,7 +38,7 @@ TEST_F(RouteBorder, letsAnApplicationStoreRoutes) {
     EXPECT_EQ(file.getInterface()->countLinks(), 3);
 }
 
-TEST_F(RouteBorder, handsOutWhatFieldsThereAre) {
+TEST_F(RouteBoundary, returnsTheFieldsOfRouteData) {
     RouteStorageDataCube cube(project.settings());
     ASSERT_TRUE(cube.SetData(nullptr, 1, 1, 1, 1, 1, 1, 0, -1, -1, -1, -1, -1, -1, false));
     TVlRouteStorageDataSet file(cube.FileName(1, 1, 1, 1, 1, 1, false).c_str());
@@ -53,7 +53,7 @@ TEST_F(RouteBorder, handsOutWhatFieldsThereAre) {
     EXPECT_NE(dynamic_cast<Metadata::String*>(type.get()), nullptr);
 }
 
-TEST_F(RouteBorder, throwsWhatTheApplicationKnowsWithoutAProvider) {
+TEST_F(RouteBoundary, throwsAnExceptionThatTheApplicationCanCatchWithoutAProvider) {
     cubes::test::writeFile(directory.file("routeprovider64.dll"), "no library");
     {
         cubes::test::Variable const path("CUBES_PROVIDER_PATH", directory.str());

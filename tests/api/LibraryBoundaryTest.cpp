@@ -32,21 +32,21 @@ public:
 
 }
 
-TEST(LibraryBorder, namesAClassThatTheLibraryDoesNotKnow) {
+TEST(LibraryBoundary, namesAClassOfTheApplication) {
     Sketch const sketch;
     TRkBase const& base = sketch;
     EXPECT_STREQ("Sketch", base.ClassName());
     EXPECT_STREQ("TRkBase", TRkBase().ClassName());
 }
 
-TEST(LibraryBorder, downCastsTheApplicationsOwnObjects) {
+TEST(LibraryBoundary, downCastsTheApplicationsOwnObjects) {
     std::unique_ptr<TRkObject> const object = std::make_unique<Keeper>();
     EXPECT_NE(nullptr, dynamic_cast<Keeper*>(object.get()));
     std::unique_ptr<TRkObject> const plain = std::make_unique<TRkObject>();
     EXPECT_EQ(nullptr, dynamic_cast<Keeper*>(plain.get()));
 }
 
-TEST(LibraryBorder, letsAnExceptionPassThroughTheLibrary) {
+TEST(LibraryBoundary, passesAnExceptionOfTheApplicationThroughTheLibrary) {
     Sketch const sketch;
     Refuser refuser;
     EXPECT_THROW(sketch.Accept(refuser), TRkException);
@@ -54,7 +54,7 @@ TEST(LibraryBorder, letsAnExceptionPassThroughTheLibrary) {
     EXPECT_THROW(sketch.Accept(refuser), std::exception);
 }
 
-TEST(LibraryBorder, throwsExceptionsThatTheApplicationKnows) {
+TEST(LibraryBoundary, throwsExceptionsThatTheApplicationCanCatch) {
     cubes::test::TempDir const directory;
     EXPECT_THROW(cubes::Project::open(directory.file("none")), TRkProjectException);
     EXPECT_THROW(TRkMatrix::inMemory(0, 3), TRkMatrixException);
@@ -64,7 +64,7 @@ TEST(LibraryBorder, throwsExceptionsThatTheApplicationKnows) {
     EXPECT_THROW(cubes::Project::create(directory.file("delta"), elsewhere), TRkDatabaseException);
 }
 
-TEST(LibraryBorder, tellsItsExceptionsApart) {
+TEST(LibraryBoundary, distinguishesItsExceptionsByType) {
     try {
         TRkBaseCubes::ShortTo40T(-1);
         FAIL() << "nothing was thrown";
@@ -75,7 +75,7 @@ TEST(LibraryBorder, tellsItsExceptionsApart) {
     }
 }
 
-TEST(LibraryBorder, callsTheApplicationsOwnDictionary) {
+TEST(LibraryBoundary, callsTheApplicationsOwnDictionary) {
     cubes::test::TempDir const directory;
     cubes::Project project = cubes::Project::create(directory.file("delta"));
     CountingDictionary dictionary;
@@ -86,7 +86,7 @@ TEST(LibraryBorder, callsTheApplicationsOwnDictionary) {
     EXPECT_GE(dictionary.calls, 2);
 }
 
-TEST(LibraryBorder, handsOverMatricesThatTheApplicationFrees) {
+TEST(LibraryBoundary, returnsMatricesThatTheApplicationDeletes) {
     cubes::test::TempDir const directory;
     cubes::Project project = cubes::Project::create(directory.file("delta"));
     TRkMatCubes cubes(project.settings(), ".odm", false);
