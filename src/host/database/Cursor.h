@@ -75,7 +75,7 @@ private:
     void insertDraft();
     void updateDraft();
     void requireGone(std::span<Value const> key);
-    bool changeInPlace(std::string const& sql);
+    bool changeInPlace(Operation operation, std::string_view name);
     std::size_t runLookUp(std::string_view keys, std::span<Value const> values, Match match);
     Match matchFor(std::span<Value const> values, Rktable::LocateOptions options) const;
 

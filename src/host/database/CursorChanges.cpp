@@ -1,7 +1,6 @@
 #include "host/database/Conversion.h"
 #include "host/database/Cursor.h"
 #include "host/database/Session.h"
-#include "host/database/Sql.h"
 #include "host/database/SqlState.h"
 
 #include <cubes/database/TRkDatabaseException.h>
@@ -62,11 +61,10 @@ void Cursor::post() {
 // A refused row stays as it was filled in, to be corrected or given up.
 void Cursor::insertDraft() {
     auto const columns = changedColumns();
-    Sql const sql(description(), session_.dialect());
     std::vector<Value> values;
     for (std::size_t const column : columns) values.push_back(draft_[column]);
     Cells posted;
-    if (run(table_->statement(sql.insert(columns), sql.types(columns)), values, posted) == 0)
+    if (run(table_->statement(Operation::insert, columns), values, posted) == 0)
         throw TRkDatabaseException(
             "table " + description().quotedName + ": the database did not take the new row", sqlstate::noData);
     row_ = std::move(posted);
@@ -76,12 +74,11 @@ void Cursor::insertDraft() {
 void Cursor::updateDraft() {
     auto const columns = changedColumns();
     if (columns.empty()) return;
-    Sql const sql(description(), session_.dialect());
     std::vector<Value> values;
     for (std::size_t const column : columns) values.push_back(draft_[column]);
     for (Value& value : keyOf(current())) values.push_back(std::move(value));
     Cells posted;
-    if (run(table_->statement(sql.update(columns), sql.typesWithKey(columns)), values, posted) == 0)
+    if (run(table_->statement(Operation::update, columns), values, posted) == 0)
         throw TRkDatabaseException(
             "table " + description().quotedName + ": the row to be changed is no longer there", sqlstate::noData);
     standOn(posted.row(0, description().columns.size()));
@@ -94,18 +91,16 @@ void Cursor::standOn(std::span<Value const> row) {
 
 void Cursor::remove() {
     auto const key = keyOf(current());
-    Sql const sql(description(), session_.dialect());
     Cells nothing;
-    if (run(table_->statement(sql.remove(), sql.types(description().key)), key, nothing) == 0) requireGone(key);
+    if (run(table_->statement(Operation::remove, {}), key, nothing) == 0) requireGone(key);
     next();
 }
 
 // Another process may have deleted the row just before. A row that is still there would otherwise
 // be met again and again by a loop that deletes all rows.
 void Cursor::requireGone(std::span<Value const> key) {
-    Sql const sql(description(), session_.dialect());
     Cells found;
-    if (run(table_->statement(sql.isThere(), sql.types(description().key)), key, found) == 0) return;
+    if (run(table_->statement(Operation::isThere, {}), key, found) == 0) return;
     std::string text;
     bool hasNull = false;
     for (std::size_t i = 0; i < key.size(); ++i) {
@@ -117,21 +112,20 @@ void Cursor::requireGone(std::span<Value const> key) {
         sqlstate::rowNotDeleted);
 }
 
-bool Cursor::changeInPlace(std::string const& sql) {
+bool Cursor::changeInPlace(Operation operation, std::string_view name) {
     auto const key = keyOf(current());
-    auto const types = Sql(description(), session_.dialect()).types(description().key);
     Cells changed;
-    if (run(table_->statement(sql, types), key, changed) == 0) return false;
+    if (run(table_->statement(operation, {table_->column(name)}), key, changed) == 0) return false;
     standOn(changed.row(0, description().columns.size()));
     return true;
 }
 
 bool Cursor::raise(std::string_view column) {
-    return changeInPlace(Sql(description(), session_.dialect()).raise(table_->column(column)));
+    return changeInPlace(Operation::raise, column);
 }
 
 bool Cursor::lower(std::string_view column) {
-    return changeInPlace(Sql(description(), session_.dialect()).lower(table_->column(column)));
+    return changeInPlace(Operation::lower, column);
 }
 
 }

@@ -62,6 +62,32 @@ LookUp const& KnownTable::lookUp(std::string_view keys, Match match) {
     return *lookUps_.emplace_back(std::move(made));
 }
 
+std::unique_ptr<Statement> KnownTable::prepare(Operation operation, std::vector<std::size_t> const& columns) const {
+    Sql const sql(description_, session_.dialect());
+    auto const keyTypes = sql.types(description_.key);
+    switch (operation) {
+    case Operation::insert:
+        return session_.prepare(sql.insert(columns), sql.types(columns));
+    case Operation::update:
+        return session_.prepare(sql.update(columns), sql.typesWithKey(columns));
+    case Operation::remove:
+        return session_.prepare(sql.remove(), keyTypes);
+    case Operation::isThere:
+        return session_.prepare(sql.isThere(), keyTypes);
+    case Operation::raise:
+        return session_.prepare(sql.raise(columns[0]), keyTypes);
+    case Operation::lower:
+        break;
+    }
+    return session_.prepare(sql.lower(columns[0]), keyTypes);
+}
+
+Statement& KnownTable::statement(Operation operation, std::vector<std::size_t> const& columns) {
+    for (auto const& known : prepared_)
+        if (known.operation == operation && known.columns == columns) return *known.statement;
+    return *prepared_.emplace_back(operation, columns, prepare(operation, columns)).statement;
+}
+
 Statement& KnownTable::statement(std::string const& sql, std::vector<ColumnType> const& types) {
     auto& statement = statements_[sql];
     if (!statement) statement = session_.prepare(sql, types);

@@ -22,6 +22,9 @@ struct LookUp {
     Statement* statement = nullptr;
 };
 
+/// What is done to one row. Values: those of the columns, if any, then the key.
+enum class Operation { insert, update, remove, isThere, raise, lower };
+
 /// A table that a connection knows, with the statements prepared for it.
 class KnownTable {
 public:
@@ -39,14 +42,25 @@ public:
 
     /// The look-up by columns joined by ";". `texts` are compared as `match` says.
     LookUp const& lookUp(std::string_view keys, Match match);
+    /// The prepared statement of an operation on those columns, found without its text.
+    Statement& statement(Operation operation, std::vector<std::size_t> const& columns);
     /// The prepared statement of that text, made at its first use.
     Statement& statement(std::string const& sql, std::vector<ColumnType> const& types);
 
 private:
     Session& session_;
     Table description_;
+    struct Prepared {
+        Operation operation;
+        std::vector<std::size_t> columns;
+        std::unique_ptr<Statement> statement;
+    };
+    std::unique_ptr<Statement> prepare(Operation operation, std::vector<std::size_t> const& columns) const;
+
     std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
-    // Found by walking: a table has a handful. Kept at fixed places, as cursors refer to them.
+    // Both are searched from the front: a table has a handful. Look-ups stay where they are, as
+    // cursors refer to them.
+    std::vector<Prepared> prepared_;
     std::vector<std::unique_ptr<LookUp>> lookUps_;
 };
 

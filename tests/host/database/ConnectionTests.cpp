@@ -6,6 +6,7 @@
 #include "support/User.h"
 
 #include <filesystem>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -123,6 +124,88 @@ TEST(SqliteFile, thatIsReadOnlyIsReadAndRefusesChanges) {
     std::filesystem::permissions(path, std::filesystem::perms(0444));
     EXPECT_EQ(readingAndChanging.inProcesses(1, path), 1);
     EXPECT_EQ(cubes::test::listing(directory.str()), "cubes.db\n");
+}
+
+// A database in the journal mode that we set, in a directory in which only its owner may write.
+class ReadOnlyDirectory {
+public:
+    ReadOnlyDirectory() {
+        TPgConnection connection("sqlite:" + path());
+        connection.Execute("CREATE TABLE \"cube\" (\"cubenr\" smallint PRIMARY KEY)");
+        connection.Execute("INSERT INTO \"cube\" VALUES (5)");
+        std::filesystem::permissions(directory.str(), std::filesystem::perms(0755));
+        std::filesystem::permissions(path(), std::filesystem::perms(0644));
+    }
+    // With characters that mean something where a file is named with parameters.
+    std::string path() const { return directory.file("a b%41#c.db"); }
+
+    TempDir directory;
+};
+
+bool findsCube(TPgConnection& connection, long number) {
+    Rktable::TRkTableProxy table("cube", "", "cube");
+    table.SetConnection(&connection);
+    table.Open();
+    return table.Locate("cubenr", number);
+}
+
+cubes::test::Errand const readingOnly("reading only", [](int, std::string const& path) {
+    cubes::test::becomeOrdinaryUser();
+    TPgConnection connection("sqlite:" + path);
+    EXPECT_TRUE(findsCube(connection, 5));
+    EXPECT_FALSE(findsCube(connection, 6));
+    EXPECT_EQ(sqlStateOf([&] { connection.Execute("INSERT INTO \"cube\" VALUES (6)"); }), "25006");
+});
+
+TEST(SqliteFile, isReadWithoutPermissionToWriteItsDirectory) {
+    if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
+    ReadOnlyDirectory const place;
+    EXPECT_EQ(readingOnly.inProcesses(1, place.path()), 1);
+    EXPECT_EQ(cubes::test::listing(place.directory.str()), "a b%41#c.db\n");
+}
+
+cubes::test::Errand const readingWhatIsWritten("reading what is written", [](int, std::string const& path) {
+    cubes::test::becomeOrdinaryUser();
+    std::string const message = messageOf([&] { TPgConnection("sqlite:" + path); });
+    EXPECT_TRUE(holds(message, "it is being written by another program (it has a -wal file)")) << message;
+    EXPECT_TRUE(holds(message, "this user may not write its directory")) << message;
+});
+
+TEST(SqliteFile, thatOthersWriteIsAnErrorWithoutPermissionToWriteItsDirectory) {
+    if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
+    ReadOnlyDirectory const place;
+    TPgConnection writer("sqlite:" + place.path());
+    writer.Execute("INSERT INTO \"cube\" VALUES (6)");
+    for (char const* const log : {"-wal", "-shm"})
+        std::filesystem::permissions(place.path() + log, std::filesystem::perms(0600));
+    EXPECT_EQ(readingWhatIsWritten.inProcesses(1, place.path()), 1);
+}
+
+// The file is given away while it is read, as if another program had written to it.
+cubes::test::Errand const readingWhatChanges("reading what changes", [](int, std::string const& path) {
+    cubes::test::becomeOrdinaryUser();
+    TPgConnection connection("sqlite:" + path);
+    EXPECT_TRUE(findsCube(connection, 5));
+    auto const before = std::filesystem::last_write_time(path);
+    cubes::test::writeFile(path + ".opened", "");
+    while (std::filesystem::last_write_time(path) == before) std::this_thread::yield();
+    EXPECT_EQ(sqlStateOf([&] { findsCube(connection, 5); }), "55006");
+});
+
+TEST(SqliteFile, thatChangesWhileItIsReadWithoutNoticeIsAnError) {
+    if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
+    ReadOnlyDirectory const place;
+    std::string const path = place.path();
+    std::filesystem::path const sign = path + ".opened";
+    cubes::test::writeFile(sign.string(), "");
+    std::filesystem::permissions(sign, std::filesystem::perms(0666));
+    std::filesystem::last_write_time(sign, std::filesystem::last_write_time(sign) - std::chrono::hours(24));
+    auto const unopened = std::filesystem::last_write_time(sign);
+    std::jthread const writer([&](std::stop_token const& stop) {
+        while (std::filesystem::last_write_time(sign) == unopened && !stop.stop_requested()) std::this_thread::yield();
+        std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) + std::chrono::hours(1));
+    });
+    EXPECT_EQ(readingWhatChanges.inProcesses(1, path), 1);
 }
 
 TEST(SqliteFile, thatOthersKeepWritingToIsAnErrorAfterAWhile) {

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include <filesystem>
+#include <utility>
 
 namespace cubes::database::sqlite {
 
@@ -79,22 +80,83 @@ void refuseFragment(std::string const& path) {
         throw TRkDatabaseException("SQLite database '" + path + "': file is not a database", sqlstate::damaged);
 }
 
+// The file with a parameter, as SQLite takes it; characters with a meaning in it are escaped.
+std::string immutableUri(std::string const& path) {
+    auto const generic = platform::toPath(platform::absolutePath(path)).generic_u8string();
+    std::string uri = generic.starts_with(u8'/') ? "file://" : "file:///";
+    for (char8_t const c : generic) {
+        if (c == u8'%' || c == u8'?' || c == u8'#')
+            uri += c == u8'%' ? "%25" : c == u8'?' ? "%3f" : "%23";
+        else
+            uri += static_cast<char>(c);
+    }
+    return uri + "?immutable=1";
+}
+
+FileState stateOf(std::string const& path) {
+    std::error_code error;
+    auto const file = platform::toPath(path);
+    FileState state;
+    state.size = std::filesystem::file_size(file, error);
+    state.changed = std::filesystem::last_write_time(file, error);
+    state.hasLog = platform::exists(path + "-wal");
+    return state;
+}
+
+// Reading a database with a log needs files beside it; whoever may not make them gets one of these.
+bool needsToWrite(TRkDatabaseException const& error) {
+    return error.SqlState() == sqlstate::readOnly || error.SqlState() == sqlstate::inputOutput;
+}
+
 }
 
 Handle::Handle(std::string path) : path_(std::move(path)) {
     refuseFragment(path_);
-    int const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-    int const code = sqlite3_open_v2(platform::toUtf8(path_).c_str(), &database_, flags, nullptr);
     try {
-        if (code != SQLITE_OK)
-            throw TRkDatabaseException(
-                "SQLite database '" + path_ + "' cannot be opened: " + whyNotOpened(path_, reason(code, database_)),
-                sqlStateOf(code));
-        prepareForUse();
+        open(platform::toUtf8(path_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+        try {
+            prepareForUse();
+        } catch (TRkDatabaseException const& error) {
+            if (!needsToWrite(error) || !platform::exists(path_)) throw;
+            openUnchanging(error.what());
+        }
     } catch (...) {
         sqlite3_close_v2(database_);
         throw;
     }
+}
+
+void Handle::open(std::string const& name, int flags) {
+    int const code =
+        sqlite3_open_v2(name.c_str(), &database_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    if (code != SQLITE_OK)
+        throw TRkDatabaseException(
+            "SQLite database '" + path_ + "' cannot be opened: " + whyNotOpened(path_, reason(code, database_)),
+            sqlStateOf(code));
+}
+
+// Without its log, the file holds everything as long as nobody writes to it, which is checked
+// after each statement.
+void Handle::openUnchanging(std::string const& reason) {
+    unchanged_ = stateOf(path_);
+    if (unchanged_->hasLog)
+        throw TRkDatabaseException("SQLite database '" + path_ +
+                                       "' cannot be read: it is being written by another program (it has a -wal file), "
+                                       "and this user may not write its directory; try again later or as another "
+                                       "user (" +
+                                       reason + ")",
+            sqlstate::readOnly);
+    sqlite3_close_v2(std::exchange(database_, nullptr));
+    open(immutableUri(path_), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    prepareForUse();
+}
+
+void Handle::requireUnchanged() const {
+    if (!unchanged_ || stateOf(path_) == *unchanged_) return;
+    throw TRkDatabaseException("SQLite database '" + path_ +
+                                   "' cannot be read any more: another program has changed it, and this user may not "
+                                   "write its directory; open it again",
+        sqlstate::fileChanged);
 }
 
 // Statements that a cursor still holds keep what they need until they are gone.

@@ -2,16 +2,30 @@
 
 #include <cubes/database/TRkDatabaseException.h>
 
+#include <cstdint>
+#include <filesystem>
+#include <optional>
 #include <string>
 
 struct sqlite3;
 
 namespace cubes::database::sqlite {
 
+/// By which a change of a database file is noticed.
+struct FileState {
+    std::uintmax_t size = 0;
+    std::filesystem::file_time_type changed;
+    bool hasLog = false;
+
+    friend bool operator==(FileState const&, FileState const&) = default;
+};
+
 /// An open SQLite database file.
 class Handle {
 public:
-    /// Opens the file, makes it when it is missing. Throws TRkDatabaseException.
+    /// Opens the file, makes it when it is missing. A database with a log that this user may not
+    /// write is opened as a file that nobody changes, where there is no log.
+    /// Throws TRkDatabaseException.
     explicit Handle(std::string path);
     ~Handle();
     Handle(Handle const&) = delete;
@@ -23,11 +37,18 @@ public:
     TRkDatabaseException failure(std::string const& statement) const;
     void execute(std::string const& sql) const;
 
+    /// Throws where the file was opened as one that nobody changes, and changed since.
+    void requireUnchanged() const;
+
 private:
+    void open(std::string const& name, int flags);
+    void openUnchanging(std::string const& reason);
     void prepareForUse() const;
 
     std::string path_;
     sqlite3* database_ = nullptr;
+    // Set where the file is read without the means to notice writers.
+    std::optional<FileState> unchanged_;
 };
 
 }

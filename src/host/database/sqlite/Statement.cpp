@@ -75,6 +75,7 @@ std::size_t Statement::run(std::span<Value const> values, Cells& cells) {
         ++rows;
     }
     if (code != SQLITE_DONE) throw handle_->failure(sql_);
+    handle_->requireUnchanged();
     return columns == 0 ? static_cast<std::size_t>(sqlite3_changes(handle_->get())) : rows;
 }
 
