@@ -64,7 +64,7 @@ public:
     void SetConnection(Pgaccess::TPgConnection* connection);
     /// Opens the table. The cursor then stands on the first row, or at the end of an empty table.
     void Open();
-    /// Closes the table; a row being changed is given up. A closed cursor is left closed.
+    /// Closes the table; a change that was not posted is dropped. A closed cursor stays closed.
     void Close();
 
     void First();

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/database/Cells.h"
-#include "host/database/KnownTable.h"
+#include "host/database/Statement.h"
+#include "host/database/Table.h"
 
 #include <cubes/database/TRkField.h>
 #include <cubes/database/TRkTableProxy.h>

@@ -52,7 +52,7 @@ void make(Definition const& definition, Session& session) {
 }
 
 bool isMissing(Definition const& definition, Session& session) {
-    return !session.catalog().find(definition.schema, definition.name);
+    return !session.systemTables().find(definition.schema, definition.name);
 }
 
 }
@@ -73,7 +73,7 @@ void makeMissingTables(Session& session, std::string const& schema) {
 }
 
 bool belongsToProject(Session& session, std::string const& schema) {
-    return session.catalog().find(schema, "cube5data1") != nullptr;
+    return session.systemTables().find(schema, "cube5data1") != nullptr;
 }
 
 }

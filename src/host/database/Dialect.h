@@ -1,7 +1,5 @@
 #pragma once
 
-#include "host/database/Table.h"
-
 #include <string>
 
 namespace cubes::database {

@@ -19,7 +19,7 @@ std::uint64_t nextNumber() noexcept {
 
 }
 
-Session::Session(std::string url) : url_(std::move(url)), number_(nextNumber()), catalog_(*this) {}
+Session::Session(std::string url) : url_(std::move(url)), number_(nextNumber()), systemTables_(*this) {}
 
 std::unique_ptr<Session> Session::open(std::string const& url) {
     if (isSqliteUrl(url)) return std::make_unique<sqlite::Session>(url);

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/database/Catalog.h"
 #include "host/database/Dialect.h"
 #include "host/database/Statement.h"
+#include "host/database/SystemTables.h"
 
 #include <cstdint>
 #include <memory>
@@ -35,7 +35,7 @@ public:
     [[nodiscard]] std::unique_lock<std::recursive_mutex> lock() const { return std::unique_lock(*mutex_); }
     /// Different for every session of the process, from 1.
     std::uint64_t number() const noexcept { return number_; }
-    Catalog& catalog() noexcept { return catalog_; }
+    SystemTables& systemTables() noexcept { return systemTables_; }
 
     virtual Dialect const& dialect() const = 0;
     /// A statement that is kept for many runs.
@@ -71,7 +71,7 @@ private:
     std::string url_;
     std::uint64_t number_;
     std::shared_ptr<std::recursive_mutex> mutex_ = std::make_shared<std::recursive_mutex>();
-    Catalog catalog_;
+    SystemTables systemTables_;
     // The transactions that are open by begin(), the outermost first.
     std::vector<Level> levels_;
 };

@@ -19,7 +19,7 @@ std::string const& TPgConnection::Url() const noexcept {
 
 void TPgConnection::Execute(std::string const& sql) {
     auto const held = session_->lock();
-    session_->catalog().forgetAll();
+    session_->systemTables().forgetAll();
     session_->execute(sql);
 }
 

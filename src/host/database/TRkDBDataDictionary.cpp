@@ -28,7 +28,7 @@ TRkDBBaseDataDictionary::~TRkDBBaseDataDictionary() = default;
 
 CountedPtr<TRkTableProxy> TRkDBBaseDataDictionary::BuildTable(char const* table, AnsiString const& schema) {
     Session* const session = currentSession();
-    if (!session || !table || !session->catalog().find(schema.c_str(), table)) return {};
+    if (!session || !table || !session->systemTables().find(schema.c_str(), table)) return {};
     return cursorOn(table, schema.c_str());
 }
 
@@ -36,7 +36,7 @@ bool TRkDBBaseDataDictionary::BuildDataTables(
     char const* table, std::vector<CountedPtr<TRkTableProxy>>& tables, AnsiString const& schema) {
     Session* const session = connection_ ? sessionOf(connection_) : currentSession();
     if (!session || !table) return false;
-    auto const found = session->catalog().dataTables(schema.c_str(), table);
+    auto const found = session->systemTables().dataTables(schema.c_str(), table);
     tables.reserve(tables.size() + found.size());
     for (auto const& known : found) tables.push_back(cursorOn(known->description().name, known->description().schema));
     return !found.empty();

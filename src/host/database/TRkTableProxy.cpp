@@ -3,6 +3,7 @@
 #include "host/database/Cursor.h"
 #include "host/database/Session.h"
 #include "host/database/SqlState.h"
+#include "host/platform/NarrowText.h"
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkDatabaseException.h>
@@ -49,7 +50,7 @@ void TRkTableProxy::Open() {
         throw TRkDatabaseException(
             "table \"" + table_ + "\" cannot be opened without a connection", cubes::database::sqlstate::notConnected);
     auto& session = connection_.load()->Backend();
-    auto known = session.catalog().find(schema_, table_);
+    auto known = session.systemTables().find(schema_, table_);
     if (!known)
         throw TRkDatabaseException(
             session.url() + ": there is no table " + session.dialect().qualifiedName(schema_, table_),
@@ -133,5 +134,9 @@ TRkString TRkTableProxy::GetTableName() const {
 AliasProperty TRkTableProxy::GetAliasPropertyWrapper() const {
     return {TRkString(alias_)};
 }
+
+ColumnName::ColumnName(wchar_t const* name) : text_(name ? cubes::platform::toNarrow(name) : std::string()) {}
+
+ColumnName::ColumnName(std::wstring const& name) : text_(cubes::platform::toNarrow(name)) {}
 
 }

@@ -1,5 +1,5 @@
 #include "host/database/TableTest.h"
-#include "host/database/sqlite/Waiting.h"
+#include "host/database/sqlite/Handle.h"
 #include "host/platform/NarrowText.h"
 
 #include "support/ChildTask.h"

@@ -83,7 +83,7 @@ protected:
         cubes::database::Match match) const {
         Pgaccess::TPgConnection connection(database->url());
         auto& session = connection.Backend();
-        auto const known = session.catalog().find(schema, name);
+        auto const known = session.systemTables().find(schema, name);
         cubes::database::Sql const sql(known->description(), session.dialect());
         auto const columns = known->columns(keys);
         std::string text;
@@ -93,7 +93,7 @@ protected:
     std::string ofBatch(std::string const& schema, std::string const& name, std::string const& filter) const {
         Pgaccess::TPgConnection connection(database->url());
         auto& session = connection.Backend();
-        auto const known = session.catalog().find(schema, name);
+        auto const known = session.systemTables().find(schema, name);
         cubes::database::Sql const sql(known->description(), session.dialect());
         std::string text;
         for (auto const& row : explained(sql.rowsOfSameGroup(filter, 2048), known->description().key.size()))

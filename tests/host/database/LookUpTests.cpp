@@ -1,8 +1,8 @@
 #include "host/database/TableTest.h"
 
-#include "host/database/KnownTable.h"
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
+#include "host/database/Table.h"
 #include "host/platform/NarrowText.h"
 
 #include <algorithm>

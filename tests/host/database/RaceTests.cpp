@@ -1,6 +1,6 @@
 #include "host/database/TableTest.h"
 #include "host/database/Transaction.h"
-#include "host/database/sqlite/Waiting.h"
+#include "host/database/sqlite/Handle.h"
 #include "support/ChildTask.h"
 
 namespace {

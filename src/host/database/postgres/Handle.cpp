@@ -12,7 +12,7 @@ namespace cubes::database::postgres {
 
 namespace {
 
-// Throws unless libpq can read the URL. Its reason quotes the URL, so that it is told only where
+// Throws unless libpq can read the URL. Its reason quotes the URL, so it is shown only where
 // there is nothing to hide.
 void requireReadable(std::string const& url) {
     if (isAmbiguous(url))

@@ -1,10 +1,14 @@
 #pragma once
 
 #include "host/database/Session.h"
+#include "host/database/Statement.h"
 #include "host/database/postgres/Dialect.h"
 #include "host/database/postgres/Handle.h"
 
+#include <array>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace cubes::database::postgres {
 
@@ -35,6 +39,27 @@ private:
     std::unique_ptr<Handle> server_;
     unsigned long connectionNumber_ = 0;
     unsigned long statements_ = 0;
+};
+
+class Statement final : public database::Statement {
+public:
+    /// `name`: under which the server keeps it; empty for a statement that is not kept.
+    Statement(Session& session, std::string sql, ValueTypes const& types, std::string name);
+
+    std::size_t run(std::span<Value const> values, Cells& cells) override;
+
+private:
+    void setParameters(std::span<Value const> values);
+    Result answer(Handle const& server);
+
+    Session& session_;
+    std::string sql_;
+    std::string name_;
+    std::vector<unsigned> types_;
+    // The connection for which it was prepared; a new one knows nothing of it.
+    unsigned long preparedFor_ = 0;
+    std::vector<char const*> parameters_;
+    std::vector<std::array<char, 24>> numbers_;
 };
 
 }

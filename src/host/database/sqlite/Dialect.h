@@ -4,7 +4,7 @@
 
 namespace cubes::database::sqlite {
 
-/// The name of the function that makes letters small beyond ASCII, which our connections bring.
+/// The function that converts to lower case beyond ASCII; every connection of ours defines it.
 inline constexpr char const* lowerCaseFunction = "cubes_lower";
 
 class Dialect final : public database::Dialect {

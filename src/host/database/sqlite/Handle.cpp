@@ -2,20 +2,49 @@
 
 #include "host/database/SqlState.h"
 #include "host/database/sqlite/Dialect.h"
-#include "host/database/sqlite/Waiting.h"
 #include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
 
 #include <sqlite3.h>
-#include <string_view>
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
+#include <string_view>
+#include <thread>
 #include <utility>
 
 namespace cubes::database::sqlite {
 
+std::chrono::milliseconds longestWait{10000};
+
 namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A thread waits in one operation at a time, whose first attempt starts the clock: the session's
+// lock keeps other threads off the connection meanwhile.
+thread_local Clock::time_point waitingSince;
+
+// Waits a moment and returns 1 to try again, 0 to give up. A commit takes a few hundred
+// microseconds, so the waits are of that size; SQLite's own handler soon sleeps for a tenth of a second.
+int waitForOthers(void* /*context*/, int attempt) noexcept {
+    if (attempt == 0) waitingSince = Clock::now();
+    if (Clock::now() - waitingSince > longestWait) return 0;
+    // 20 microseconds at first, up to 1 ms for a writer that takes its time.
+    std::this_thread::sleep_for(std::chrono::microseconds(std::min(20 * (attempt + 1), 1000)));
+    return 1;
+}
+
+// Repeats an operation that SQLite refuses while others write without asking the handler.
+template <typename Operation>
+int retryWhileBusy(Operation const& operation) {
+    for (int attempt = 0;; ++attempt) {
+        int const code = operation();
+        if ((code & 0xFF) != SQLITE_BUSY || !waitForOthers(nullptr, attempt)) return code;
+    }
+}
 
 struct State {
     int code;

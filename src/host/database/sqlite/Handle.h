@@ -2,6 +2,7 @@
 
 #include <cubes/database/TRkDatabaseException.h>
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -10,6 +11,10 @@
 struct sqlite3;
 
 namespace cubes::database::sqlite {
+
+/// How long one operation waits for other processes that write.
+/// Tests make it shorter.
+extern std::chrono::milliseconds longestWait;
 
 /// By which a change of a database file is noticed.
 struct FileState {

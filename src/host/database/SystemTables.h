@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/database/KnownTable.h"
+#include "host/database/Table.h"
 
 #include <memory>
 #include <string>
@@ -11,11 +11,11 @@ namespace cubes::database {
 
 class Session;
 
-/// The tables that a connection has met. Each is described once and remembered until it is
-/// forgotten; a table that is not there is asked for again each time. Any thread may use it.
-class Catalog {
+/// What the database says about its tables. Each table is described once and cached until it is
+/// forgotten; one that was not found is searched for again each time. Any thread may use it.
+class SystemTables {
 public:
-    explicit Catalog(Session& session) : session_(session) {}
+    explicit SystemTables(Session& session) : session_(session) {}
 
     /// Empty when the database has no such table.
     std::shared_ptr<KnownTable> find(std::string_view schema, std::string_view name);

@@ -1,4 +1,4 @@
-#include "host/database/Catalog.h"
+#include "host/database/SystemTables.h"
 
 #include "host/database/Session.h"
 
@@ -6,7 +6,7 @@
 
 namespace cubes::database {
 
-std::shared_ptr<KnownTable> Catalog::find(std::string_view schema, std::string_view name) {
+std::shared_ptr<KnownTable> SystemTables::find(std::string_view schema, std::string_view name) {
     auto const held = session_.lock();
     for (auto const& table : tables_)
         if (table->description().name == name && table->description().schema == schema) return table;
@@ -15,7 +15,7 @@ std::shared_ptr<KnownTable> Catalog::find(std::string_view schema, std::string_v
     return tables_.emplace_back(std::make_shared<KnownTable>(session_, std::move(*description)));
 }
 
-std::vector<std::shared_ptr<KnownTable>> Catalog::dataTables(std::string_view schema, std::string_view object) {
+std::vector<std::shared_ptr<KnownTable>> SystemTables::dataTables(std::string_view schema, std::string_view object) {
     auto const held = session_.lock();
     for (auto const& known : dataTables_)
         if (known.schema == schema && known.object == object) return known.tables;
@@ -26,13 +26,13 @@ std::vector<std::shared_ptr<KnownTable>> Catalog::dataTables(std::string_view sc
     return dataTables_.emplace_back(std::move(found)).tables;
 }
 
-void Catalog::forget(KnownTable const& table) {
+void SystemTables::forget(KnownTable const& table) {
     auto const held = session_.lock();
     std::erase_if(tables_, [&table](auto const& known) { return known.get() == &table; });
     dataTables_.clear();
 }
 
-void Catalog::forgetAll() {
+void SystemTables::forgetAll() {
     auto const held = session_.lock();
     dataTables_.clear();
     tables_.clear();

@@ -1,4 +1,4 @@
-#include "host/database/KnownTable.h"
+#include "host/database/Table.h"
 
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
