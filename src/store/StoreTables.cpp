@@ -118,7 +118,7 @@ std::string StoreTables::contentSchema(bool ofResults) const {
 }
 
 bool StoreTables::hasContentTable(bool ofResults) const {
-    return session().catalog().find(contentSchema(ofResults), contentName) != nullptr;
+    return session().systemTables().find(contentSchema(ofResults), contentName) != nullptr;
 }
 
 void StoreTables::makeContentTable(bool ofResults) const {

@@ -17,6 +17,9 @@ namespace Pgaccess {
 /// must outlive them. Any number of threads may use a connection and what works through it; their
 /// operations run one after the other.
 ///
+/// A forked process connects to its PostgreSQL server anew with its first statement; inside a
+/// transaction, and on SQLite, it is refused with an error. There each process opens its own.
+///
 /// A lost server is reported by the operation that notices, as a TRkDatabaseException that names
 /// the server; the next operation connects again, so that the object serves on once the server is back.
 class CUBES_API TPgConnection {

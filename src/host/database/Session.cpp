@@ -1,6 +1,7 @@
 #include "host/database/Session.h"
 
 #include "host/database/DatabaseUrl.h"
+#include "host/database/SqlState.h"
 #include "host/database/postgres/Session.h"
 #include "host/database/sqlite/Session.h"
 
@@ -26,6 +27,19 @@ std::unique_ptr<Session> Session::open(std::string const& url) {
     if (isPostgresUrl(url)) return std::make_unique<postgres::Session>(url);
     throw TRkDatabaseException(
         "the database URL '" + withoutPassword(url) + "' is neither \"sqlite:PATH\" nor \"postgresql://...\"");
+}
+
+// A lock that cannot be had is held by a thread that only the parent has, or by a transaction.
+void Session::leaveParent() {
+    bool const isIdle = mutex_->try_lock();
+    if (isIdle) mutex_->unlock();
+    if (!isIdle || isInTransaction())
+        throw TRkDatabaseException("cannot use " + url_ +
+                                       " in a forked process: its parent was using it, or was inside a transaction, "
+                                       "when it forked; open another connection",
+            sqlstate::notConnected);
+    abandon();
+    forkCount_ = platform::forkCount();
 }
 
 // The levels are numbered from 1; the number makes the name of a level's savepoint.

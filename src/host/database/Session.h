@@ -3,6 +3,7 @@
 #include "host/database/Dialect.h"
 #include "host/database/Statement.h"
 #include "host/database/SystemTables.h"
+#include "host/platform/ForkCount.h"
 
 #include <cstdint>
 #include <memory>
@@ -32,7 +33,12 @@ public:
     std::string const& url() const noexcept { return url_; }
     /// Keeps other threads out until it is released, so that several operations belong together.
     /// The thread that holds it may lock again.
-    [[nodiscard]] std::unique_lock<std::recursive_mutex> lock() const { return std::unique_lock(*mutex_); }
+    /// In a forked process the session leaves its parent's connection alone. Throws
+    /// TRkDatabaseException where it cannot go on with one of its own.
+    [[nodiscard]] std::unique_lock<std::recursive_mutex> lock() {
+        if (forkCount_ != platform::forkCount()) leaveParent();
+        return std::unique_lock(*mutex_);
+    }
     /// Different for every session of the process, from 1.
     std::uint64_t number() const noexcept { return number_; }
     SystemTables& systemTables() noexcept { return systemTables_; }
@@ -59,17 +65,22 @@ public:
     void rollback() noexcept;
 
 protected:
+    /// In a forked process, outside of transactions: forgets the parent's connection without
+    /// touching it. Throws TRkDatabaseException where the backend does not allow for it.
+    virtual void abandon() = 0;
     /// Statements share it, because a cursor may hold them longer than the session lives.
     std::shared_ptr<std::recursive_mutex> const& mutex() const noexcept { return mutex_; }
 
 private:
     enum class Level { transaction, savepoint };
 
+    void leaveParent();
     std::string savepoint() const;
     void undoLevel();
 
     std::string url_;
     std::uint64_t number_;
+    unsigned long forkCount_ = platform::forkCount();
     std::shared_ptr<std::recursive_mutex> mutex_ = std::make_shared<std::recursive_mutex>();
     SystemTables systemTables_;
     // The transactions that are open by begin(), the outermost first.

@@ -66,8 +66,9 @@ Handle::Handle(std::string const& url) {
     PQsetNoticeReceiver(connection_, ignoreNotice, nullptr);
 }
 
+// In a forked process the server's session is still the parent's: closing would end it.
 Handle::~Handle() {
-    PQfinish(connection_);
+    if (forkCount_ == platform::forkCount()) PQfinish(connection_);
 }
 
 std::string Handle::encoding() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/platform/ForkCount.h"
+
 #include <cubes/database/TRkDatabaseException.h>
 
 #include <memory>
@@ -39,6 +41,7 @@ private:
     TRkDatabaseException failure(pg_result const* result, std::string const& statement) const;
 
     pg_conn* connection_ = nullptr;
+    unsigned long forkCount_ = platform::forkCount();
     mutable bool isInTransaction_ = false;
 };
 

@@ -158,6 +158,10 @@ void Session::execute(std::string const& sql) {
     connected().execute(sql);
 }
 
+void Session::abandon() {
+    server_.reset();
+}
+
 void Session::createSchema(std::string const& schema) {
     Value const argument(quoted(schema));
     Cells cells;

@@ -30,6 +30,9 @@ public:
     /// Which of the connections made one after the other is the present one.
     unsigned long connectionNumber() const noexcept { return connectionNumber_; }
 
+protected:
+    void abandon() override;
+
 private:
     void connect();
 

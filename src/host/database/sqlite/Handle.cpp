@@ -190,7 +190,7 @@ void Handle::requireUnchanged() const {
 
 // Statements that a cursor still holds keep what they need until they are gone.
 Handle::~Handle() {
-    sqlite3_close_v2(database_);
+    if (!isInherited()) sqlite3_close_v2(database_);
 }
 
 bool Handle::isInTransaction() const noexcept {

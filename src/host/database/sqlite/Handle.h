@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/platform/ForkCount.h"
+
 #include <cubes/database/TRkDatabaseException.h>
 
 #include <chrono>
@@ -38,6 +40,8 @@ public:
 
     sqlite3* get() const noexcept { return database_; }
     bool isInTransaction() const noexcept;
+    /// Whether a parent process opened it, to whom it is left.
+    bool isInherited() const noexcept { return forkCount_ != platform::forkCount(); }
     /// The error that the last operation on the handle left.
     TRkDatabaseException failure(std::string const& statement) const;
     void execute(std::string const& sql) const;
@@ -52,6 +56,7 @@ private:
 
     std::string path_;
     sqlite3* database_ = nullptr;
+    unsigned long forkCount_ = platform::forkCount();
     // Set where the file is read without the means to notice writers.
     std::optional<FileState> unchanged_;
 };

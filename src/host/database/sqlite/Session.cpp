@@ -2,6 +2,7 @@
 
 #include "host/database/Conversion.h"
 #include "host/database/DatabaseUrl.h"
+#include "host/database/SqlState.h"
 #include "host/database/sqlite/Handle.h"
 #include "host/platform/NarrowText.h"
 
@@ -95,6 +96,15 @@ void Session::execute(std::string const& sql) {
     handle_->execute(sql);
 }
 
+// SQLite counts locks for each process, and the child's count includes locks that only its parent
+// holds: the parent could then remove the log that the child writes to.
+void Session::abandon() {
+    throw TRkDatabaseException("cannot use " + url() +
+                                   " in a forked process: SQLite does not allow for it; close the database before "
+                                   "forking, and open it in each process",
+        sqlstate::notConnected);
+}
+
 void Session::createSchema(std::string const& /*schema*/) {}
 
 Statement::Statement(std::shared_ptr<Handle const> handle, std::shared_ptr<std::recursive_mutex> mutex, std::string sql,
@@ -108,6 +118,7 @@ Statement::Statement(std::shared_ptr<Handle const> handle, std::shared_ptr<std::
 }
 
 Statement::~Statement() {
+    if (handle_->isInherited()) return;
     std::lock_guard const lock(*mutex_);
     sqlite3_finalize(statement_);
 }

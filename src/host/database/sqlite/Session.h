@@ -25,6 +25,9 @@ public:
     bool isInTransaction() const override { return handle_->isInTransaction(); }
     void createSchema(std::string const& schema) override;
 
+protected:
+    void abandon() override;
+
 private:
     Dialect dialect_;
     std::shared_ptr<Handle> handle_;
