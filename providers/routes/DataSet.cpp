@@ -1,12 +1,127 @@
 #include "DataSet.h"
 
-#include "AdditionalDataHeader.h"
+#include "Numbers.h"
+#include "host/platform/NarrowText.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace cubes::routes {
 
 using namespace VL::Interface;
+
+namespace {
+
+// By RouteFieldType.
+constexpr NumberType (*numberTypes[])() = {typeOf<std::uint8_t>, typeOf<std::uint8_t>, typeOf<std::int16_t>,
+    typeOf<std::int32_t>, typeOf<float>, typeOf<double>};
+
+// Names of fields may contain anything, so datasets are named by numbers: "0000", "0001".
+std::string datasetName(std::size_t place) {
+    constexpr std::size_t length = 4;
+    std::string const digits = std::to_string(place);
+    return std::string(length - std::min(length, digits.size()), '0') + digits;
+}
+
+void writeField(hid_t group, std::string const& name, Field const& field) {
+    hdf5::Handle const dataset = writeDataset(group, name, numberTypes[field.type](), field.values.data(), field.count);
+    std::int32_t const type = field.type;
+    hdf5::writeText(dataset.get(), "name", platform::toUtf8(field.name));
+    writeAttribute(dataset.get(), "type", typeOf<std::int32_t>(), &type, 1);
+}
+
+RouteFieldType readType(hid_t dataset) {
+    std::int32_t number = rftUnknown;
+    readAttribute(dataset, "type", typeOf<std::int32_t>(), &number, 1);
+    if (number < rftBoolean || number >= rftUnknown)
+        throw std::runtime_error("unknown field type " + std::to_string(number));
+    return static_cast<RouteFieldType>(number);
+}
+
+Field readField(hid_t group, std::string const& name) {
+    hdf5::Handle const dataset = hdf5::openDataset(group, name);
+    RouteFieldType const type = readType(dataset.get());
+    NumberType const numbers = numberTypes[type]();
+    std::size_t const count = countNumbers(dataset.get(), name, numbers);
+    Field field{platform::fromUtf8(textAttribute(dataset.get(), "name")), type, {}, count};
+    field.values.resize(count * valueSize(type));
+    readDataset(dataset.get(), name, numbers, field.values.data());
+    return field;
+}
+
+std::string quotedWhereNeeded(std::string const& name) {
+    if (name.find_first_of(" ,\"") == std::string::npos) return name;
+    std::string quoted = "\"";
+    for (char const letter : name) quoted += letter == '"' ? std::string("\"\"") : std::string(1, letter);
+    return quoted + '"';
+}
+
+// The names and types of fields, independent of the data set that they come from.
+class AdditionalDataHeader final : public Counted<VL::Interface::AdditionalDataHeaderInterface> {
+public:
+    explicit AdditionalDataHeader(std::vector<Field> const& fields);
+
+    int getFieldType(char const* name) const override;
+    char const* getFieldNames() const override { return names_.c_str(); }
+
+private:
+    struct Entry {
+        std::string name;
+        VL::Interface::RouteFieldType type;
+    };
+
+    std::vector<Entry> entries_;
+    std::string names_;
+};
+
+AdditionalDataHeader::AdditionalDataHeader(std::vector<Field> const& fields) {
+    for (Field const& field : fields) {
+        entries_.push_back({field.name, field.type});
+        names_ += (names_.empty() ? "" : ",") + quotedWhereNeeded(field.name);
+    }
+}
+
+int AdditionalDataHeader::getFieldType(char const* name) const {
+    for (Entry const& entry : entries_)
+        if (name && entry.name == name) return entry.type;
+    return VL::Interface::rftUnknown;
+}
+
+hdf5::Id128 contentId(FieldTable const& table) {
+    hdf5::ContentHash hash;
+    for (Field const& field : table.fields()) {
+        std::string const name = platform::toUtf8(field.name);
+        std::int32_t const type = field.type;
+        std::uint64_t const count = field.count;
+        hash.add(std::as_bytes(std::span(name.c_str(), name.size() + 1)));
+        hash.add(std::as_bytes(std::span(&type, 1)));
+        hash.add(std::as_bytes(std::span(&count, 1)));
+        hash.add(field.values);
+    }
+    return hash.id();
+}
+
+}
+
+StoredFields StoredFields::read(hid_t file, hdf5::IndexRecord const& record) {
+    StoredFields fields;
+    hdf5::Handle const group = hdf5::openGroup(file, "fields");
+    for (std::size_t place = 0; hdf5::hasLink(group.get(), datasetName(place)); ++place)
+        fields.table.add(readField(group.get(), datasetName(place)));
+    std::memcpy(fields.routes.bytes.data(), record.details.data(), fields.routes.bytes.size());
+    return fields;
+}
+
+void StoredFields::write(hid_t file) const {
+    hdf5::Handle const group = hdf5::createGroup(file, "fields");
+    for (std::size_t place = 0; place < table.fields().size(); ++place)
+        writeField(group.get(), datasetName(place), table.fields()[place]);
+}
+
+void StoredFields::describe(hdf5::IndexRecord& record) const {
+    record.content = contentId(table);
+    std::memcpy(record.details.data(), routes.bytes.data(), routes.bytes.size());
+}
 
 AdditionalDataHeaderInterface* DataSet::getAdditionalDataHeader() {
     AdditionalDataHeaderInterface* const none = nullptr;

@@ -1,17 +1,21 @@
 #pragma once
 
-#include "FieldFile.h"
+#include "FieldTable.h"
 #include "StoredObject.h"
 
 namespace cubes::routes {
 
-/// The fields, as the content of a file.
+/// The fields, as the content of a file. docs/route-file.md describes how they are stored.
 struct StoredFields {
-    static constexpr std::string_view kind = fieldFileKind;
-    static StoredFields read(hid_t file) { return {readFields(file)}; }
-    void write(hid_t file) const { writeFields(file, table); }
+    static constexpr FileKind kind = {"cubes route data", hdf5::IndexRecord::Holds::routeData};
+    /// Throws when the file does not hold what it should.
+    static StoredFields read(hid_t file, hdf5::IndexRecord const& record);
+    void write(hid_t file) const;
+    void describe(hdf5::IndexRecord& record) const;
 
     FieldTable table;
+    /// The content id of the route set that the fields belong to; unknown unless it was recorded.
+    hdf5::Id128 routes;
 };
 
 /// Route data in a file.

@@ -9,7 +9,7 @@ using namespace VL::Interface;
 
 namespace {
 
-/// Opening needs no settings: the object only stands for them.
+/// Opening needs no settings.
 class Settings final : public cubes::routes::Counted<SettingsInterface> {};
 
 std::string required(char const* fileName) {
@@ -17,13 +17,13 @@ std::string required(char const* fileName) {
     return fileName;
 }
 
-// The factories' objects, null where there is no memory for them.
+// The factories' objects, null when there is not enough memory.
 template <typename Object, typename Interface>
 Interface* made(char const* fileName) {
     Interface* const none = nullptr;
     std::string const noText;
-    return cubes::routes::answer(
-        "stand for a route file", noText, none, [&]() -> Interface* { return new Object(required(fileName).c_str()); });
+    return cubes::routes::answer("create an object for a route file", noText, none,
+        [&]() -> Interface* { return new Object(required(fileName).c_str()); });
 }
 
 }
@@ -31,7 +31,7 @@ Interface* made(char const* fileName) {
 extern "C" {
 
 ROUTE_PROVIDER_API SettingsInterface* CreateSettingsInterface(char const* /*fileName*/) {
-    return cubes::routes::answer("make", "settings", static_cast<SettingsInterface*>(nullptr),
+    return cubes::routes::answer("create", "settings", static_cast<SettingsInterface*>(nullptr),
         []() -> SettingsInterface* { return new Settings; });
 }
 

@@ -71,7 +71,7 @@ Field const* FieldTable::find(std::string_view name) const {
 
 void FieldTable::add(RouteField const& field) {
     std::size_t const size = valueSize(field.type);
-    if (size == 0) throw std::invalid_argument("there is no field type " + std::to_string(field.type));
+    if (size == 0) throw std::invalid_argument("unknown field type " + std::to_string(field.type));
     if (field.count < 0) throw std::invalid_argument("the number of values is negative");
     if (field.count > 0 && !field.values) throw std::invalid_argument("the values are missing");
     auto const count = static_cast<std::size_t>(field.count);

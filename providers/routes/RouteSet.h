@@ -1,16 +1,19 @@
 #pragma once
 
-#include "RouteFile.h"
+#include "RouteIndex.h"
 #include "StoredObject.h"
 
 namespace cubes::routes {
 
-/// The routes and, from the first question or writing after a change on, their index.
+/// The routes and, from the first search or writing after a change on, their index. docs/route-file.md
+/// describes how they are stored.
 class IndexedRoutes {
 public:
-    static constexpr std::string_view kind = routeFileKind;
-    static IndexedRoutes read(hid_t file);
-    void write(hid_t file);
+    static constexpr FileKind kind = {"cubes routes", hdf5::IndexRecord::Holds::routes};
+    /// Throws when the file does not hold what it should.
+    static IndexedRoutes read(hid_t file, hdf5::IndexRecord const& record);
+    void write(hid_t file) const;
+    void describe(hdf5::IndexRecord& record) const;
 
     RouteTable const& table() const noexcept { return table_; }
     RouteIndex const& index() const;

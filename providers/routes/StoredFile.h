@@ -1,20 +1,50 @@
 #pragma once
 
-#include "Stamp.h"
+#include "host/hdf5/IndexRecord.h"
 
+#include <array>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 
-/// Files of ours as wholes: they are read in one go, and made in memory and put in place in one step.
+/// Route files as wholes: each is read in one go, and made in memory and committed in one step.
 namespace cubes::routes {
 
-using FileContent = std::function<void(hid_t file)>;
+/// What a file holds: its attribute `format`, and the same in its index record.
+struct FileKind {
+    std::string_view format;
+    hdf5::IndexRecord::Holds holds;
+};
 
-/// Calls `read` with the opened file. Throws when that is no regular file in HDF5's format.
-void readStoredFile(std::string const& path, FileContent const& read);
-/// Calls `write` with an empty file, which then takes the place of the one at `path`.
-void writeStoredFile(std::string const& path, FileContent const& write);
-/// Gives an existing file another stamp.
+/// Purpose, mode, time, user, result, iteration.
+using Key = std::array<std::int16_t, 6>;
+
+/// Which entry a file was written for, as far as it was set.
+struct Stamp {
+    std::optional<std::int32_t> cubeType;
+    std::optional<Key> key;
+
+    bool operator==(Stamp const&) const = default;
+};
+
+/// What a file says about itself beside its data.
+struct FileRoot {
+    /// Values that are not set are written as 0 and -1; both are set in a file that was read.
+    Stamp stamp;
+    /// All ids are unknown in files without a record.
+    hdf5::IndexRecord record;
+};
+
+/// Calls `read` with the opened file. Throws std::system_error when it cannot be opened, and std::runtime_error when
+/// it is not a file of that kind or has an unknown version.
+void readStoredFile(
+    std::string const& path, FileKind kind, std::function<void(hid_t file, FileRoot const& root)> const& read);
+/// Calls `write` with an empty file, which then replaces the one at `path`. The record's size and kind are filled in.
+void writeStoredFile(
+    std::string const& path, FileKind kind, FileRoot const& root, std::function<void(hid_t file)> const& write);
+/// Changes the stamp of an existing file and nothing else.
 void restampStoredFile(std::string const& path, Stamp const& stamp);
 
 }

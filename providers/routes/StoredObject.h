@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Answer.h"
-#include "Counted.h"
+#include "Border.h"
 #include "StoredFile.h"
 
 #include <cubes/routestorage/RouteStorageInterface.h>
@@ -11,8 +10,8 @@
 namespace cubes::routes {
 
 /// What route sets and route data have in common: a file by name, its stamp, and its content in memory
-/// while it is open. A Content can be made empty, by read(hid_t), and written by write(hid_t), and
-/// has the `kind` of its files.
+/// while it is open. A Content has the `kind` of its files, is empty by default, and has read(file, record),
+/// write(file) and describe(record), which sets its ids.
 template <typename Interface, typename Content>
 class StoredObject : public Counted<Interface> {
 public:
@@ -48,7 +47,7 @@ protected:
     VL::Interface::RouteResult answering(char const* action, Operation operation) const noexcept {
         return answer(action, fileName_, VL::Interface::rrFailed, operation);
     }
-    /// For operations that give a number.
+    /// For operations that return a number.
     template <typename Operation>
     std::int64_t counting(Operation operation) const noexcept {
         return answer("count in", fileName_, std::int64_t{VL::Interface::rrFailed}, operation);
@@ -74,24 +73,25 @@ private:
         case VL::Interface::romCreate:
             return create();
         default:
-            throw std::runtime_error("there is no mode " + std::to_string(mode));
+            throw std::runtime_error("unknown mode " + std::to_string(mode));
         }
     }
 
     void create() {
         Content empty;
+        place_ = {};
         write(empty);
         hold(std::move(empty), true);
     }
 
     void openExisting(bool forAdding) {
         std::optional<Content> read;
-        readStoredFile(fileName_, [&](hid_t file) {
-            Stamp const stored = readRoot(file, Content::kind);
-            inFile_ = stored;
-            read = Content::read(file);
-            if (!stamp_.cubeType) stamp_.cubeType = stored.cubeType;
-            if (!stamp_.key) stamp_.key = stored.key;
+        readStoredFile(fileName_, Content::kind, [&](hid_t file, FileRoot const& root) {
+            inFile_ = root.stamp;
+            place_ = root.record.stamp;
+            read = Content::read(file, root.record);
+            if (!stamp_.cubeType) stamp_.cubeType = root.stamp.cubeType;
+            if (!stamp_.key) stamp_.key = root.stamp.key;
         });
         hold(std::move(*read), forAdding);
     }
@@ -102,10 +102,10 @@ private:
     }
 
     void write(Content& content) {
-        writeStoredFile(fileName_, [&](hid_t file) {
-            writeRoot(file, Content::kind, stamp_);
-            content.write(file);
-        });
+        FileRoot root{stamp_, {}};
+        root.record.stamp = place_;
+        content.describe(root.record);
+        writeStoredFile(fileName_, Content::kind, root, [&](hid_t file) { content.write(file); });
         inFile_ = stamp_;
     }
 
@@ -124,6 +124,7 @@ private:
     Stamp stamp_;
     /// What the file says, as far as it is known.
     Stamp inFile_;
+    hdf5::FileStamp place_;
     std::optional<Content> content_;
     bool isForAdding_ = false;
 };

@@ -1,11 +1,14 @@
 #include "host/hdf5/Hdf5.h"
 
+#include <exception>
+#include <new>
+
 namespace cubes::hdf5 {
 
 namespace {
 
-// At its end a process has HDF5 close what is open. Ours is closed by its owners; but damaged
-// files can leave things behind in HDF5 that it then complains of on the terminal.
+// At exit HDF5 closes what is open. Ours is closed by its owners, but damaged files can leave
+// objects behind in HDF5, which it would report on the terminal.
 std::recursive_mutex& mutex() {
     static std::recursive_mutex instance;
     [[maybe_unused]] static herr_t const quietEnd = H5dont_atexit();
@@ -23,6 +26,111 @@ std::string innermostReason() {
     return reason.empty() ? reason : " (" + reason + ")";
 }
 
+void requireOwn(hid_t parent, std::string const& name) {
+    H5L_info_t link{};
+    check(H5Lget_info(parent, name.c_str(), &link, H5P_DEFAULT), "find " + name);
+    if (link.type != H5L_TYPE_HARD) throw std::runtime_error(name + " leads elsewhere");
+}
+
+constexpr haddr_t largestAddress = (haddr_t{1} << 63) - 1;
+
+// What HDF5 is given to read through.
+struct Lent {
+    platform::File* file;
+};
+
+// A file that HDF5 reads.
+struct OpenFile : H5FD_t {
+    explicit OpenFile(platform::File&& lent) : H5FD_t{}, file(std::move(lent)) {}
+
+    platform::File file;
+    haddr_t endOfUse = 0;
+};
+
+OpenFile const& ours(H5FD_t const* file) {
+    return *static_cast<OpenFile const*>(file);
+}
+
+void report(std::exception const& error) {
+    H5Epush2(H5E_DEFAULT, __FILE__, __func__, __LINE__, H5E_ERR_CLS, H5E_VFL, H5E_READERROR, "%s", error.what());
+}
+
+H5FD_t* openOurs(char const*, unsigned, hid_t access, haddr_t) {
+    auto const* const lent = static_cast<Lent const*>(H5Pget_driver_info(access));
+    return lent ? new (std::nothrow) OpenFile(std::move(*lent->file)) : nullptr;
+}
+
+herr_t closeOurs(H5FD_t* file) {
+    delete static_cast<OpenFile*>(file);
+    return 0;
+}
+
+herr_t features(H5FD_t const*, unsigned long* flags) {
+    *flags = H5FD_FEAT_ACCUMULATE_METADATA_READ | H5FD_FEAT_DATA_SIEVE;
+    return 0;
+}
+
+haddr_t endOfUseOf(H5FD_t const* file, H5FD_mem_t) {
+    return ours(file).endOfUse;
+}
+
+herr_t setEndOfUse(H5FD_t* file, H5FD_mem_t, haddr_t address) {
+    static_cast<OpenFile*>(file)->endOfUse = address;
+    return 0;
+}
+
+haddr_t endOfFile(H5FD_t const* file, H5FD_mem_t) {
+    try {
+        return ours(file).file.size();
+    } catch (std::exception const& error) {
+        report(error);
+        return HADDR_UNDEF;
+    }
+}
+
+herr_t readOurs(H5FD_t* file, H5FD_mem_t, hid_t, haddr_t address, std::size_t size, void* bytes) {
+    try {
+        ours(file).file.readAt(address, {static_cast<std::byte*>(bytes), size});
+        return 0;
+    } catch (std::exception const& error) {
+        report(error);
+        return -1;
+    }
+}
+
+herr_t refuseToWrite(H5FD_t*, H5FD_mem_t, hid_t, haddr_t, std::size_t, void const*) {
+    return -1;
+}
+
+H5FD_class_t ourDriver() {
+    H5FD_class_t driver{};
+#ifdef H5FD_CLASS_VERSION
+    driver.version = H5FD_CLASS_VERSION;
+#endif
+    driver.name = "cubes";
+    driver.maxaddr = largestAddress;
+    driver.fc_degree = H5F_CLOSE_STRONG;
+    driver.fapl_size = sizeof(Lent);
+    driver.open = openOurs;
+    driver.close = closeOurs;
+    driver.query = features;
+    driver.get_eoa = endOfUseOf;
+    driver.set_eoa = setEndOfUse;
+    driver.get_eof = endOfFile;
+    driver.read = readOurs;
+    driver.write = refuseToWrite;
+    return driver;
+}
+
+Handle accessTo(Lent const& lent) {
+    constexpr char const* action = "prepare the access to a file";
+    H5FD_class_t const description = ourDriver();
+    Handle const driver(H5FDregister(&description), H5FDunregister, action);
+    Handle access = fileAccess();
+    check(H5Pset_driver(access.get(), driver.get(), &lent), action);
+    return access;
+}
+
 }
 
 Session::Session() : lock_(mutex()) {
@@ -34,9 +142,9 @@ Session::~Session() {
     H5Eset_auto2(H5E_DEFAULT, print_, printTo_);
 }
 
-Error::Error(std::string const& action) : std::runtime_error("cannot " + action + innermostReason()) {}
+Error::Error(std::string_view action) : std::runtime_error("cannot " + std::string(action) + innermostReason()) {}
 
-Handle::Handle(hid_t id, Close closer, char const* action) : id_(check(id, action)), close_(closer) {}
+Handle::Handle(hid_t id, Close closer, std::string_view action) : id_(check(id, action)), close_(closer) {}
 
 Handle& Handle::operator=(Handle&& other) noexcept {
     closeQuietly();
@@ -49,7 +157,7 @@ Handle::~Handle() {
     closeQuietly();
 }
 
-void Handle::close(char const* action) {
+void Handle::close(std::string_view action) {
     check(close_(std::exchange(id_, H5I_INVALID_HID)), action);
 }
 
@@ -65,12 +173,36 @@ Handle fileAccess() {
     return access;
 }
 
-Handle openGroup(hid_t parent, char const* name) {
-    return Handle(H5Gopen2(parent, name, H5P_DEFAULT), H5Gclose, "open a group");
+Handle openFile(platform::File file) {
+    std::string const path = file.path();
+    Handle const access = accessTo({&file});
+    return Handle(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose, "open it as HDF5");
 }
 
-bool hasLink(hid_t parent, char const* name) {
-    return H5Lexists(parent, name, H5P_DEFAULT) > 0;
+Handle untimedProperties(hid_t classOfProperties) {
+    Handle properties(H5Pcreate(classOfProperties), H5Pclose, "prepare the structure");
+    check(H5Pset_obj_track_times(properties.get(), false), "prepare the structure");
+    return properties;
+}
+
+Handle createGroup(hid_t parent, std::string const& name) {
+    Handle const properties = untimedProperties(H5P_GROUP_CREATE);
+    return Handle(
+        H5Gcreate2(parent, name.c_str(), H5P_DEFAULT, properties.get(), H5P_DEFAULT), H5Gclose, "create " + name);
+}
+
+Handle openGroup(hid_t parent, std::string const& name) {
+    requireOwn(parent, name);
+    return Handle(H5Gopen2(parent, name.c_str(), H5P_DEFAULT), H5Gclose, "open " + name);
+}
+
+Handle openDataset(hid_t parent, std::string const& name) {
+    requireOwn(parent, name);
+    return Handle(H5Dopen2(parent, name.c_str(), H5P_DEFAULT), H5Dclose, "open " + name);
+}
+
+bool hasLink(hid_t parent, std::string const& name) {
+    return H5Lexists(parent, name.c_str(), H5P_DEFAULT) > 0;
 }
 
 }

@@ -7,13 +7,14 @@
 #include <mutex>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
-/// The little we need around HDF5's C interface.
+/// What the library and the provider need around HDF5's C interface.
 namespace cubes::hdf5 {
 
-/// Every use of HDF5 is made within a Session: the library is not safe for threads, and prints
-/// its errors unless told otherwise. Sessions of one thread may nest.
+/// Every use of HDF5 is made within a Session: HDF5 is not thread-safe, and prints its errors by
+/// default. Sessions of one thread may nest.
 class Session {
 public:
     Session();
@@ -30,7 +31,7 @@ private:
 /// A failed call: what was tried and HDF5's own innermost reason.
 class Error : public std::runtime_error {
 public:
-    explicit Error(std::string const& action);
+    explicit Error(std::string_view action);
 };
 
 /// Owns an identifier of any kind. Movable.
@@ -40,14 +41,14 @@ public:
 
     Handle() = default;
     /// Throws Error ("cannot `action`") for the identifier of a failed call.
-    Handle(hid_t id, Close closer, char const* action);
+    Handle(hid_t id, Close closer, std::string_view action);
     Handle(Handle&& other) noexcept : id_(std::exchange(other.id_, H5I_INVALID_HID)), close_(other.close_) {}
     Handle& operator=(Handle&& other) noexcept;
     ~Handle();
 
     hid_t get() const noexcept { return id_; }
-    /// Closes with a report, where closing writes.
-    void close(char const* action);
+    /// Closes and throws Error for a failure: closing may write.
+    void close(std::string_view action);
 
 private:
     void closeQuietly() noexcept;
@@ -56,19 +57,25 @@ private:
     Close close_ = nullptr;
 };
 
-/// Throws Error for the status of a failed call, and gives it back otherwise.
+/// Throws Error for the status of a failed call; returns any other status.
 template <typename Status>
-Status check(Status status, char const* action) {
+Status check(Status status, std::string_view action) {
     if (status < 0) throw Error(action);
     return status;
 }
 
-/// Opens a file for reading through our own: that can be replaced and removed meanwhile on every system, and
-/// fails in the system's words.
+/// Opens a file for reading through `file`: it can be replaced and removed meanwhile on every system, failures
+/// have the system's messages, and closing it closes everything opened in it.
 Handle openFile(platform::File file);
-Handle openGroup(hid_t parent, char const* name);
-bool hasLink(hid_t parent, char const* name);
-/// Access that leaves locking to us.
+/// Access without HDF5's own locks: files are replaced in one step.
 Handle fileAccess();
+
+/// Properties of a class (H5P_FILE_CREATE and the like) that record no times: equal content makes equal files.
+Handle untimedProperties(hid_t classOfProperties);
+Handle createGroup(hid_t parent, std::string const& name);
+/// These throw for a link that leads elsewhere, into another file for example.
+Handle openGroup(hid_t parent, std::string const& name);
+Handle openDataset(hid_t parent, std::string const& name);
+bool hasLink(hid_t parent, std::string const& name);
 
 }

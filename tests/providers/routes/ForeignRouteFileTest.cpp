@@ -1,6 +1,7 @@
 #include "Samples.h"
 
 #include "support/Process.h"
+#include "support/SystemWords.h"
 
 #include <gtest/gtest.h>
 
@@ -73,18 +74,18 @@ Foreign const refused[] = {
     {"ofAnotherKind", "f.attrs['format'] = np.bytes_('cubes route data')",
         "it holds cubes route data, not cubes routes"},
     {"ofNoKind", "del f.attrs['format']", "it holds something else, not cubes routes"},
-    {"ofALaterVersion", "f.attrs['version'] = 2", "its version 2 is not known here"},
+    {"ofALaterVersion", "f.attrs['version'] = 2", "its version 2 is unknown"},
     {"withoutKey", "del f.attrs['key']", "cannot find the attribute key"},
     {"withAShortKey", "f.attrs['key'] = [1, 2]", "the attribute key has another size"},
     {"withATextForAKey", "f.attrs['key'] = 'abc'", "the attribute key has another type"},
-    {"withANumberForAFormat", "f.attrs['format'] = 1", "the attribute format is no text of fixed length"},
-    {"withAFlexibleText", "f.attrs['format'] = 'cubes routes'", "the attribute format is no text of fixed length"},
+    {"withANumberForAFormat", "f.attrs['format'] = 1", "the attribute format is not a text of fixed length"},
+    {"withAFlexibleText", "f.attrs['format'] = 'cubes routes'", "the attribute format is not a text of fixed length"},
     {"withoutLinks", "del f['links']", "cannot find links"},
     {"withoutIndex", "del f['by_link']", "cannot find by_link"},
     {"withAGroupForLinks", "del f['links']\nf.create_group('links')", "cannot open links"},
     {"withADatasetForAGroup", "del f['by_pair']\nput('by_pair', [1], 'i4')", "cannot open by_pair"},
-    {"withATable", "replace('links', [[10, 10], [20, 20]], 'u4')", "links is no list"},
-    {"withASingleNumber", "replace('links', 10, 'u4')", "links is no list"},
+    {"withATable", "replace('links', [[10, 10], [20, 20]], 'u4')", "links is not a list"},
+    {"withASingleNumber", "replace('links', 10, 'u4')", "links is not a list"},
     {"withSignedLinks", "replace('links', [10, 10, 20, 20], 'i4')", "links has numbers of another type"},
     {"withWideLinks", "replace('links', [10, 10, 20, 20], 'u8')", "links has numbers of another type"},
     {"withRealLinks", "replace('links', [10, 10, 20, 20], 'f4')", "links has numbers of another type"},
@@ -184,12 +185,12 @@ TEST(AnotherProgram, isNotWaitedFor) {
     std::string const device = endlessDevice();
     struct {
         std::string path;
-        char const* reason;
+        std::string reason;
     } const places[] = {
-        {directory.str(), "it is no regular file"},
-        {device.empty() ? directory.str() : device, "it is no regular file"},
-        {directory.file("none/routes.FDB"), "there is no such file"},
-        {"", "there is no such file"},
+        {directory.str(), "not a regular file"},
+        {device.empty() ? directory.str() : device, "not a regular file"},
+        {directory.file("none/routes.FDB"), noSuchDirectory()},
+        {"", noSuchDirectory()},
     };
     for (auto const& place : places) {
         routeSet(place.path, romRead);
@@ -208,7 +209,7 @@ TEST(TheOtherKind, isNotTakenForRouteData) {
 TEST(ForeignDataFile, isRefusedWithAReason) {
     Foreign const changes[] = {
         {"withoutFields", "del f['fields']", "cannot find fields"},
-        {"ofAnUnknownType", "f['fields/0004'].attrs['type'] = 6", "there is no field type 6"},
+        {"ofAnUnknownType", "f['fields/0004'].attrs['type'] = 6", "unknown field type 6"},
         {"ofAnotherType", "f['fields/0004'].attrs['type'] = 3", "0004 has numbers of another type"},
         {"withoutAName", "del f['fields/0004'].attrs['name']", "cannot find the attribute name"},
         {"withANameTwice", "f['fields/0004'].attrs['name'] = np.bytes_('cost')", "there is a field cost already"},

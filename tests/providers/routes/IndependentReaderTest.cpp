@@ -18,7 +18,7 @@ with h5py.File(sys.argv[1], 'r') as f:
         for key in sorted(item.attrs):
             print(f'{name}@{key}', show(item.attrs[key]))
         if isinstance(item, h5py.Dataset):
-            print(name, item.dtype.str, item[:].tolist())
+            print(name, item.dtype.str, f'{item.size} bytes' if name == 'cubes_index' else item[:].tolist())
     tell('/', f)
     f.visititems(tell)
 )";
@@ -53,6 +53,7 @@ by_pair/destinations <i4 [2, 3, 3]
 by_pair/offsets <u8 [0, 1, 3, 4]
 by_pair/origins <i4 [1, 1, 2]
 by_pair/routes <u4 [1, 0, 3, 2]
+cubes_index |u1 1024 bytes
 destinations <i4 [3, 2, 3, 3]
 links <u2 [10, 20, 10, 20, 15]
 offsets <u8 [0, 2, 3, 4, 5]
@@ -74,6 +75,7 @@ TEST_F(IndependentReader, findsEveryFieldOfRouteData) {
 /@format b'cubes route data'
 /@key [-1, -1, -1, -1, -1, -1]
 /@version 1
+cubes_index |u1 1024 bytes
 fields/0000@name b'tolled'
 fields/0000@type 0
 fields/0000 |u1 [1, 0, 1]
@@ -103,7 +105,7 @@ TEST_F(IndependentReader, findsEmptyFilesToo) {
     EXPECT_NE(listed(file).find("b'cubes route data'"), std::string::npos) << listed(file);
 }
 
-// The sixth bit of a header's flags tells of times in it.
+// The sixth bit of a header's flags says whether it has times.
 TEST_F(IndependentReader, findsNoTimeInAnyHeader) {
     store(file, smallSet());
     std::string const bytes = readFile(file);
@@ -114,8 +116,58 @@ TEST_F(IndependentReader, findsNoTimeInAnyHeader) {
     EXPECT_GT(headers, 10);
 }
 
+// The bytes that the content id covers, and the ids of the index record, as docs/route-file.md describes them.
+constexpr char const* contentProgram = R"(
+import sys, struct, h5py, numpy as np
+with h5py.File(sys.argv[1], 'r') as f:
+    record = bytes(f['cubes_index'][:])
+    covered = b''
+    if 'fields' in f:
+        for field in f['fields'].values():
+            covered += field.attrs['name'] + b'\0' + struct.pack('<iQ', field.attrs['type'], field.size)
+            covered += field[:].tobytes()
+    else:
+        offsets = f['offsets'][:]
+        for r in range(len(offsets) - 1):
+            links = f['links'][offsets[r]:offsets[r + 1]].astype('<u4')
+            covered += struct.pack('<iifQ', f['origins'][r], f['destinations'][r], f['shares'][r], len(links))
+            covered += links.tobytes()
+    print(covered.hex())
+    print(record[0:8].decode(), struct.unpack('<I', record[20:24])[0], record[24:40].hex())
+    print(record[40:72].hex(), struct.unpack('<ii', record[72:80]), record[320:336].hex())
+    print(struct.unpack('<Q', record[312:320])[0])
+)";
+
+std::vector<std::byte> bytesOfHex(std::string const& hex) {
+    std::vector<std::byte> bytes;
+    for (std::size_t at = 0; at + 1 < hex.size(); at += 2)
+        bytes.push_back(static_cast<std::byte>(std::stoi(hex.substr(at, 2), nullptr, 16)));
+    return bytes;
+}
+
+// What the program prints for a file of that kind whose place and provenance are unknown.
+void expectRecord(std::string const& file, int holds, std::string const& routes = std::string(32, '0')) {
+    auto const result = runPython(contentProgram, {file});
+    ASSERT_EQ(result.exitCode, 0) << result.errors;
+    std::string const covered = result.output.substr(0, result.output.find('\n'));
+    cubes::hdf5::ContentHash hash;
+    hash.add(bytesOfHex(covered));
+    EXPECT_EQ(result.output.substr(covered.size() + 1), "CUBEIDX2 " + std::to_string(holds) + " " + hash.id().text() +
+                                                            "\n" + std::string(64, '0') + " (0, 0) " + routes + "\n" +
+                                                            std::to_string(readFile(file).size()) + "\n");
+}
+
 TEST_F(IndependentReader, findsTheSameBytesForTheSameRoutes) {
     store(file, smallSet());
     store(directory.file("b.FDB"), smallSet());
     EXPECT_EQ(readFile(file), readFile(directory.file("b.FDB")));
+}
+
+TEST_F(IndependentReader, findsTheContentIdAndTheSizeInTheIndexRecord) {
+    store(file, smallSet());
+    expectRecord(file, 2);
+    store(file, {{1, 2, {65536, 4294967295}, 0.5f}, {3, 4, {}, 2}});
+    expectRecord(file, 2);
+    storeFields(file);
+    expectRecord(file, 3);
 }

@@ -1,4 +1,5 @@
 #include "host/platform/SharedLibrary.h"
+#include "support/SystemWords.h"
 #include "support/TempDir.h"
 
 #include <cubes/routestorage/RouteStorageInterface.h>
@@ -105,9 +106,9 @@ TEST_F(ProviderLibrary, referencesAndTheFileNameLeaveTheLastErrorAsItIs) {
     settings->release();
     set->addRef();
     set->getFileName();
-    EXPECT_EQ(lastError(), "cannot open " + file + ": there is no such file");
+    EXPECT_EQ(lastError(), "cannot open " + file + ": " + noSuchFile());
     set->release();
-    EXPECT_EQ(lastError(), "cannot open " + file + ": there is no such file");
+    EXPECT_EQ(lastError(), "cannot open " + file + ": " + noSuchFile());
 }
 
 TEST_F(ProviderLibrary, aFileNeedsAName) {

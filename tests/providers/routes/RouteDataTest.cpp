@@ -148,10 +148,10 @@ TEST_F(RouteDataTest, whatIsNoFieldIsRefusedAndChangesNothing) {
         {{"time", rftFloat, values, 3}, "there is a field time already"},
         {{"new", rftFloat, values, 2}, "the field new has 2 values, the others have 3"},
         {{"new", rftFloat, values, -1}, "the number of values is negative"},
-        {{"new", rftFloat, values, std::numeric_limits<std::int64_t>::max()}, "it becomes too large"},
+        {{"new", rftFloat, values, std::numeric_limits<std::int64_t>::max()}, "too large"},
         {{"new", rftFloat, nullptr, 3}, "the values are missing"},
-        {{"new", rftUnknown, values, 3}, "there is no field type 6"},
-        {{"new", number(-1), values, 3}, "there is no field type -1"},
+        {{"new", rftUnknown, values, 3}, "unknown field type 6"},
+        {{"new", number(-1), values, 3}, "unknown field type -1"},
         {{"new", rftBoolean, truths, 3}, "the boolean field new has values besides 0 and 1"},
     };
     auto const set = dataSet(file, romExtend);

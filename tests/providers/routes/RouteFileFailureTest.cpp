@@ -46,8 +46,7 @@ TEST_F(RouteFileFailure, everyFailingStepLeavesTheOldFileOrTheNewOne) {
             failed = system.hasFailed();
         }
         EXPECT_EQ(result, failed ? rrFailed : rrDone) << steps;
-        EXPECT_EQ(error.find("cannot write " + file + ": cannot "), failed ? 0 : std::string::npos) << error;
-        EXPECT_EQ(error.find("No space left") != std::string::npos, failed) << error;
+        EXPECT_EQ(error, failed ? "cannot write " + file + ": No space left on device" : "");
         // Only the directory's flush comes after the new file has taken its place.
         expectOldOrNew(5, failed && steps < 4);
         EXPECT_EQ(set->countRoutes(), 5);
@@ -65,7 +64,7 @@ TEST_F(RouteFileFailure, aFileThatCanNotBeMadeKeepsTheOldOneAndTheObjectClosed) 
             FailingSystem const system(step, EIO);
             set->open(romCreate, nullptr);
         }
-        EXPECT_EQ(lastError().find("cannot open " + file + ": cannot "), 0u) << lastError();
+        EXPECT_EQ(lastError(), "cannot open " + file + ": Input/output error");
         EXPECT_EQ(set->countRoutes(), rrFailed);
         expectOldOrNew(0, true);
     }
@@ -79,7 +78,7 @@ TEST_F(RouteFileFailure, aKeyThatCanNotBeChangedLeavesTheFile) {
             FailingSystem const system(step, EIO);
             set->setKey(1, 2, 3, 4, 5, 6);
         }
-        EXPECT_EQ(lastError().find("cannot change the key of " + file + ": cannot "), 0u) << lastError();
+        EXPECT_EQ(lastError(), "cannot change the key of " + file + ": Input/output error");
         EXPECT_EQ(readFile(file), bytes);
         EXPECT_EQ(listing(directory.str()), "routes.FDB\n");
     }
@@ -106,28 +105,27 @@ TEST_F(RouteFileFailure, aFullDiskLeavesTheOldFile) {
     umount2(disk.c_str(), MNT_DETACH);
 }
 
-TEST_F(RouteFileFailure, aMissingDirectoryIsTold) {
+TEST_F(RouteFileFailure, aMissingDirectoryIsReported) {
     routeSet(directory.file("none/routes.FDB"), romCreate);
-    EXPECT_EQ(lastError(), "cannot open " + directory.file("none/routes.FDB") +
-                               ": cannot create a file beside it: No such file or directory");
+    EXPECT_EQ(lastError(), "cannot open " + directory.file("none/routes.FDB") + ": No such file or directory");
 }
 
 TEST_F(RouteFileFailure, aDirectoryInPlaceOfTheFileStays) {
     std::string const place = directory.file("place");
     std::filesystem::create_directory(place);
     routeSet(place, romCreate);
-    EXPECT_EQ(lastError(), "cannot open " + place + ": cannot put the new file in place: Is a directory");
+    EXPECT_EQ(lastError(), "cannot open " + place + ": Is a directory");
     EXPECT_EQ(listing(directory.str()), "place\nroutes.FDB\n");
 }
 
-TEST_F(RouteFileFailure, aPipeIsNotWaitedFor) {
+TEST_F(RouteFileFailure, aPipeDoesNotBlock) {
     std::string const pipe = directory.file("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     routeSet(pipe, romRead);
-    EXPECT_EQ(lastError(), "cannot open " + pipe + ": it is no regular file");
+    EXPECT_EQ(lastError(), "cannot open " + pipe + ": not a regular file");
 }
 
-TEST_F(RouteFileFailure, aLongNameIsNoHindrance) {
+TEST_F(RouteFileFailure, aLongNameIsAccepted) {
     std::string const name = directory.file(std::string(250, 'x'));
     store(name, smallSet());
     EXPECT_EQ(routesOf(*routeSet(name, romRead)), smallSet());

@@ -1,5 +1,7 @@
 #include "Samples.h"
 
+#include "support/SystemWords.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -159,7 +161,7 @@ TEST_F(RouteSetTest, whatIsNoRouteIsRefusedAndChangesNothing) {
         {{1, 2, 1, nullptr, 1}, "its links are missing"},
         {{1, 2, std::numeric_limits<float>::quiet_NaN(), links, 1}, "its share is not a finite number"},
         {{1, 2, std::numeric_limits<float>::infinity(), links, 1}, "its share is not a finite number"},
-        {{1, 2, 1, links, std::numeric_limits<std::int64_t>::max()}, "it becomes too large"},
+        {{1, 2, 1, links, std::numeric_limits<std::int64_t>::max()}, "too large"},
     };
     auto const set = routeSet(file, romCreate);
     for (auto const& each : bad) {
@@ -203,13 +205,13 @@ TEST_F(RouteSetTest, theLowByteOfTheModeDecides) {
     EXPECT_EQ(lastError(), "");
     EXPECT_EQ(add(*set, {1, 2, {5}, 1}), rrDone);
     set->open(3, nullptr);
-    EXPECT_EQ(lastError(), "cannot open " + file + ": there is no mode 3");
+    EXPECT_EQ(lastError(), "cannot open " + file + ": unknown mode 3");
     EXPECT_EQ(set->countRoutes(), rrFailed);
 }
 
 TEST_F(RouteSetTest, theLastErrorIsEmptyAfterAnOperationThatSucceeds) {
     auto const set = routeSet(file, romRead);
-    EXPECT_EQ(lastError(), "cannot open " + file + ": there is no such file");
+    EXPECT_EQ(lastError(), "cannot open " + file + ": " + noSuchFile());
     set->open(romCreate, nullptr);
     EXPECT_EQ(lastError(), "");
     EXPECT_EQ(set->getFileName(), file);

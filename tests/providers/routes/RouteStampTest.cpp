@@ -1,5 +1,7 @@
 #include "Samples.h"
 
+#include "support/SystemWords.h"
+
 #include <gtest/gtest.h>
 
 using namespace cubes::test;
@@ -8,9 +10,11 @@ using cubes::routes::Stamp;
 
 namespace {
 
-Stamp stampOf(std::string const& file, std::string_view kind = cubes::routes::routeFileKind) {
+template <typename Content = cubes::routes::IndexedRoutes>
+Stamp stampOf(std::string const& file) {
     Stamp stamp;
-    cubes::routes::readStoredFile(file, [&](hid_t opened) { stamp = cubes::routes::readRoot(opened, kind); });
+    cubes::routes::readStoredFile(
+        file, Content::kind, [&](hid_t, cubes::routes::FileRoot const& root) { stamp = root.stamp; });
     return stamp;
 }
 
@@ -43,7 +47,7 @@ TEST_F(RouteStampTest, holdsTheWholeRangeOfAKey) {
     set->setCubeType(-10);
     set->setKey(-32768, 32767, 0, -1, 1, 300);
     set->open(romCreate, nullptr);
-    EXPECT_EQ(stampOf(file, cubes::routes::fieldFileKind), (Stamp{-10, Key{-32768, 32767, 0, -1, 1, 300}}));
+    EXPECT_EQ(stampOf<cubes::routes::StoredFields>(file), (Stamp{-10, Key{-32768, 32767, 0, -1, 1, 300}}));
 }
 
 TEST_F(RouteStampTest, changesAtOnceInAFileThatIsOpenForAdding) {
@@ -91,7 +95,7 @@ TEST_F(RouteStampTest, ofAFileThatIsGoneCanNotBeChanged) {
     auto const set = routeSet(file, romCreate);
     std::filesystem::remove(file);
     set->setCubeType(-9);
-    EXPECT_EQ(lastError(), "cannot change the key of " + file + ": there is no such file");
+    EXPECT_EQ(lastError(), "cannot change the key of " + file + ": " + noSuchFile());
     EXPECT_EQ(set->commit(), rrDone);
     EXPECT_EQ(stampOf(file), (Stamp{-9, noKey}));
 }

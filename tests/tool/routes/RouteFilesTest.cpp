@@ -1,5 +1,6 @@
 #include "tool/routes/RouteFiles.h"
 
+#include "support/SystemWords.h"
 #include "support/TempDir.h"
 #include "tool/Errors.h"
 
@@ -92,8 +93,8 @@ TEST_F(RouteFiles, takeThePlaceOfThoseThatAreThere) {
 TEST_F(RouteFiles, thatCannotBeReadOrWrittenTellWhy) {
     auto const readSet = [&] { RouteSetFile const set(file); };
     auto const readData = [&] { readRouteData(file); };
-    EXPECT_EQ(failure(readSet), "cannot open " + file + ": there is no such file");
-    EXPECT_EQ(failure(readData), "cannot open " + file + ": there is no such file");
+    EXPECT_EQ(failure(readSet), "cannot open " + file + ": " + test::noSuchFile());
+    EXPECT_EQ(failure(readData), "cannot open " + file + ": " + test::noSuchFile());
     test::writeFile(file, "no routes");
     EXPECT_TRUE(failure(readSet).starts_with("cannot open " + file + ": ")) << failure(readSet);
     EXPECT_TRUE(failure(readData).starts_with("cannot open " + file + ": ")) << failure(readData);

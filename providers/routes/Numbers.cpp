@@ -1,16 +1,20 @@
-#include "Hdf5Numbers.h"
+#include "Numbers.h"
 
 #include <algorithm>
 
-namespace cubes::routes::hdf5 {
+namespace cubes::routes {
+
+using hdf5::check;
+using hdf5::Handle;
+using hdf5::untimedProperties;
 
 namespace {
 
 constexpr hsize_t chunkBytes = hsize_t{1} << 18;
 constexpr unsigned quickestLevel = 1;
-// Deflate makes nothing smaller than about a thousandth.
+// Deflate compresses to about a thousandth at best.
 constexpr hsize_t mostInflation = 1100;
-// Others write attributes as wide as their programs count.
+// Other programs write wider attributes.
 constexpr std::size_t widestNumber = 8;
 constexpr std::size_t longestText = std::size_t{1} << 16;
 
@@ -38,7 +42,7 @@ bool fits(hid_t found, hid_t wanted) {
     return kind != H5T_INTEGER || H5Tget_sign(found) == H5Tget_sign(wanted);
 }
 
-// Numbers that lie in other files are none of ours.
+// Storage in other files is refused.
 void requireOwnStorage(hid_t dataset, std::string const& name) {
     Handle const layout(H5Dget_create_plist(dataset), H5Pclose, "read the layout of " + name);
     H5D_layout_t const kind = H5Pget_layout(layout.get());
@@ -65,7 +69,7 @@ void requireCount(hid_t attribute, char const* name, std::size_t count) {
 
 Handle createAttribute(hid_t object, char const* name, hid_t type, hid_t space) {
     if (H5Aexists(object, name) > 0) check(H5Adelete(object, name), "replace an attribute");
-    return Handle(H5Acreate2(object, name, type, space, H5P_DEFAULT, H5P_DEFAULT), H5Aclose, "make an attribute");
+    return Handle(H5Acreate2(object, name, type, space, H5P_DEFAULT, H5P_DEFAULT), H5Aclose, "create an attribute");
 }
 
 }
@@ -108,7 +112,7 @@ Handle writeDataset(
     Handle const space = listOf(count);
     Handle const layout = layoutFor(type, count, shuffle);
     Handle dataset(H5Dcreate2(parent, name.c_str(), type.file, space.get(), H5P_DEFAULT, layout.get(), H5P_DEFAULT),
-        H5Dclose, "make " + name);
+        H5Dclose, "create " + name);
     if (count > 0) check(H5Dwrite(dataset.get(), type.memory, H5S_ALL, H5S_ALL, H5P_DEFAULT, numbers), "write " + name);
     return dataset;
 }
@@ -119,7 +123,7 @@ std::size_t countNumbers(hid_t dataset, std::string const& name, NumberType type
     requireOwnStorage(dataset, name);
     Handle const space(H5Dget_space(dataset), H5Sclose, "read the size of " + name);
     hsize_t count = 0;
-    if (H5Sget_simple_extent_ndims(space.get()) != 1) throw std::runtime_error(name + " is no list");
+    if (H5Sget_simple_extent_ndims(space.get()) != 1) throw std::runtime_error(name + " is not a list");
     check(H5Sget_simple_extent_dims(space.get(), &count, nullptr), "read the size of " + name);
     if (count / mostInflation * H5Tget_size(stored.get()) > fileSizeOf(dataset))
         throw std::runtime_error(name + " is larger than the file");
@@ -145,23 +149,13 @@ void readAttribute(hid_t object, char const* name, NumberType type, void* number
     check(H5Aread(attribute.get(), type.memory, numbers), std::string("read the attribute ") + name);
 }
 
-void writeText(hid_t object, char const* name, std::string_view text) {
-    Handle const type(H5Tcopy(H5T_C_S1), H5Tclose, "describe a text");
-    check(H5Tset_size(type.get(), std::max<std::size_t>(text.size(), 1)), "describe a text");
-    check(H5Tset_cset(type.get(), H5T_CSET_UTF8), "describe a text");
-    check(H5Tset_strpad(type.get(), H5T_STR_NULLPAD), "describe a text");
-    Handle const space(H5Screate(H5S_SCALAR), H5Sclose, "describe a text");
-    Handle const attribute = createAttribute(object, name, type.get(), space.get());
-    check(H5Awrite(attribute.get(), type.get(), text.empty() ? "" : text.data()), "write an attribute");
-}
-
-std::string readText(hid_t object, char const* name) {
+std::string textAttribute(hid_t object, char const* name) {
     Handle const attribute = openAttribute(object, name);
     Handle const type(H5Aget_type(attribute.get()), H5Tclose, "describe an attribute");
     requireCount(attribute.get(), name, 1);
     bool const isText = H5Tget_class(type.get()) == H5T_STRING && H5Tis_variable_str(type.get()) == 0;
     if (!isText || H5Tget_size(type.get()) > longestText)
-        throw std::runtime_error(std::string("the attribute ") + name + " is no text of fixed length");
+        throw std::runtime_error(std::string("the attribute ") + name + " is not a text of fixed length");
     std::string text(H5Tget_size(type.get()), '\0');
     check(H5Aread(attribute.get(), type.get(), text.data()), std::string("read the attribute ") + name);
     return text.substr(0, text.find('\0'));

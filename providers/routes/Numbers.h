@@ -1,14 +1,13 @@
 #pragma once
 
-#include "Hdf5.h"
+#include "host/hdf5/Hdf5.h"
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 /// Lists of numbers as one-dimensional datasets, and small attributes.
-namespace cubes::routes::hdf5 {
+namespace cubes::routes {
 
 /// A type of numbers: in memory, and (with the low byte first everywhere) in a file.
 struct NumberType {
@@ -35,13 +34,13 @@ NumberType typeOf<float>();
 template <>
 NumberType typeOf<double>();
 
-/// Whether bytes of equal weight are put together before compression. Numbers that grow slowly or
-/// are real gain by that; texts of numbers that repeat, as links of neighbouring routes, lose.
+/// Whether bytes of equal weight are put together before compression. Rising and real numbers become
+/// smaller by that; repeated sequences, as the links of neighbouring routes, larger.
 enum class Shuffle { no, yes };
 
 /// Writes `count` numbers as a dataset, compressed and with a checksum a chunk.
-Handle writeDataset(hid_t parent, std::string const& name, NumberType type, void const* numbers, std::size_t count,
-    Shuffle shuffle = Shuffle::yes);
+hdf5::Handle writeDataset(hid_t parent, std::string const& name, NumberType type, void const* numbers,
+    std::size_t count, Shuffle shuffle = Shuffle::yes);
 /// How many numbers a dataset has. Throws when it is no list of numbers that fit `type`, or claims
 /// more than a file of this size can hold.
 std::size_t countNumbers(hid_t dataset, std::string const& name, NumberType type);
@@ -54,16 +53,17 @@ void writeNumbers(hid_t parent, std::string const& name, std::vector<Number> con
 
 template <typename Number>
 std::vector<Number> readNumbers(hid_t parent, std::string const& name) {
-    Handle const dataset = openDataset(parent, name);
+    hdf5::Handle const dataset = hdf5::openDataset(parent, name);
     std::vector<Number> numbers(countNumbers(dataset.get(), name, typeOf<Number>()));
     readDataset(dataset.get(), name, typeOf<Number>(), numbers.data());
     return numbers;
 }
 
-/// Attributes: `count` numbers, or a text of fixed length in UTF-8. Writing replaces a former one.
+/// Attributes of `count` numbers. Writing replaces an existing one; reading throws when it is missing or has another
+/// type or size.
 void writeAttribute(hid_t object, char const* name, NumberType type, void const* numbers, std::size_t count);
 void readAttribute(hid_t object, char const* name, NumberType type, void* numbers, std::size_t count);
-void writeText(hid_t object, char const* name, std::string_view text);
-std::string readText(hid_t object, char const* name);
+/// A text of fixed length; throws when it is missing or something else.
+std::string textAttribute(hid_t object, char const* name);
 
 }
