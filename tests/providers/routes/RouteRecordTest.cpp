@@ -66,6 +66,11 @@ TEST_F(RouteRecord, hasTheSameContentIdForTheSameRoutesInTheSameOrderOnly) {
     for (auto const& other : others) EXPECT_NE(contentOf(file, other), id);
 }
 
+// The id in docs/route-file.md: recorded ids stay valid.
+TEST_F(RouteRecord, hasTheDocumentedContentId) {
+    EXPECT_EQ(contentOf(file, smallSet()).text(), "9e6059d60dced4300f4f70bf353a04bb");
+}
+
 TEST_F(RouteRecord, hasTheSameContentIdForTheSameFieldsOnly) {
     auto const idOfField = [&](char const* name, RouteFieldType type, std::vector<std::uint8_t> const& values) {
         auto const set = dataSet(file, romCreate);
