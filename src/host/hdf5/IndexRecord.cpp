@@ -91,7 +91,7 @@ std::optional<Id128> Id128::parse(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         std::size_t const digit = digits.find(text[i]);
         if (digit == std::string_view::npos) return std::nullopt;
-        id.bytes[i / 2] = static_cast<std::uint8_t>(id.bytes[i / 2] << 4 | digit);
+        id.bytes[i / 2] = static_cast<std::uint8_t>(std::size_t{id.bytes[i / 2]} << 4 | digit);
     }
     return id;
 }

@@ -115,6 +115,7 @@ void StagedFile::flush() {
 void StagedFile::publish() {
     writing(target(), [&] {
         temporary_->publish();
+        isPublished_ = true;
         if (isToBeFlushed(target())) platform::flushDirectory(platform::directoryOf(target()));
     });
 }

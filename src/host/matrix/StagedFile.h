@@ -19,7 +19,8 @@ using hdf5::Provenance;
 /// it replaces the target in one step. Writing and publishing are separate, so that a database row can be changed in
 /// between. What is not published is removed. Movable.
 ///
-/// What fails throws TRkMatrixException ("cannot write matrix file <target>: ..."); the target is then as before.
+/// What fails throws TRkMatrixException ("cannot write matrix file <target>: ..."); the target is then as before,
+/// unless isPublished() says otherwise. One thread at a time may use an object.
 class StagedFile {
 public:
     /// Creates the empty file, so that a directory that cannot be written to is reported at once. Throws
@@ -33,8 +34,10 @@ public:
     /// Copies a matrix file and gives the copy another stamp; a file without an index record stays without one. The
     /// provenance is that of the source.
     void copy(std::string const& source, FileStamp const& stamp);
-    /// Replaces the target and flushes its directory as the rule asks.
+    /// Replaces the target and flushes its directory as the rule asks. When only the flush fails, the target is already
+    /// replaced and isPublished() returns true.
     void publish();
+    bool isPublished() const noexcept { return isPublished_; }
 
     std::string const& target() const noexcept { return temporary_->target(); }
 
@@ -42,6 +45,7 @@ private:
     void flush();
 
     std::unique_ptr<platform::TemporaryFile> temporary_;
+    bool isPublished_ = false;
 };
 
 /// Writes a matrix file and replaces the target with it. Throws TRkMatrixException; then the target is as before.

@@ -1,6 +1,7 @@
 #include "host/matrix/FailingSystem.h"
 #include "host/matrix/Samples.h"
 
+#include "host/matrix/StagedFile.h"
 #include "host/platform/TemporaryFile.h"
 
 #include <cubes/matrix/MatrixStorage.h>
@@ -195,6 +196,30 @@ TEST(Failure, keepsTheSystemsErrorWhateverStepFails) {
         EXPECT_EQ(code == std::errc::no_space_on_device, failed) << "step " << steps + 1;
     }
     EXPECT_GT(steps, 5);
+}
+
+TEST(Failure, aStagedFileKnowsWhetherItReplacedItsTarget) {
+    TempDir const directory;
+    std::string const file = directory.file("a.skm");
+    TRkMatrix const matrix = times(9, 9);
+    int failures = 0;
+    for (bool failed = true; failed;) {
+        ASSERT_TRUE(save(numbered(3, 3), file));
+        cubes::matrix::StagedFile staged(file);
+        staged.write({.header = cubes::matrix::fileHeader(matrix.Header()), .elements = matrix.Elements().data()});
+        {
+            FailingSystem const system(failures + 1, EIO);
+            try {
+                staged.publish();
+            } catch (TRkMatrixException const&) {
+                ++failures;
+            }
+            failed = system.hasFailed();
+        }
+        EXPECT_EQ(staged.isPublished(), opened(file).Rows() == 9) << "failure " << failures;
+    }
+    // The rename and the flush of the directory.
+    EXPECT_EQ(failures, 2);
 }
 
 TEST(Failure, aSourceThatCanNoLongerBeReadLeavesTheOldFile) {
