@@ -146,7 +146,7 @@ struct ByName {
     char const* error;
 };
 
-class Numbers {
+class CubeNumbers {
 public:
     short fromNr = 99;
     short toNr = 99;
@@ -169,7 +169,7 @@ TEST_P(CubeTransfer, byNameWithinACatalogueFailsForTheSameCubeAlone) {
     for (ByName const& row : table) {
         SCOPED_TRACE(testing::Message() << (row.from ? row.from : "null") << " " << (row.to ? row.to : "null"));
         for (bool const move : {false, true}) {
-            Numbers numbers;
+            CubeNumbers numbers;
             bool result = false;
             auto const transfer = [&] {
                 result = move ? catalogue().Move(row.from, row.to, row.failIfExists, numbers.fromNr, numbers.toNr)
@@ -185,7 +185,7 @@ TEST_P(CubeTransfer, byNameWithinACatalogueFailsForTheSameCubeAlone) {
 }
 
 TEST_P(CubeTransfer, byNameAddsAnUnknownTarget) {
-    Numbers numbers;
+    CubeNumbers numbers;
     EXPECT_TRUE(catalogue().Copy("Five", "New", true, numbers.fromNr, numbers.toNr));
     EXPECT_EQ(numbers.fromNr, 5);
     EXPECT_EQ(numbers.toNr, 8);
@@ -207,7 +207,7 @@ TEST_P(CubeTransfer, byNameBetweenCataloguesFailsForATargetThatIsNotTheSourcesNa
     for (ByName const& row : table) {
         SCOPED_TRACE(testing::Message() << (row.from ? row.from : "null") << " " << (row.to ? row.to : "null"));
         for (bool const move : {false, true}) {
-            Numbers numbers;
+            CubeNumbers numbers;
             bool result = false;
             auto const transfer = [&] {
                 result =
@@ -223,7 +223,7 @@ TEST_P(CubeTransfer, byNameBetweenCataloguesFailsForATargetThatIsNotTheSourcesNa
 }
 
 TEST_P(CubeTransfer, byNameBetweenCataloguesAddsAnUnknownTargetUnderTheSourcesNumber) {
-    Numbers numbers;
+    CubeNumbers numbers;
     EXPECT_TRUE(catalogue().Copy(source(), "Five", "New", true, numbers.fromNr, numbers.toNr));
     EXPECT_EQ(numbers.fromNr, 5);
     EXPECT_EQ(numbers.toNr, 8);
@@ -233,7 +233,7 @@ TEST_P(CubeTransfer, byNameBetweenCataloguesAddsAnUnknownTargetUnderTheSourcesNu
 TEST_P(CubeTransfer, byNameBetweenCataloguesGivesTheTargetCataloguesNumberOfTheSourcesName) {
     makeOtherRegister("(2, 'Elsewhere'), (3, 'Five')");
 
-    Numbers numbers;
+    CubeNumbers numbers;
     EXPECT_TRUE(catalogue().Copy(elsewhere(), "Five", "Seven", false, numbers.fromNr, numbers.toNr));
     EXPECT_EQ(numbers.fromNr, 5);
     // A name that the target catalogue does not have becomes 0.
