@@ -24,7 +24,7 @@ CUBES_BOTH_BACKENDS(RouteEntries);
 TEST_P(RouteEntries, haveNoMatrices) {
     for (auto const& kind : kinds()) {
         EXPECT_TRUE(store(kind.cube, 6));
-        TRkMatrix const some = matrix(1);
+        TRkMatrix const some = smallMatrix(1);
         EXPECT_FALSE(kind.cube.Set(1, 2, 3, 4, 5, 7, some, lsReadWrite, false));
         EXPECT_FALSE(kind.cube.SaveMatrix(some, 1, 2, 3, 4, 5, 6, lsReadWrite, false));
         EXPECT_EQ(kind.cube.Get(1, 2, 3, 4, 5, 6, lsRead, false), nullptr);
