@@ -1,11 +1,10 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 
 namespace cubes::tool {
 
-/// A file beside its place, which it takes when it is complete; gone at the end otherwise.
+/// A temporary file beside its target, which it replaces when it is complete; removed by the destructor otherwise.
 class FileBeside {
 public:
     explicit FileBeside(std::string const& place);
@@ -13,14 +12,14 @@ public:
     FileBeside(FileBeside const&) = delete;
     FileBeside& operator=(FileBeside const&) = delete;
 
-    std::string path() const;
+    std::string const& path() const noexcept { return path_; }
     bool canBeMade() const;
-    /// Once it is on the disk. Throws Failure.
+    /// Replaces the target in one step that survives a power failure. Throws Failure.
     void takePlace() const;
 
 private:
-    std::filesystem::path place_;
-    std::filesystem::path path_;
+    std::string place_;
+    std::string path_;
 };
 
 }

@@ -1,5 +1,6 @@
 #include "tool/Text.h"
 
+#include "host/platform/NarrowText.h"
 #include "tool/Errors.h"
 
 #include <fmt/format.h>
@@ -60,10 +61,6 @@ Read<float> readCell(std::string_view text) {
     return cell;
 }
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 template <typename Number>
 void append(std::string& text, Number number) {
     char buffer[32];
@@ -94,7 +91,8 @@ std::size_t editsBetween(std::string_view first, std::string_view second) {
     for (std::size_t i = 0; i < first.size(); ++i) {
         std::size_t diagonal = edits[0]++;
         for (std::size_t j = 0; j < second.size(); ++j) {
-            auto const replaced = diagonal + (lower(first[i]) == lower(second[j]) ? 0 : 1);
+            auto const replaced =
+                diagonal + (platform::asciiLower(first[i]) == platform::asciiLower(second[j]) ? 0 : 1);
             diagonal = edits[j + 1];
             edits[j + 1] = std::min({edits[j] + 1, diagonal + 1, replaced});
         }
@@ -170,8 +168,8 @@ std::string_view trimmed(std::string_view text) {
 }
 
 bool isSameWord(std::string_view first, std::string_view second) {
-    return std::equal(
-        first.begin(), first.end(), second.begin(), second.end(), [](char a, char b) { return lower(a) == lower(b); });
+    return std::equal(first.begin(), first.end(), second.begin(), second.end(),
+        [](char a, char b) { return platform::asciiLower(a) == platform::asciiLower(b); });
 }
 
 double trusted(double sum, std::int64_t cells) {

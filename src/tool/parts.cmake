@@ -2,12 +2,8 @@
 # so that tests can link it.
 add_library(cubes_tool_parts STATIC
   Errors.cpp
-  Paths.cpp
-  Paths_${platform}.cpp
   Progress.cpp
-  PutInPlace_${platform}.cpp
   Statistics.cpp
-  Terminal_${platform}.cpp
   Text.cpp
   formats/Csv.cpp
   formats/CsvLines.cpp
@@ -24,5 +20,5 @@ add_library(cubes_tool_parts STATIC
   city/Travel.cpp
   city/Zones.cpp)
 target_include_directories(cubes_tool_parts PUBLIC ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(cubes_tool_parts PUBLIC cubes PRIVATE cubes_warnings dep::fmt)
+target_link_libraries(cubes_tool_parts PUBLIC cubes cubes_platform PRIVATE cubes_warnings dep::fmt)
 cubes_unite_folders(cubes_tool_parts)

@@ -1,8 +1,8 @@
 #include "tool/formats/WholeFile.h"
 
+#include "host/platform/TemporaryFile.h"
 #include "tool/Errors.h"
 #include "tool/Paths.h"
-#include "tool/PutInPlace.h"
 
 #include <fmt/format.h>
 
@@ -75,7 +75,11 @@ void NewFile::commit() {
     errno = 0;
     stream_.close();
     if (!stream_) fail();
-    if (auto const error = putInPlace(toPath(temporary_), toPath(path_))) throw FormatError(error.message());
+    try {
+        platform::commitFile(temporary_, path_);
+    } catch (std::system_error const& error) {
+        throw FormatError(error.code().message());
+    }
 }
 
 }
