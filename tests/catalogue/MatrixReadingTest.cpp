@@ -1,6 +1,6 @@
 // What an object keeps that stays behind after one element was read.
 
-#include "catalogue/MatrixReading.h"
+#include "catalogue/EntryFile.h"
 
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/TRkMatrix.h>
@@ -54,21 +54,21 @@ TEST_P(MatrixReading, keepsNoRowsAndNoZoneNumbersOfTheObjectThatStays) {
     if (allocated() - before < zones * sizeof(std::int32_t)) GTEST_SKIP() << "SKIPPED: the allocator does not count";
 
     constexpr std::size_t calls = 50;
-    readElement(opened(), 3, 4);
+    catalogue::readElement(opened(), 3, 4);
     std::size_t const start = allocated();
-    for (std::size_t i = 0; i < calls; ++i) EXPECT_EQ(readElement(opened(), 3, 4), 7.0);
+    for (std::size_t i = 0; i < calls; ++i) EXPECT_EQ(catalogue::readElement(opened(), 3, 4), 7.0);
     EXPECT_LT(allocated() - start, calls * 1500);
 }
 
 TEST_P(MatrixReading, keepsNoLockOfTheObjectThatStays) {
-    EXPECT_EQ(readElement(opened(lsReadWrite), 3, 4), 7.0);
+    EXPECT_EQ(catalogue::readElement(opened(lsReadWrite), 3, 4), 7.0);
     EXPECT_TRUE(opened(lsReadWrite)->IsValid());
 }
 
 TEST_P(MatrixReading, refusesColumnsAndRowsOutsideTheMatrix) {
-    EXPECT_THROW(readElement(opened(), 3, zones), TRkMatrixException);
-    EXPECT_THROW(readElement(opened(), zones, 3), TRkMatrixException);
-    EXPECT_EQ(readElement(nullptr, 0, 0), -1.0);
+    EXPECT_THROW(catalogue::readElement(opened(), 3, zones), TRkMatrixException);
+    EXPECT_THROW(catalogue::readElement(opened(), zones, 3), TRkMatrixException);
+    EXPECT_EQ(catalogue::readElement(nullptr, 0, 0), -1.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(, MatrixReading, testing::Values(Storage::plain, Storage::deflate),

@@ -1,4 +1,5 @@
 #include <cubes/database/TPgConnection.h>
+#include <cubes/database/TRkConnectionManager.h>
 #include <cubes/database/TRkDBDataDictionary.h>
 #include <cubes/database/TRkDatabaseException.h>
 #include <cubes/project/Project.h>

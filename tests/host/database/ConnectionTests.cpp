@@ -149,7 +149,7 @@ bool findsCube(TPgConnection& connection, long number) {
     return table.Locate("cubenr", number);
 }
 
-cubes::test::Errand const readingOnly("reading only", [](int, std::string const& path) {
+cubes::test::ChildTask const readingOnly("reading only", [](int, std::string const& path) {
     cubes::test::becomeOrdinaryUser();
     TPgConnection connection("sqlite:" + path);
     EXPECT_TRUE(findsCube(connection, 5));
@@ -164,7 +164,7 @@ TEST(SqliteFile, isReadWithoutPermissionToWriteItsDirectory) {
     EXPECT_EQ(cubes::test::listing(place.directory.str()), "a b%41#c.db\n");
 }
 
-cubes::test::Errand const readingWhatIsWritten("reading what is written", [](int, std::string const& path) {
+cubes::test::ChildTask const readingWhatIsWritten("reading what is written", [](int, std::string const& path) {
     cubes::test::becomeOrdinaryUser();
     std::string const message = messageOf([&] { TPgConnection("sqlite:" + path); });
     EXPECT_TRUE(holds(message, "it is being written by another program (it has a -wal file)")) << message;
@@ -182,7 +182,7 @@ TEST(SqliteFile, thatOthersWriteIsAnErrorWithoutPermissionToWriteItsDirectory) {
 }
 
 // The file is given away while it is read, as if another program had written to it.
-cubes::test::Errand const readingWhatChanges("reading what changes", [](int, std::string const& path) {
+cubes::test::ChildTask const readingWhatChanges("reading what changes", [](int, std::string const& path) {
     cubes::test::becomeOrdinaryUser();
     TPgConnection connection("sqlite:" + path);
     EXPECT_TRUE(findsCube(connection, 5));
