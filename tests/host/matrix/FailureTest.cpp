@@ -172,7 +172,7 @@ TEST_P(EachFailure, aKilledProcessLeavesTheOldFileAndATemporaryFile) {
         if (entry.path() != file) leftOver.push_back(entry.path().filename().string());
     ASSERT_EQ(leftOver.size(), 1u);
     EXPECT_TRUE(cubes::platform::isTemporaryName(leftOver[0])) << leftOver[0];
-    EXPECT_EQ(leftOver[0].find(".a.skm." + std::to_string(child) + "-"), 0u) << leftOver[0];
+    EXPECT_TRUE(leftOver[0].starts_with(".a.skm.")) << leftOver[0];
 }
 
 INSTANTIATE_TEST_SUITE_P(Failure, EachFailure, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),

@@ -212,7 +212,7 @@ TEST(ForeignFile, aFileWithoutAMatrixIsRefusedWithTheCause) {
     };
     std::vector<Case> const cases = {
         Case{"", "no table under /data"},
-        Case{"f['data'] = np.eye(3)", "cannot open a group"},
+        Case{"f['data'] = np.eye(3)", "cannot open data (not a group)"},
         Case{"f['data/t'] = np.ones(3)", "no table under /data"},
         Case{"f['data/t'] = np.ones((2, 2, 2))", "no table under /data"},
         Case{"f['data/t'] = np.array([[b'a', b'b']])", "not numbers"},
