@@ -1,5 +1,6 @@
 #include "host/platform/File.h"
 
+#include "host/platform/FileTesting.h"
 #include "host/platform/Files.h"
 #include "support/SystemWords.h"
 #include "support/TempDir.h"
@@ -10,6 +11,8 @@
 #include <system_error>
 
 using namespace cubes::platform;
+using cubes::test::bytesOf;
+using cubes::test::failureOf;
 using cubes::test::filesIn;
 using cubes::test::isADirectory;
 using cubes::test::listing;
@@ -21,21 +24,8 @@ using cubes::test::writeFile;
 
 namespace {
 
-std::span<std::byte const> bytesOf(std::string const& text) {
-    return std::as_bytes(std::span(text.data(), text.size()));
-}
-
 std::string textOf(std::span<std::byte const> bytes) {
     return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
-}
-
-std::error_code failureOf(auto const& work) {
-    try {
-        work();
-    } catch (std::system_error const& error) {
-        return error.code();
-    }
-    return {};
 }
 
 }

@@ -1,5 +1,6 @@
 #include "host/platform/Files.h"
 
+#include "host/platform/FileTesting.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 
 namespace fs = std::filesystem;
 namespace platform = cubes::platform;
+using cubes::test::failureOf;
 using cubes::test::isLink;
 using cubes::test::listing;
 using cubes::test::makeLink;
@@ -46,15 +48,6 @@ void expectCopies(TempDir const& from, TempDir const& to) {
         EXPECT_TRUE(readFile(from.file("source")) == bytes) << size;
         fs::remove(to.file("target"));
     }
-}
-
-std::error_code failureOf(auto const& work) {
-    try {
-        work();
-    } catch (std::system_error const& error) {
-        return error.code();
-    }
-    return {};
 }
 
 }

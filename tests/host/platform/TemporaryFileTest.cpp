@@ -1,5 +1,6 @@
 #include "host/platform/TemporaryFile.h"
 
+#include "host/platform/FileTesting.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -9,18 +10,11 @@
 #include <system_error>
 
 using namespace cubes::platform;
+using cubes::test::bytesOf;
 using cubes::test::listing;
 using cubes::test::readFile;
 using cubes::test::TempDir;
 using cubes::test::writeFile;
-
-namespace {
-
-std::span<std::byte const> bytesOf(std::string const& text) {
-    return std::as_bytes(std::span(text.data(), text.size()));
-}
-
-}
 
 TEST(TemporaryFile, replacesTheTargetOrLeavesNothing) {
     TempDir const directory;
