@@ -1,6 +1,7 @@
 #include "catalogue/EntryTable.h"
 
 #include "catalogue/StoredName.h"
+#include "catalogue/Tables.h"
 #include "host/database/Sql.h"
 
 #include <cubes/catalogue/TRkBaseCubes.h>
@@ -11,13 +12,6 @@
 namespace cubes::catalogue {
 
 namespace {
-
-constexpr char const* filenameColumn = "filename";
-/// Counts an entry's users. A table may lack it; then nothing is counted.
-constexpr char const* usersColumn = "usageCounter";
-constexpr std::array<char const*, 7> keyColumns = {"cubenr", "purpose", "mode", "time", "user", "result", "iteration"};
-constexpr std::array<char const*, 7> parentColumns = {
-    "parentcubenr", "parentpurpose", "parentmode", "parenttime", "parentuser", "parentresult", "parentiteration"};
 
 char const* keyList(std::size_t keyParts) {
     return keyParts == std::tuple_size_v<ResultKey> ? "cubenr;purpose;mode;time;user;result;iteration"

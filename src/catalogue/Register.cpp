@@ -1,6 +1,7 @@
 #include "catalogue/Register.h"
 
 #include "catalogue/EntryTable.h"
+#include "catalogue/Tables.h"
 #include "host/database/Transaction.h"
 
 #include <algorithm>
@@ -10,8 +11,7 @@ namespace cubes::catalogue {
 
 namespace {
 
-constexpr char const* numberColumn = "cubenr";
-constexpr char const* nameColumn = "name";
+constexpr char const* numberColumn = keyColumns[0];
 
 // The number that a new cube takes; nothing when the numbers are used up.
 std::optional<short> nextNumber(Rktable::TRkTableProxy& table) {

@@ -1,7 +1,7 @@
 #include <cubes/project/Project.h>
 
+#include "catalogue/Tables.h"
 #include "host/database/DatabaseUrl.h"
-#include "host/database/Definitions.h"
 #include "host/database/Transaction.h"
 #include "host/platform/Files.h"
 #include "host/platform/Paths.h"
@@ -50,7 +50,7 @@ std::string resolvedUrl(std::string const& root, std::string const& url) {
 std::string freeSchema(database::Session& session, std::string const& root) {
     std::string const proposal = ProjectUtils::toSqlSchemaName(AnsiString(root), {}).c_str();
     std::string schema = proposal;
-    for (int number = 2; database::belongsToProject(session, schema); ++number) {
+    for (int number = 2; catalogue::belongsToProject(session, schema); ++number) {
         std::string const tail = "_" + std::to_string(number);
         schema = proposal.substr(0, 63 - tail.size()) + tail;
     }
@@ -132,7 +132,7 @@ Project Project::create(std::string const& directory, ProjectOptions const& opti
     auto& session = parts->connection.Backend();
     database::Transaction transaction(session, session.dialect().lockDefinitions());
     parts->link.schema = file.schema = freeSchema(session, root);
-    database::makeMissingTables(session, file.schema);
+    catalogue::createMissingTables(session, file.schema);
     created.expectFile(project::projectFilePath(root));
     project::writeProjectFile(file, root);
     transaction.commit();
@@ -153,7 +153,7 @@ Project Project::open(std::string const& directory) {
     auto parts = std::make_unique<Parts>(root, file, url);
     parts->link.schema =
         file.schema.empty() ? ProjectUtils::toSqlSchemaName(AnsiString(root), {}).c_str() : file.schema;
-    database::makeMissingTables(parts->connection.Backend(), parts->link.schema);
+    catalogue::createMissingTables(parts->connection.Backend(), parts->link.schema);
     parts->makeCurrent();
     return Project(std::move(parts));
 }

@@ -1,8 +1,8 @@
 #include "store/EntryWriting.h"
 
 #include "catalogue/EntryFile.h"
-#include "host/database/Transaction.h"
 #include "host/database/Session.h"
+#include "host/database/Transaction.h"
 #include "host/matrix/StagedFile.h"
 #include "host/matrix/WriteLock.h"
 #include "host/platform/Files.h"

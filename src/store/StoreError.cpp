@@ -1,5 +1,6 @@
 #include <cubes/store/StoreError.h>
 
+#include "host/database/SqlState.h"
 #include "store/Failure.h"
 
 #include <algorithm>
@@ -36,8 +37,8 @@ struct StateReason {
     Reason reason;
 };
 
-constexpr StateReason stateReasons[] = {
-    {"25006", Reason::readOnly}, {"42501", Reason::readOnly}, {"53100", Reason::noSpace}};
+constexpr StateReason stateReasons[] = {{database::sqlstate::readOnly, Reason::readOnly},
+    {database::sqlstate::missingRight, Reason::readOnly}, {database::sqlstate::diskFull, Reason::noSpace}};
 
 }
 

@@ -1,11 +1,11 @@
 #include "store/StoreTables.h"
 
 #include "catalogue/StoredName.h"
+#include "catalogue/Tables.h"
 #include "host/database/Session.h"
-#include "host/database/Transaction.h"
+#include "host/database/SqlState.h"
 #include "host/matrix/StagedFile.h"
 
-#include <cubes/catalogue/TRkBaseCubes.h>
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkDatabaseException.h>
 #include <cubes/project/TRkGlobalSettings.h>
@@ -14,21 +14,18 @@
 
 namespace cubes::store {
 
+using catalogue::contentColumn;
+using catalogue::directoryColumn;
 using catalogue::findKind;
+using catalogue::keyColumns;
 using catalogue::noParent;
 using catalogue::ResultKey;
 using hdf5::Id128;
 
 namespace {
 
-constexpr char const* cubesSchema = "public";
-constexpr char const* contentName = "cubes_content";
-constexpr char const* directoryColumn = "directory";
-constexpr char const* contentColumn = "content";
-
 constexpr std::size_t cubeParts = std::tuple_size_v<catalogue::CubeKey>;
 constexpr std::size_t resultParts = std::tuple_size_v<ResultKey>;
-constexpr char const* keyColumns[] = {"cubenr", "purpose", "mode", "time", "user", "result", "iteration"};
 
 constexpr short notSet = -1;
 
@@ -58,7 +55,7 @@ std::string joined(std::span<short const> parts) {
 
 // What one may do without: the database keeps the rows of the entries, but takes no table of ours.
 bool isMissingRight(TRkDatabaseException const& error) {
-    for (char const* const state : {"42501", "25006", "3F000"})
+    for (char const* const state : {database::sqlstate::missingRight, database::sqlstate::readOnly})
         if (error.SqlState() == state) return true;
     return false;
 }
@@ -70,12 +67,12 @@ database::Session& StoreTables::session() const {
 }
 
 catalogue::Register StoreTables::cubes() const {
-    return catalogue::Register(opened(connection_, TRkBaseCubes::ObjectName, {}));
+    return catalogue::Register(opened(connection_, catalogue::registerTable, {}));
 }
 
 Rows StoreTables::rows(bool ofResults) const {
-    return ofResults ? Rows(opened(connection_, "cube5data1", schema_), resultParts)
-                     : Rows(opened(connection_, "cube4data1", cubesSchema), cubeParts);
+    return ofResults ? Rows(opened(connection_, catalogue::resultEntriesTable, schema_), resultParts)
+                     : Rows(opened(connection_, catalogue::cubeEntriesTable, catalogue::sharedSchema), cubeParts);
 }
 
 std::string StoreTables::directory(bool ofResults) const {
@@ -114,36 +111,17 @@ std::string StoreTables::text(EntryKey const& key, catalogue::Register& names) c
 }
 
 std::string StoreTables::contentSchema(bool ofResults) const {
-    return ofResults ? schema_ : cubesSchema;
+    return ofResults ? schema_ : catalogue::sharedSchema;
 }
 
 bool StoreTables::hasContentTable(bool ofResults) const {
-    return session().systemTables().find(contentSchema(ofResults), contentName) != nullptr;
-}
-
-void StoreTables::makeContentTable(bool ofResults) const {
-    auto& session = this->session();
-    auto const lock = session.lock();
-    database::Transaction transaction(session, session.dialect().lockDefinitions());
-    if (!hasContentTable(ofResults)) {
-        std::string columns;
-        std::string key;
-        for (std::size_t i = 0; i < keyParts(ofResults); ++i) {
-            std::string const name = database::quoted(keyColumns[i]);
-            columns += name + " smallint NOT NULL, ";
-            key += (i ? ", " : "") + name;
-        }
-        session.execute("CREATE TABLE " + session.dialect().qualifiedName(contentSchema(ofResults), contentName) +
-                        " (" + columns + "\"directory\" varchar(32), \"content\" varchar(32), PRIMARY KEY (" + key +
-                        "))" + session.dialect().tableOptions());
-    }
-    transaction.commit();
+    return session().systemTables().find(contentSchema(ofResults), catalogue::contentTable) != nullptr;
 }
 
 Id128 StoreTables::recordedDirectory(EntryKey const& key) const {
     auto const lock = session().lock();
     if (!hasContentTable(key.isResult())) return {};
-    auto const cursor = opened(connection_, contentName, contentSchema(key.isResult()));
+    auto const cursor = opened(connection_, catalogue::contentTable, contentSchema(key.isResult()));
     if (!catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(key.numbers())) return {};
     return Id128::parse(cursor->FieldByName(directoryColumn)->AsString().str()).value_or(Id128());
 }
@@ -151,8 +129,8 @@ Id128 StoreTables::recordedDirectory(EntryKey const& key) const {
 void StoreTables::record(EntryKey const& key, Id128 const& directory, Id128 const& content) const {
     try {
         auto const lock = session().lock();
-        if (!hasContentTable(key.isResult())) makeContentTable(key.isResult());
-        auto const cursor = opened(connection_, contentName, contentSchema(key.isResult()));
+        catalogue::createContentTable(session(), contentSchema(key.isResult()), keyParts(key.isResult()));
+        auto const cursor = opened(connection_, catalogue::contentTable, contentSchema(key.isResult()));
         auto const numbers = key.numbers();
         if (catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(numbers)) {
             cursor->Edit();
@@ -173,7 +151,7 @@ void StoreTables::record(EntryKey const& key, Id128 const& directory, Id128 cons
 void StoreTables::forget(EntryKey const& key) const {
     auto const lock = session().lock();
     if (!hasContentTable(key.isResult())) return;
-    auto const cursor = opened(connection_, contentName, contentSchema(key.isResult()));
+    auto const cursor = opened(connection_, catalogue::contentTable, contentSchema(key.isResult()));
     if (catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(key.numbers())) cursor->Delete();
 }
 

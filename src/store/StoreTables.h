@@ -73,8 +73,6 @@ public:
 private:
     std::string contentSchema(bool ofResults) const;
     bool hasContentTable(bool ofResults) const;
-    void makeContentTable(bool ofResults) const;
-    std::string contentTable(bool ofResults) const;
 
     Pgaccess::TPgConnection& connection_;
     TRkGlobalSettings const& settings_;

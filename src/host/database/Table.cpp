@@ -1,4 +1,5 @@
 #include "host/database/Table.h"
+#include "host/platform/NarrowText.h"
 
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
@@ -12,13 +13,9 @@ namespace cubes::database {
 
 namespace {
 
-char small(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool equalsIgnoringCase(std::string_view first, std::string_view second) {
-    return std::equal(
-        first.begin(), first.end(), second.begin(), second.end(), [](char a, char b) { return small(a) == small(b); });
+    return std::equal(first.begin(), first.end(), second.begin(), second.end(),
+        [](char a, char b) { return platform::asciiLower(a) == platform::asciiLower(b); });
 }
 
 }

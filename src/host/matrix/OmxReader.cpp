@@ -1,6 +1,7 @@
 #include "host/matrix/OmxReader.h"
 
 #include "host/matrix/Elements.h"
+#include "host/platform/NarrowText.h"
 
 #include <xxhash.h>
 
@@ -114,10 +115,8 @@ bool isDataset(hid_t group, std::string const& name, int dimensions) {
 
 constexpr std::array usualNames = {"zone", "zones", "zone_number", "zone number", "zoneid", "zone_id", "no", "taz"};
 
-bool isUsualName(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(),
-        [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return std::find(usualNames.begin(), usualNames.end(), name) != usualNames.end();
+bool isUsualName(std::string const& name) {
+    return std::find(usualNames.begin(), usualNames.end(), platform::asciiLower(name)) != usualNames.end();
 }
 
 // Empty when it is not clear which lookup has them.

@@ -1,5 +1,7 @@
 #include <cubes/project/ProjectUtils.h>
 
+#include "host/platform/NarrowText.h"
+
 #include <cubes/text/TRkException.h>
 
 #include <algorithm>
@@ -24,8 +26,8 @@ bool isDigit(char c) {
 }
 
 char nameCharacter(char c) {
-    if (c >= 'A' && c <= 'Z') return static_cast<char>(c - 'A' + 'a');
-    return (c >= 'a' && c <= 'z') || isDigit(c) ? c : '_';
+    char const lower = cubes::platform::asciiLower(c);
+    return (lower >= 'a' && lower <= 'z') || isDigit(lower) ? lower : '_';
 }
 
 }

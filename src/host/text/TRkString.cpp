@@ -1,5 +1,7 @@
 #include <cubes/text/TRkString.h>
 
+#include "host/platform/NarrowText.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -48,10 +50,7 @@ std::vector<TRkString> TRkString::Split(char separator) const {
 }
 
 TRkString TRkString::ToLower() const {
-    std::string lower = text_;
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return TRkString(std::move(lower));
+    return TRkString(cubes::platform::asciiLower(text_));
 }
 
 int TRkString::ToInteger() const noexcept {

@@ -1,4 +1,4 @@
-#include "host/database/Definitions.h"
+#include "catalogue/Tables.h"
 #include "host/database/Session.h"
 #include "host/database/Sql.h"
 #include "host/database/TableTest.h"
@@ -6,13 +6,13 @@
 
 namespace {
 
-using cubes::database::makeMissingTables;
+using cubes::catalogue::createMissingTables;
 using cubes::test::Backend;
 using cubes::test::Rows;
 
 void makeOn(std::string const& url) {
     Pgaccess::TPgConnection connection(url);
-    makeMissingTables(connection.Backend(), "delta");
+    createMissingTables(connection.Backend(), "delta");
 }
 
 cubes::test::ChildTask const making("making", [](int, std::string const& url) { makeOn(url); });
