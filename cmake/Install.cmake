@@ -15,6 +15,7 @@ install(DIRECTORY include/cubes DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${PROJECT_BINARY_DIR}/generated/cubes/Export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cubes)
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.cpp)
 
 install(EXPORT cubes NAMESPACE cubes:: FILE cubesTargets.cmake DESTINATION ${cubes_cmake_dir})
 configure_package_config_file(cmake/cubesConfig.cmake.in ${PROJECT_BINARY_DIR}/cubesConfig.cmake

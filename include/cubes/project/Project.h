@@ -20,15 +20,15 @@ struct ProjectOptions {
     /// "sqlite:PATH" or "postgresql://..."; default what CUBES_DATABASE says in the environment,
     /// else "sqlite:cubes.db". A password in it serves to connect and is not stored: whoever opens
     /// the project later gives it by the ways of libpq (a password file, a service, PGPASSWORD).
-    std::string database;
+    std::string database = {};
     /// Where the matrix files of four-key cubes lie; default "matrices".
-    std::string matrixDirectory;
+    std::string matrixDirectory = {};
     /// Where the matrix files of result cubes lie; default "results".
-    std::string workingDirectory;
+    std::string workingDirectory = {};
     /// How matrix files are stored: "plain" (the default) or "deflate".
-    std::string storage;
+    std::string storage = {};
     /// Whether a written matrix file is flushed to disk: "full" (the default) or "process".
-    std::string durability;
+    std::string durability = {};
 };
 
 /// A project: a directory with a "cubes.toml", its database and its matrix directories. The only
