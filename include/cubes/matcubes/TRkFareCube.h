@@ -43,7 +43,8 @@ public:
     double Get(short p, short m, short t, short u, int i, int j, RkLockState lock, bool zeroBased) const;
     double Get(
         char const* cubeName, short p, short m, short t, short u, int i, int j, RkLockState lock, bool zeroBased) const;
-    /// Writes the matrix into the file of an entry that exists.
+    /// Replaces the matrix of an entry that exists; row and usage counter are kept. When writing fails, the old matrix
+    /// stays. False for a missing entry: Add it first.
     bool Set(short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock, bool zeroBased);
     bool Set(char const* cubeName, short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock,
         bool zeroBased);

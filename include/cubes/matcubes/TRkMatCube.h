@@ -38,7 +38,9 @@ public:
     TRkMatrixHeader const* GetHeader(short p, short m, short t, short u, bool zeroBased) const;
     TRkMatrix* Get(short p, short m, short t, short u, RkLockState lock, bool zeroBased) const;
     double Get(short p, short m, short t, short u, int i, int j, RkLockState lock, bool zeroBased) const;
-    /// Replaces the entry.
+    /// Clears the entry when it exists, registers cube and entry, and writes the file. When writing then fails, the old
+    /// matrix and the usage counter are lost, and the entry stays without a file; cubes::EntryStore::put replaces a
+    /// matrix without that risk.
     bool Set(short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock, bool zeroBased);
 
     /// Copies within the cube. With `failIfExists` an existing target entry throws ecMatrixExists;

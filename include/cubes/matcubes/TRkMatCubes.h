@@ -134,11 +134,13 @@ public:
     /// The header of the entry's file, see TRkMatrix::GetHeader; null when it cannot be had.
     TRkMatrixHeader const* GetHeader(char const* cubeName, short p, short m, short t, short u, bool zeroBased) const;
 
-    /// Writes the matrix into the file of an entry that exists; row and counter are kept.
+    /// Replaces the matrix of an entry that exists; row and usage counter are kept. When writing fails, the old matrix
+    /// stays. False for a missing entry.
     bool Set(
         short cubenr, short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock, bool zeroBased);
-    /// Clears the entry when it exists, registers cube and entry, and writes the file. Give it a
-    /// matrix that is not bound to the entry's own file.
+    /// Clears the entry when it exists, registers cube and entry, and writes the file. When writing then fails, the old
+    /// matrix and the usage counter are lost, and the entry stays without a file; cubes::EntryStore::put replaces a
+    /// matrix without that risk. REQUIRES: the matrix is not bound to the entry's own file.
     bool Set(char const* cubeName, short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock,
         bool zeroBased);
     /// Writes the matrix into the file that the key names; the row is not asked. Onto the matrix's

@@ -38,7 +38,8 @@ public:
     bool SaveMatrix(TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i, RkLockState lock,
         bool zeroBased) override;
 
-    /// Stores an entry; always true. An existing entry is cleared first, together with its file.
+    /// Stores an entry; always true. An existing entry is cleared first, together with its file: when the step after
+    /// that fails, the old routes are lost. cubes::EntryStore::putFile replaces a file without that risk.
     ///
     /// For a RouteStorageCubeData with a storage: sets the storage's cube type and one-based key and
     /// copies its file. When that file does not exist, or was the entry's own and has just been

@@ -114,9 +114,12 @@ public:
     virtual bool Move(TRkVarCubes const& other, short p, short m, short t, short u, short r, short i, short toP,
         short toM, short toT, short toU, short toR, short toI, bool failIfExists, bool zeroBased);
 
-    /// Clears the entry when it exists, adds it and writes its file. Give it a matrix that is not
-    /// bound to the entry's own file, and a one-based key: with `zeroBased` the row is added under
-    /// the key as it is handed in, with parent cube 1, and so is not found under the file's key.
+    /// Clears the entry when it exists, adds it without a parent, and writes its file. When writing then fails, the old
+    /// matrix, the parent and the usage counter are lost, and the entry stays without a file; cubes::EntryStore::put
+    /// replaces a matrix without that risk, and keeps the parent.
+    ///
+    /// REQUIRES: the matrix is not bound to the entry's own file. Pass a one-based key: with `zeroBased` the row is
+    /// added under the key as it is passed, with parent cube 1, and so is not found under the file's key.
     virtual bool Set(short p, short m, short t, short u, short r, short i, TRkMatrix const& matrix, RkLockState lock,
         bool zeroBased);
 
