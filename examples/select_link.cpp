@@ -33,8 +33,8 @@ static TRkMatrix tripsOver(std::uint32_t link, std::string const& path, TRkMatri
     Route route{};
     for (std::int64_t i = 0; i < found.count; ++i) {
         require(routes.getInterface()->getRoute(found.numbers[i], &route) == rrDone);
-        selected.WritableRow(route.origin - 1)[route.destination - 1] +=
-            route.share * trips.At(route.origin, route.destination);
+        float* const row = selected.WritableRow(route.origin - 1).data();
+        row[route.destination - 1] += route.share * trips.At(route.origin, route.destination);
     }
     return selected;
 }

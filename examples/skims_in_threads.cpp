@@ -1,10 +1,10 @@
 // Stores 100 skims in four threads through one store, and reads them back.
 #include <cubes/cubes.h>
 
-#include <array>
 #include <exception>
 #include <future>
 #include <iostream>
+#include <vector>
 
 namespace {
 
@@ -35,9 +35,9 @@ int main(int count, char** arguments) {
         cubes::Project const project = cubes::Project::create(arguments[1], {.storage = "deflate"});
         cubes::EntryStore& store = project.store();
 
-        std::array<std::future<void>, threads> work;
+        std::vector<std::future<void>> work;
         for (short thread = 0; thread < threads; ++thread)
-            work[thread] = std::async(std::launch::async, [&store, thread] { storeSkims(store, thread); });
+            work.push_back(std::async(std::launch::async, [&store, thread] { storeSkims(store, thread); }));
         for (auto& done : work) done.get(); // throws what was thrown in the thread
 
         int stored = 0;
