@@ -1,5 +1,5 @@
-# What an installation holds: the library, its headers, a CMake package and a pkg-config file.
-# (The tool installs itself.) Nothing in it names the place where it was built or is installed.
+# What is installed: the library, its headers, a CMake package and a pkg-config file. (The tool's own CMakeLists.txt
+# installs it.) Nothing in it names the directory where it was built or installed.
 include(CMakePackageConfigHelpers)
 
 set(cubes_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cubes)

@@ -1,5 +1,5 @@
 # cubes_unite_folders(TARGET): where CMAKE_UNITY_BUILD is on, the files of a folder are compiled as one,
-# which takes a fifth of the time: most of it goes into the standard library's headers.
+# which takes a fifth of the time: most of it is spent on the standard library's headers.
 function(cubes_unite_folders target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
   get_target_property(sources ${target} SOURCES)
@@ -10,7 +10,7 @@ function(cubes_unite_folders target)
   endforeach()
 endfunction()
 
-# compiled_alone(SOURCE...): what has the same names as files beside it.
+# compiled_alone(SOURCE...): excludes files that use the same names as others of their folder.
 function(compiled_alone)
   set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()

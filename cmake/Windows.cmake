@@ -1,8 +1,8 @@
-# Nothing here tells source lines from what this compiler writes of them, but every start reads it.
+# No tool here reads this compiler's debug information on Windows, but every start of a program loads it.
 add_link_options(-s)
 
-# The run-time libraries that lie beside every program and library for Windows, in the build as in
-# an installation. Debian's carry debug information of many megabytes, which nobody asks for.
+# The run-time libraries that lie beside every program and library for Windows, in the build and in
+# an installation. Debian's contain many megabytes of debug information, which are removed.
 set(CUBES_RUNTIME_LIBRARIES ${CMAKE_BINARY_DIR}/runtime)
 
 foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
@@ -18,7 +18,7 @@ endforeach()
 find_file(CUBES_LIBPQ libpq.dll PATH_SUFFIXES bin REQUIRED)
 file(COPY ${CUBES_LIBPQ} DESTINATION ${CUBES_RUNTIME_LIBRARIES})
 
-# cubes_runtime_beside(DIRECTORY): puts them there.
+# cubes_runtime_beside(DIRECTORY): copies them to a directory.
 function(cubes_runtime_beside directory)
   file(GLOB libraries ${CUBES_RUNTIME_LIBRARIES}/*.dll)
   file(COPY ${libraries} DESTINATION ${directory})

@@ -3,8 +3,8 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$root/build/release
 
-# build_release [CMake option]...: configures and builds the preset "release". Warnings of a compiler
-# that we do not know are no reason to refuse a user; they are errors where changes are checked.
+# build_release [CMake option]...: configures and builds the preset "release". Compiler warnings are errors
+# only where changes are checked: a user's compiler may be one that we do not know.
 build_release() {
     local strict=OFF
     [ "${CI:-}" != true ] || strict=ON
