@@ -1,6 +1,7 @@
 #include <cubes/store/EntryStore.h>
 
 #include "catalogue/Kinds.h"
+#include "host/database/Session.h"
 #include "host/platform/Files.h"
 #include "store/EntryWalk.h"
 #include "store/EntryWriting.h"
@@ -64,6 +65,12 @@ catalogue::Kind const* kindAt(std::string_view text) {
     return number ? findKind(*number) : nullptr;
 }
 
+std::vector<EntryKey> keysOf(EntryRange entries) {
+    std::vector<EntryKey> keys;
+    for (auto const& entry : entries) keys.push_back(entry.key);
+    return keys;
+}
+
 }
 
 InUse::InUse(InUse&& other) noexcept : store_(std::exchange(other.store_, nullptr)), key_(other.key_) {}
@@ -123,6 +130,11 @@ std::string EntryStore::text(EntryKey const& key) const {
     return reporting({"name an entry", {}}, [&] { return tables_->text(key); });
 }
 
+store::Task EntryStore::taskFor(char const* verb, EntryKey const& key) const {
+    std::string const name = text(key);
+    return {std::string(verb) + " " + name, name};
+}
+
 std::vector<CubeInfo> EntryStore::cubes() const {
     return reporting({"list the cubes", {}}, [this] {
         std::vector<CubeInfo> found;
@@ -162,9 +174,10 @@ short EntryStore::addCube(std::string const& name) {
 
 std::size_t EntryStore::removeCube(short cube) {
     Task const task{"remove cube " + std::to_string(cube), {}};
-    std::size_t const removed = removeAll(EntrySelection{.cube = std::to_string(cube)});
-    reporting(task, [&] { tables_->cubes().remove(cube); });
-    return removed;
+    if (findKind(cube)) task.fail(Reason::invalidKey, "every project has it");
+    if (!findCube(std::to_string(cube))) task.fail(Reason::notFound, "there is no such cube");
+    auto const keys = keysOf(entries({.cube = std::to_string(cube)}));
+    return reporting(task, [&] { return EntryWriting(*tables_).removeAll(task, keys, cube); });
 }
 
 std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
@@ -172,7 +185,7 @@ std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
 }
 
 TRkMatrix EntryStore::get(EntryKey const& key) const {
-    Task const task{"read " + text(key), text(key)};
+    auto const task = taskFor("read", key);
     auto const& kind = catalogue::kindOf(key.cube());
     if (kind.holdsRoutes) task.fail(Reason::invalidKey, "it holds routes and no matrix");
     return reporting(task, [&] {
@@ -196,15 +209,19 @@ EntryRange EntryStore::entries(EntrySelection const& selection) const {
         [&] { return EntryRange(std::make_unique<EntryWalk>(*tables_, store::stagesOf(selection, cube))); });
 }
 
+static EntryWriting::Change changeOf(PutOptions const& options) {
+    return {options.exists, {options.parent.has_value(), options.parent}};
+}
+
 void EntryStore::put(EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options) {
-    Task const task{"store " + text(key), text(key)};
-    reporting(task, [&] { EntryWriting(*tables_).put(task, key, matrix, options); });
+    auto const task = taskFor("store", key);
+    reporting(task, [&] { EntryWriting(*tables_).put(task, key, matrix, changeOf(options)); });
 }
 
 void EntryStore::putFile(EntryKey const& key, FileWriter const& write, PutOptions const& options) {
-    Task const task{"store " + text(key), text(key)};
+    auto const task = taskFor("store", key);
     try {
-        reporting(task, [&] { EntryWriting(*tables_).putFile(task, key, write, options); });
+        reporting(task, [&] { EntryWriting(*tables_).putFile(task, key, write, changeOf(options)); });
     } catch (store::CallbackFailure const& failure) {
         std::rethrow_exception(failure.error);
     }
@@ -228,11 +245,24 @@ void EntryStore::copyFrom(EntryStore& source, EntryKey const& from, EntryKey con
         if (&source == this && from == to) return;
         EntryWriting const reading(*source.tables_);
         EntryWriting const writing(*tables_);
+        if (&source != this) requireOtherFile(task, source, from, to);
         auto const entry = reading.require(task, from);
-        if (shareFiles(from, to)) return writing.putCopy(task, to, reading.requireFile(task, entry), options.exists);
-        writing.put(task, to, source.get(from), {{}, options.exists});
-        if (to.isResult()) setParent(to, std::nullopt);
+        EntryWriting::Change const change{options.exists, {to.isResult(), std::nullopt}};
+        if (shareFiles(from, to)) return writing.putCopy(task, to, reading.requireFile(task, entry), change);
+        writing.put(task, to, source.get(from), change);
     });
+}
+
+// The entry of one project may be that of another: results have tables of their own, entries of cubes have not.
+void EntryStore::requireOtherFile(
+    store::Task const& task, EntryStore const& source, EntryKey const& from, EntryKey const& to) const {
+    auto const directory = [&](EntryStore const& store, EntryKey const& key) {
+        return store.tables_->directory(key.isResult());
+    };
+    bool const sharesRow =
+        from == to && !from.isResult() && source.tables_->session().url() == tables_->session().url();
+    if (sharesRow || platform::isSameDirectory(directory(source, from), directory(*this, to)))
+        task.fail(Reason::otherDirectory, "both projects keep it in one directory or in one row of the database");
 }
 
 void EntryStore::move(EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
@@ -241,33 +271,29 @@ void EntryStore::move(EntryKey const& from, EntryKey const& to, CopyOptions cons
         if (from == to) return;
         EntryWriting const writing(*tables_);
         auto const entry = writing.require(task, from);
-        if (entry.users != 0)
-            task.fail(Reason::inUse, entry.text + " is in use (users: " + std::to_string(entry.users) + ")");
-        if (shareFiles(from, to)) return writing.rename(task, entry, to, options.exists);
-        writing.put(task, to, get(from), {to.isResult() ? entry.parent : std::nullopt, options.exists});
-        writing.remove(task, from);
+        writing.requireFree(task, entry);
+        EntryWriting::Change const change{
+            options.exists, {to.isResult(), to.isResult() ? entry.parent : std::nullopt}, entry};
+        if (shareFiles(from, to)) return writing.rename(task, to, change);
+        writing.put(task, to, get(from), change);
     });
 }
 
 void EntryStore::moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
     if (&source == this) return move(from, to, options);
-    auto const entry = source.find(from);
-    if (entry && entry->users != 0)
-        Task{"move " + entry->text, entry->text}.fail(
-            Reason::inUse, "it is in use (users: " + std::to_string(entry->users) + ")");
+    if (auto const entry = source.find(from))
+        EntryWriting(*source.tables_).requireFree({"move " + entry->text, entry->text}, *entry);
     copyFrom(source, from, to, options);
     source.remove(from);
 }
 
 void EntryStore::remove(EntryKey const& key) {
-    Task const task{"remove " + text(key), text(key)};
+    auto const task = taskFor("remove", key);
     reporting(task, [&] { EntryWriting(*tables_).remove(task, key); });
 }
 
 std::size_t EntryStore::removeAll(EntrySelection const& selection) {
-    std::vector<EntryKey> keys;
-    for (auto const& entry : entries(selection)) keys.push_back(entry.key);
-    return removeAll(keys);
+    return removeAll(keysOf(entries(selection)));
 }
 
 std::size_t EntryStore::removeAll(std::vector<EntryKey> const& keys) {
@@ -276,25 +302,26 @@ std::size_t EntryStore::removeAll(std::vector<EntryKey> const& keys) {
 }
 
 std::optional<EntryKey> EntryStore::parent(EntryKey const& key) const {
-    Task const task{"read the parent of " + text(key), text(key)};
+    auto const task = taskFor("read the parent of", key);
     auto const entry = find(key);
     if (!entry) task.fail(Reason::notFound, "there is no such entry");
     return entry->parent;
 }
 
 void EntryStore::setParent(EntryKey const& key, std::optional<EntryKey> const& parent) {
-    Task const task{"set the parent of " + text(key), text(key)};
+    auto const task = taskFor("set the parent of", key);
     if (!key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
     reporting(task, [&] {
         auto rows = tables_->rows(true);
         if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");
-        if (rows->users() != 0) task.fail(Reason::inUse, "it is in use (users: " + std::to_string(rows->users()) + ")");
+        if (long const users = rows->users())
+            task.fail(Reason::inUse, "it is in use (users: " + std::to_string(users) + ")");
         if (!rows->setParent(store::numbersOf(parent))) task.fail(Reason::notFound, "it was removed meanwhile");
     });
 }
 
 std::vector<EntryKey> EntryStore::children(EntryKey const& key) const {
-    return reporting({"list the children of " + text(key), text(key)}, [&] {
+    return reporting(taskFor("list the children of", key), [&] {
         std::vector<EntryKey> found;
         std::string const condition = tables_->rows(true)->childrenOf(store::numbersOf(key));
         for (EntryWalk walk(*tables_, {{true, condition}}); !walk.isAtEnd(); walk.advance())
@@ -307,11 +334,14 @@ Lineage EntryStore::lineage(EntryKey const& key) const {
     // All results are read once: asking for the children of each would read them as often.
     std::map<EntryKey, std::vector<EntryKey>> children;
     std::map<EntryKey, EntryKey> parents;
-    for (auto const& entry : entries())
-        if (entry.parent) {
+    reporting(taskFor("list the lineage of", key), [&] {
+        for (EntryWalk walk(*tables_, {{true, {}}}); !walk.isAtEnd(); walk.advance()) {
+            auto const& entry = walk.current();
+            if (!entry.parent) continue;
             children[*entry.parent].push_back(entry.key);
             parents.emplace(entry.key, *entry.parent);
         }
+    });
     Lineage lineage;
     std::set<EntryKey> seen = {key};
     for (auto up = parents.find(key); up != parents.end() && seen.insert(up->second).second;
@@ -345,7 +375,7 @@ long EntryStore::removeUser(EntryKey const& key) {
 }
 
 long EntryStore::changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*change)()) {
-    Task const task{"count the users of " + text(key), text(key)};
+    auto const task = taskFor("count the users of", key);
     return reporting(task, [&] {
         auto rows = tables_->rows(key.isResult());
         if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");

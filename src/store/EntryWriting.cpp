@@ -25,24 +25,39 @@ namespace {
 // Kinds above this one belong to a matrix itself and outlive its saving in a cube.
 constexpr unsigned lastCubeKind = 31;
 
-// Undoes a step unless what follows it succeeds.
-class Undo {
+// The content of a file under a second name, which puts it back unless the replacement is to stay.
+class Replaced {
 public:
-    explicit Undo(std::function<void()> work) : work_(std::move(work)) {}
-    ~Undo() {
-        try {
-            if (work_) work_();
-        } catch (std::exception const&) {
-            // The error that led here is the one to report.
-        }
+    explicit Replaced(std::string const& target) : target_(target) {
+        if (!platform::exists(target)) return;
+        aside_ = platform::temporaryPath(target);
+        platform::linkOrCopy(target, aside_);
     }
-    Undo(Undo const&) = delete;
-    Undo& operator=(Undo const&) = delete;
+    ~Replaced() {
+        try {
+            if (!stays_) putBack();
+        } catch (std::system_error const&) {
+            // The error that led here is the one to report; the old file lies under its second name.
+            return;
+        }
+        if (!aside_.empty()) platform::discardFile(aside_);
+    }
+    Replaced(Replaced const&) = delete;
+    Replaced& operator=(Replaced const&) = delete;
 
-    void dismiss() noexcept { work_ = nullptr; }
+    void stay() noexcept { stays_ = true; }
 
 private:
-    std::function<void()> work_;
+    void putBack() {
+        if (aside_.empty())
+            platform::discardFile(target_);
+        else
+            platform::renameFile(aside_, target_);
+    }
+
+    std::string const& target_;
+    std::string aside_;
+    bool stays_ = false;
 };
 
 matrix::MatrixContent contentOf(TRkMatrix const& matrix, catalogue::Kind const& kind) {
@@ -56,17 +71,15 @@ matrix::MatrixContent contentOf(TRkMatrix const& matrix, catalogue::Kind const& 
     return content;
 }
 
-// Routes that keep their content under another key say where they are now.
-void restampFile(std::string const& path, hdf5::FileStamp const& stamp) {
-    auto file = platform::File::openShared(path);
-    hdf5::restamp(file, stamp);
-}
-
-void flushAfterRename(std::string const& left, std::string const& target) {
-    if (!isToBeFlushed(target)) return;
-    platform::flushDirectory(platform::directoryOf(target));
-    if (!platform::isSamePath(platform::directoryOf(left), platform::directoryOf(target)))
-        platform::flushDirectory(platform::directoryOf(left));
+// Replaces the target. Returns the error of a flush that failed afterwards.
+std::optional<TRkMatrixException> publish(StagedFile& staged) {
+    try {
+        staged.publish();
+        return std::nullopt;
+    } catch (TRkMatrixException const& error) {
+        if (!staged.isPublished()) throw;
+        return error;
+    }
 }
 
 }
@@ -74,8 +87,7 @@ void flushAfterRename(std::string const& left, std::string const& target) {
 std::optional<EntryInfo> EntryWriting::find(EntryKey const& key) const {
     auto rows = tables_.rows(key.isResult());
     if (!rows->locate(key.numbers())) return std::nullopt;
-    auto names = tables_.cubes();
-    return tables_.info(rows, key.isResult(), names);
+    return tables_.info(rows, key.isResult(), names_);
 }
 
 EntryInfo EntryWriting::require(Task const& task, EntryKey const& key) const {
@@ -95,7 +107,11 @@ std::string EntryWriting::requireFile(Task const& task, EntryInfo const& entry) 
 }
 
 void EntryWriting::requireOwn(Task const& task, EntryKey const& key) const {
-    auto const recorded = tables_.recordedDirectory(key);
+    if (auto contents = tables_.contents(key.isResult())) requireOwn(task, key, *contents);
+}
+
+void EntryWriting::requireOwn(Task const& task, EntryKey const& key, Rows& contents) const {
+    auto const recorded = tables_.recordedDirectory(key, contents);
     if (!recorded.isKnown()) return;
     auto const own = tables_.identity(key.isResult());
     if (!own.isKnown() || own == recorded) return;
@@ -115,7 +131,7 @@ void EntryWriting::requireStorable(Task const& task, EntryKey const& key) const 
         if (parts[i] < (i < partsFromOne ? 1 : 0))
             task.fail(
                 Reason::invalidKey, "purpose, mode, time and user run from 1 to 32767, result and iteration from 0");
-    if (!kind && !tables_.cubes().locate(key.cube()))
+    if (!kind && !names_.name(key.cube()))
         task.fail(Reason::notFound, "there is no cube " + std::to_string(key.cube()) + "; add the cube first");
 }
 
@@ -140,24 +156,8 @@ std::string EntryWriting::targetOf(
     return existing->file;
 }
 
-bool EntryWriting::insertRow(EntryKey const& key, std::optional<EntryKey> const& parent) const {
-    return tables_.rows(key.isResult())
-        ->insert(key.numbers(), catalogue::newFileName(key.numbers()), numbersOf(parent));
-}
-
-void EntryWriting::deleteRow(EntryKey const& key) const {
-    auto rows = tables_.rows(key.isResult());
-    if (rows->locate(key.numbers())) rows.cursor().Delete();
-}
-
-void EntryWriting::setParent(EntryKey const& key, std::optional<EntryKey> const& parent) const {
-    auto rows = tables_.rows(key.isResult());
-    if (!rows->locate(key.numbers()) || !rows->setParent(numbersOf(parent)))
-        throw TRkDatabaseException("the row was removed meanwhile", "02000");
-}
-
 hdf5::FileStamp EntryWriting::stampOf(EntryKey const& key) const {
-    auto const name = tables_.cubes().name(key.cube());
+    auto const name = names_.name(key.cube());
     auto const parts = key.parts();
     return {tables_.identity(key.isResult()), platform::toUtf8(name ? name->str() : kindOf(key.cube()).word),
         key.cube(), {parts.begin(), parts.end()}};
@@ -173,157 +173,162 @@ void EntryWriting::recordFile(EntryKey const& key, std::string const& file) cons
     }
 }
 
-void EntryWriting::store(
-    Task const& task, EntryKey const& key, OnExisting exists, Parentage const& parentage, Stage const& stage) const {
+void EntryWriting::store(Task const& task, EntryKey const& key, Change const& change, Write const& write) const {
     requireStorable(task, key);
     std::string const target = targetOf(task, key, find(key));
     if (kindOf(key.cube()).holdsRoutes) platform::createDirectories(platform::directoryOf(target));
+    std::optional<WriteLock> source;
+    if (change.movedFrom) source.emplace(change.movedFrom->file, WriteLock::Purpose::create);
     WriteLock const lock(target, WriteLock::Purpose::create);
     // What others did before the lock was held counts.
-    auto existing = find(key);
+    auto const existing = find(key);
     if (targetOf(task, key, existing) != target)
         task.fail(Reason::locked, "another program is changing the entry; try again");
-    if (existing) requireReplaceable(task, *existing, exists);
+    if (existing) requireReplaceable(task, *existing, change.exists);
 
-    auto const publish = stage(target);
-    if (!existing) {
-        if (platform::removeFile(target) && isToBeFlushed(target))
-            platform::flushDirectory(platform::directoryOf(target));
-        if (!insertRow(key, parentage.parent)) task.fail(Reason::locked, "another program is adding it; try again");
-    } else if (parentage.isReplaced && existing->parent != parentage.parent) {
-        setParent(key, parentage.parent);
-    }
-    Undo undo([&] {
-        if (!existing) return deleteRow(key);
-        if (parentage.isReplaced) setParent(key, existing->parent);
-    });
-    publish();
-    undo.dismiss();
-    recordFile(key, target);
+    StagedFile staged(target);
+    write(staged);
+    auto const late = commit(task, key, existing, change, staged);
+    if (change.movedFrom) leave(change.movedFrom->file, key, target);
+    if (late)
+        task.fail(reasonOf(late->Code()),
+            "it is done, but may not survive a power failure: the directory was not flushed: " + causeOf(*late),
+            target);
 }
 
-void EntryWriting::put(
-    Task const& task, EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options) const {
+// A moved file keeps its content, and says where it is now once it is nowhere else.
+void EntryWriting::leave(std::string const& source, EntryKey const& key, std::string const& target) const {
+    platform::discardFile(source);
+    try {
+        auto file = platform::File::openShared(target);
+        hdf5::restamp(file, stampOf(key));
+    } catch (std::exception const&) {
+        // The stamp is a hint: the row decides.
+    }
+}
+
+std::optional<TRkMatrixException> EntryWriting::commit(Task const& task, EntryKey const& key,
+    std::optional<EntryInfo> const& existing, Change const& change, StagedFile& staged) const {
+    bool const changesParent = existing && change.parentage.isReplaced && existing->parent != change.parentage.parent;
+    tables_.requireContentTable(key.isResult());
+    if (existing && !changesParent && !change.movedFrom) {
+        auto late = publish(staged);
+        recordFile(key, staged.target());
+        return late;
+    }
+    database::Transaction transaction(tables_.session());
+    if (change.movedFrom) takeRow(task, *change.movedFrom);
+    auto rows = tables_.rows(key.isResult());
+    auto const parent = numbersOf(change.parentage.parent);
+    if (!existing && !rows->insert(key.numbers(), catalogue::newFileName(key.numbers()), parent))
+        task.fail(Reason::locked, "another program is adding it; try again");
+    if (changesParent && (!rows->locate(key.numbers()) || !rows->setParent(parent)))
+        task.fail(Reason::notFound, "it was removed meanwhile");
+    Replaced replaced(staged.target());
+    auto late = publish(staged);
+    recordFile(key, staged.target());
+    transaction.commit();
+    replaced.stay();
+    return late;
+}
+
+void EntryWriting::takeRow(Task const& task, EntryInfo const& entry) const {
+    auto const taken = deleteRows(task, {entry.key});
+    if (taken.empty()) task.fail(Reason::notFound, entry.text + " was removed meanwhile");
+    if (taken.front().storedName != entry.storedName)
+        task.fail(Reason::locked, "another program is changing " + entry.text + "; try again");
+}
+
+void EntryWriting::put(Task const& task, EntryKey const& key, TRkMatrix const& matrix, Change const& change) const {
     auto const& kind = kindOf(key.cube());
     if (kind.holdsRoutes) task.fail(Reason::invalidKey, "it holds routes and no matrix");
     if (!matrix.IsValid()) task.fail(Reason::wrongShape, "the matrix is not valid: " + matrix.Reason());
-    if (options.parent && !key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
+    if (change.parentage.parent && !key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
     matrix.Prepare();
-    store(task, key, options.exists, {options.parent.has_value(), options.parent}, [&](std::string const& target) {
-        auto staged = std::make_shared<StagedFile>(target);
+    store(task, key, change, [&](StagedFile& staged) {
         auto content = contentOf(matrix, kind);
         content.stamp = stampOf(key);
-        staged->write(content);
-        return [staged] { staged->publish(); };
+        staged.write(content);
     });
 }
 
 void EntryWriting::putFile(
-    Task const& task, EntryKey const& key, EntryStore::FileWriter const& write, PutOptions const& options) const {
+    Task const& task, EntryKey const& key, EntryStore::FileWriter const& write, Change const& change) const {
     if (!kindOf(key.cube()).holdsRoutes) task.fail(Reason::invalidKey, "it holds a matrix and no routes");
-    store(task, key, options.exists, {options.parent.has_value(), options.parent}, [&](std::string const& target) {
-        if (platform::isDirectory(target)) task.fail(Reason::file, "it is a directory", target);
-        auto file = std::make_shared<platform::TemporaryFile>(target);
+    auto const guarded = [&write](std::string const& path) {
         try {
-            write(file->path());
+            write(path);
         } catch (...) {
             throw CallbackFailure{std::current_exception()};
         }
-        restampFile(file->path(), stampOf(key));
-        if (isToBeFlushed(target)) platform::flushFile(file->path());
-        return [file] {
-            file->publish();
-            if (isToBeFlushed(file->target())) platform::flushDirectory(platform::directoryOf(file->target()));
-        };
-    });
+    };
+    store(task, key, change, [&](StagedFile& staged) { staged.write(guarded, stampOf(key)); });
 }
 
-void EntryWriting::putCopy(Task const& task, EntryKey const& key, std::string const& source, OnExisting exists) const {
-    store(task, key, exists, {key.isResult(), std::nullopt}, [&](std::string const& target) {
-        auto staged = std::make_shared<StagedFile>(target);
-        staged->copy(source, stampOf(key));
-        return [staged] { staged->publish(); };
-    });
+void EntryWriting::putCopy(
+    Task const& task, EntryKey const& key, std::string const& source, Change const& change) const {
+    store(task, key, change, [&](StagedFile& staged) { staged.copy(source, stampOf(key)); });
 }
 
-void EntryWriting::rename(Task const& task, EntryInfo const& from, EntryKey const& to, OnExisting exists) const {
-    requireStorable(task, to);
-    std::string const source = requireFile(task, from);
-    std::string const target = targetOf(task, to, find(to));
-    if (kindOf(to.cube()).holdsRoutes) platform::createDirectories(platform::directoryOf(target));
-    WriteLock const sourceLock(source, WriteLock::Purpose::create);
-    WriteLock const targetLock(target, WriteLock::Purpose::create);
-    if (isToBeFlushed(target)) platform::flushFile(source);
-
-    auto rows = tables_.rows(to.isResult());
-    database::ExclusiveAccess access(rows.cursor());
-    auto const existing = find(to);
-    if (existing) requireReplaceable(task, *existing, exists);
-    if (!existing && !insertRow(to, from.parent)) task.fail(Reason::locked, "another program is adding it; try again");
-    if (existing && to.isResult()) setParent(to, from.parent);
-    if (!rows->locate(from.key.numbers()) || rows->users() != 0)
-        task.fail(Reason::inUse, from.text + " is in use, or was removed meanwhile");
-    rows.cursor().Delete();
-
-    // The file that is replaced waits aside until the rows are committed.
-    platform::TemporaryFile aside(target);
-    bool const isReplaced = platform::exists(target) && platform::renameFile(target, aside.path());
-    Undo restore([&] {
-        if (isReplaced) platform::renameFile(aside.path(), target);
-    });
-    bool const isRenamed = platform::renameFile(source, target);
-    if (!isRenamed) {
-        StagedFile staged(target);
-        staged.copy(source);
-        staged.publish();
-    }
-    Undo back([&] {
-        if (isRenamed)
-            platform::renameFile(target, source);
-        else
-            platform::discardFile(target);
-    });
-    flushAfterRename(source, target);
-    access.commit();
-    back.dismiss();
-    restore.dismiss();
-
-    if (!isRenamed) platform::discardFile(source);
-    tables_.forget(from.key);
-    restampFile(target, stampOf(to));
-    recordFile(to, target);
+void EntryWriting::rename(Task const& task, EntryKey const& to, Change const& change) const {
+    std::string const source = requireFile(task, *change.movedFrom);
+    store(task, to, change, [&](StagedFile& staged) { staged.link(source); });
 }
 
 void EntryWriting::remove(Task const& task, EntryKey const& key) const {
     auto const entry = require(task, key);
     std::optional<WriteLock> lock;
-    if (platform::isRegularFile(entry.file)) lock.emplace(entry.file, WriteLock::Purpose::create);
-    removeAll(task, {key});
+    if (!entry.file.empty() && platform::isDirectory(platform::directoryOf(entry.file)))
+        lock.emplace(entry.file, WriteLock::Purpose::create);
+    if (deleteRows(task, {key}).empty()) task.fail(Reason::notFound, "it was removed meanwhile");
+    if (!entry.file.empty()) catalogue::removeResult(entry.file);
 }
 
-std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> const& keys) const {
-    std::vector<EntryInfo> removed;
-    auto names = tables_.cubes();
-    std::optional<Rows> tables[2];
-    // One transaction in another, so that all entries go or none.
-    std::optional<database::ExclusiveAccess> outer;
-    std::optional<database::ExclusiveAccess> inner;
-    for (auto const& key : keys) {
-        auto& rows = tables[key.isResult() ? 1 : 0];
-        if (!rows) (outer ? inner : outer).emplace(rows.emplace(tables_.rows(key.isResult())).cursor());
-        if (!(*rows)->locate(key.numbers())) continue;
-        auto const entry = tables_.info(*rows, key.isResult(), names);
-        requireFree(task, entry);
-        requireOwn(task, key);
-        rows->cursor().Delete();
-        tables_.forget(key);
-        removed.push_back(entry);
-    }
-    if (inner) inner->commit();
-    if (outer) outer->commit();
-    for (auto const& entry : removed)
-        if (!entry.file.empty()) catalogue::removeResult(entry.file);
+std::size_t EntryWriting::removeAll(
+    Task const& task, std::vector<EntryKey> const& keys, std::optional<short> const& cube) const {
+    database::Transaction transaction(tables_.session());
+    auto const removed = deleteRows(task, keys);
+    if (cube) names_.remove(*cube);
+    transaction.commit();
+    for (auto const& entry : removed) removeFile(entry);
     return removed.size();
+}
+
+std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<EntryKey> const& keys) const {
+    database::Transaction transaction(tables_.session());
+    std::vector<EntryInfo> deleted;
+    std::optional<Rows> tables[2];
+    std::optional<Rows> contents[2];
+    for (auto const& key : keys) {
+        auto const family = key.isResult() ? 1 : 0;
+        auto& rows = tables[family];
+        if (!rows) {
+            // Nobody else writes to the table until the transaction ends.
+            database::ExclusiveAccess(rows.emplace(tables_.rows(key.isResult())).cursor()).commit();
+            if (auto const recorded = tables_.contents(key.isResult())) contents[family].emplace(*recorded);
+        }
+        if (!(*rows)->locate(key.numbers())) continue;
+        auto const entry = tables_.info(*rows, key.isResult(), names_);
+        requireFree(task, entry);
+        if (contents[family]) requireOwn(task, key, *contents[family]);
+        rows->cursor().Delete();
+        deleted.push_back(entry);
+    }
+    tables_.forget(deleted);
+    transaction.commit();
+    return deleted;
+}
+
+// Another program may have stored the entry anew since its row was deleted; then the file is in use.
+void EntryWriting::removeFile(EntryInfo const& entry) const {
+    if (entry.file.empty() || !platform::exists(entry.file)) return;
+    try {
+        WriteLock const lock(entry.file, WriteLock::Purpose::create);
+        if (!tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) catalogue::removeResult(entry.file);
+    } catch (matrix::LockRefused const&) {
+    } catch (std::system_error const&) {
+        // A file without a row is harmless: the next entry of that name replaces it.
+    }
 }
 
 }

@@ -4,6 +4,7 @@
 #include "catalogue/Tables.h"
 #include "host/database/Session.h"
 #include "host/database/SqlState.h"
+#include "host/database/Transaction.h"
 #include "host/matrix/StagedFile.h"
 
 #include <cubes/database/TPgConnection.h>
@@ -53,11 +54,26 @@ std::string joined(std::span<short const> parts) {
     return text;
 }
 
-// What one may do without: the database keeps the rows of the entries, but takes no table of ours.
+// The database keeps the rows of the entries, but takes no table of ours.
 bool isMissingRight(TRkDatabaseException const& error) {
     for (char const* const state : {database::sqlstate::missingRight, database::sqlstate::readOnly})
         if (error.SqlState() == state) return true;
     return false;
+}
+
+// Does what one may do without: with the right, or without an effect on a transaction under way.
+template <typename Work>
+void whereAllowed(database::Session& session, Work const& work) {
+    auto const lock = session.lock();
+    try {
+        std::optional<database::Transaction> attempt;
+        if (session.isInTransaction()) attempt.emplace(session);
+        work();
+        if (attempt) attempt->commit();
+    } catch (TRkDatabaseException const& error) {
+        // Others may record the same entry at this moment.
+        if (!isMissingRight(error) && !error.IsDuplicateKey()) throw;
+    }
 }
 
 }
@@ -118,41 +134,48 @@ bool StoreTables::hasContentTable(bool ofResults) const {
     return session().systemTables().find(contentSchema(ofResults), catalogue::contentTable) != nullptr;
 }
 
-Id128 StoreTables::recordedDirectory(EntryKey const& key) const {
-    auto const lock = session().lock();
-    if (!hasContentTable(key.isResult())) return {};
-    auto const cursor = opened(connection_, catalogue::contentTable, contentSchema(key.isResult()));
-    if (!catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(key.numbers())) return {};
-    return Id128::parse(cursor->FieldByName(directoryColumn)->AsString().str()).value_or(Id128());
+std::optional<Rows> StoreTables::contents(bool ofResults) const {
+    if (!hasContentTable(ofResults)) return std::nullopt;
+    return Rows(opened(connection_, catalogue::contentTable, contentSchema(ofResults)), keyParts(ofResults));
+}
+
+Id128 StoreTables::recordedDirectory(EntryKey const& key, Rows& contents) {
+    if (!contents->locate(key.numbers())) return {};
+    return Id128::parse(contents.cursor().FieldByName(directoryColumn)->AsString().str()).value_or(Id128());
+}
+
+void StoreTables::requireContentTable(bool ofResults) const {
+    whereAllowed(
+        session(), [&] { catalogue::createContentTable(session(), contentSchema(ofResults), keyParts(ofResults)); });
 }
 
 void StoreTables::record(EntryKey const& key, Id128 const& directory, Id128 const& content) const {
-    try {
-        auto const lock = session().lock();
-        catalogue::createContentTable(session(), contentSchema(key.isResult()), keyParts(key.isResult()));
-        auto const cursor = opened(connection_, catalogue::contentTable, contentSchema(key.isResult()));
+    whereAllowed(session(), [&] {
+        auto contents = this->contents(key.isResult());
+        if (!contents) return;
+        auto& cursor = contents->cursor();
         auto const numbers = key.numbers();
-        if (catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(numbers)) {
-            cursor->Edit();
+        if ((*contents)->locate(numbers)) {
+            cursor.Edit();
         } else {
-            cursor->Append();
+            cursor.Append();
             for (std::size_t i = 0; i < numbers.size(); ++i)
-                cursor->FieldByName(keyColumns[i])->SetAsInteger(numbers[i]);
+                cursor.FieldByName(keyColumns[i])->SetAsInteger(numbers[i]);
         }
-        cursor->FieldByName(directoryColumn)->SetAsString(directory.text().c_str());
-        cursor->FieldByName(contentColumn)->SetAsString(content.text().c_str());
-        cursor->Post();
-    } catch (TRkDatabaseException const& error) {
-        // Others may record the same entry at this moment.
-        if (!isMissingRight(error) && !error.IsDuplicateKey()) throw;
-    }
+        cursor.FieldByName(directoryColumn)->SetAsString(directory.text().c_str());
+        cursor.FieldByName(contentColumn)->SetAsString(content.text().c_str());
+        cursor.Post();
+    });
 }
 
-void StoreTables::forget(EntryKey const& key) const {
-    auto const lock = session().lock();
-    if (!hasContentTable(key.isResult())) return;
-    auto const cursor = opened(connection_, catalogue::contentTable, contentSchema(key.isResult()));
-    if (catalogue::EntryTable(*cursor, keyParts(key.isResult())).locate(key.numbers())) cursor->Delete();
+void StoreTables::forget(std::vector<EntryInfo> const& entries) const {
+    whereAllowed(session(), [&] {
+        std::optional<Rows> known[2] = {contents(false), contents(true)};
+        for (auto const& entry : entries) {
+            auto& contents = known[entry.key.isResult() ? 1 : 0];
+            if (contents && (*contents)->locate(entry.key.numbers())) contents->cursor().Delete();
+        }
+    });
 }
 
 EntryKey keyOf(std::span<short const> n) {

@@ -13,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 class TRkGlobalSettings;
 namespace Pgaccess {
@@ -63,12 +64,16 @@ public:
     EntryInfo info(Rows const& rows, bool ofResults, catalogue::Register& names) const;
     std::string text(EntryKey const& key) const;
     std::string text(EntryKey const& key, catalogue::Register& names) const;
+    /// What is recorded of entries beside their rows; nothing where there is no such table.
+    std::optional<Rows> contents(bool ofResults) const;
     /// The identity of the directory in which an entry was stored; unknown when nobody recorded it.
-    hdf5::Id128 recordedDirectory(EntryKey const& key) const;
-    /// Records where an entry's file lies and what it holds, or that it is gone. Another program may
-    /// do without: rights that are missing are no error.
+    static hdf5::Id128 recordedDirectory(EntryKey const& key, Rows& contents);
+    // A user may lack the right to these, and does without.
+    /// Makes the table of contents unless it is there.
+    void requireContentTable(bool ofResults) const;
+    /// Records where an entry's file lies and what it holds, or that entries are gone.
     void record(EntryKey const& key, hdf5::Id128 const& directory, hdf5::Id128 const& content) const;
-    void forget(EntryKey const& key) const;
+    void forget(std::vector<EntryInfo> const& entries) const;
 
 private:
     std::string contentSchema(bool ofResults) const;

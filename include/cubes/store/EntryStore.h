@@ -26,6 +26,7 @@ class EntryTable;
 namespace store {
 class EntryWalk;
 class StoreTables;
+struct Task;
 }
 
 /// What becomes of an entry that exists already.
@@ -139,8 +140,9 @@ public:
     std::optional<CubeInfo> findCube(std::string_view nameOrNumber) const;
     /// Registers a cube and returns its number; one of that name stays as it is.
     short addCube(std::string const& name);
-    /// Removes a cube from the register with all its entries. Throws inUse when one of them is in
-    /// use; then nothing has changed.
+    /// Removes a cube from the register with all its entries, and returns how many those were. Throws
+    /// notFound, invalidKey for the fares and kinds of results, inUse when an entry is in use; then
+    /// nothing has changed.
     std::size_t removeCube(short cube);
 
     // Entries
@@ -168,8 +170,8 @@ public:
     /// the source of a move.
     void copy(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void move(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
-    /// The same from another project. Throw otherDirectory for projects that keep their files in
-    /// one directory. A move copies first and then removes.
+    /// The same from another project. Throw otherDirectory where both projects keep the files in one
+    /// directory, or the entry in one row. A move copies first and then removes.
     void copyFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
 
@@ -204,6 +206,9 @@ public:
 private:
     friend class Project;
     explicit EntryStore(std::unique_ptr<store::StoreTables> tables);
+    store::Task taskFor(char const* verb, EntryKey const& key) const;
+    void requireOtherFile(
+        store::Task const& task, EntryStore const& source, EntryKey const& from, EntryKey const& to) const;
     long changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*change)());
 
     std::unique_ptr<store::StoreTables> tables_;

@@ -108,6 +108,25 @@ void StagedFile::copy(std::string const& source, FileStamp const& stamp) {
     });
 }
 
+void StagedFile::link(std::string const& source) {
+    writing(target(), [&] {
+        temporary_->file().close();
+        platform::discardFile(temporary_->path());
+        platform::linkOrCopy(source, temporary_->path());
+        if (isToBeFlushed(target())) platform::flushFile(temporary_->path());
+    });
+}
+
+void StagedFile::write(std::function<void(std::string const& path)> const& writer, FileStamp const& stamp) {
+    writing(target(), [&] {
+        std::string const& path = temporary_->path();
+        writer(path);
+        auto written = platform::File::openShared(path);
+        hdf5::restamp(written, stamp);
+        if (isToBeFlushed(target())) written.flush();
+    });
+}
+
 void StagedFile::flush() {
     if (isToBeFlushed(target())) temporary_->file().flush();
 }

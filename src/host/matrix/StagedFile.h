@@ -5,6 +5,7 @@
 
 #include <cubes/matrix/TRkMatrixHeader.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,6 +35,12 @@ public:
     /// Copies a matrix file and gives the copy another stamp; a file without an index record stays without one. The
     /// provenance is that of the source.
     void copy(std::string const& source, FileStamp const& stamp);
+    /// Makes the source's content the new file: by a second name for the same file where the file system has such
+    /// names, otherwise by a copy.
+    void link(std::string const& source);
+    /// Lets `writer` write the file at a path beside the target, then stamps it. What `writer` throws passes through
+    /// unchanged unless it is a std::exception.
+    void write(std::function<void(std::string const& path)> const& writer, FileStamp const& stamp);
     /// Replaces the target and flushes its directory as the rule asks. When only the flush fails, the target is already
     /// replaced and isPublished() returns true.
     void publish();

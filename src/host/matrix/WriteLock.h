@@ -10,8 +10,7 @@ namespace cubes::matrix {
 class LockRefused : public std::runtime_error {
 public:
     explicit LockRefused(std::string file)
-        : std::runtime_error("it is locked by another writer; try again later"),
-          file_(std::move(file)) {}
+        : std::runtime_error("it is locked by another writer; try again later"), file_(std::move(file)) {}
 
     std::string const& file() const noexcept { return file_; }
 

@@ -92,6 +92,14 @@ void replaceByCopy(std::string const& source, std::string const& target) {
     beside.commit();
 }
 
+void linkOrCopy(std::string const& source, std::string const& target) {
+    std::error_code noLink;
+    std::filesystem::create_hard_link(toPath(source), toPath(target), noLink);
+    if (!noLink) return;
+    auto copied = File::createNew(target);
+    copyContent(source, copied);
+}
+
 bool moveDirectory(std::string const& source, std::string const& target) {
     if (!isDirectory(source) || target.empty() || isTaken(target)) return false;
     try {

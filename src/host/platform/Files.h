@@ -44,6 +44,8 @@ void flushDirectory(std::string const& directory);
 /// Copies the content of a regular file, off Windows also its permissions, into a new, empty file by
 /// the system's own copy: they share blocks where the file system can do that.
 void copyContent(std::string const& source, File& target);
+/// Gives a regular file a second name, which must be free; copies it where the file system has no second names.
+void linkOrCopy(std::string const& source, std::string const& target);
 /// As copyFile, for two different files. The copy survives a power failure.
 void replaceByCopy(std::string const& source, std::string const& target);
 
