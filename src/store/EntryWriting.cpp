@@ -25,17 +25,17 @@ namespace {
 // Kinds above this one belong to a matrix itself and outlive its saving in a cube.
 constexpr unsigned lastCubeKind = 31;
 
-// The content of a file under a second name, which puts it back unless the replacement is to stay.
+// Keeps the file that is replaced under a second name, and puts it back unless the new one is to stay.
 class Replaced {
 public:
-    explicit Replaced(std::string const& target) : target_(target) {
-        if (!platform::exists(target)) return;
-        aside_ = platform::temporaryPath(target);
-        platform::linkOrCopy(target, aside_);
+    explicit Replaced(StagedFile const& staged) : staged_(staged) {
+        if (!platform::exists(staged.target())) return;
+        aside_ = platform::temporaryPath(staged.target());
+        platform::linkOrCopy(staged.target(), aside_);
     }
     ~Replaced() {
         try {
-            if (!stays_) putBack();
+            if (!stays_ && staged_.isPublished()) putBack();
         } catch (std::system_error const&) {
             // The error that led here is the one to report; the old file lies under its second name.
             return;
@@ -50,12 +50,12 @@ public:
 private:
     void putBack() {
         if (aside_.empty())
-            platform::discardFile(target_);
+            platform::discardFile(staged_.target());
         else
-            platform::renameFile(aside_, target_);
+            platform::renameFile(aside_, staged_.target());
     }
 
-    std::string const& target_;
+    StagedFile const& staged_;
     std::string aside_;
     bool stays_ = false;
 };
@@ -224,7 +224,7 @@ std::optional<TRkMatrixException> EntryWriting::commit(Task const& task, EntryKe
         task.fail(Reason::locked, "another program is adding it; try again");
     if (changesParent && (!rows->locate(key.numbers()) || !rows->setParent(parent)))
         task.fail(Reason::notFound, "it was removed meanwhile");
-    Replaced replaced(staged.target());
+    Replaced replaced(staged);
     auto late = publish(staged);
     recordFile(key, staged.target());
     transaction.commit();

@@ -18,10 +18,12 @@ bool armed = false;
 int callsLeft = 0;
 int errorGiven = 0;
 bool failed = false;
+bool failsOnce = false;
 std::string settledSteps;
 
 bool mustFail() {
     if (!armed) return false;
+    if (failed && failsOnce) return false;
     if (!failed && --callsLeft == 0) failed = true;
     if (failed) errno = errorGiven;
     return failed;
@@ -99,7 +101,8 @@ CUBES_VISIBLE int open(char const* path, int flags, ...) {
 
 namespace cubes::test {
 
-FailingSystem::FailingSystem(int nth, int error) {
+FailingSystem::FailingSystem(int nth, int error, Failure failure) {
+    failsOnce = failure == Failure::once;
     callsLeft = nth;
     errorGiven = error;
     failed = false;

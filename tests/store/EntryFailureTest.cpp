@@ -1,0 +1,227 @@
+// A change of an entry that fails at any step leaves the old state: rows and files.
+
+#include <cubes/store/EntryStore.h>
+
+#include <cubes/matrix/MatrixStorage.h>
+#include <cubes/project/Project.h>
+#include <cubes/project/TRkGlobalSettings.h>
+
+#include <cerrno>
+
+#include <functional>
+
+#include "host/matrix/FailingSystem.h"
+#include "support/Backend.h"
+#include "support/CubeTesting.h"
+
+namespace cubes::test {
+namespace {
+
+
+
+/// What a change replaces, which decides what must be undone.
+enum class Replaces { nothing, file, fileAndRow };
+
+struct Change {
+    char const* name;
+    Replaces replaces;
+    std::function<void(EntryStore&)> work;
+};
+
+class EntryFailureTest : public BackendTest {
+protected:
+    void SetUp() override {
+        BackendTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
+        project_ = std::make_unique<TestProject>(backend());
+        store().addCube("Trips");
+        reset();
+    }
+
+    void reset() {
+        store().removeAll(EntrySelection{});
+        store().put(trips_, smallMatrix(1));
+        store().put(other_, smallMatrix(2));
+        store().put(skim_, smallMatrix(3), {.parent = trips_});
+        store().put(old_, smallMatrix(4), {.parent = other_});
+    }
+
+    TestProject& project() { return *project_; }
+    EntryStore& store() { return project_->project().store(); }
+
+    std::string files() {
+        return filesIn(project().settings()->MatrixDirectory().str()) +
+               filesIn(project().settings()->WorkingDirectory().str());
+    }
+    /// Every entry with its parent, counter and first element, then all files but those of the database.
+    std::string state() {
+        std::string text;
+        for (auto const& entry : store().entries())
+            text += entry.text + " users " + std::to_string(entry.users) + " parent " +
+                    (entry.parent ? store().text(*entry.parent) : "-") + " " + entry.storedName + " holds " +
+                    std::to_string(store().get(entry.key).Elements()[0]) + "\n";
+        return text + files();
+    }
+    /// Lets each step of a change fail in turn, until none is left to fail.
+    void failEachStep(Change const& change, int error, FailingSystem::Failure failure);
+    /// Does the change while the n-th step fails; whether one did. Leaves the old state or the new one.
+    bool failsAt(int step, int error, FailingSystem::Failure failure, Change const& change, std::string const& done);
+
+    EntryKey const trips_{1, 1, 1, 1, 1};
+    EntryKey const other_{1, 2, 1, 1, 1};
+    EntryKey const free_{1, 3, 1, 1, 1};
+    EntryKey const skim_{-1, 1, 1, 1, 1, 2, 0};
+    EntryKey const old_{-1, 2, 1, 1, 1, 2, 0};
+    EntryKey const new_{-2, 1, 1, 1, 1, 2, 0};
+
+    std::vector<Change> const changes_ = {
+        {"put a new entry", Replaces::nothing, [this](EntryStore& to) { to.put(free_, smallMatrix(9)); }},
+        {"put a new result", Replaces::nothing, [this](EntryStore& to) { to.put(new_, smallMatrix(9), {.parent = trips_}); }},
+        {"put an existing entry", Replaces::file, [this](EntryStore& to) { to.put(trips_, smallMatrix(9)); }},
+        {"put another parent", Replaces::fileAndRow, [this](EntryStore& to) { to.put(skim_, smallMatrix(9), {.parent = other_}); }},
+        {"copy to a new entry", Replaces::nothing, [this](EntryStore& to) { to.copy(trips_, free_); }},
+        {"copy to an existing entry", Replaces::file, [this](EntryStore& to) { to.copy(trips_, other_); }},
+        {"copy to an existing result", Replaces::fileAndRow, [this](EntryStore& to) { to.copy(skim_, old_); }},
+        {"copy to the other family", Replaces::fileAndRow, [this](EntryStore& to) { to.copy(trips_, old_); }},
+        {"move to a new entry", Replaces::nothing, [this](EntryStore& to) { to.move(trips_, free_); }},
+        {"move to an existing entry", Replaces::fileAndRow, [this](EntryStore& to) { to.move(trips_, other_); }},
+        {"move to an existing result", Replaces::fileAndRow, [this](EntryStore& to) { to.move(skim_, old_); }},
+        {"move to the other family", Replaces::fileAndRow, [this](EntryStore& to) { to.move(trips_, old_); }},
+        {"remove an entry", Replaces::nothing, [this](EntryStore& to) { to.remove(trips_); }},
+    };
+
+private:
+    std::unique_ptr<TestProject> project_;
+};
+
+CUBES_BOTH_BACKENDS(EntryFailureTest);
+
+void EntryFailureTest::failEachStep(Change const& change, int error, FailingSystem::Failure failure) {
+    reset();
+    change.work(store());
+    auto const done = state();
+    int step = 0;
+    do {
+        ASSERT_LT(++step, 100);
+    } while (failsAt(step, error, failure, change, done));
+    EXPECT_GT(step, 1) << change.name;
+}
+
+bool EntryFailureTest::failsAt(
+    int step, int error, FailingSystem::Failure failure, Change const& change, std::string const& done) {
+    reset();
+    auto const before = state();
+    bool hasFailed = false;
+    std::string message;
+    {
+        FailingSystem const system(step, error, failure);
+        try {
+            change.work(store());
+        } catch (StoreError const& thrown) {
+            message = thrown.what();
+        }
+        hasFailed = system.hasFailed();
+    }
+    bool const isDone = message.empty() || message.find("it is done, but may not survive") != std::string::npos;
+    EXPECT_EQ(state(), isDone ? done : before) << change.name << ", step " << step << ": " << message;
+    return hasFailed;
+}
+
+TEST_P(EntryFailureTest, leavesTheOldStateWhicheverStepFails) {
+    for (auto const& change : changes_) failEachStep(change, EIO, FailingSystem::Failure::once);
+}
+
+TEST_P(EntryFailureTest, leavesTheOldStateOnADiskThatStaysFull) {
+    for (auto const& change : changes_)
+        // Two failures, of the commit and of putting the old file back, are more than can be undone.
+        if (change.replaces != Replaces::fileAndRow) failEachStep(change, ENOSPC, FailingSystem::Failure::stays);
+}
+
+TEST_P(EntryFailureTest, removesAllEntriesOrNoneWhicheverStepFails) {
+    for (int step = 1; step < 40; ++step) {
+        reset();
+        auto const before = state();
+        std::string message;
+        {
+            FailingSystem const system(step, ENOSPC);
+            try {
+                store().removeAll(EntrySelection{});
+            } catch (StoreError const& error) {
+                message = error.what();
+            }
+        }
+        // A file that cannot be locked stays without a row.
+        EXPECT_EQ(state() == before, !message.empty()) << step << ": " << message;
+        EXPECT_EQ(bool(store().find(trips_)), bool(store().find(skim_))) << step;
+        EXPECT_EQ(files().find(".cubes-tmp"), std::string::npos) << step;
+    }
+}
+
+TEST_P(EntryFailureTest, saysThatAChangeIsDoneWhenOnlyTheLastFlushFails) {
+    setMatrixStorage(project().matrixDirectory(), {Storage::plain, Durability::full});
+    int reported = 0;
+    for (int step = 1; step < 20; ++step) {
+        std::string message = "none";
+        FailingSystem const system(step, EIO, FailingSystem::Failure::once);
+        try {
+            store().put(trips_, smallMatrix(static_cast<float>(100 + step)));
+        } catch (StoreError const& error) {
+            message = error.what();
+        }
+        if (message.find("it is done, but may not survive a power failure") == std::string::npos) continue;
+        ++reported;
+        EXPECT_EQ(store().get(trips_).Elements()[0], static_cast<float>(100 + step));
+    }
+    EXPECT_EQ(reported, 1);
+}
+
+/// A trigger that refuses one kind of statement on a table.
+class Refusal {
+public:
+    Refusal(TestDatabase const& database, std::string const& table, std::string const& event)
+        : database_(database), table_(table) {
+        bool const isSqlite = database.backend() == Backend::sqlite;
+        if (!isSqlite)
+            database.execute("create or replace function refuse() returns trigger language plpgsql as "
+                             "$$ begin raise exception 'refused'; end $$");
+        database.execute("create trigger refusal before " + event + " on " + table +
+                         (isSqlite ? " begin select raise(abort, 'refused'); end" :
+                                     " for each row execute function refuse()"));
+    }
+    ~Refusal() {
+        database_.execute(
+            "drop trigger refusal" + (database_.backend() == Backend::sqlite ? std::string() : " on " + table_));
+    }
+    Refusal(Refusal const&) = delete;
+    Refusal& operator=(Refusal const&) = delete;
+
+private:
+    TestDatabase const& database_;
+    std::string table_;
+};
+
+TEST_P(EntryFailureTest, leavesTheOldStateWhenTheDatabaseRefusesTheRow) {
+    auto const& database = project().database();
+    auto const schema = project().project().schema();
+    for (auto const& table : {database.table("public", "cube4data1"), database.table(schema, "cube5data1"),
+             database.table("public", "cubes_content"), database.table(schema, "cubes_content")})
+        for (char const* const event : {"insert", "update", "delete"})
+            for (auto const& change : changes_) {
+                reset();
+                auto const before = state();
+                std::string message;
+                {
+                    Refusal const refusal(database, table, event);
+                    try {
+                        change.work(store());
+                    } catch (StoreError const& error) {
+                        message = error.what();
+                        EXPECT_EQ(error.reason(), Reason::database) << message;
+                    }
+                }
+                EXPECT_EQ(state() == before, !message.empty()) << change.name << " without " << event << ": " << message;
+            }
+}
+
+}
+}
