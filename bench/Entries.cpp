@@ -46,7 +46,7 @@ bool add(TRkMatCubes const& cubes, Key const& k) {
 
 int children(TRkSkimCube const& cubes, Key const& k) {
     TRkAutoListT<TRkVarCubes::TKey> found;
-    cubes.GetPmturis(TRkSkimCube::CubeType, k[0], k[1], k[2], k[3], k[4], k[5], found);
+    cubes.GetPmturis(static_cast<short>(TRkSkimCube::CubeType), k[0], k[1], k[2], k[3], k[4], k[5], found);
     return found.Count();
 }
 

@@ -37,7 +37,7 @@ struct Made {
     char const* pairs;
 };
 
-Made const made[] = {
+Made const madeNames[] = {
     {{12, 1, 2, 3, 4}, "12-1-2-3-4", "0c01020304"},
     {{100, 1599, 0, 10, 1}, "100-1599-0-10-1", "2k^^000a01"},
     {{-8, 1, 1, 1, 1}, "-8-1-1-1-1", noPairs},
@@ -53,14 +53,14 @@ Made const made[] = {
 TEST(EntryNames, joinTheNumbersInDecimalFromVersionFour) {
     for (int const version : {4, 5}) {
         VersionGuard const guard(version);
-        for (auto const& name : made) EXPECT_EQ(make(name.numbers), name.decimal);
+        for (auto const& name : madeNames) EXPECT_EQ(make(name.numbers), name.decimal);
     }
 }
 
 TEST(EntryNames, areBase40PairsUpToVersionThreeWhichHoldNoOtherNumbers) {
     for (int const version : {3, 1, 0, -1}) {
         VersionGuard const guard(version);
-        for (auto const& name : made) {
+        for (auto const& name : madeNames) {
             if (name.pairs)
                 EXPECT_EQ(make(name.numbers), name.pairs);
             else

@@ -359,7 +359,8 @@ TEST_F(ZebDebugTest, isNotWrittenWhereItCannotBeOpened) {
 TEST_F(ZebDebugTest, holdsEveryMessageOfSeveralThreads) {
     constexpr int messages = 200;
     auto const message = [](int writer, int number) {
-        return std::to_string(writer) + "/" + std::to_string(number) + std::string(number * 37u % 9000, 'x');
+        return std::to_string(writer) + "/" + std::to_string(number) +
+               std::string(static_cast<std::size_t>(number * 37 % 9000), 'x');
     };
     std::vector<std::thread> threads;
     std::multiset<std::string> expected;

@@ -17,8 +17,6 @@
 namespace cubes::test {
 namespace {
 
-
-
 /// What a change replaces, which decides what must be undone.
 enum class Replaces { nothing, file, fileAndRow };
 
@@ -76,9 +74,11 @@ protected:
 
     std::vector<Change> const changes_ = {
         {"put a new entry", Replaces::nothing, [this](EntryStore& to) { to.put(free_, smallMatrix(9)); }},
-        {"put a new result", Replaces::nothing, [this](EntryStore& to) { to.put(new_, smallMatrix(9), {.parent = trips_}); }},
+        {"put a new result", Replaces::nothing,
+            [this](EntryStore& to) { to.put(new_, smallMatrix(9), {.parent = trips_}); }},
         {"put an existing entry", Replaces::file, [this](EntryStore& to) { to.put(trips_, smallMatrix(9)); }},
-        {"put another parent", Replaces::fileAndRow, [this](EntryStore& to) { to.put(skim_, smallMatrix(9), {.parent = other_}); }},
+        {"put another parent", Replaces::fileAndRow,
+            [this](EntryStore& to) { to.put(skim_, smallMatrix(9), {.parent = other_}); }},
         {"copy to a new entry", Replaces::nothing, [this](EntryStore& to) { to.copy(trips_, free_); }},
         {"copy to an existing entry", Replaces::file, [this](EntryStore& to) { to.copy(trips_, other_); }},
         {"copy to an existing result", Replaces::fileAndRow, [this](EntryStore& to) { to.copy(skim_, old_); }},
@@ -184,9 +184,9 @@ public:
         if (!isSqlite)
             database.execute("create or replace function refuse() returns trigger language plpgsql as "
                              "$$ begin raise exception 'refused'; end $$");
-        database.execute("create trigger refusal before " + event + " on " + table +
-                         (isSqlite ? " begin select raise(abort, 'refused'); end" :
-                                     " for each row execute function refuse()"));
+        database.execute(
+            "create trigger refusal before " + event + " on " + table +
+            (isSqlite ? " begin select raise(abort, 'refused'); end" : " for each row execute function refuse()"));
     }
     ~Refusal() {
         database_.execute(
@@ -219,7 +219,8 @@ TEST_P(EntryFailureTest, leavesTheOldStateWhenTheDatabaseRefusesTheRow) {
                         EXPECT_EQ(error.reason(), Reason::database) << message;
                     }
                 }
-                EXPECT_EQ(state() == before, !message.empty()) << change.name << " without " << event << ": " << message;
+                EXPECT_EQ(state() == before, !message.empty())
+                    << change.name << " without " << event << ": " << message;
             }
 }
 

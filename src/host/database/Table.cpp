@@ -82,7 +82,8 @@ std::unique_ptr<Statement> KnownTable::prepare(Operation operation, std::vector<
 Statement& KnownTable::statement(Operation operation, std::vector<std::size_t> const& columns) {
     for (auto const& known : prepared_)
         if (known.operation == operation && known.columns == columns) return *known.statement;
-    return *prepared_.emplace_back(operation, columns, prepare(operation, columns)).statement;
+    prepared_.push_back({operation, columns, prepare(operation, columns)});
+    return *prepared_.back().statement;
 }
 
 Statement& KnownTable::statement(std::string const& sql, std::vector<ColumnType> const& types) {

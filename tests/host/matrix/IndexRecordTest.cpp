@@ -121,12 +121,12 @@ TEST(StructureChecksum, leavesOutRecordAndData) {
     std::vector<Extent> const data = {{3000, 100}, {2500, 50}};
     auto const checksum = structureChecksum(file, 8, data);
     ASSERT_TRUE(checksum);
-    for (std::size_t i : {8, 1031, 2500, 2549, 3000, 3099}) {
+    for (std::size_t const i : {8u, 1031u, 2500u, 2549u, 3000u, 3099u}) {
         auto changed = file;
         changed[i] = std::byte{1};
         EXPECT_EQ(structureChecksum(changed, 8, data), checksum) << i;
     }
-    for (std::size_t i : {7, 1032, 2499, 2550, 2999, 3100, 3999}) {
+    for (std::size_t const i : {7u, 1032u, 2499u, 2550u, 2999u, 3100u, 3999u}) {
         auto changed = file;
         changed[i] = std::byte{1};
         EXPECT_NE(structureChecksum(changed, 8, data), checksum) << i;

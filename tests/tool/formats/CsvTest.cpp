@@ -224,9 +224,9 @@ TEST(CsvWriter, givesBackIdenticalCells) {
 }
 
 TEST(CsvWriter, givesBackNotANumber) {
-    auto const nan = std::numeric_limits<float>::quiet_NaN();
+    auto const notANumber = std::numeric_limits<float>::quiet_NaN();
     for (auto const form : {CsvForm::longForm, CsvForm::wide}) {
-        auto const back = readContent("t.csv", written(tableOf({}, {nan, -nan, 0, 1}), form));
+        auto const back = readContent("t.csv", written(tableOf({}, {notANumber, -notANumber, 0, 1}), form));
         EXPECT_TRUE(std::isnan(back.at(0, 0)));
         EXPECT_TRUE(std::isnan(back.at(0, 1)));
         EXPECT_EQ(back.at(1, 0), 0);
