@@ -64,9 +64,13 @@ CUBES_VISIBLE ssize_t write(int file, void const* bytes, size_t count) {
     return mustFail() ? -1 : real(file, bytes, count);
 }
 
+// Nothing waits for the disk: no test here loses its power.
 CUBES_VISIBLE int fsync(int file) {
-    static auto const real = systems<int (*)(int)>("fsync");
-    return mustFail() ? -1 : settle(real(file), isDirectory(file) ? "flush-directory" : "flush");
+    return mustFail() ? -1 : settle(0, isDirectory(file) ? "flush-directory" : "flush");
+}
+
+CUBES_VISIBLE int fdatasync(int) {
+    return mustFail() ? -1 : 0;
 }
 
 CUBES_VISIBLE ssize_t copy_file_range(
