@@ -129,11 +129,15 @@ std::string EntryTable::remove(std::string const& directory) {
 }
 
 bool EntryTable::raiseUsers() {
-    return cursor_.FindField(usersColumn) && cursor_.Raise(usersColumn);
+    return countsUsers() && cursor_.Raise(usersColumn);
 }
 
 bool EntryTable::lowerUsers() {
-    return cursor_.FindField(usersColumn) && cursor_.Lower(usersColumn);
+    return countsUsers() && cursor_.Lower(usersColumn);
+}
+
+bool EntryTable::countsUsers() const {
+    return cursor_.FindField(usersColumn);
 }
 
 std::vector<short> EntryTable::key() const {

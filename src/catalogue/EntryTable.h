@@ -93,6 +93,8 @@ public:
     /// when the row is gone or users are not counted.
     [[nodiscard]] bool raiseUsers();
     [[nodiscard]] bool lowerUsers();
+    /// Whether the table has a column for the number of users.
+    bool countsUsers() const;
 
     std::vector<short> key() const;
     ResultKey parent() const;

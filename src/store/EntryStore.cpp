@@ -379,7 +379,10 @@ long EntryStore::changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*
     return reporting(task, [&] {
         auto rows = tables_->rows(key.isResult());
         if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");
-        if (!(rows.operator->()->*change)()) task.fail(Reason::database, "the table of entries counts no users");
+        if (!(rows.operator->()->*change)()) {
+            if (!rows->countsUsers()) task.fail(Reason::database, "the table of entries counts no users");
+            task.fail(Reason::notFound, "it was removed meanwhile");
+        }
         return rows->users();
     });
 }
