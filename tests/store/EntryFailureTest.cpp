@@ -157,6 +157,20 @@ TEST_P(EntryFailureTest, removesAllEntriesOrNoneWhicheverStepFails) {
     }
 }
 
+TEST_P(EntryFailureTest, saysThatTheDiskIsFull) {
+    // The first two steps make the file of locks and the temporary file.
+    for (int step = 1; step <= 3; ++step) {
+        FailingSystem const system(step, ENOSPC);
+        try {
+            store().put(trips_, smallMatrix(9));
+            ADD_FAILURE() << step << ": nothing was thrown";
+        } catch (StoreError const& error) {
+            EXPECT_STREQ(nameOf(error.reason()), "noSpace") << step << ": " << error.what();
+            EXPECT_EQ(std::string(error.what()), "cannot store Trips/1/1/1/1: " + error.cause());
+        }
+    }
+}
+
 TEST_P(EntryFailureTest, saysThatAChangeIsDoneWhenOnlyTheLastFlushFails) {
     setMatrixStorage(project().matrixDirectory(), {Storage::plain, Durability::full});
     int reported = 0;

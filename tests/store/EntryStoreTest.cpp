@@ -201,7 +201,7 @@ TEST_P(EntryStoreTest, refusesToStoreAndChangesNothing) {
 TEST_P(EntryStoreTest, rollsTheRowOfANewEntryBackWhenItsFileCannotBePutInPlace) {
     // A directory of the file's name cannot be replaced.
     fs::create_directory(project().matrixDirectory() + "1-1-1-1-1.odm");
-    EXPECT_NE(reasonOf([&] { store().put(trips_, matrixOf(1)); }), "nothing was thrown");
+    EXPECT_EQ(reasonOf([&] { store().put(trips_, matrixOf(1)); }), "file");
     EXPECT_EQ(cubeRows(), "");
 }
 
@@ -322,6 +322,17 @@ TEST_P(EntryStoreTest, removesACubeWithItsEntries) {
     EXPECT_EQ(cubeRows(), "");
 }
 
+TEST_P(EntryStoreTest, removesNoCubeWhoseEntriesAreInUseAndNoKind) {
+    store().put(trips_, matrixOf(1));
+    store().put(skim_, matrixOf(1));
+    auto const guard = store().use(trips_);
+    EXPECT_EQ(reasonOf([&] { store().removeCube(1); }), "inUse");
+    EXPECT_EQ(reasonOf([&] { store().removeCube(-1); }), "invalidKey");
+    EXPECT_EQ(reasonOf([&] { store().removeCube(7); }), "notFound");
+    EXPECT_EQ(store().cubes().size(), 1u);
+    EXPECT_TRUE(store().find(trips_) && store().find(skim_));
+}
+
 TEST_P(EntryStoreTest, countsUsersAndReleasesThem) {
     store().put(trips_, matrixOf(1));
     EXPECT_EQ(store().addUser(trips_), 1);
@@ -332,6 +343,28 @@ TEST_P(EntryStoreTest, countsUsersAndReleasesThem) {
     EXPECT_EQ(store().removeUser(trips_), 0);
     EXPECT_EQ(store().removeUser(trips_), 0);
     EXPECT_EQ(reasonOf([&] { store().addUser(other_); }), "notFound");
+}
+
+TEST_P(EntryStoreTest, storesRoutesWithWhatTheCallersFunctionWrites) {
+    auto const writing = [](char const* text) { return [text](std::string const& path) { writeFile(path, text); }; };
+    store().putFile(routes_, writing("old"), {.parent = trips_});
+    EXPECT_EQ(readFile(path(routes_)), "old");
+    struct OwnError {};
+    EXPECT_THROW(store().putFile(routes_, [](std::string const&) { throw OwnError(); }), OwnError);
+    EXPECT_THROW(store().putFile(routes_,
+                     [](std::string const& file) {
+                         writeFile(file, "half");
+                         throw std::runtime_error("mine");
+                     }),
+        std::runtime_error);
+    EXPECT_EQ(readFile(path(routes_)), "old");
+    store().putFile(routes_, writing("new"));
+    EXPECT_EQ(readFile(path(routes_)), "new");
+    EXPECT_EQ(store().parent(routes_), trips_);
+    EntryKey const target(-9, 2, 1, 1, 1, 1, 0);
+    store().move(routes_, target);
+    EXPECT_EQ(readFile(path(target)), "new");
+    EXPECT_EQ(filesIn(fs::path(path(target)).parent_path().string()), "2-1-1-1-1-0.FDB\n");
 }
 
 TEST_P(EntryStoreTest, findsParentsChildrenAndTheWholeLineage) {
