@@ -62,7 +62,7 @@ void TRkCubesException::Add(AnsiString message, char const* file, char const* fu
 
 void TRkCubesException::FormatMessageA(char const* text, unsigned long code) {
     // Codes have 32 bits; a long has more on some platforms.
-    std::uint32_t error = static_cast<std::uint32_t>(code);
+    auto error = static_cast<std::uint32_t>(code);
     if (error == lastErrorWanted) error = cubes::platform::lastError();
     if (error == 0) {
         if (text) SetMessage(text);
