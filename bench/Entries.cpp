@@ -161,6 +161,12 @@ std::vector<Key> Entries::randomKeys(int picked) const {
     return keys;
 }
 
+cubes::EntryKey Entries::storeKey(Key const& key) const {
+    auto const cube = static_cast<short>(family_.cube);
+    if (family_.columns.size() == 5) return {cube, key[0], key[1], key[2], key[3]};
+    return {cube, key[0], key[1], key[2], key[3], key[4], key[5]};
+}
+
 Key Entries::keyOf(int index) const {
     Key key{};
     for (std::size_t i = family_.columns.size() - 2; i > 0; --i, index /= family_.perPart)

@@ -59,6 +59,9 @@ public:
     Entries(Family const& family, std::string const& postgresUrl, int count);
 
     Operations const& operations() const { return operations_; }
+    /// The same entries for applications, without the cube objects.
+    cubes::EntryStore& store() const { return project_.store(); }
+    cubes::EntryKey storeKey(Key const& key) const;
     /// A connection to the same database.
     BareDatabase& bare() { return *bare_; }
     /// "sqlite" or "postgres", and the family.

@@ -122,6 +122,18 @@ std::vector<Pair> additionsOf(Operations const& ours, BareStatements& bare) {
         [&](Key const& key) { require(ours.add(key) && ours.clear(key)); }}};
 }
 
+std::vector<Pair> storesOf(Entries const& entries, BareStatements& bare) {
+    auto& store = entries.store();
+    return {
+        {"store.find", [&](Key const& key) { require(bare.find(key)); },
+            [&](Key const& key) { require(store.find(entries.storeKey(key)).has_value()); }},
+        {"store.addUser", [&](Key const& key) { require(bare.find(key) && bare.raise(key)); },
+            [&](Key const& key) { require(store.addUser(entries.storeKey(key)) > 0); }},
+        {"store.removeUser", [&](Key const& key) { require(bare.find(key) && bare.lower(key)); },
+            [&](Key const& key) { require(store.removeUser(entries.storeKey(key)) >= 0); }},
+    };
+}
+
 std::vector<Key> newKeys(Entries const& entries, int count) {
     std::vector<Key> keys;
     for (int i = 0; i < writesPerRound; ++i) keys.push_back(entries.keyOf(count + i));
@@ -142,6 +154,7 @@ void measure(std::vector<Result>& results, Family const& family, std::string con
     add(url.empty() ? 2.0 : 1.3, lookUpsOf(ours, bare), reads, readRounds);
     add(2.0, otherReadsOf(family.lookUpsOfIsCorrect, ours, bare), reads, readRounds);
     add(2.0, changesOf(ours, bare), writes, writeRounds);
+    add(1.2, storesOf(entries, bare), writes, writeRounds);
     add(2.0, additionsOf(ours, bare), newKeys(entries, count), writeRounds);
 }
 

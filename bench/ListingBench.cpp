@@ -41,6 +41,19 @@ Result listing(Entries& entries, Family const& family) {
         [&] { require(entries.operations().list()); }});
 }
 
+Result storeListing(Entries& entries, Family const& family) {
+    std::string const query =
+        fmt::format("select \"{1}\", \"usageCounter\", filename from {0} order by \"{1}\"", entries.table(),
+            fmt::join(family.columns, "\", \""));
+    return compare({fmt::format("{}, {}, store.entries", entries.name(), count), 1.3, 3, 1,
+        [&] { require(entries.bare().list(query, true)); },
+        [&] {
+            int found = 0;
+            for (auto const& entry : entries.store().entries()) found += entry.users >= 0;
+            require(found);
+        }});
+}
+
 // What other cubes of the table have costs nothing.
 Result listingBeside(Entries& entries, Family const& family) {
     entries.giveAway(few);
@@ -65,6 +78,7 @@ void measure(std::vector<Result>& results, Family const& family, std::string con
     Entries entries(family, url, count);
     results.push_back(walkMemory(entries));
     results.push_back(listing(entries, family));
+    results.push_back(storeListing(entries, family));
     if (!entries.operations().children) return;
     results.push_back(listingBeside(entries, family));
     results.push_back(children(entries, family));

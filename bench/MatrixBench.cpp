@@ -44,12 +44,12 @@ void writeAll(int file, char const* bytes, std::size_t size) {
     }
 }
 
-void bareWrite(std::string const& path, std::vector<float> const& cells) {
+void bareWrite(std::string const& path, std::vector<float> const& cells, Durability durability = Durability::full) {
     std::string const beside = path + ".tmp";
     {
         Descriptor const file(beside, O_CREAT | O_TRUNC | O_WRONLY);
         writeAll(file.number(), reinterpret_cast<char const*>(cells.data()), cells.size() * sizeof(float));
-        require(::fsync(file.number()) == 0, "fsync");
+        require(durability != Durability::full || ::fsync(file.number()) == 0, "fsync");
     }
     require(std::rename(beside.c_str(), path.c_str()) == 0, "rename");
 }
@@ -84,18 +84,42 @@ double ourSum(TRkMatCubes const& cubes) {
     return total;
 }
 
+std::vector<float> cellsOf(std::size_t zones) {
+    std::vector<float> cells(zones * zones);
+    for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = static_cast<float>(i % 1000) * 0.25f;
+    return cells;
+}
+
+TRkMatrix matrixOf(std::vector<float> const& cells, std::size_t zones) {
+    int const size = static_cast<int>(zones);
+    TRkMatrix matrix = TRkMatrix::inMemory(size, size);
+    for (int row = 0; row < size; ++row)
+        std::copy_n(cells.data() + static_cast<std::size_t>(row) * zones, zones, matrix.RowAt(row, 8));
+    return matrix;
+}
+
+// Replacing an entry's matrix through the store.
+void comparePut(std::vector<Result>& results, std::size_t zones, Durability durability, double bar, int rounds) {
+    WorkDirectory const work;
+    auto const project = cubes::Project::create(work.path("project"));
+    setMatrixStorage(project.settings()->MatrixDirectory().str(), {Storage::plain, durability});
+    auto& store = project.store();
+    store.addCube("Bench");
+    auto const cells = cellsOf(zones);
+    auto const matrix = matrixOf(cells, zones);
+    char const* const flushed = durability == Durability::full ? "flushed" : "not flushed";
+    results.push_back(compare({fmt::format("write {0} x {0} through put, {1}", zones, flushed), bar, rounds, 1,
+        [&] { bareWrite(work.path("raw"), cells, durability); }, [&] { store.put({1, 1, 1, 1, 1}, matrix); }}));
+}
+
 void compareAt(std::vector<Result>& results, std::size_t zones, int rounds) {
     WorkDirectory const work;
     auto const project = cubes::Project::create(work.path("project"));
     TRkMatCubes cubes(project.settings(), ".odm", true);
     cubes.Add("Bench", 1, 1, 1, 1, false);
 
-    int const size = static_cast<int>(zones);
-    std::vector<float> cells(zones * zones);
-    for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = static_cast<float>(i % 1000) * 0.25f;
-    TRkMatrix matrix = TRkMatrix::inMemory(size, size);
-    for (int row = 0; row < size; ++row)
-        std::copy_n(cells.data() + static_cast<std::size_t>(row) * zones, zones, matrix.RowAt(row, 8));
+    auto const cells = cellsOf(zones);
+    auto matrix = matrixOf(cells, zones);
 
     std::string const raw = work.path("raw");
     results.push_back(
@@ -111,6 +135,10 @@ void compareAt(std::vector<Result>& results, std::size_t zones, int rounds) {
 
 std::vector<Result> matrices() {
     std::vector<Result> results;
+    for (auto const durability : {Durability::full, Durability::process}) {
+        comparePut(results, 512, durability, 1.3, 41);
+        comparePut(results, 2048, durability, durability == Durability::full ? 1.1 : 1.2, 21);
+    }
     compareAt(results, 2000, 21);
     compareAt(results, 5000, 15);
     return results;
