@@ -42,9 +42,8 @@ Result listing(Entries& entries, Family const& family) {
 }
 
 Result storeListing(Entries& entries, Family const& family) {
-    std::string const query =
-        fmt::format("select \"{1}\", \"usageCounter\", filename from {0} order by \"{1}\"", entries.table(),
-            fmt::join(family.columns, "\", \""));
+    std::string const query = fmt::format("select \"{1}\", \"usageCounter\", filename from {0} order by \"{1}\"",
+        entries.table(), fmt::join(family.columns, "\", \""));
     return compare({fmt::format("{}, {}, store.entries", entries.name(), count), 1.3, 3, 1,
         [&] { require(entries.bare().list(query, true)); },
         [&] {

@@ -109,7 +109,10 @@ void comparePut(std::vector<Result>& results, std::size_t zones, Durability dura
     auto const matrix = matrixOf(cells, zones);
     char const* const flushed = durability == Durability::full ? "flushed" : "not flushed";
     results.push_back(compare({fmt::format("write {0} x {0} through put, {1}", zones, flushed), bar, rounds, 1,
-        [&] { bareWrite(work.path("raw"), cells, durability); }, [&] { store.put({1, 1, 1, 1, 1}, matrix); }}));
+        [&] { bareWrite(work.path("raw"), cells, durability); },
+        [&] {
+            store.put({1, 1, 1, 1, 1}, matrix);
+        }}));
 }
 
 void compareAt(std::vector<Result>& results, std::size_t zones, int rounds) {

@@ -181,7 +181,7 @@ std::size_t EntryStore::removeCube(short cube) {
 }
 
 std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
-    return reporting({"look up an entry", {}}, [&] { return EntryWriting(*tables_).find(key); });
+    return reporting([&] { return taskFor("look up", key); }, [&] { return EntryWriting(*tables_).find(key); });
 }
 
 TRkMatrix EntryStore::get(EntryKey const& key) const {
@@ -302,9 +302,8 @@ std::size_t EntryStore::removeAll(std::vector<EntryKey> const& keys) {
 }
 
 std::optional<EntryKey> EntryStore::parent(EntryKey const& key) const {
-    auto const task = taskFor("read the parent of", key);
     auto const entry = find(key);
-    if (!entry) task.fail(Reason::notFound, "there is no such entry");
+    if (!entry) taskFor("read the parent of", key).fail(Reason::notFound, "there is no such entry");
     return entry->parent;
 }
 
@@ -375,13 +374,13 @@ long EntryStore::removeUser(EntryKey const& key) {
 }
 
 long EntryStore::changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*change)()) {
-    auto const task = taskFor("count the users of", key);
+    auto const task = [&] { return taskFor("count the users of", key); };
     return reporting(task, [&] {
         auto rows = tables_->rows(key.isResult());
-        if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");
+        if (!rows->locate(key.numbers())) task().fail(Reason::notFound, "there is no such entry");
         if (!(rows.operator->()->*change)()) {
-            if (!rows->countsUsers()) task.fail(Reason::database, "the table of entries counts no users");
-            task.fail(Reason::notFound, "it was removed meanwhile");
+            if (!rows->countsUsers()) task().fail(Reason::database, "the table of entries counts no users");
+            task().fail(Reason::notFound, "it was removed meanwhile");
         }
         return rows->users();
     });

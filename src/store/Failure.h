@@ -1,13 +1,11 @@
 #pragma once
 
-#include "host/matrix/WriteLock.h"
-
 #include <cubes/database/TRkDatabaseException.h>
 #include <cubes/matrix/TRkMatrixException.h>
 #include <cubes/store/StoreError.h>
 
+#include <concepts>
 #include <exception>
-#include <new>
 #include <string>
 #include <system_error>
 
@@ -35,25 +33,28 @@ struct CallbackFailure {
     std::exception_ptr error;
 };
 
-/// Does `work`; what goes wrong in it becomes a StoreError about the task, except a CallbackFailure.
+/// Throws the exception being handled as a StoreError about the task; a StoreError and a CallbackFailure as they are.
+[[noreturn]] void rethrow(Task const& task);
+
+/// Does `work`; what goes wrong in it becomes a StoreError about the task.
 template <typename Work>
 auto reporting(Task const& task, Work const& work) -> decltype(work()) {
     try {
         return work();
+    } catch (...) {
+        rethrow(task);
+    }
+}
+
+/// The same for a task that is described only when something goes wrong, because its text takes a look-up.
+template <std::invocable Describe, typename Work>
+auto reporting(Describe const& describe, Work const& work) -> decltype(work()) {
+    try {
+        return work();
     } catch (StoreError const&) {
         throw;
-    } catch (TRkDatabaseException const& error) {
-        task.fail(reasonOf(error), error.what());
-    } catch (matrix::LockRefused const& error) {
-        task.fail(Reason::locked, error.what(), error.file());
-    } catch (TRkMatrixException const& error) {
-        task.fail(error.Code() ? reasonOf(error.Code()) : Reason::file, causeOf(error), error.File());
-    } catch (std::system_error const& error) {
-        task.fail(reasonOf(error.code()), error.what());
-    } catch (std::bad_alloc const&) {
-        task.fail(Reason::file, "not enough memory");
-    } catch (std::exception const& error) {
-        task.fail(Reason::file, error.what());
+    } catch (...) {
+        rethrow(describe());
     }
 }
 

@@ -1,10 +1,12 @@
 #include <cubes/store/StoreError.h>
 
 #include "host/database/SqlState.h"
+#include "host/matrix/WriteLock.h"
 #include "store/Failure.h"
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 namespace cubes {
 
@@ -70,6 +72,28 @@ Reason reasonOf(TRkDatabaseException const& error) {
     for (auto const& known : stateReasons)
         if (error.SqlState() == known.sqlState) return known.reason;
     return Reason::database;
+}
+
+void rethrow(Task const& task) {
+    try {
+        throw;
+    } catch (StoreError const&) {
+        throw;
+    } catch (CallbackFailure const&) {
+        throw;
+    } catch (TRkDatabaseException const& error) {
+        task.fail(reasonOf(error), error.what());
+    } catch (matrix::LockRefused const& error) {
+        task.fail(Reason::locked, error.what(), error.file());
+    } catch (TRkMatrixException const& error) {
+        task.fail(error.Code() ? reasonOf(error.Code()) : Reason::file, causeOf(error), error.File());
+    } catch (std::system_error const& error) {
+        task.fail(reasonOf(error.code()), error.what());
+    } catch (std::bad_alloc const&) {
+        task.fail(Reason::file, "not enough memory");
+    } catch (std::exception const& error) {
+        task.fail(Reason::file, error.what());
+    }
 }
 
 std::string causeOf(TRkMatrixException const& error) {

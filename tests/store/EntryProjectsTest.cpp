@@ -54,7 +54,8 @@ protected:
     EntryStore& a() { return a_->store(); }
     EntryStore& b() { return b_->store(); }
     std::string rows() {
-        return joined(database().sql("select * from " + database().table("public", "cube4data1") + " order by purpose"));
+        return joined(
+            database().sql("select * from " + database().table("public", "cube4data1") + " order by purpose"));
     }
 
 private:
@@ -72,7 +73,10 @@ TEST_P(EntryProjectsTest, anEntryWhoseFileLiesWithAnotherProjectIsRefused) {
     auto const before = rows();
     std::function<void()> const refused[] = {[&] { b().get(trips); }, [&] { b().put(trips, smallMatrix(3)); },
         [&] { b().copy(trips, skim); }, [&] { b().copy(other, trips); }, [&] { b().move(trips, skim); },
-        [&] { b().move(other, trips); }, [&] { b().remove(trips); }, [&] { b().removeAll({trips, other}); },
+        [&] { b().move(other, trips); }, [&] { b().remove(trips); },
+        [&] {
+            b().removeAll({trips, other});
+        },
         [&] { b().removeCube(1); }, [&] { b().moveFrom(a(), trips, trips); }};
     for (auto const& work : refused) EXPECT_EQ(reasonOf(work), "otherDirectory");
     EXPECT_EQ(rows(), before);

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "host/matrix/WriteLock.h"
 #include "store/Failure.h"
 
 namespace cubes::test {
