@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <map>
 #include <set>
 
 namespace cubes {
@@ -114,15 +113,19 @@ EntryKey EntryStore::parse(std::string_view text) const {
     if (!pieces || pieces->cube.empty() || (kind && pieces->cube.find('/') != std::string_view::npos))
         task.fail(Reason::invalidKey, std::string("it is written ") + (kind ? kind->word : "CUBE") +
                                           "/purpose/mode/time/user" + (isResult ? "/result/iteration" : ""));
-    auto const cube = kind ? std::optional(infoOf(*kind)) : findCube(pieces->cube);
-    auto const number = cube ? std::optional(cube->number) : numberOf(pieces->cube);
-    if (!number) task.fail(Reason::notFound, "there is no cube \"" + std::string(pieces->cube) + "\"");
-    std::vector<short> numbers{*number};
-    for (auto const part : pieces->parts) {
-        auto const read = numberOf(part);
-        if (!read) task.fail(Reason::invalidKey, "\"" + std::string(part) + "\" is not a number of 16 bits");
+    std::vector<short> numbers{0};
+    for (std::size_t i = 0; i < pieces->parts.size(); ++i) {
+        auto const read = numberOf(pieces->parts[i]);
+        if (!read)
+            task.fail(Reason::invalidKey, std::string(store::keyColumns[i + 1]) +
+                                              " must be a number from -32768 to 32767, not \"" +
+                                              std::string(pieces->parts[i]) + "\"");
         numbers.push_back(*read);
     }
+    auto const cube = kind ? std::optional(infoOf(*kind)) : findCube(pieces->cube);
+    auto const number = cube ? std::optional(cube->number) : numberOf(pieces->cube);
+    if (!number) task.fail(Reason::notFound, "there is no cube " + std::string(pieces->cube));
+    numbers.front() = *number;
     return keyOf(numbers);
 }
 
@@ -187,7 +190,7 @@ std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
 TRkMatrix EntryStore::get(EntryKey const& key) const {
     auto const task = taskFor("read", key);
     auto const& kind = catalogue::kindOf(key.cube());
-    if (kind.holdsRoutes) task.fail(Reason::invalidKey, "it holds routes and no matrix");
+    if (kind.holdsRoutes) task.fail(Reason::invalidKey, task.entry + " holds routes, not a matrix");
     return reporting(task, [&] {
         EntryWriting const writing(*tables_);
         auto const file = writing.requireFile(task, writing.require(task, key));
@@ -207,6 +210,14 @@ EntryRange EntryStore::entries(EntrySelection const& selection) const {
     }
     return reporting({"list entries", {}},
         [&] { return EntryRange(std::make_unique<EntryWalk>(*tables_, store::stagesOf(selection, cube))); });
+}
+
+std::map<short, std::size_t> EntryStore::counts() const {
+    return reporting({"count the entries", {}}, [this] {
+        std::map<short, std::size_t> counts = tables_->counts(false);
+        for (auto const& [number, count] : tables_->counts(true)) counts[number] += count;
+        return counts;
+    });
 }
 
 static EntryWriting::Change changeOf(PutOptions const& options) {
@@ -313,8 +324,7 @@ void EntryStore::setParent(EntryKey const& key, std::optional<EntryKey> const& p
     reporting(task, [&] {
         auto rows = tables_->rows(true);
         if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");
-        if (long const users = rows->users())
-            task.fail(Reason::inUse, "it is in use (users: " + std::to_string(users) + ")");
+        if (rows->users() != 0) task.fail(Reason::inUse, text(key) + " is in use; try again later");
         if (!rows->setParent(store::numbersOf(parent))) task.fail(Reason::notFound, "it was removed meanwhile");
     });
 }

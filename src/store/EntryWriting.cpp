@@ -102,7 +102,7 @@ std::string EntryWriting::requireFile(Task const& task, EntryInfo const& entry) 
         task.fail(Reason::outsideDirectory, "its row names the file \"" + entry.storedName +
                                                 "\", which is not inside the directory " +
                                                 tables_.directory(entry.key.isResult()));
-    if (!platform::exists(entry.file)) task.fail(Reason::notFound, "its file is missing", entry.file);
+    if (!platform::exists(entry.file)) task.fail(Reason::notFound, "there is no file " + entry.file, entry.file);
     return entry.file;
 }
 
@@ -115,7 +115,8 @@ void EntryWriting::requireOwn(Task const& task, EntryKey const& key, Rows& conte
     if (!recorded.isKnown()) return;
     auto const own = tables_.identity(key.isResult());
     if (!own.isKnown() || own == recorded) return;
-    task.fail(Reason::otherDirectory, "its file lies with another project that shares the database (directory " +
+    task.fail(Reason::otherDirectory, "the file of " + tables_.text(key) +
+                                          " lies with another project that shares the database (directory " +
                                           recorded.text() + "); do it in that project");
 }
 
@@ -127,23 +128,25 @@ void EntryWriting::requireStorable(Task const& task, EntryKey const& key) const 
                                                : "only results have a result and an iteration");
     auto const parts = key.parts();
     constexpr std::size_t partsFromOne = 4;
-    for (std::size_t i = 0; i < parts.size(); ++i)
-        if (parts[i] < (i < partsFromOne ? 1 : 0))
-            task.fail(
-                Reason::invalidKey, "purpose, mode, time and user run from 1 to 32767, result and iteration from 0");
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        short const least = i < partsFromOne ? 1 : 0;
+        if (parts[i] < least)
+            task.fail(Reason::invalidKey, std::string(keyColumns[i + 1]) + " must be a number from " +
+                                              std::to_string(least) + " to 32767, not " + std::to_string(parts[i]));
+    }
     if (!kind && !names_.name(key.cube()))
         task.fail(Reason::notFound, "there is no cube " + std::to_string(key.cube()) + "; add the cube first");
 }
 
 void EntryWriting::requireReplaceable(Task const& task, EntryInfo const& existing, OnExisting exists) const {
-    if (exists == OnExisting::fail) task.fail(Reason::alreadyExists, existing.text + " exists already");
+    if (exists == OnExisting::fail) task.fail(Reason::alreadyExists, existing.text + " already exists");
     requireFree(task, existing);
     requireOwn(task, existing.key);
 }
 
 void EntryWriting::requireFree(Task const& task, EntryInfo const& entry) const {
     if (entry.users == 0) return;
-    task.fail(Reason::inUse, entry.text + " is in use (users: " + std::to_string(entry.users) + ")");
+    task.fail(Reason::inUse, entry.text + " is in use; try again later");
 }
 
 std::string EntryWriting::targetOf(
@@ -185,6 +188,7 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
     if (targetOf(task, key, existing) != target)
         task.fail(Reason::locked, "another program is changing the entry; try again");
     if (existing) requireReplaceable(task, *existing, change.exists);
+    if (platform::isDirectory(target)) task.fail(Reason::file, "it is a directory", target);
 
     StagedFile staged(target);
     write(staged);
@@ -241,7 +245,7 @@ void EntryWriting::takeRow(Task const& task, EntryInfo const& entry) const {
 
 void EntryWriting::put(Task const& task, EntryKey const& key, TRkMatrix const& matrix, Change const& change) const {
     auto const& kind = kindOf(key.cube());
-    if (kind.holdsRoutes) task.fail(Reason::invalidKey, "it holds routes and no matrix");
+    if (kind.holdsRoutes) task.fail(Reason::invalidKey, task.entry + " holds routes, not a matrix");
     if (!matrix.IsValid()) task.fail(Reason::wrongShape, "the matrix is not valid: " + matrix.Reason());
     if (change.parentage.parent && !key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
     matrix.Prepare();

@@ -91,6 +91,22 @@ Rows StoreTables::rows(bool ofResults) const {
                      : Rows(opened(connection_, catalogue::cubeEntriesTable, catalogue::sharedSchema), cubeParts);
 }
 
+std::map<short, std::size_t> StoreTables::counts(bool ofResults) const {
+    auto const lock = session().lock();
+    auto const table = ofResults
+                           ? session().dialect().qualifiedName(schema_, catalogue::resultEntriesTable)
+                           : session().dialect().qualifiedName(catalogue::sharedSchema, catalogue::cubeEntriesTable);
+    auto const question = "SELECT cubenr, count(*) FROM " + table + " WHERE cubenr IS NOT NULL GROUP BY cubenr";
+    database::Cells cells;
+    std::size_t const rows = session().prepareOnce(question, {})->run({}, cells);
+    std::map<short, std::size_t> counts;
+    for (std::size_t i = 0; i < rows; ++i) {
+        auto const row = cells.row(i, 2);
+        counts[static_cast<short>(row[0].Number())] = static_cast<std::size_t>(row[1].Number());
+    }
+    return counts;
+}
+
 std::string StoreTables::directory(bool ofResults) const {
     return TRkFString::Directory((ofResults ? settings_.WorkingDirectory() : settings_.MatrixDirectory()).str()).str();
 }

@@ -10,6 +10,7 @@
 #include <cubes/text/CountedPtr.h>
 
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -24,6 +25,9 @@ class Session;
 }
 
 namespace cubes::store {
+
+/// The key columns of the entry tables; the last two are those of results.
+inline constexpr char const* keyColumns[] = {"cubenr", "purpose", "mode", "time", "user", "result", "iteration"};
 
 /// An entry table with its own cursor.
 class Rows {
@@ -52,6 +56,9 @@ public:
     /// The table of results, or that of the entries of cubes. Throws TRkDatabaseException when it is
     /// not there.
     Rows rows(bool ofResults) const;
+
+    /// The number of rows by the number of their cube.
+    std::map<short, std::size_t> counts(bool ofResults) const;
 
     /// The directory that files of these entries lie in, with a delimiter at its end.
     std::string directory(bool ofResults) const;

@@ -99,7 +99,7 @@ TEST_P(EntryStoreTest, refusesTextsThatAreNoEntryAndAddsNoCube) {
     Case const cases[] = {{"", "invalidKey"}, {"Trips", "invalidKey"}, {"Trips/1/1/1", "invalidKey"},
         {"/1/1/1/1", "invalidKey"}, {"Trips/1/1/1/x", "invalidKey"}, {"Trips/1/1/1/40000", "invalidKey"},
         {"skim/1/1/1/1", "invalidKey"}, {"skim/1/1/1/1/1/1/1", "invalidKey"}, {"New/1/1/1/1", "notFound"},
-        {"Trips/1/1/1/", "invalidKey"}};
+        {"Trips/1/1/1/", "invalidKey"}, {"New/1/1/1/x", "invalidKey"}};
     for (auto const& [text, reason] : cases)
         EXPECT_EQ(reasonOf([&, text = text] { store().parse(text); }), reason) << text;
     EXPECT_EQ(store().cubes().size(), 1u);
@@ -331,6 +331,12 @@ TEST_P(EntryStoreTest, removesNoCubeWhoseEntriesAreInUseAndNoKind) {
     EXPECT_EQ(reasonOf([&] { store().removeCube(7); }), "notFound");
     EXPECT_EQ(store().cubes().size(), 1u);
     EXPECT_TRUE(store().find(trips_) && store().find(skim_));
+}
+
+TEST_P(EntryStoreTest, countsEntriesByCube) {
+    EXPECT_TRUE(store().counts().empty());
+    for (EntryKey const& key : {trips_, other_, skim_, EntryKey(-8, 1, 1, 1, 1)}) store().put(key, matrixOf(1));
+    EXPECT_EQ(store().counts(), (std::map<short, std::size_t>{{-8, 1}, {-1, 1}, {1, 2}}));
 }
 
 TEST_P(EntryStoreTest, countsUsersAndReleasesThem) {

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -154,6 +155,8 @@ public:
     TRkMatrix get(EntryKey const& key) const;
     /// Entries in the order of their keys: those of cubes, then those of results.
     EntryRange entries(EntrySelection const& selection = {}) const;
+    /// The number of entries by the number of their cube or kind; those without entries are left out.
+    std::map<short, std::size_t> counts() const;
 
     /// Stores a matrix as an entry, in one step: whatever happens there is the old matrix or the new
     /// one. An entry that exists keeps its row, counter and parent; a new one has no parent unless
