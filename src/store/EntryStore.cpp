@@ -117,7 +117,7 @@ EntryKey EntryStore::parse(std::string_view text) const {
     for (std::size_t i = 0; i < pieces->parts.size(); ++i) {
         auto const read = numberOf(pieces->parts[i]);
         if (!read)
-            task.fail(Reason::invalidKey, std::string(store::keyColumns[i + 1]) +
+            task.fail(Reason::invalidKey, std::string(catalogue::keyColumns[i + 1]) +
                                               " must be a number from -32768 to 32767, not \"" +
                                               std::string(pieces->parts[i]) + "\"");
         numbers.push_back(*read);

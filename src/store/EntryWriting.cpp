@@ -131,7 +131,7 @@ void EntryWriting::requireStorable(Task const& task, EntryKey const& key) const 
     for (std::size_t i = 0; i < parts.size(); ++i) {
         short const least = i < partsFromOne ? 1 : 0;
         if (parts[i] < least)
-            task.fail(Reason::invalidKey, std::string(keyColumns[i + 1]) + " must be a number from " +
+            task.fail(Reason::invalidKey, std::string(catalogue::keyColumns[i + 1]) + " must be a number from " +
                                               std::to_string(least) + " to 32767, not " + std::to_string(parts[i]));
     }
     if (!kind && !names_.name(key.cube()))

@@ -26,9 +26,6 @@ class Session;
 
 namespace cubes::store {
 
-/// The key columns of the entry tables; the last two are those of results.
-inline constexpr char const* keyColumns[] = {"cubenr", "purpose", "mode", "time", "user", "result", "iteration"};
-
 /// An entry table with its own cursor.
 class Rows {
 public:

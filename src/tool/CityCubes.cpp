@@ -12,26 +12,22 @@ namespace cubes::tool {
 
 namespace {
 
-constexpr short onlyUser = 1;
-constexpr short noPurpose = 1;
-constexpr short distanceResult = 1;
-constexpr short timeResult = 2;
-constexpr short firstIteration = 1;
+constexpr int onlyUser = 1;
+constexpr int noPurpose = 1;
+constexpr int distanceResult = 1;
+constexpr int timeResult = 2;
+constexpr int firstIteration = 1;
 
-short numberAt(int index) {
-    return static_cast<short>(index + 1);
+std::string tripsAt(int purpose, int mode, int period) {
+    return fmt::format("{}/{}/{}/{}/{}", tripsCube, purpose + 1, mode + 1, period + 1, onlyUser);
 }
 
-EntryWord tripsAt(int purpose, int mode, int period) {
-    return {{tripsCube, std::nullopt}, {numberAt(purpose), numberAt(mode), numberAt(period), onlyUser}};
+std::string skimAt(int mode, int period, int result) {
+    return fmt::format("skim/{}/{}/{}/{}/{}/{}", noPurpose, mode + 1, period + 1, onlyUser, result, firstIteration);
 }
 
-EntryWord skimAt(int mode, int period, short result) {
-    return {parseCube("skim"), {noPurpose, numberAt(mode), numberAt(period), onlyUser, result, firstIteration}};
-}
-
-EntryWord selectedLinkAt(int purpose, short iteration) {
-    return {parseCube("selectedlink"), {numberAt(purpose), 1, 1, onlyUser, 1, iteration}};
+std::string selectedLinkAt(int purpose, int iteration) {
+    return fmt::format("selectedlink/{}/1/1/{}/1/{}", purpose + 1, onlyUser, iteration);
 }
 
 void addTrips(City const& city, std::vector<CityMatrix>& matrices) {
@@ -47,7 +43,7 @@ void addSkims(City const& city, std::vector<CityMatrix>& matrices) {
     for (int mode = 0; mode < count(city.modes); ++mode)
         for (int period = 0; period < count(city.periods); ++period) {
             auto const distance = skimAt(mode, period, distanceResult);
-            auto const add = [&](EntryWord const& entry, std::optional<EntryWord> const& parent,
+            auto const add = [&](std::string const& entry, std::optional<std::string> const& parent,
                                  TripTable const& table) {
                 matrices.push_back({entry, parent, "", nameAt(city.modes, mode), nameAt(city.periods, period), &table});
             };
@@ -58,9 +54,9 @@ void addSkims(City const& city, std::vector<CityMatrix>& matrices) {
 
 void addSelectedLinks(City const& city, std::vector<CityMatrix>& matrices) {
     for (int purpose = 0; purpose < count(city.purposes); ++purpose) {
-        EntryWord parent = tripsAt(purpose, 0, 0);
+        std::string parent = tripsAt(purpose, 0, 0);
         for (int link : {0, 1}) {
-            auto const entry = selectedLinkAt(purpose, numberAt(link));
+            auto const entry = selectedLinkAt(purpose, link + 1);
             matrices.push_back({entry, parent, nameAt(city.purposes, purpose), city.modes.front(), city.periods.front(),
                 &city.tripsOverLinks(purpose, link)});
             parent = entry;
@@ -110,24 +106,27 @@ bool isStored(std::vector<RouteValues> const& data, std::vector<RouteValues> con
     });
 }
 
-void require(bool isAsStored, Entry const& entry) {
-    if (!isAsStored) throw Failure(fmt::format("{} was read back with other values than stored", entry.text()));
+void require(bool isAsStored, EntryInfo const& entry) {
+    if (!isAsStored) throw Failure(fmt::format("{} was read back with other values than stored", entry.text));
 }
 
 }
 
-std::size_t storeRoutes(City const& city, Catalogue& catalogue) {
+std::size_t storeRoutes(City const& city, Entries const& entries) {
     Roads const roads(city.zones);
     auto const routes = roads.shortestRoutes(city.zones);
     auto const data = dataOf(routes, roads);
-    auto const set = catalogue.storeRoutes(parseEntry(cityRoutes),
-        [&](Entry const& entry, std::string const& path) { writeRouteSet(path, routeKeyOf(entry), routes); });
-    auto const values = catalogue.storeRoutes(parseEntry(cityRouteData),
-        [&](Entry const& entry, std::string const& path) { writeRouteData(path, routeKeyOf(entry), data); });
-    catalogue.setParent(set, numbersOf(catalogue.entry(parseEntry(carDistances))));
-    catalogue.setParent(values, numbersOf(set));
-    require(isStored(routes, RouteSetFile(catalogue.path(set))), set);
-    require(isStored(data, readRouteData(catalogue.path(values))), values);
+    auto& store = entries.store();
+    auto const set = entries.write(cityRoutes, [&](EntryKey const& key) {
+        store.putFile(key, [&](std::string const& path) { writeRouteSet(path, routeKeyOf(key), routes); },
+            {.parent = store.parse(carDistances)});
+    });
+    auto const values = entries.write(cityRouteData, [&](EntryKey const& key) {
+        store.putFile(
+            key, [&](std::string const& path) { writeRouteData(path, routeKeyOf(key), data); }, {.parent = set.key});
+    });
+    require(isStored(routes, RouteSetFile(set.file)), set);
+    require(isStored(data, readRouteData(values.file)), values);
     return routes.size();
 }
 

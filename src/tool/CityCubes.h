@@ -1,7 +1,6 @@
 #pragma once
 
-#include "tool/Catalogue.h"
-#include "tool/Entry.h"
+#include "tool/Entries.h"
 #include "tool/city/City.h"
 
 #include <optional>
@@ -15,9 +14,9 @@ constexpr char const* tripsCube = "Trips";
 
 /// A matrix of the synthetic city and its entry.
 struct CityMatrix {
-    EntryWord entry;
+    std::string entry;
     /// The entry that it was derived from, if any.
-    std::optional<EntryWord> parent;
+    std::optional<std::string> parent;
     /// Empty where the matrix does not depend on the purpose.
     std::string purpose;
     std::string mode;
@@ -38,6 +37,6 @@ constexpr char const* cityRouteData = "routedata/1/1/1/1/1/1";
 /// Stores the shortest routes between all zones, derived from the distances, and the length of each
 /// route, derived from the routes. Reads both back and throws Failure when they differ. Returns the
 /// number of routes.
-std::size_t storeRoutes(City const& city, Catalogue& catalogue);
+std::size_t storeRoutes(City const& city, Entries const& entries);
 
 }

@@ -47,6 +47,10 @@ enum class ExitCode : int {
 /// The exit code that the tool ends with after this error.
 ExitCode exitCodeOf(std::exception const& error);
 
+/// Why a task failed: the error's own text, or of a StoreError the cause with the entry and file that neither
+/// the task nor the cause names.
+std::string causeOf(std::exception const& error, std::string const& task);
+
 /// Print a message to standard error, one line each, with the tool's name in front.
 void printError(std::string const& message);
 void printWarning(std::string const& message);

@@ -1,74 +1,50 @@
 #include "tool/Lineage.h"
 
+#include "tool/Entries.h"
 #include "tool/Errors.h"
-#include "tool/Kinds.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <set>
+#include <span>
 
 namespace cubes::tool {
-
-std::vector<Entry> ancestorsOf(Entry const& entry, Catalogue const& catalogue) {
-    std::vector<Entry> ancestors;
-    std::set<Entry, EntryOrder> seen = {entry};
-    for (auto up = catalogue.parentOf(entry); up && seen.insert(*up).second; up = catalogue.parentOf(*up))
-        ancestors.push_back(*up);
-    std::reverse(ancestors.begin(), ancestors.end());
-    return ancestors;
-}
-
-std::vector<Entry> derivedFrom(Entry const& entry, Catalogue const& catalogue) {
-    Lineage const lineage(catalogue);
-    std::vector<Entry> found = {entry};
-    std::set<Entry, EntryOrder> seen = {entry};
-    for (std::size_t i = 0; i < found.size(); ++i)
-        for (auto const& child : lineage.childrenOf(found[i]))
-            if (seen.insert(child).second) found.push_back(child);
-    return found;
-}
-
-Lineage::Lineage(Catalogue const& catalogue) {
-    for (auto const& kind : kinds())
-        for (auto const& row : catalogue.derivedOf(kind)) children_[catalogue.entryOf(row.parent)].push_back(row.entry);
-}
-
-std::vector<Entry> Lineage::childrenOf(Entry const& entry) const {
-    auto const found = children_.find(entry);
-    return found == children_.end() ? std::vector<Entry>() : found->second;
-}
 
 namespace {
 
 // No model goes so deep; rows of a database may.
-constexpr std::size_t mostGenerations = 1000;
+constexpr int mostGenerations = 1000;
 
-class Growth {
-public:
-    Growth(Lineage const& lineage, Catalogue const& catalogue, std::vector<Entry> const& ancestors)
-        : lineage_(lineage), catalogue_(catalogue), shown_(ancestors.begin(), ancestors.end()) {}
+using Descendants = std::span<Lineage::Descendant const>;
 
-    // Each entry is shown once, so that rows that lead in a circle end.
-    Branch branch(Entry const& entry, std::size_t generation) {
+Branch branchOf(EntryKey const& key, EntryStore const& store) {
+    return {key, store.text(key), store.find(key).has_value(), false, {}};
+}
+
+bool isAncestor(EntryKey const& key, Lineage const& lineage) {
+    return std::ranges::find(lineage.ancestors, key) != lineage.ancestors.end();
+}
+
+// Takes the descendants of a generation and what follows each from the front of the list.
+std::vector<Branch> takeBranches(Descendants& ahead, int generation, Lineage const& lineage, EntryStore const& store) {
+    std::vector<Branch> branches;
+    while (!ahead.empty() && ahead.front().generation == generation) {
+        auto const key = ahead.front().key;
         if (generation > mostGenerations)
             throw Failure(fmt::format("the lineage is deeper than {} generations", mostGenerations));
-        shown_.insert(entry);
-        Branch grown{entry, catalogue_.has(entry), false, {}};
-        for (auto const& child : lineage_.childrenOf(entry))
-            if (!shown_.contains(child)) grown.children.push_back(branch(child, generation + 1));
-        return grown;
+        ahead = ahead.subspan(1);
+        auto children = takeBranches(ahead, generation + 1, lineage, store);
+        if (isAncestor(key, lineage)) continue;
+        branches.push_back(branchOf(key, store));
+        branches.back().children = std::move(children);
     }
-
-private:
-    Lineage const& lineage_;
-    Catalogue const& catalogue_;
-    std::set<Entry, EntryOrder> shown_;
-};
+    std::ranges::sort(branches, isListedBefore, &Branch::key);
+    return branches;
+}
 
 void addText(Branch const& branch, std::size_t depth, std::string& text) {
     text += branch.isAsked ? "* " : "  ";
-    text += std::string(2 * depth, ' ') + branch.entry.text() + (branch.isThere ? "" : "  (missing)") + "\n";
+    text += std::string(2 * depth, ' ') + branch.text + (branch.isThere ? "" : "  (missing)") + "\n";
     for (auto const& child : branch.children) addText(child, depth + 1, text);
 }
 
@@ -82,25 +58,27 @@ std::string quoted(std::string const& word) {
 }
 
 void addDot(Branch const& branch, std::string& text) {
-    std::string const name = quoted(branch.entry.text());
+    std::string const name = quoted(branch.text);
     std::string style;
     if (branch.isAsked) style = " [style=bold]";
     if (!branch.isThere) style = " [style=dashed]";
     text += "  " + name + style + ";\n";
     for (auto const& child : branch.children) {
         addDot(child, text);
-        text += "  " + name + " -> " + quoted(child.entry.text()) + ";\n";
+        text += "  " + name + " -> " + quoted(child.text) + ";\n";
     }
 }
 
 }
 
-Branch lineageOf(Entry const& entry, Lineage const& lineage, Catalogue const& catalogue) {
-    auto ancestors = ancestorsOf(entry, catalogue);
-    Branch root = Growth(lineage, catalogue, ancestors).branch(entry, 0);
+Branch lineageOf(EntryKey const& entry, EntryStore const& store) {
+    auto const lineage = store.lineage(entry);
+    Descendants ahead = lineage.descendants;
+    Branch root = branchOf(entry, store);
     root.isAsked = true;
-    for (; !ancestors.empty(); ancestors.pop_back()) {
-        Branch parent{ancestors.back(), catalogue.has(ancestors.back()), false, {}};
+    root.children = takeBranches(ahead, 1, lineage, store);
+    for (auto const& ancestor : lineage.ancestors) {
+        Branch parent = branchOf(ancestor, store);
         parent.children.push_back(std::move(root));
         root = std::move(parent);
     }
@@ -122,7 +100,7 @@ std::string asDot(Branch const& root) {
 Json asJson(Branch const& root) {
     Json children = Json::array();
     for (auto const& child : root.children) children.push_back(asJson(child));
-    return {{"entry", root.entry.text()}, {"isThere", root.isThere}, {"isAsked", root.isAsked}, {"children", children}};
+    return {{"entry", root.text}, {"isThere", root.isThere}, {"isAsked", root.isAsked}, {"children", children}};
 }
 
 }

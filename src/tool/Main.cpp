@@ -140,7 +140,7 @@ ExitCode run(Command& command, Surroundings const& surroundings) {
         output.write();
         return ExitCode::done;
     } catch (std::exception const& error) {
-        printError(fmt::format("cannot {}: {}", command.task(), withoutLastBreak(error.what())));
+        printError(fmt::format("cannot {}: {}", command.task(), withoutLastBreak(causeOf(error, command.task()))));
         return exitCodeOf(error);
     }
 }

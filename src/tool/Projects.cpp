@@ -4,6 +4,7 @@
 #include "tool/Paths.h"
 
 #include <cubes/project/ProjectPathHelpers.h>
+#include <cubes/store/EntryStore.h>
 
 #include <fmt/format.h>
 
@@ -22,8 +23,14 @@ bool isProject(std::string const& directory) {
 
 }
 
-void refuseProject(std::string const& directory) {
+Project createProject(std::string const& directory, ProjectOptions const& options) {
     if (isProject(directory)) throw Refusal("the directory is already a project");
+    auto project = Project::create(directory, options);
+    std::size_t shared = 0;
+    for (auto const& [number, count] : project.store().counts()) shared += count;
+    if (shared > 0)
+        printNote(fmt::format("the database holds {} entries of cubes from other projects; they are shared", shared));
+    return project;
 }
 
 std::string findProject(std::string const& given) {

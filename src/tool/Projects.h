@@ -10,7 +10,8 @@ namespace cubes::tool {
 /// working directory with a "cubes.toml". Throws Refusal, which says where it searched.
 std::string findProject(std::string const& given);
 
-/// Throws Refusal when the directory is already a project.
-void refuseProject(std::string const& directory);
+/// Creates a project. Throws Refusal when the directory is already one. Prints a note when the database
+/// holds entries of other projects.
+Project createProject(std::string const& directory, ProjectOptions const& options);
 
 }

@@ -1,5 +1,5 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Errors.h"
 
 #include <fmt/format.h>
@@ -19,15 +19,11 @@ public:
     std::string task() const override { return fmt::format("add the cube \"{}\"", name_); }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        if (parseCube(name_).kind)
-            throw Refusal("the name is reserved for fares or a kind of results; choose another one");
-        if (parseCube(name_).number)
-            throw Refusal("a name of digits would be read as a cube number; choose another one");
-        if (!isName(name_))
-            throw Refusal("a name that begins with a kind of results would be read as a result; choose another one");
-        auto catalogue = Catalogue::open(surroundings);
-        if (catalogue.has(parseCube(name_))) throw Refusal("it already exists");
-        auto const cube = catalogue.add(name_);
+        requireCubeName(name_);
+        Entries const entries(surroundings);
+        if (entries.store().findCube(name_)) throw Refusal("it already exists");
+        auto const number = entries.store().addCube(name_);
+        auto const cube = entries.cube(std::to_string(number));
         Record added;
         added.add("number", "number", cube.number);
         added.add("name", "name", cube.name);

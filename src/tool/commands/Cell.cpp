@@ -1,5 +1,5 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Errors.h"
 #include "tool/Text.h"
 
@@ -41,18 +41,18 @@ public:
     }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseEntry(entry_);
+        requireEntry(entry_, surroundings);
         int const origin = parseZone(origin_);
         int const destination = parseZone(destination_);
-        auto const catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
-        auto const matrix = catalogue.matrix(entry);
-        int const row = indexOf(origin, matrix->Zones(), matrix->Rows());
-        int const column = indexOf(destination, matrix->Zones(), matrix->Columns());
-        double const value = shortest(matrix->RowAt(row, 0)[column]);
+        Entries const entries(surroundings);
+        auto const entry = entries.findReadable(entry_);
+        auto const matrix = entries.store().get(entry.key);
+        int const row = indexOf(origin, matrix.Zones(), matrix.Rows());
+        int const column = indexOf(destination, matrix.Zones(), matrix.Columns());
+        double const value = shortest(matrix.RowAt(row, 0)[column]);
         if (output.form() == Form::text) return output.add(fmt::format("{}\n", value));
         Record cell;
-        cell.add("entry", "", entry.text());
+        cell.add("entry", "", entry.text);
         cell.add("origin", "", origin);
         cell.add("destination", "", destination);
         cell.add("value", "", value);

@@ -1,8 +1,10 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Errors.h"
 
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace cubes::tool {
 
@@ -19,14 +21,15 @@ public:
     std::string task() const override { return "list the children of " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseEntry(entry_);
-        auto const catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.possibleEntry(word);
+        Entries const entries(surroundings, {entry_});
+        auto const key = entries.key(entry_);
+        auto children = entries.store().children(key);
+        std::ranges::sort(children, isListedBefore);
         Table table({{"entry", "entry"}, {"file", "file"}});
-        auto const children = catalogue.childrenOf(entry);
-        for (auto const& child : children) table.add({child.text(), catalogue.path(child)});
+        for (auto const& child : children)
+            if (auto const found = entries.store().find(child)) table.add({found->text, found->file});
         output.show(table);
-        if (children.empty()) printNote(fmt::format("nothing was derived from {}", entry.text()));
+        if (children.empty()) printNote(fmt::format("nothing was derived from {}", entries.store().text(key)));
     }
 
 private:

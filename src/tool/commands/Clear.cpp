@@ -20,36 +20,31 @@ public:
 
     void run(Surroundings const& surroundings, Output& output) override {
         if (isEntry(what_))
-            removeEntry(parseEntry(what_), "cleared", surroundings, output);
+            removeEntry(what_, "cleared", surroundings, output);
         else
-            clearCube(parseCube(what_), surroundings, output);
+            clearCube(surroundings, output);
     }
 
 private:
-    static void clearCube(CubeWord const& word, Surroundings const& surroundings, Output& output) {
-        auto catalogue = Catalogue::open(surroundings);
-        auto const cube = catalogue.cube(word);
-        auto const entries = catalogue.entriesOf(cube);
-        std::vector<Entry> gone;
-        std::vector<std::string> files;
+    void clearCube(Surroundings const& surroundings, Output& output) const {
+        Entries const entries(surroundings);
+        auto const cube = entries.cube(what_);
+        std::vector<EntryInfo> cleared;
         std::size_t kept = 0;
-        for (auto const& entry : entries) {
-            bool const stays = catalogue.isInUse(entry);
-            kept += stays ? 1 : 0;
-            auto const file = catalogue.path(entry);
-            // Another program may have removed it meanwhile.
-            if (stays || !catalogue.remove(entry)) continue;
-            gone.push_back(entry);
-            files.push_back(file);
+        for (auto const& entry : entries.store().entries({.cube = std::to_string(cube.number)})) {
+            if (entry.users == 0)
+                cleared.push_back(entry);
+            else
+                ++kept;
         }
-        warnOfRemainingFiles(files);
-        warnOfOrphans("an entry of " + cube.text(), orphansOf(gone, catalogue));
+        auto const count = entries.store().removeAll(keysOf(cleared));
+        warnOfRemains("an entry of " + entries.nameOf(cube), cleared, entries.store());
         if (kept > 0) printWarning(fmt::format("entries in use were kept: {}", kept));
-        Record cleared;
-        cleared.add("cleared", "cleared", cube.text());
-        cleared.add("entries", "entries", files.size());
-        cleared.add("kept", "kept", kept);
-        output.show(cleared);
+        Record done;
+        done.add("cleared", "cleared", entries.nameOf(cube));
+        done.add("entries", "entries", count);
+        done.add("kept", "kept", kept);
+        output.show(done);
     }
 
     std::string what_;

@@ -1,4 +1,3 @@
-#include "tool/Catalogue.h"
 #include "tool/CityCubes.h"
 #include "tool/Errors.h"
 #include "tool/Lineage.h"
@@ -72,29 +71,31 @@ Table listed(std::vector<CityMatrix> const& matrices) {
         {"mean", "mean"}});
     for (auto const& matrix : matrices) {
         auto const figures = figuresOf(*matrix.table);
-        table.add({matrix.entry.text(), matrix.purpose.empty() ? Json() : Json(matrix.purpose), matrix.mode,
-            matrix.period, trusted(figures.total, cellsIn(figures)), trusted(figures.mean, cellsIn(figures))});
+        table.add({matrix.entry, matrix.purpose.empty() ? Json() : Json(matrix.purpose), matrix.mode, matrix.period,
+            trusted(figures.total, cellsIn(figures)), trusted(figures.mean, cellsIn(figures))});
     }
     return table;
 }
 
-void storeAll(Catalogue& catalogue, std::vector<CityMatrix> const& matrices) {
+void storeAll(Entries const& entries, std::vector<CityMatrix> const& matrices) {
     Progress progress("storing");
     for (std::size_t i = 0; i < matrices.size(); ++i) {
-        auto const entry = catalogue.store(matrices[i].entry, matrixOf(*matrices[i].table));
-        if (auto const& parent = matrices[i].parent) catalogue.setParent(entry, numbersOf(catalogue.entry(*parent)));
+        PutOptions options;
+        if (auto const& parent = matrices[i].parent) options.parent = entries.key(*parent);
+        entries.write(matrices[i].entry,
+            [&](EntryKey const& key) { entries.store().put(key, matrixOf(*matrices[i].table), options); });
         progress.reached(i + 1, matrices.size());
     }
 }
 
 /// Reads everything back and compares it, cell by cell.
-void check(Catalogue const& catalogue, std::vector<CityMatrix> const& matrices) {
+void check(Entries const& entries, std::vector<CityMatrix> const& matrices) {
     Progress progress("checking");
     for (std::size_t i = 0; i < matrices.size(); ++i) {
-        auto const entry = catalogue.entry(matrices[i].entry);
-        auto const stored = tableOf(*catalogue.matrix(entry));
+        auto const entry = entries.find(matrices[i].entry);
+        auto const stored = tableOf(entries.store().get(entry.key));
         if (stored.cells != matrices[i].table->cells || stored.zones != matrices[i].table->zones)
-            throw Failure(fmt::format("{} was read back with other values than stored", entry.text()));
+            throw Failure(fmt::format("{} was read back with other values than stored", entry.text));
         progress.reached(i + 1, matrices.size());
     }
 }
@@ -123,22 +124,21 @@ public:
         auto const city = makeCity();
         double const imbalance = checkedImbalance(city);
         auto const matrices = matricesOf(city);
-        auto catalogue = Catalogue::create(directory_, options_);
-        storeAll(catalogue, matrices);
-        check(catalogue, matrices);
-        auto const routes = storeRoutes(city, catalogue);
-        show(city, matrices, routes, imbalance, catalogue.project().root(), output);
+        Entries const entries(createProject(directory_, options_));
+        storeAll(entries, matrices);
+        check(entries, matrices);
+        auto const routes = storeRoutes(city, entries);
+        show(city, matrices, routes, imbalance, entries.project().root(), output);
         if (output.form() == Form::json) return;
         output.add("\n" + overview(city).asText());
         output.add("\nLineage of the work trips by car in the morning, and of the car distances:\n" +
-                   lineageOf(firstTrips, catalogue) + lineageOf(firstDistances, catalogue));
+                   lineageOf(firstTrips, entries) + lineageOf(firstDistances, entries));
         output.add(fmt::format(checked, tolerance) + nextCommands(surroundings.program, city));
     }
 
 private:
-    static std::string lineageOf(std::string const& word, Catalogue const& catalogue) {
-        auto const entry = catalogue.entry(parseEntry(word));
-        return asText(tool::lineageOf(entry, Lineage(catalogue), catalogue));
+    static std::string lineageOf(std::string const& word, Entries const& entries) {
+        return asText(tool::lineageOf(entries.key(word), entries.store()));
     }
 
     static void show(City const& city, std::vector<CityMatrix> const& matrices, std::size_t routes, double imbalance,

@@ -1,10 +1,12 @@
-#include "tool/Catalogue.h"
+#include "tool/Entries.h"
 #include "tool/Command.h"
 #include "tool/Errors.h"
 #include "tool/Paths.h"
 #include "tool/Progress.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <map>
 
 namespace cubes::tool {
 
@@ -23,15 +25,15 @@ struct FileFacts {
     Json columns;
 };
 
-FileFacts factsOf(Entry const& entry, std::string const& path) {
+FileFacts factsOf(std::string const& path, bool holdsRoutes) {
     FileFacts facts;
     std::error_code missing;
     auto const size = fs::file_size(toPath(path), missing);
     if (missing) return facts;
     // The provider would have to read all routes to know whether they are readable.
-    facts.state = entry.cube.holdsRoutes() ? "ok" : "unreadable";
+    facts.state = holdsRoutes ? "ok" : "unreadable";
     facts.size = size;
-    if (entry.cube.holdsRoutes()) return facts;
+    if (holdsRoutes) return facts;
     TRkMatrix reader;
     auto const* const header = reader.GetHeader(path.c_str());
     if (!header) return facts;
@@ -41,9 +43,16 @@ FileFacts factsOf(Entry const& entry, std::string const& path) {
     return facts;
 }
 
-class Entries : public Command {
+std::map<short, CubeInfo> cubesByNumber(EntryStore const& store) {
+    std::map<short, CubeInfo> found;
+    for (auto const& cube : store.cubes()) found.emplace(cube.number, cube);
+    for (auto const& kind : EntryStore::kinds()) found.emplace(kind.number, kind);
+    return found;
+}
+
+class ListEntries : public Command {
 public:
-    Entries() : Command("entries", "List the entries of a cube or of the project") {}
+    ListEntries() : Command("entries", "List the entries of a cube or of the project") {}
 
     void declare(Arguments arguments) override {
         arguments.optional("CUBE", cube_, "Name or number of a cube, fare, or a kind of results; default: all entries");
@@ -52,15 +61,18 @@ public:
     std::string task() const override { return cube_.empty() ? "list the entries" : "list the entries of " + cube_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const catalogue = Catalogue::open(surroundings);
-        auto const entries =
-            cube_.empty() ? catalogue.entries() : catalogue.entriesOf(catalogue.cube(parseCube(cube_)));
+        Entries const project(surroundings);
+        auto const cube = cube_.empty() ? std::string() : std::to_string(project.cube(cube_).number);
+        std::vector<EntryInfo> entries;
+        for (auto const& entry : project.store().entries({.cube = cube})) entries.push_back(entry);
+        std::ranges::sort(entries, isListedBefore, &EntryInfo::key);
+        auto cubes = cubesByNumber(project.store());
         Table table({{"", "entry"}, {"cube", ""}, {"name", ""}, {"purpose", ""}, {"mode", ""}, {"time", ""},
             {"user", ""}, {"result", ""}, {"iteration", ""}, {"file", "file"}, {"state", "state"}, {"size", "size"},
             {"rows", "rows"}, {"columns", "columns"}});
         Progress progress("listing");
         for (std::size_t i = 0; i < entries.size(); ++i) {
-            table.add(rowOf(entries[i], catalogue.path(entries[i])));
+            table.add(rowOf(entries[i], cubes[entries[i].key.cube()]));
             progress.reached(i + 1, entries.size());
         }
         output.show(table);
@@ -68,13 +80,14 @@ public:
     }
 
 private:
-    static std::vector<Json> rowOf(Entry const& entry, std::string const& path) {
-        auto const facts = factsOf(entry, path);
-        std::vector<Json> row = {entry.text(), entry.cube.number, entry.cube.name};
+    static std::vector<Json> rowOf(EntryInfo const& entry, CubeInfo const& cube) {
+        auto const facts = factsOf(entry.file, cube.holdsRoutes);
+        std::vector<Json> row = {entry.text, entry.key.cube(), cube.name};
+        auto const parts = entry.key.parts();
         for (std::size_t part = 0; part < longestKey; ++part)
-            row.push_back(part < entry.key.size() ? Json(entry.key[part]) : Json());
+            row.push_back(part < parts.size() ? Json(parts[part]) : Json());
         for (auto const& fact :
-            {Json(toText(toPath(path).filename())), Json(facts.state), facts.size, facts.rows, facts.columns})
+            {Json(toText(toPath(entry.file).filename())), Json(facts.state), facts.size, facts.rows, facts.columns})
             row.push_back(fact);
         return row;
     }
@@ -85,7 +98,7 @@ private:
 }
 
 std::unique_ptr<Command> makeEntries() {
-    return std::make_unique<Entries>();
+    return std::make_unique<ListEntries>();
 }
 
 }

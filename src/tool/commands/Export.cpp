@@ -1,5 +1,5 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Progress.h"
 #include "tool/formats/Formats.h"
 #include "tool/formats/TripTable.h"
@@ -28,13 +28,12 @@ public:
     std::string task() const override { return fmt::format("export {} to {}", entry_, file_); }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseEntry(entry_);
-        auto const catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
-        auto const trips = tableOf(*catalogue.matrix(entry));
+        Entries const entries(surroundings, {entry_});
+        auto const entry = entries.findReadable(entry_);
+        auto const trips = tableOf(entries.store().get(entry.key));
         write(trips);
         Record written;
-        written.add("entry", "entry", entry.text());
+        written.add("entry", "entry", entry.text);
         written.add("file", "file", file_);
         written.add("rows", "rows", trips.rows);
         written.add("columns", "columns", trips.columns);

@@ -1,5 +1,5 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Errors.h"
 #include "tool/Progress.h"
 #include "tool/Projects.h"
@@ -33,17 +33,17 @@ public:
 
     // The whole file is read before the project is changed.
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseEntry(entry_);
+        requireEntry(entry_, surroundings);
         auto const directory = findProject(surroundings.project);
         auto const trips = read();
         if (!allowNegative_) refuseNegative(trips);
-        Catalogue catalogue(directory);
+        Entries const entries(Project::open(directory));
         auto const matrix = matrixOf(trips);
-        auto const entry = catalogue.store(word, matrix);
+        auto const entry = entries.write(entry_, [&](EntryKey const& key) { entries.store().put(key, matrix); });
         auto const figures = statisticsOf(matrix);
         for (auto const& warning : trips.warnings) printWarning(warning);
         warnOfUnusualCells(figures);
-        show(entry, matrix, figures, catalogue.path(entry), output);
+        show(entry, matrix, figures, output);
     }
 
 private:
@@ -73,16 +73,15 @@ private:
             if (count > 0) printWarning(fmt::format("cells that are {}: {}", what, count));
     }
 
-    static void show(Entry const& entry, TRkMatrix const& matrix, Statistics const& figures, std::string const& path,
-        Output& output) {
+    static void show(EntryInfo const& entry, TRkMatrix const& matrix, Statistics const& figures, Output& output) {
         Record stored;
-        stored.add("entry", "entry", entry.text());
-        stored.add("cube", "", entry.cube.number);
+        stored.add("entry", "entry", entry.text);
+        stored.add("cube", "", entry.key.cube());
         stored.add("zones", "zones", orNull(figures.isSquare(), figures.rows));
         stored.add("rows", "rows", matrix.Rows());
         stored.add("columns", "columns", matrix.Columns());
         stored.add("total", "total", trusted(figures.total, cellsIn(figures)));
-        stored.add("file", "file", path);
+        stored.add("file", "file", entry.file);
         output.show(stored);
     }
 

@@ -1,8 +1,7 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Projects.h"
 
 #include <cubes/database/TPgConnection.h>
-#include <cubes/project/Project.h>
 
 namespace cubes::tool {
 
@@ -30,8 +29,7 @@ public:
     std::string task() const override { return "create a project in " + directory_; }
 
     void run(Surroundings const&, Output& output) override {
-        auto const catalogue = Catalogue::create(directory_, options_);
-        auto const& project = catalogue.project();
+        auto const project = createProject(directory_, options_);
         Record made;
         made.add("project", "project", project.root());
         made.add("database", "database", project.connection()->Url());

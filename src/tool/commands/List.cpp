@@ -1,9 +1,6 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Errors.h"
-#include "tool/Kinds.h"
-
-#include <map>
 
 namespace cubes::tool {
 
@@ -17,15 +14,13 @@ public:
     std::string task() const override { return "list the cubes"; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const catalogue = Catalogue::open(surroundings);
-        // Fares and results are counted by the number of their kind.
-        std::map<short, std::size_t> counts;
-        for (auto const& entry : catalogue.entries()) ++counts[entry.cube.number];
+        Entries const entries(surroundings);
+        auto counts = entries.store().counts();
         Table table({{"number", "number"}, {"name", "name"}, {"entries", "entries"}});
-        auto const cubes = catalogue.cubes();
+        auto const cubes = entries.store().cubes();
         for (auto const& cube : cubes) table.add({cube.number, cube.name, counts[cube.number]});
-        for (auto const& kind : kinds())
-            if (counts[kind.number] > 0) table.add({kind.number, kind.word, counts[kind.number]});
+        for (auto const& kind : EntryStore::kinds())
+            if (counts[kind.number] > 0) table.add({kind.number, kind.name, counts[kind.number]});
         output.show(table);
         if (cubes.empty()) printNote("the project has no cubes; add one with: cubes add NAME");
     }

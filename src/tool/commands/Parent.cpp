@@ -1,7 +1,6 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Errors.h"
-#include "tool/Lineage.h"
 
 #include <fmt/format.h>
 
@@ -26,30 +25,29 @@ public:
     }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseEntry(entry_);
-        auto catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
-        if (!entry.cube.isOfResults()) throw Refusal("only results have parents");
-        if (none_) catalogue.setParent(entry, {});
-        if (!parent_.empty()) set(catalogue, entry, catalogue.entry(parseEntry(parent_)));
-        show(catalogue, entry, output);
+        Entries const entries(surroundings, parent_.empty() ? std::vector{entry_} : std::vector{entry_, parent_});
+        auto const entry = entries.find(entry_);
+        if (!entry.key.isResult()) throw Refusal("only results have parents");
+        if (none_) entries.store().setParent(entry.key, std::nullopt);
+        if (!parent_.empty()) set(entries.store(), entry.key, entries.find(parent_).key);
+        show(entries.store(), entry, output);
     }
 
 private:
-    static void set(Catalogue& catalogue, Entry const& entry, Entry const& parent) {
+    static void set(EntryStore& store, EntryKey const& entry, EntryKey const& parent) {
         if (parent == entry) throw Refusal("an entry cannot be its own parent");
-        auto const ancestors = ancestorsOf(parent, catalogue);
-        if (std::find(ancestors.begin(), ancestors.end(), entry) != ancestors.end())
-            throw Refusal(fmt::format("{} was derived from it", parent.text()));
-        catalogue.setParent(entry, numbersOf(parent));
+        auto const ancestors = store.lineage(parent).ancestors;
+        if (std::ranges::find(ancestors, entry) != ancestors.end())
+            throw Refusal(fmt::format("{} was derived from it", store.text(parent)));
+        store.setParent(entry, parent);
     }
 
-    static void show(Catalogue const& catalogue, Entry const& entry, Output& output) {
-        auto const parent = catalogue.parentOf(entry);
+    static void show(EntryStore const& store, EntryInfo const& entry, Output& output) {
+        auto const parent = store.parent(entry.key);
         Record record;
-        record.add("entry", "entry", entry.text());
-        record.add("parent", "parent", parent ? Json(parent->text()) : Json());
-        record.add("isThere", "", parent ? Json(catalogue.has(*parent)) : Json());
+        record.add("entry", "entry", entry.text);
+        record.add("parent", "parent", parent ? Json(store.text(*parent)) : Json());
+        record.add("isThere", "", parent ? Json(store.find(*parent).has_value()) : Json());
         output.show(record);
     }
 

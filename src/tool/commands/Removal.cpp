@@ -1,43 +1,38 @@
 #include "tool/commands/Removal.h"
 
+#include "host/platform/Files.h"
 #include "tool/Errors.h"
-#include "tool/Lineage.h"
-#include "tool/Paths.h"
 
 #include <fmt/format.h>
 
-#include <filesystem>
+#include <set>
 
 namespace cubes::tool {
 
-void removeEntry(EntryWord const& word, char const* done, Surroundings const& surroundings, Output& output) {
-    auto catalogue = Catalogue::open(surroundings);
-    auto const entry = catalogue.entry(word);
-    catalogue.refuseUse(entry);
-    auto const file = catalogue.path(entry);
-    if (!catalogue.remove(entry)) throw Refusal("another program has just removed it");
-    warnOfRemainingFiles({file});
-    warnOfOrphans(entry.text(), catalogue.childrenOf(entry).size());
+void removeEntry(std::string const& word, char const* done, Surroundings const& surroundings, Output& output) {
+    Entries const entries(surroundings, {word});
+    auto const entry = entries.find(word);
+    entries.store().remove(entry.key);
+    warnOfRemains(entry.text, {entry}, entries.store());
     Record record;
-    record.add(done, done, entry.text());
+    record.add(done, done, entry.text);
     output.show(record);
 }
 
-std::size_t orphansOf(std::vector<Entry> const& gone, Catalogue const& catalogue) {
-    Lineage const lineage(catalogue);
-    std::size_t count = 0;
-    for (auto const& entry : gone) count += lineage.childrenOf(entry).size();
-    return count;
+std::vector<EntryKey> keysOf(std::vector<EntryInfo> const& entries) {
+    std::vector<EntryKey> keys;
+    for (auto const& entry : entries) keys.push_back(entry.key);
+    return keys;
 }
 
-void warnOfOrphans(std::string const& gone, std::size_t count) {
-    if (count > 0) printWarning(fmt::format("results that still have {} as their parent: {}", gone, count));
-}
-
-void warnOfRemainingFiles(std::vector<std::string> const& files) {
-    std::error_code ignored;
-    for (auto const& file : files)
-        if (std::filesystem::exists(toPath(file), ignored)) printWarning("cannot remove the file " + file);
+void warnOfRemains(std::string const& parents, std::vector<EntryInfo> const& removed, EntryStore const& store) {
+    for (auto const& entry : removed)
+        if (platform::exists(entry.file)) printWarning("cannot remove the file " + entry.file);
+    auto const keys = keysOf(removed);
+    std::set<EntryKey> const gone(keys.begin(), keys.end());
+    std::size_t orphans = 0;
+    for (auto const& entry : store.entries()) orphans += entry.parent && gone.contains(*entry.parent) ? 1 : 0;
+    if (orphans > 0) printWarning(fmt::format("results that still have {} as their parent: {}", parents, orphans));
 }
 
 }

@@ -1,5 +1,3 @@
-#include "tool/Command.h"
-#include "tool/Lineage.h"
 #include "tool/commands/Removal.h"
 
 namespace cubes::tool {
@@ -19,49 +17,43 @@ public:
 
     void run(Surroundings const& surroundings, Output& output) override {
         if (withChildren_)
-            removeWithChildren(parseEntry(what_), surroundings, output);
+            removeWithChildren(surroundings, output);
         else if (isEntry(what_))
-            removeEntry(parseEntry(what_), "removed", surroundings, output);
+            removeEntry(what_, "removed", surroundings, output);
         else
-            removeCube(parseCube(what_), surroundings, output);
+            removeCube(surroundings, output);
     }
 
 private:
-    // Children are removed before their parents, and nothing is when one of them is in use.
-    static void removeWithChildren(EntryWord const& word, Surroundings const& surroundings, Output& output) {
-        auto catalogue = Catalogue::open(surroundings);
-        auto const entries = derivedFrom(catalogue.entry(word), catalogue);
-        auto const files = filesOf(entries, catalogue);
-        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) catalogue.remove(*entry);
-        warnOfRemainingFiles(files);
-        Record removed;
-        removed.add("removed", "removed", entries.front().text());
-        removed.add("entries", "entries", entries.size());
-        output.show(removed);
+    void removeWithChildren(Surroundings const& surroundings, Output& output) const {
+        Entries const entries(surroundings, {what_});
+        auto const entry = entries.find(what_);
+        std::vector<EntryInfo> removed = {entry};
+        for (auto const& descendant : entries.store().lineage(entry.key).descendants)
+            if (auto found = entries.store().find(descendant.key)) removed.push_back(*std::move(found));
+        auto const count = entries.store().removeAll(keysOf(removed));
+        warnOfRemains(entry.text, removed, entries.store());
+        show(entry.text, count, output);
     }
 
-    static void removeCube(CubeWord const& word, Surroundings const& surroundings, Output& output) {
-        auto catalogue = Catalogue::open(surroundings);
-        auto const cube = catalogue.cube(word);
-        auto const entries = catalogue.entriesOf(cube);
-        auto const files = filesOf(entries, catalogue);
-        catalogue.remove(cube);
-        warnOfRemainingFiles(files);
-        warnOfOrphans("an entry of " + cube.text(), orphansOf(entries, catalogue));
-        Record removed;
-        removed.add("removed", "removed", cube.text());
-        removed.add("entries", "entries", entries.size());
-        output.show(removed);
+    void removeCube(Surroundings const& surroundings, Output& output) const {
+        Entries const entries(surroundings);
+        auto const cube = entries.cube(what_);
+        auto const name = entries.nameOf(cube);
+        std::vector<EntryInfo> removed;
+        for (auto const& entry : entries.store().entries({.cube = std::to_string(cube.number)}))
+            removed.push_back(entry);
+        auto const count = isKind(cube) ? entries.store().removeAll({.cube = std::to_string(cube.number)})
+                                        : entries.store().removeCube(cube.number);
+        warnOfRemains("an entry of " + name, removed, entries.store());
+        show(name, count, output);
     }
 
-    /// The files of the entries. Throws Refusal when an entry is in use.
-    static std::vector<std::string> filesOf(std::vector<Entry> const& entries, Catalogue const& catalogue) {
-        std::vector<std::string> files;
-        for (auto const& entry : entries) {
-            catalogue.refuseUse(entry);
-            files.push_back(catalogue.path(entry));
-        }
-        return files;
+    static void show(std::string const& name, std::size_t count, Output& output) {
+        Record removed;
+        removed.add("removed", "removed", name);
+        removed.add("entries", "entries", count);
+        output.show(removed);
     }
 
     std::string what_;

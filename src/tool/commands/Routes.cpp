@@ -1,50 +1,44 @@
 #include "tool/commands/Routes.h"
 
+#include "host/platform/Files.h"
 #include "tool/Errors.h"
-#include "tool/Kinds.h"
-#include "tool/Paths.h"
 
 #include <cubes/catalogue/RkCubeTypes.h>
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 
 namespace cubes::tool {
 
-EntryWord parseRoutes(std::string const& word) {
-    auto const entry = parseEntry(word);
-    if (!entry.cube.kind || !entry.cube.kind->holdsRoutes) throw Refusal(fmt::format("{} does not hold routes", word));
-    return entry;
+void requireRoutes(std::string const& word, Surroundings const& surroundings) {
+    requireEntry(word, surroundings);
+    auto const kind = resultKindOf(word);
+    if (!kind || !kind->holdsRoutes) throw Refusal(fmt::format("{} does not hold routes", word));
 }
 
-EntryWord parseRouteSet(std::string const& word) {
-    auto const entry = parseRoutes(word);
-    if (!isRouteSet(entry.cube)) throw Refusal(fmt::format("{} holds route data, not routes", word));
-    return entry;
+void requireRouteSet(std::string const& word, Surroundings const& surroundings) {
+    requireRoutes(word, surroundings);
+    if (!isRouteSet(word)) throw Refusal(fmt::format("{} holds route data, not routes", word));
 }
 
-std::string routeFileOf(Entry const& entry, Catalogue const& catalogue) {
-    catalogue.refuseUse(entry);
-    auto const file = catalogue.path(entry);
-    if (file.empty()) throw Failure("its row names no file inside its directory");
-    std::error_code ignored;
-    if (!std::filesystem::exists(toPath(file), ignored)) throw Failure(fmt::format("there is no file {}", file));
-    return file;
+bool isRouteSet(std::string const& word) {
+    auto const kind = resultKindOf(word);
+    return kind && kind->number == ctRouteSet;
 }
 
-bool isRouteSet(Cube const& cube) {
-    return cube.number == ctRouteSet;
+EntryInfo findRoutes(std::string const& word, Entries const& entries) {
+    auto found = entries.findReadable(word);
+    if (found.file.empty())
+        throw Failure(
+            fmt::format("its row names the file \"{}\", which is not inside its directory", found.storedName));
+    if (!platform::exists(found.file)) throw Failure("there is no file " + found.file);
+    return found;
 }
 
-bool isRouteSet(CubeWord const& cube) {
-    return cube.kind && cube.kind->number == ctRouteSet;
-}
-
-RouteKey routeKeyOf(Entry const& entry) {
-    RouteKey key{entry.cube.number, {}};
-    std::copy(entry.key.begin(), entry.key.end(), key.key.begin());
+RouteKey routeKeyOf(EntryKey const& entry) {
+    RouteKey key{entry.cube(), {}};
+    std::ranges::copy(entry.parts(), key.key.begin());
     return key;
 }
 

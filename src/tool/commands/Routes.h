@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tool/Catalogue.h"
+#include "tool/Entries.h"
 #include "tool/routes/RouteFiles.h"
 
 /// What the commands for routes share.
@@ -13,17 +13,18 @@ public:
     char const* groupSummary() const override { return "Store, show and use routes and route data"; }
 };
 
-/// Parses an entry of routes or route data. Throws Refusal for another.
-EntryWord parseRoutes(std::string const& word);
-/// Parses an entry of routes. Throws Refusal for another.
-EntryWord parseRouteSet(std::string const& word);
-/// The file of an entry. Throws Refusal when the entry is in use, Failure when it has no file.
-std::string routeFileOf(Entry const& entry, Catalogue const& catalogue);
+/// Throw Refusal for a word written as another entry than one of routes or route data, and than one of
+/// routes.
+void requireRoutes(std::string const& word, Surroundings const& surroundings);
+void requireRouteSet(std::string const& word, Surroundings const& surroundings);
+/// Whether a word names routes, not route data.
+bool isRouteSet(std::string const& word);
 
-/// Whether the cube holds routes, not route data.
-bool isRouteSet(Cube const& cube);
-bool isRouteSet(CubeWord const& cube);
-RouteKey routeKeyOf(Entry const& entry);
+/// The entry that a word stands for, with its file. Throws Refusal when it is in use, Failure when it
+/// has no file.
+EntryInfo findRoutes(std::string const& word, Entries const& entries);
+/// The key as route files record it.
+RouteKey routeKeyOf(EntryKey const& entry);
 /// All routes of a set.
 RouteList routesIn(RouteSetFile const& set);
 

@@ -21,12 +21,12 @@ public:
     std::string task() const override { return fmt::format("export {} to {}", entry_, file_); }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseRoutes(entry_);
-        auto const catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
-        auto const routes = write(entry, routeFileOf(entry, catalogue));
+        requireRoutes(entry_, surroundings);
+        Entries const entries(surroundings);
+        auto const entry = findRoutes(entry_, entries);
+        auto const routes = write(entry.file);
         Record done;
-        done.add("entry", "entry", entry.text());
+        done.add("entry", "entry", entry.text);
         done.add("routes", "routes", routes);
         done.add("file", "file", file_);
         output.show(done);
@@ -34,10 +34,10 @@ public:
 
 private:
     // Returns the number of routes.
-    std::size_t write(Entry const& entry, std::string const& file) const {
+    std::size_t write(std::string const& file) const {
         Progress progress("writing " + file_);
         auto const callback = progress.callback();
-        if (isRouteSet(entry.cube)) {
+        if (isRouteSet(entry_)) {
             auto const routes = routesIn(RouteSetFile(file));
             writeRoutesCsv(file_, routes, callback);
             return routes.size();

@@ -20,15 +20,15 @@ public:
     std::string task() const override { return "list the fields of " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseRoutes(entry_);
-        if (isRouteSet(word.cube)) throw Refusal("routes have no fields; route data have");
-        auto const catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
+        requireRoutes(entry_, surroundings);
+        if (isRouteSet(entry_)) throw Refusal("routes have no fields; route data have");
+        Entries const entries(surroundings);
+        auto const entry = findRoutes(entry_, entries);
         // The metadata of an unreadable file are empty; reading it gives the reason.
-        readRouteData(routeFileOf(entry, catalogue));
+        readRouteData(entry.file);
         Table table({{"name", "name"}, {"type", "type"}, {"size", "size"}, {"precision", "precision"}});
-        RouteStorageDataCube const cube(catalogue.project().settings());
-        auto const& k = entry.key;
+        RouteStorageDataCube const cube(entries.project().settings());
+        auto const k = entry.key.parts();
         Reference<Metadata::Vector<Metadata::Field*>> const fields(
             cube.getFieldMetadata(k[0], k[1], k[2], k[3], k[4], k[5]));
         for (std::size_t i = 0; i < fields->size(); ++i) table.add(rowOf(*(*fields)[i]));

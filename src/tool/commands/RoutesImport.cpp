@@ -24,12 +24,12 @@ public:
 
     // The whole file is read before the project is changed.
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseRoutes(entry_);
+        requireRoutes(entry_, surroundings);
         auto const directory = findProject(surroundings.project);
-        if (isRouteSet(word.cube))
-            storeSet(word, directory, output);
+        if (isRouteSet(entry_))
+            storeSet(directory, output);
         else
-            storeData(word, directory, output);
+            storeData(directory, output);
     }
 
 private:
@@ -39,34 +39,34 @@ private:
         return reader(file_, progress.callback());
     }
 
-    void storeSet(EntryWord const& word, std::string const& directory, Output& output) const {
+    void storeSet(std::string const& directory, Output& output) const {
         auto const routes = read(readRoutesCsv);
         Record facts;
         facts.add("routes", "routes", routes.size());
         facts.add("links", "links", routes.linkCount());
-        store(word, directory, facts, output,
+        store(directory, facts, output,
             [&](std::string const& path, RouteKey const& key) { writeRouteSet(path, key, routes); });
     }
 
-    void storeData(EntryWord const& word, std::string const& directory, Output& output) const {
+    void storeData(std::string const& directory, Output& output) const {
         auto const fields = read(readRouteDataCsv);
         Record facts;
         facts.add("routes", "routes", fields.front().values.size());
         facts.add("fields", "fields", fields.size());
-        store(word, directory, facts, output,
+        store(directory, facts, output,
             [&](std::string const& path, RouteKey const& key) { writeRouteData(path, key, fields); });
     }
 
     template <typename Write>
-    static void store(
-        EntryWord const& word, std::string const& directory, Record const& facts, Output& output, Write const& write) {
-        Catalogue catalogue(directory);
-        auto const entry = catalogue.storeRoutes(
-            word, [&](Entry const& stored, std::string const& path) { write(path, routeKeyOf(stored)); });
+    void store(std::string const& directory, Record const& facts, Output& output, Write const& write) const {
+        Entries const entries(Project::open(directory));
+        auto const entry = entries.write(entry_, [&](EntryKey const& key) {
+            entries.store().putFile(key, [&](std::string const& path) { write(path, routeKeyOf(key)); });
+        });
         Record done;
-        done.add("entry", "entry", entry.text());
+        done.add("entry", "entry", entry.text);
         done.add(facts);
-        done.add("file", "file", catalogue.path(entry));
+        done.add("file", "file", entry.file);
         output.show(done);
     }
 

@@ -1,6 +1,5 @@
 #include "tool/Command.h"
 #include "tool/Errors.h"
-#include "tool/Kinds.h"
 #include "tool/Statistics.h"
 #include "tool/Text.h"
 #include "tool/commands/Routes.h"
@@ -27,30 +26,29 @@ public:
     std::string task() const override { return fmt::format("select link {} of {}", link_, entry_); }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const routesWord = parseRouteSet(entry_);
+        requireRouteSet(entry_, surroundings);
         auto const link = parseLink(link_);
-        auto const tripsWord = parseEntry(trips_);
-        auto const resultWord = parseEntry(result_);
-        if (!resultWord.cube.kind || !resultWord.cube.kind->isResult || resultWord.cube.kind->holdsRoutes)
+        for (auto const& word : {trips_, result_}) requireEntry(word, surroundings);
+        auto const kind = resultKindOf(result_);
+        if (!kind || kind->holdsRoutes)
             throw Refusal("RESULT must be a result that holds a matrix, such as selectedlink/1/1/1/1/1/1");
-        auto catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(routesWord);
-        auto const trips = tableOf(*catalogue.matrix(catalogue.entry(tripsWord)));
-        RouteSetFile const set(routeFileOf(entry, catalogue));
-        auto const selected = tripsOverLink(set, link, trips);
-        auto const matrix = matrixOf(selected);
-        auto const stored = catalogue.store(resultWord, matrix);
-        catalogue.setParent(stored, numbersOf(entry));
-        show(stored, statisticsOf(matrix), catalogue.path(stored), output);
+        Entries const entries(surroundings);
+        auto const routes = entries.find(entry_);
+        auto const trips = tableOf(entries.store().get(entries.findReadable(trips_).key));
+        RouteSetFile const set(findRoutes(entry_, entries).file);
+        auto const matrix = matrixOf(tripsOverLink(set, link, trips));
+        auto const stored = entries.write(
+            result_, [&](EntryKey const& key) { entries.store().put(key, matrix, {.parent = routes.key}); });
+        show(stored, statisticsOf(matrix), output);
     }
 
 private:
-    static void show(Entry const& stored, Statistics const& figures, std::string const& file, Output& output) {
+    static void show(EntryInfo const& stored, Statistics const& figures, Output& output) {
         Record done;
-        done.add("entry", "entry", stored.text());
+        done.add("entry", "entry", stored.text);
         done.add("pairs", "OD pairs", cellsIn(figures));
         done.add("total", "total", trusted(figures.total, cellsIn(figures)));
-        done.add("file", "file", file);
+        done.add("file", "file", stored.file);
         output.show(done);
     }
 

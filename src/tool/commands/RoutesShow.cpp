@@ -25,16 +25,17 @@ public:
 
     void run(Surroundings const& surroundings, Output& output) override {
         bool const picks = !pair_.empty() || !link_.empty();
-        auto const word = picks ? parseRouteSet(entry_) : parseRoutes(entry_);
-        auto const catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
-        auto const file = routeFileOf(entry, catalogue);
-        if (!isRouteSet(entry.cube)) return showData(entry, file, output);
-        RouteSetFile const set(file);
+        if (picks)
+            requireRouteSet(entry_, surroundings);
+        else
+            requireRoutes(entry_, surroundings);
+        auto const entry = findRoutes(entry_, Entries(surroundings));
+        if (!isRouteSet(entry_)) return showData(entry, output);
+        RouteSetFile const set(entry.file);
         if (picks)
             showRoutes(set, picked(set), output);
         else
-            showSet(entry, file, set, output);
+            showSet(entry, set, output);
     }
 
 private:
@@ -43,7 +44,7 @@ private:
         return set.overLink(parseLink(link_));
     }
 
-    static void showSet(Entry const& entry, std::string const& file, RouteSetFile const& set, Output& output) {
+    static void showSet(EntryInfo const& entry, RouteSetFile const& set, Output& output) {
         std::set<std::pair<std::int32_t, std::int32_t>> pairs;
         double shares = 0;
         for (std::size_t i = 0; i < set.size(); ++i) {
@@ -52,8 +53,8 @@ private:
             shares += static_cast<double>(one.share);
         }
         Record record;
-        record.add("entry", "entry", entry.text());
-        record.add("file", "file", file);
+        record.add("entry", "entry", entry.text);
+        record.add("file", "file", entry.file);
         record.add("routes", "routes", set.size());
         record.add("links", "links", set.linkCount());
         record.add("pairs", "OD pairs", pairs.size());
@@ -74,11 +75,11 @@ private:
         if (numbers.empty()) printNote("there are no such routes");
     }
 
-    static void showData(Entry const& entry, std::string const& file, Output& output) {
-        auto const fields = readRouteData(file);
+    static void showData(EntryInfo const& entry, Output& output) {
+        auto const fields = readRouteData(entry.file);
         Record record;
-        record.add("entry", "entry", entry.text());
-        record.add("file", "file", file);
+        record.add("entry", "entry", entry.text);
+        record.add("file", "file", entry.file);
         record.add("routes", "routes", fields.empty() ? 0 : fields.front().values.size());
         record.add("fields", "fields", fields.size());
         output.show(record);

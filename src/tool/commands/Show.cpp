@@ -1,5 +1,5 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Statistics.h"
 #include "tool/Text.h"
 
@@ -55,15 +55,14 @@ public:
     std::string task() const override { return "show " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseEntry(entry_);
-        auto const catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
-        auto const matrix = catalogue.matrix(entry);
-        auto const figures = statisticsOf(*matrix);
+        Entries const entries(surroundings, {entry_});
+        auto const entry = entries.findReadable(entry_);
+        auto const matrix = entries.store().get(entry.key);
+        auto const figures = statisticsOf(matrix);
         Record record;
-        record.add("entry", "entry", entry.text());
-        record.add("file", "file", catalogue.path(entry));
-        addShape(record, *matrix, figures);
+        record.add("entry", "entry", entry.text);
+        record.add("file", "file", entry.file);
+        addShape(record, matrix, figures);
         addSums(record, figures);
         addValues(record, figures);
         output.show(record);

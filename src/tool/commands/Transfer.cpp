@@ -1,5 +1,3 @@
-#include "tool/Catalogue.h"
-#include "tool/Command.h"
 #include "tool/Errors.h"
 #include "tool/Paths.h"
 #include "tool/Projects.h"
@@ -13,8 +11,6 @@
 namespace cubes::tool {
 
 namespace {
-
-using Existing = Catalogue::Existing;
 
 // Copying and moving differ in what happens to the source.
 class Transfer : public Command {
@@ -32,59 +28,52 @@ public:
 
     void run(Surroundings const& surroundings, Output& output) override {
         if (fromProject_ && fromProject_->empty()) throw UsageError("--from-project needs a directory");
-        fromWord_ = parseEntry(from_);
-        toWord_ = parseEntry(to_);
-        auto catalogue = Catalogue::open(surroundings);
-        if (isElsewhere(catalogue))
-            runBetween(catalogue, output);
-        else
-            runWithin(catalogue, output);
-    }
-
-protected:
-    EntryWord const& to() const { return toWord_; }
-    Existing existing() const { return failIfExists_ ? Existing::refused : Existing::replaced; }
-
-private:
-    virtual Entry within(Catalogue& catalogue, Entry const& from) = 0;
-    virtual Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) = 0;
-
-    bool isElsewhere(Catalogue const& catalogue) const {
-        if (!fromProject_) return false;
-        return !isSameDirectory(findProject(*fromProject_), catalogue.project().root());
-    }
-
-    void runWithin(Catalogue& catalogue, Output& output) {
-        auto const from = catalogue.entry(fromWord_);
-        auto const to = within(catalogue, from);
-        show(from, nullptr, to, catalogue, output);
-    }
-
-    void runBetween(Catalogue& catalogue, Output& output) {
+        Entries const entries(surroundings, {from_, to_});
+        if (!isElsewhere(entries.project())) return transferFrom(entries, entries, output);
         // It overrides the database of every project.
         if (std::getenv("CUBES_DATABASE"))
             throw Refusal("CUBES_DATABASE is set, which overrides the database of both projects; unset it");
-        Catalogue source(findProject(*fromProject_));
-        auto const from = source.entry(fromWord_);
-        auto const to = between(catalogue, source, from);
-        show(from, &source, to, catalogue, output);
+        transferFrom(Entries(Project::open(findProject(*fromProject_))), entries, output);
     }
 
-    static void show(
-        Entry const& from, Catalogue const* source, Entry const& to, Catalogue const& catalogue, Output& output) {
+private:
+    /// Stores the source's entry under the target's key.
+    virtual void transfer(EntryStore& source, EntryKey const& from, EntryStore& target, EntryKey const& to,
+        CopyOptions const& options) const = 0;
+
+    bool isElsewhere(Project const& project) const {
+        return fromProject_ && !isSameDirectory(findProject(*fromProject_), project.root());
+    }
+
+    void transferFrom(Entries const& source, Entries const& target, Output& output) const {
+        auto const from = source.find(from_);
+        bool const isOfOne = &source == &target;
+        bool const isRead = !isOfOne || !resultKindOf(to_);
+        if (from.key.isResult() && isRead) refuseUse(from);
+        // A file that makes no sense stays where it is.
+        auto const kind = resultKindOf(from.text);
+        if (!isOfOne && !(kind && kind->holdsRoutes)) source.store().get(from.key);
+        auto const to = target.write(to_, [&](EntryKey const& key) {
+            if (failIfExists_ && target.store().find(key)) throw Refusal(target.store().text(key) + " already exists");
+            transfer(source.store(), from.key, target.store(), key,
+                {.exists = failIfExists_ ? OnExisting::fail : OnExisting::replace});
+        });
+        if (!source.store().find(from.key)) warnOfRemains(from.text, {from}, source.store());
+        show(from, isOfOne ? nullptr : &source.project(), to, output);
+    }
+
+    static void show(EntryInfo const& from, Project const* source, EntryInfo const& to, Output& output) {
         Record done;
-        done.add("from", "from", from.text());
-        if (source) done.add("fromProject", "from project", source->project().root());
-        done.add("to", "to", to.text());
-        done.add("file", "file", catalogue.path(to));
+        done.add("from", "from", from.text);
+        if (source) done.add("fromProject", "from project", source->root());
+        done.add("to", "to", to.text);
+        done.add("file", "file", to.file);
         output.show(done);
     }
 
     std::string from_;
     std::string to_;
     std::optional<std::string> fromProject_;
-    EntryWord fromWord_;
-    EntryWord toWord_;
     bool failIfExists_ = false;
 };
 
@@ -93,10 +82,9 @@ public:
     Copy() : Transfer("copy", "Copy an entry to another entry") {}
 
 private:
-    Entry within(Catalogue& catalogue, Entry const& from) override { return catalogue.copy(from, to(), existing()); }
-
-    Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) override {
-        return catalogue.copyFrom(source, from, to(), existing());
+    void transfer(EntryStore& source, EntryKey const& from, EntryStore& target, EntryKey const& to,
+        CopyOptions const& options) const override {
+        target.copyFrom(source, from, to, options);
     }
 };
 
@@ -105,23 +93,9 @@ public:
     Move() : Transfer("move", "Move an entry to another entry") {}
 
 private:
-    Entry within(Catalogue& catalogue, Entry const& from) override {
-        return warningOfRemains(catalogue, from, [&] { return catalogue.move(from, to(), existing()); });
-    }
-
-    Entry between(Catalogue& catalogue, Catalogue& source, Entry const& from) override {
-        return warningOfRemains(source, from, [&] { return catalogue.moveFrom(source, from, to(), existing()); });
-    }
-
-    template <typename Moving>
-    static Entry warningOfRemains(Catalogue const& source, Entry const& from, Moving const& moving) {
-        auto const file = source.path(from);
-        auto const children = source.childrenOf(from);
-        auto const moved = moving();
-        if (source.has(from)) return moved;
-        warnOfRemainingFiles({file});
-        warnOfOrphans(from.text(), children.size());
-        return moved;
+    void transfer(EntryStore& source, EntryKey const& from, EntryStore& target, EntryKey const& to,
+        CopyOptions const& options) const override {
+        target.moveFrom(source, from, to, options);
     }
 };
 

@@ -1,9 +1,7 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Errors.h"
 #include "tool/Lineage.h"
-
-#include <fmt/format.h>
 
 namespace cubes::tool {
 
@@ -21,12 +19,9 @@ public:
     std::string task() const override { return "show the lineage of " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseEntry(entry_);
-        auto const catalogue = Catalogue::open(surroundings);
-        Lineage const lineage(catalogue);
-        auto const entry = catalogue.possibleEntry(word);
-        auto const root = lineageOf(entry, lineage, catalogue);
-        if (!catalogue.has(entry) && root.isAsked && root.children.empty())
+        Entries const entries(surroundings, {entry_});
+        auto const root = lineageOf(entries.key(entry_), entries.store());
+        if (!root.isThere && root.isAsked && root.children.empty())
             throw Refusal("there is no such entry, and nothing was derived from it");
         if (dot_) return output.add(asDot(root));
         if (output.form() == Form::json) return output.show(asJson(root));

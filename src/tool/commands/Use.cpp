@@ -1,5 +1,5 @@
-#include "tool/Catalogue.h"
 #include "tool/Command.h"
+#include "tool/Entries.h"
 #include "tool/Errors.h"
 
 #include <fmt/format.h>
@@ -23,14 +23,15 @@ public:
     }
 
     void run(Surroundings const& surroundings, Output& output) override {
-        auto const word = parseEntry(entry_);
-        auto catalogue = Catalogue::open(surroundings);
-        auto const entry = catalogue.entry(word);
-        if (change_ == "+1") catalogue.use(entry);
-        if (change_ == "-1") catalogue.leave(entry);
+        Entries const entries(surroundings, {entry_});
+        auto const entry = entries.find(entry_);
+        if (change_ == "-1" && entry.users == 0) throw Refusal("it has no users");
+        long users = entry.users;
+        if (change_ == "+1") users = entries.store().addUser(entry.key);
+        if (change_ == "-1") users = entries.store().removeUser(entry.key);
         Record used;
-        used.add("entry", "entry", entry.text());
-        used.add("users", "users", catalogue.users(entry));
+        used.add("entry", "entry", entry.text);
+        used.add("users", "users", users);
         output.show(used);
     }
 

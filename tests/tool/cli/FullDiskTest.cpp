@@ -77,7 +77,7 @@ ls matrices
 cubes cell Base/1/1/1/1 2 2
 cubes list
 )");
-    EXPECT_EQ(result.output, "3\n3\n3\n1-1-1-1-1.odm\n4\nnumber  name  entries\n     1  Base        1\n");
+    EXPECT_EQ(result.output, "3\n3\n3\n1-1-1-1-1.odm\ncubes-id\n4\nnumber  name  entries\n     1  Base        1\n");
     EXPECT_NE(result.errors.find("cannot import large.csv into New/1/1/1/1: "), std::string::npos) << result.errors;
     EXPECT_NE(result.errors.find("2-1-1-1-1.odm"), std::string::npos) << result.errors;
     expectReason(result.errors);
@@ -99,7 +99,7 @@ ls matrices
 cubes cell Base/1/1/1/3 190 189
 cubes list
 )");
-    EXPECT_EQ(result.output, "3\n3\n    \"file\": \"1-1-1-1-1.odm\",\n0\n1-1-1-1-3.odm\n189\n"
+    EXPECT_EQ(result.output, "3\n3\n    \"file\": \"1-1-1-1-1.odm\",\n0\n1-1-1-1-3.odm\ncubes-id\n189\n"
                              "number  name  entries\n     1  Base        1\n");
     EXPECT_NE(result.errors.find("cannot copy Base/1/1/1/1 to New/1/1/1/1: "), std::string::npos) << result.errors;
 }

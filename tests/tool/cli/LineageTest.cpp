@@ -69,9 +69,9 @@ TEST_P(LineageSession, tellsOfParentsThatAreNoEntries) {
         char const* assignments;
         char const* parent;
     } const cases[] = {
-        {"parentcubenr = -1, parentresult = null, parentiteration = null", "skim/1/1/1/1/-1/-1"},
+        {"parentcubenr = -1, parentresult = null, parentiteration = null", "-1/1/1/1/1"},
         {"parentcubenr = -1, parentpurpose = null", "skim/-1/1/1/1/1/2"},
-        {"parentcubenr = 1", "Base/1/1/1/1/1/2"},
+        {"parentcubenr = 1", "1/1/1/1/1/1/2"},
         {"parentcubenr = 77, parentresult = -1, parentiteration = -1", "77/1/1/1/1"},
         {"parentcubenr = null", "0/1/1/1/1/1/2"},
     };
@@ -135,7 +135,8 @@ TEST_P(LineageSession, isAsBeforeWhenATransferFails) {
         EXPECT_EQ(exitCode("copy skim/1/1/1/1/1/1 " + std::string(to)), 3) << to;
         EXPECT_EQ(session_->state(), before) << to;
     }
-    EXPECT_NE(errors("copy skim/1/1/1/1/1/1 skim/1/1/1/1/1/3").find("one is a directory"), std::string::npos);
+    EXPECT_NE(
+        errors("copy skim/1/1/1/1/1/1 skim/1/1/1/1/1/3").find("1-1-1-1-1-1.skm: Is a directory"), std::string::npos);
 }
 
 // Each matrix is large enough for the two to meet.

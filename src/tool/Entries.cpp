@@ -1,0 +1,193 @@
+#include "tool/Entries.h"
+
+#include "tool/Errors.h"
+#include "tool/Projects.h"
+#include "tool/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace cubes::tool {
+
+namespace {
+
+constexpr std::ptrdiff_t partsOfCubes = 4;
+constexpr std::ptrdiff_t partsOfResults = 6;
+
+// Like the words of the command line, with a minus sign or without.
+bool isNumber(std::string_view word) {
+    if (word.starts_with('-')) word.remove_prefix(1);
+    return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+std::optional<CubeInfo> kindOf(std::string const& word) {
+    for (auto const& kind : EntryStore::kinds())
+        if (word == kind.name || word == std::to_string(kind.number)) return kind;
+    return std::nullopt;
+}
+
+std::optional<CubeInfo> kindInFrontOf(std::string const& word) {
+    return kindOf(word.substr(0, word.find('/')));
+}
+
+// In lists: 0 for every cube of the register, then the kinds.
+std::size_t placeOf(short cube) {
+    static auto const kinds = EntryStore::kinds();
+    auto const found = std::ranges::find(kinds, cube, &CubeInfo::number);
+    return found == kinds.end() ? 0 : static_cast<std::size_t>(found - kinds.begin()) + 1;
+}
+
+std::ptrdiff_t slashesIn(std::string const& word) {
+    return std::count(word.begin(), word.end(), '/');
+}
+
+// What stands in front of the four parts of an entry of a cube.
+std::string cubeIn(std::string word) {
+    for (int i = 0; i < partsOfCubes; ++i) word.resize(word.rfind('/'));
+    return word;
+}
+
+// False also without a project.
+bool isCube(std::string const& word, Surroundings const& surroundings) {
+    try {
+        return kindOf(word) || Entries(surroundings).store().findCube(word);
+    } catch (std::exception const&) {
+        return false;
+    }
+}
+
+}
+
+bool isEntry(std::string const& word) {
+    return slashesIn(word) >= partsOfCubes;
+}
+
+void requireEntry(std::string const& word, Surroundings const& surroundings) {
+    auto const kind = kindInFrontOf(word);
+    bool const isResult = kind && kind->holdsResults;
+    auto const parts = isResult ? partsOfResults : partsOfCubes;
+    if (!kind && word.starts_with('/') && slashesIn(word) == parts) throw UsageError("the name of the cube is empty");
+    if (kind ? slashesIn(word) == parts : slashesIn(word) >= parts) return;
+    if (slashesIn(word) == 0 && isCube(word, surroundings))
+        throw UsageError(fmt::format("\"{}\" is a {}; list its entries with: cubes entries {}", word,
+            kind ? "kind" : "cube", quotedForShell(word)));
+    throw UsageError(fmt::format("\"{}\" is not an entry; expected {}/purpose/mode/time/user{}", word,
+        kind ? kind->name : "CUBE", isResult ? "/result/iteration" : ""));
+}
+
+std::optional<CubeInfo> resultKindOf(std::string const& word) {
+    auto kind = kindInFrontOf(word);
+    return kind && kind->holdsResults ? kind : std::nullopt;
+}
+
+void requireCubeName(std::string const& name) {
+    if (name.empty()) throw UsageError("the name of the cube is empty");
+    if (kindOf(name)) throw Refusal("the name is reserved for fares or a kind of results; choose another one");
+    if (isNumber(name)) throw Refusal("a name of digits would be read as a cube number; choose another one");
+    if (kindInFrontOf(name))
+        throw Refusal("a name that begins with a kind of results would be read as a result; choose another one");
+}
+
+bool isKind(CubeInfo const& cube) {
+    return placeOf(cube.number) > 0;
+}
+
+bool isListedBefore(EntryKey const& a, EntryKey const& b) {
+    return std::pair(placeOf(a.cube()), a) < std::pair(placeOf(b.cube()), b);
+}
+
+void refuseUse(EntryInfo const& entry) {
+    if (entry.users != 0) throw Refusal(entry.text + " is in use; try again later");
+}
+
+Entries::Entries(Surroundings const& surroundings, std::vector<std::string> const& words)
+    : project_([&] {
+          for (auto const& word : words) requireEntry(word, surroundings);
+          return Project::open(findProject(surroundings.project));
+      }()) {}
+
+// How to find a cube that does not exist by that name.
+std::string Entries::hintFor(std::string const& cube) const {
+    if (isNumber(cube)) return "; list the cubes with: cubes list";
+    std::vector<std::string> names;
+    for (auto const& known : store().cubes()) names.push_back(known.name);
+    for (auto const& kind : EntryStore::kinds()) names.push_back(kind.name);
+    auto const near = suggestion(cube, names);
+    return near.empty() ? "; list the cubes with: cubes list" : near;
+}
+
+CubeInfo Entries::cube(std::string const& word) const {
+    if (word.empty()) throw UsageError("the name of the cube is empty");
+    if (auto found = store().findCube(word)) return *std::move(found);
+    throw Refusal(fmt::format("there is no cube {}{}", word, hintFor(word)));
+}
+
+std::string Entries::nameOf(CubeInfo const& cube) const {
+    return isKind(cube) ? cube.name : cubeIn(store().text({cube.number, 1, 1, 1, 1}));
+}
+
+EntryKey Entries::key(std::string const& word) const {
+    try {
+        return store().parse(word);
+    } catch (StoreError const& error) {
+        if (error.reason() != Reason::notFound) throw;
+        throw Refusal(error.cause() + hintFor(cubeIn(word)));
+    }
+}
+
+EntryInfo Entries::find(std::string const& word) const {
+    auto const key = this->key(word);
+    if (auto found = store().find(key)) return *std::move(found);
+    auto const cube = this->cube(std::to_string(key.cube()));
+    auto const name = nameOf(cube);
+    throw Refusal(fmt::format("{} {} has no entry {}; list its entries with: cubes entries {}",
+        isKind(cube) ? "kind" : "cube", name, fmt::join(key.parts(), "/"), quotedForShell(name)));
+}
+
+EntryInfo Entries::findReadable(std::string const& word) const {
+    auto found = find(word);
+    if (found.key.isResult()) refuseUse(found);
+    return found;
+}
+
+std::optional<short> Entries::addMissingCube(std::string const& word) const {
+    try {
+        store().parse(word);
+        return std::nullopt;
+    } catch (StoreError const& error) {
+        if (error.reason() != Reason::notFound) throw;
+    }
+    auto const name = cubeIn(word);
+    if (isNumber(name)) throw Refusal("there is no cube " + name + hintFor(name));
+    requireCubeName(name);
+    return store().addCube(name);
+}
+
+void Entries::removeIfEmpty(short cube) const noexcept {
+    try {
+        // Another program may have stored into the new cube meanwhile.
+        if (!store().counts().contains(cube)) store().removeCube(cube);
+    } catch (std::exception const&) {
+        // The error that led here is the one to report.
+    }
+}
+
+EntryInfo Entries::write(std::string const& word, std::function<void(EntryKey const&)> const& action) const {
+    auto const added = addMissingCube(word);
+    try {
+        auto const entry = key(word);
+        cube(std::to_string(entry.cube()));
+        action(entry);
+        return find(word);
+    } catch (StoreError const& error) {
+        // Who holds the lock is storing into the cube.
+        if (added && error.reason() != Reason::locked) removeIfEmpty(*added);
+        throw;
+    } catch (...) {
+        if (added) removeIfEmpty(*added);
+        throw;
+    }
+}
+
+}
