@@ -1,6 +1,7 @@
 #include <cubes/store/EntryStore.h>
 
 #include "catalogue/Kinds.h"
+#include "catalogue/Tables.h"
 #include "host/database/Session.h"
 #include "host/platform/Files.h"
 #include "store/EntryWalk.h"

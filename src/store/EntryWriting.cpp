@@ -1,6 +1,7 @@
 #include "store/EntryWriting.h"
 
 #include "catalogue/EntryFile.h"
+#include "catalogue/Tables.h"
 #include "host/database/Session.h"
 #include "host/database/Transaction.h"
 #include "host/matrix/StagedFile.h"
