@@ -16,6 +16,9 @@
 
 namespace bench {
 
+using cubes::Durability;
+using cubes::Storage;
+
 namespace {
 
 void require(bool done, char const* what) {
@@ -102,7 +105,7 @@ TRkMatrix matrixOf(std::vector<float> const& cells, std::size_t zones) {
 void comparePut(std::vector<Result>& results, std::size_t zones, Durability durability, double bar, int rounds) {
     WorkDirectory const work;
     auto const project = cubes::Project::create(work.path("project"));
-    setMatrixStorage(project.settings()->MatrixDirectory().str(), {Storage::plain, durability});
+    cubes::setMatrixStorage(project.settings()->MatrixDirectory().str(), {Storage::plain, durability});
     auto& store = project.store();
     store.addCube("Bench");
     auto const cells = cellsOf(zones);
