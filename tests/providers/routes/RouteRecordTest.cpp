@@ -132,11 +132,11 @@ TEST_F(RouteRecord, ofRouteDataKeepsTheContentIdOfTheirRoutes) {
 TEST_F(RouteRecord, isNotNeededToReadAFile) {
     store(file, smallSet());
     Id128 const content = recordOf(file).content;
-    std::string stored = readFile(file);
-    auto const place = stored.find("CUBEIDX2");
-    ASSERT_NE(place, std::string::npos);
-    stored[place + 30] = static_cast<char>(stored[place + 30] ^ 1);
-    writeFile(file, stored);
+    std::string damaged = readFile(file);
+    auto const found = damaged.find("CUBEIDX2");
+    ASSERT_NE(found, std::string::npos);
+    damaged[found + 30] = static_cast<char>(damaged[found + 30] ^ 1);
+    writeFile(file, damaged);
     EXPECT_FALSE(cubes::hdf5::findRecord(cubes::platform::File::openForReading(file)));
     auto const set = routeSet(file, romExtend);
     EXPECT_EQ(routesOf(*set), smallSet());
