@@ -106,12 +106,14 @@ TEST(PostgresField, postgresCutsByBytesInADatabaseWithoutAnEncoding) {
     table.SetConnection(&connection);
     table.Open();
     EXPECT_EQ(table.FieldByName("name")->Stored("1äöüx"), "1äöüx");
-    EXPECT_EQ(table.FieldByName("name")->Stored("1äöü€"), "1äöü");
+    // Where narrow texts are not UTF-8, each of these bytes is a character.
+    std::string const cut = std::string("1äöü€").substr(0, cubes::platform::narrowEncoding() == "UTF8" ? 7 : 8);
+    EXPECT_EQ(table.FieldByName("name")->Stored("1äöü€"), cut.c_str());
     table.Append();
     table.FieldByName("cubenr")->SetAsInteger(1);
     table.FieldByName("name")->SetAsString("1äöü€");
     table.Post();
-    EXPECT_EQ(database.sql("SELECT \"name\" FROM \"cube\""), (Rows{{"1äöü"}}));
+    EXPECT_EQ(database.sql("SELECT \"name\" FROM \"cube\""), (Rows{{cut}}));
 }
 
 }
