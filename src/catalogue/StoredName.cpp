@@ -58,7 +58,7 @@ std::optional<Parts> normalised(Parts const& parts) {
 std::string joined(Parts const& parts) {
     std::string text;
     for (auto const part : parts) {
-        if (!text.empty()) text += '/';
+        if (!text.empty()) text += platform::pathDelimiter();
         text += part;
     }
     return text;
@@ -90,7 +90,7 @@ std::string storedPath(std::string const& directory, std::string const& name) {
     auto const shortened = normalised(parts);
     if (!shortened || shortened->empty()) return {};
     bool const goesUp = std::find(parts.begin(), parts.end(), "..") != parts.end();
-    return directory + platform::withNativeDelimiters(goesUp ? joined(*shortened) : name);
+    return directory + (goesUp ? joined(*shortened) : platform::withNativeDelimiters(name));
 }
 
 }

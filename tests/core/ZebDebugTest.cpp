@@ -308,6 +308,7 @@ TEST_F(ZebDebugTest, takesTheSystemsDirectoryForALongerOne) {
     auto const directory = directoryOfLength(directory_.str(), 260);
     temporary_.set(directory);
     // A name of its own: other programs write to that directory, too.
+    fs::create_directories(temporaryDirectoryWithoutName());
     std::string const name = "cubes-test-" + std::to_string(platform::processId()) + ".log";
     ZebDebug::setDebugOutput(name);
     ZebDebug::writeDebug("text");
