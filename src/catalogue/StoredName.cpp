@@ -1,8 +1,10 @@
 #include "catalogue/StoredName.h"
 
+#include "core/Base40.h"
 #include "host/platform/Paths.h"
 
 #include <cubes/catalogue/TRkBaseCubes.h>
+#include <cubes/core/TRkCubesException.h>
 
 #include <algorithm>
 #include <optional>
@@ -21,7 +23,12 @@ using Parts = std::vector<std::string_view>;
 
 std::string base40Pairs(std::span<short const> numbers) {
     std::string text;
-    for (short const number : numbers) text += TRkBaseCubes::ShortTo40T(number);
+    for (short const number : numbers) {
+        if (number < 0 || number >= base40Limit) throw TRkCubesException(TRkCubesException::ecCubeNrOutOfRange);
+        char pair[pairLength];
+        encodeBase40(number, pair);
+        text.append(pair, pairLength);
+    }
     return text;
 }
 

@@ -78,7 +78,7 @@ InUse::InUse(InUse&& other) noexcept : store_(std::exchange(other.store_, nullpt
 InUse::~InUse() {
     try {
         release();
-    } catch (StoreError const&) {
+    } catch (...) {
         // The counter stays raised, which protects the entry for longer than needed.
     }
 }

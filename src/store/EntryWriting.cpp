@@ -115,10 +115,22 @@ void EntryWriting::requireOwn(Task const& task, EntryKey const& key, Rows& conte
     auto const recorded = tables_.recordedDirectory(key, contents);
     if (!recorded.isKnown()) return;
     auto const own = tables_.identity(key.isResult());
-    if (!own.isKnown() || own == recorded) return;
+    if (!own.isKnown() || own == recorded || isStoredHere(key, recorded)) return;
     task.fail(Reason::otherDirectory, "the file of " + tables_.text(key) +
                                           " lies with another project that shares the database (directory " +
                                           recorded.text() + "); do it in that project");
+}
+
+// A directory that lost its "cubes-id" has another identity than was recorded, and what the cube
+// objects store is not recorded at all. Results stand in a table of this project alone.
+bool EntryWriting::isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded) const {
+    if (key.isResult()) return true;
+    auto rows = tables_.rows(false);
+    if (!rows->locate(key.numbers())) return false;
+    auto const file = tables_.path(key, rows->filename());
+    if (!platform::isRegularFile(file)) return false;
+    auto const origin = matrix::readOrigin(file);
+    return !origin || !origin->stamp.directory.isKnown() || origin->stamp.directory == recorded;
 }
 
 void EntryWriting::requireStorable(Task const& task, EntryKey const& key) const {
@@ -331,6 +343,7 @@ void EntryWriting::removeFile(EntryInfo const& entry) const {
         WriteLock const lock(entry.file, WriteLock::Purpose::create);
         if (!tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) catalogue::removeResult(entry.file);
     } catch (matrix::LockRefused const&) {
+    } catch (TRkDatabaseException const&) {
     } catch (std::system_error const&) {
         // A file without a row is harmless: the next entry of that name replaces it.
     }

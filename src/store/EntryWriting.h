@@ -73,6 +73,7 @@ private:
     void requireReplaceable(Task const& task, EntryInfo const& existing, OnExisting exists) const;
     void requireOwn(Task const& task, EntryKey const& key) const;
     void requireOwn(Task const& task, EntryKey const& key, Rows& contents) const;
+    bool isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded) const;
     std::string targetOf(Task const& task, EntryKey const& key, std::optional<EntryInfo> const& existing) const;
     hdf5::FileStamp stampOf(EntryKey const& key) const;
     void recordFile(EntryKey const& key, std::string const& file) const;

@@ -93,6 +93,18 @@ TEST_P(EntryProjectsTest, anEntryOfUnknownDirectoryIsAllowed) {
     EXPECT_EQ(reasonOf([&] { a().get(trips); }), "otherDirectory");
 }
 
+TEST_P(EntryProjectsTest, aDirectoryThatLostItsIdentityKeepsItsEntries) {
+    a().put(trips, smallMatrix(1));
+    a().put(skim, smallMatrix(2));
+    for (char const* const directory : {"/matrices/cubes-id", "/results/cubes-id"})
+        std::filesystem::remove(root("a") + directory);
+    auto const again = Project::open(root("a"));
+    EXPECT_EQ(again.store().get(trips).Elements()[0], 1);
+    again.store().put(skim, smallMatrix(3));
+    again.store().remove(trips);
+    EXPECT_EQ(again.store().get(skim).Elements()[0], 3);
+}
+
 TEST_P(EntryProjectsTest, copiesAndMovesResultsFromOneProjectToAnother) {
     a().put(skim, smallMatrix(1), {.parent = trips});
     b().copyFrom(a(), skim, skim);

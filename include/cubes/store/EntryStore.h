@@ -45,6 +45,7 @@ struct CopyOptions {
 
 /// Protects an entry while it lives: its usage counter is raised by one. Movable. The counter of a
 /// process that was killed stays raised; EntryStore::removeUser lowers it.
+/// REQUIRES: the store outlives it.
 class CUBES_API InUse {
 public:
     InUse(InUse&& other) noexcept;
@@ -155,7 +156,7 @@ public:
     TRkMatrix get(EntryKey const& key) const;
     /// Entries in the order of their keys: those of cubes, then those of results.
     EntryRange entries(EntrySelection const& selection = {}) const;
-    /// The number of entries by the number of their cube or kind; those without entries are left out.
+    /// The number of entries by the number of their cube or kind; those without entries are omitted.
     std::map<short, std::size_t> counts() const;
 
     /// Stores a matrix as an entry, in one step: whatever happens there is the old matrix or the new
@@ -174,7 +175,8 @@ public:
     void copy(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void move(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     /// The same from another project. Throw otherDirectory where both projects keep the files in one
-    /// directory, or the entry in one row. A move copies first and then removes.
+    /// directory, or the entry in one row. A move copies first and then removes; the parent, an entry
+    /// of the other project, does not come along.
     void copyFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
 

@@ -122,6 +122,7 @@ void StagedFile::write(std::function<void(std::string const& path)> const& write
         std::string const& path = temporary_->path();
         writer(path);
         auto written = platform::File::openShared(path);
+        if (written.size() == 0) throw std::runtime_error("nothing was written");
         hdf5::restamp(written, stamp);
         if (isToBeFlushed(target())) written.flush();
     });

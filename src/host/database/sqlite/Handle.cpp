@@ -128,7 +128,10 @@ FileState stateOf(std::string const& path) {
     FileState state;
     state.size = std::filesystem::file_size(file, error);
     state.changed = std::filesystem::last_write_time(file, error);
-    state.hasLog = platform::exists(path + "-wal");
+    // An empty log holds nothing, as one that was created on a full disk.
+    std::error_code missing;
+    auto const logSize = std::filesystem::file_size(platform::toPath(path + "-wal"), missing);
+    state.hasLog = !missing && logSize > 0;
     return state;
 }
 
