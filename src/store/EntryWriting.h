@@ -17,8 +17,8 @@ namespace cubes::store {
 ///
 /// The order of a change: take the lock of the entry's file; write the new file beside the old one
 /// and flush it; change the rows in a transaction; replace the file and flush the directory; commit;
-/// release the lock. What fails is undone. A process that is killed meanwhile leaves a file without
-/// a row at worst, never a row without a file.
+/// release the lock. What fails is undone. A process that is killed between replacement and commit
+/// leaves the new file, without a row or under the old one, never a row without a file.
 class EntryWriting {
 public:
     explicit EntryWriting(StoreTables const& tables) : tables_(tables), names_(tables.cubes()) {}
