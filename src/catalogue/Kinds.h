@@ -9,7 +9,7 @@
 
 namespace cubes::catalogue {
 
-/// What tells the entries of cubes, the fares and the kinds of results apart.
+/// What differs between the entries of cubes, the fares and the kinds of results.
 struct Kind {
     /// Stands for the cube's name in an entry's text; empty for the cubes of the register.
     char const* word;

@@ -22,7 +22,7 @@ public:
     explicit Register(CountedPtr<Rktable::TRkTableProxy> table) : table_(std::move(table)) {}
 
     /// Goes to the row of a number or a name. A name is compared as it would be stored, cut to the
-    /// size of its column, and without regard to letter case; null is no name.
+    /// size of its column, and without regard to letter case; null is never found.
     bool locate(short cubenr) const;
     bool locate(char const* name) const;
 

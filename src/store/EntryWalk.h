@@ -38,7 +38,7 @@ private:
     std::optional<EntryInfo> current_;
 };
 
-/// The rows that a selection means. Throws StoreError for a cube that is not there.
+/// The rows that a selection means; `cube` is the one that it names, if it names one.
 std::vector<EntryWalk::Stage> stagesOf(EntrySelection const& selection, std::optional<CubeInfo> const& cube);
 
 }

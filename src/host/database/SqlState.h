@@ -1,6 +1,6 @@
 #pragma once
 
-/// The codes of SQL's errors that this library tells apart or reports, by name. SQLite's own codes
+/// The SQLSTATE codes that this library distinguishes or reports, by name. SQLite's own codes
 /// are given as these.
 namespace cubes::database::sqlstate {
 

@@ -50,7 +50,7 @@ Id128 randomIdentity() {
     return id;
 }
 
-// Nothing when there is no file that can be read; unknown when it holds something else.
+// Nothing without a readable file; unknown when it holds something else.
 std::optional<Id128> readIdentity(std::string const& path) {
     if (!platform::exists(path)) return std::nullopt;
     try {
