@@ -3,7 +3,7 @@
 #include "host/database/Dialect.h"
 #include "host/database/Statement.h"
 #include "host/database/SystemTables.h"
-#include "host/platform/ForkCount.h"
+#include "host/platform/System.h"
 
 #include <cstdint>
 #include <memory>

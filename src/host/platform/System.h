@@ -66,4 +66,8 @@ void breakIntoDebugger();
 void writeToDebugger(char const* text);
 void writeToDebugger(wchar_t const* text);
 
+/// How many forks lie between this process and the one that first asked. What was opened at a
+/// smaller count belongs to a parent. Always 0 where processes cannot fork.
+unsigned long forkCount() noexcept;
+
 }

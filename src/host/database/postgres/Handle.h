@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/platform/ForkCount.h"
+#include "host/platform/System.h"
 
 #include <cubes/database/TRkDatabaseException.h>
 

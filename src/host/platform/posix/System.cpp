@@ -1,11 +1,13 @@
 #include "host/platform/System.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <limits>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace cubes::platform {
@@ -74,5 +76,11 @@ void breakIntoDebugger() {
 
 void writeToDebugger(char const*) {}
 void writeToDebugger(wchar_t const*) {}
+
+unsigned long forkCount() noexcept {
+    static std::atomic<unsigned long> forks = 0;
+    [[maybe_unused]] static int const registered = pthread_atfork(nullptr, nullptr, [] { ++forks; });
+    return forks.load(std::memory_order_relaxed);
+}
 
 }

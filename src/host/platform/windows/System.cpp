@@ -92,4 +92,8 @@ void writeToDebugger(wchar_t const* text) {
     ::OutputDebugStringW(text);
 }
 
+unsigned long forkCount() noexcept {
+    return 0;
+}
+
 }

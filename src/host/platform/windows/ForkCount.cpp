@@ -1,9 +1,0 @@
-#include "host/platform/ForkCount.h"
-
-namespace cubes::platform {
-
-unsigned long forkCount() noexcept {
-    return 0;
-}
-
-}
