@@ -3,6 +3,7 @@
 #include "catalogue/StoredName.h"
 #include "catalogue/Tables.h"
 #include "host/database/Sql.h"
+#include "host/database/Transaction.h"
 
 #include <cubes/catalogue/TRkBaseCubes.h>
 #include <cubes/database/TRkDBDataDictionary.h>
@@ -12,11 +13,6 @@
 namespace cubes::catalogue {
 
 namespace {
-
-char const* keyList(std::size_t keyParts) {
-    return keyParts == std::tuple_size_v<ResultKey> ? "cubenr;purpose;mode;time;user;result;iteration"
-                                                    : "cubenr;purpose;mode;time;user";
-}
 
 template <typename Fields>
 bool allThere(Fields const& fields) {
@@ -39,10 +35,13 @@ std::string equals(Rktable::TRkField const* field, short number, short none) {
     return number == none ? "(" + same + " or " + column + " is null)" : same;
 }
 
-// Posts the row. False when the database refuses it for the reason given.
+// Posts the row. False when the database refuses it for the reason given; a transaction that the
+// caller has begun goes on.
 bool postUnless(Rktable::TRkTableProxy& table, bool (TRkDatabaseException::*isReason)() const noexcept) {
+    database::Savepoint savepoint(table);
     try {
         table.Post();
+        savepoint.commit();
         return true;
     } catch (TRkDatabaseException const& error) {
         if (!(error.*isReason)()) throw;
@@ -83,12 +82,20 @@ bool EntryTable::locate(std::span<short const> key) {
     return cursor_.Locate(keyList(key.size()), std::vector<Rktable::Value>(key.begin(), key.end()));
 }
 
+bool EntryTable::locateAndLock(std::span<short const> key) {
+    return locate(key) && database::lockRow(cursor_);
+}
+
 bool EntryTable::hasKey() const {
     return allThere(std::span(fields().key).first(keyParts_));
 }
 
 void EntryTable::requireKey() const {
     for (std::size_t i = 0; i < keyParts_; ++i) cursor_.FieldByName(keyColumns[i]);
+}
+
+void EntryTable::requireParent() const {
+    for (char const* const column : parentColumns) cursor_.FieldByName(column);
 }
 
 bool EntryTable::insert(std::span<short const> key, std::string const& filename, ResultKey const& parent) {

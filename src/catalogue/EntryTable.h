@@ -72,10 +72,14 @@ public:
 
     /// Goes to the row of a key; its size decides the key columns.
     bool locate(std::span<short const> key);
+    /// The same inside a transaction; others cannot change the row until it ends.
+    bool locateAndLock(std::span<short const> key);
     /// Whether the table has all key columns.
     bool hasKey() const;
     /// Throws TRkDatabaseException, naming the first key column that the table lacks.
     void requireKey() const;
+    /// The same for the columns of the parent.
+    void requireParent() const;
 
     /// Adds a row with a counter of 0. False when a row of that key is there already.
     [[nodiscard]] bool insert(

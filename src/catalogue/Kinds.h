@@ -36,6 +36,9 @@ Kind const* findKind(short number);
 /// That of the cubes of the register for any other number.
 Kind const& kindOf(short number);
 
+/// Matrix kinds above this one belong to a matrix itself: saving it in a cube keeps them.
+inline constexpr unsigned lastCubeKind = 31;
+
 /// The name that a new entry's file gets: "3-1-1-1-1.odm", "1-1-1-1-2-0.skm".
 std::string newFileName(std::span<short const> key);
 

@@ -89,10 +89,12 @@ std::vector<Register::Cube> Register::cubes() const {
 }
 
 void Register::append(long cubenr, char const* name) const {
+    database::Savepoint savepoint(*table_);
     table_->Append();
     table_->FieldByName(numberColumn)->SetAsInteger(cubenr);
     table_->FieldByName(nameColumn)->SetAsString(name);
     table_->Post();
+    savepoint.commit();
 }
 
 }

@@ -1,6 +1,7 @@
 #include "catalogue/Tables.h"
 
-#include "host/database/Transaction.h"
+#include "host/database/Cursor.h"
+#include "host/database/SqlState.h"
 
 #include <algorithm>
 #include <span>
@@ -77,9 +78,42 @@ void createMissingTables(Session& session, std::string const& schema) {
 }
 
 void createContentTable(Session& session, std::string const& schema, std::size_t keyParts) {
-    createMissing({{schema, contentTable, std::span(keyColumns).first(keyParts), {},
-                      {column(directoryColumn, "varchar(32)"), column(contentColumn, "varchar(32)")}}},
+    // The last two are empty so far.
+    createMissing(
+        {{schema, contentTable, std::span(keyColumns).first(keyParts), {},
+            {column(directoryColumn, "varchar(32)"), column(contentColumn, "varchar(32)"), column(sizeColumn, "bigint"),
+                column(changedColumn, "bigint"), column("statistics", "text"), column("inputs", "text")}}},
         session);
+}
+
+void forgetContent(Session& session, std::span<short const> key) {
+    auto const held = session.lock();
+    auto known = session.systemTables().find(sharedSchema, contentTable);
+    if (!known) return;
+    try {
+        database::Savepoint savepoint(session);
+        database::Cursor contents(session, std::move(known));
+        if (contents.locate(keyList(key.size()), std::vector<database::Value>(key.begin(), key.end()), {}))
+            contents.remove();
+        savepoint.commit();
+    } catch (TRkDatabaseException const&) {
+        // The entry is stored whether this succeeds or not.
+    }
+}
+
+bool isNegligible(TRkDatabaseException const& error) {
+    bool const isRefused =
+        error.SqlState() == database::sqlstate::missingRight || error.SqlState() == database::sqlstate::readOnly;
+    return isRefused || error.IsDuplicateKey() || error.IsMissingTable();
+}
+
+char const* keyList(std::size_t count) {
+    static auto const lists = [] {
+        std::array<std::string, keyColumns.size() + 1> made;
+        for (std::size_t i = 0; i < keyColumns.size(); ++i) made[i + 1] = made[i] + (i ? ";" : "") + keyColumns[i];
+        return made;
+    }();
+    return lists[count].c_str();
 }
 
 bool belongsToProject(Session& session, std::string const& schema) {

@@ -1,6 +1,7 @@
 #include <cubes/matcubes/TRkMatCubes.h>
 
 #include <cubes/core/TRkCubesException.h>
+#include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkDBDataDictionary.h>
 #include <cubes/matrix/TRkMatrix.h>
 #include <cubes/project/TRkGlobalSettings.h>
@@ -11,9 +12,11 @@
 
 #include "catalogue/EntryFile.h"
 #include "catalogue/EntryTable.h"
+#include "catalogue/Kinds.h"
 #include "catalogue/ProjectCall.h"
 #include "catalogue/Register.h"
 #include "catalogue/StoredName.h"
+#include "catalogue/Tables.h"
 #include "host/platform/Files.h"
 #include "matcubes/EntryTransfer.h"
 
@@ -28,10 +31,7 @@ using cubes::matcubes::whenExisting;
 
 namespace {
 
-constexpr char const* matrixCubeSchema = "public";
 constexpr std::size_t keyParts = std::tuple_size_v<CubeKey>;
-// Kinds above this one belong to the matrix itself and outlive its saving.
-constexpr unsigned lastCubeKind = 31;
 
 // Adds the row of an entry that was not there when it was looked up. Another process may have
 // added it since, which is as good; when that row is gone again, it is added anew.
@@ -40,6 +40,11 @@ void insertUnlessTaken(EntryTable& entries, CubeKey const& key, TRkString const&
     if (!entries.insert(key, filename.str()))
         throw TRkDatabaseException(
             "cannot add entry " + cubes::catalogue::displayKey(key) + ": others add and remove it at the same time");
+}
+
+// What the store recorded of the entry's file is no longer true once this class writes it.
+void forgetContent(Pgaccess::TPgConnection* connection, CubeKey const& key) {
+    if (connection) cubes::catalogue::forgetContent(connection->Backend(), key);
 }
 
 void removeEntry(Rktable::TRkTableProxy& table, TRkFString const& directory) {
@@ -104,7 +109,7 @@ bool TRkMatCubes::FindMatrixDirectory() {
 }
 
 bool TRkMatCubes::FindMatrixSchema() {
-    setMatrixSchema(matrixCubeSchema);
+    setMatrixSchema(cubes::catalogue::sharedSchema);
     return true;
 }
 
@@ -131,6 +136,7 @@ bool TRkMatCubes::Add(
     if (!table) return false;
     auto const key = storedKey(CubeKey{cubenr, p, m, t, u}, zeroBased);
     if (!key) return false;
+    forgetContent(GetConnection(), *key);
     EntryTable entries(*table, keyParts);
     if (falseWithoutTable([&] { return entries.locate(*key); })) return true;
     // Made before the row is begun: a number that the name cannot hold leaves no half-made row.
@@ -273,7 +279,9 @@ TRkMatrixHeader const* TRkMatCubes::GetHeader(
 
 bool TRkMatCubes::Set(
     short cubenr, short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock, bool zeroBased) {
-    return Check(cubenr, p, m, t, u, zeroBased) && SaveMatrix(matrix, cubenr, p, m, t, u, lock, zeroBased);
+    if (!Check(cubenr, p, m, t, u, zeroBased)) return false;
+    if (auto const key = storedKey(CubeKey{cubenr, p, m, t, u}, zeroBased)) forgetContent(GetConnection(), *key);
+    return SaveMatrix(matrix, cubenr, p, m, t, u, lock, zeroBased);
 }
 
 bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, TRkMatrix const& matrix,
@@ -288,6 +296,7 @@ bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, 
         EntryTable entries(*table, keyParts);
         if (entries.locate(*key)) removeEntry(*table, matrixDirectory_);
         insertUnlessTaken(entries, *key, filename);
+        forgetContent(GetConnection(), *key);
     }
     return SaveMatrix(matrix, *cubenr, p, m, t, u, lock, zeroBased);
 }
@@ -306,7 +315,8 @@ bool TRkMatCubes::SaveMatrix(
         return false;
     }
     unsigned const sourceKind = matrix.Header().Kind();
-    RkMatrixKind const kind = sourceKind > lastCubeKind ? static_cast<RkMatrixKind>(sourceKind) : matrixKind_;
+    RkMatrixKind const kind =
+        sourceKind > cubes::catalogue::lastCubeKind ? static_cast<RkMatrixKind>(sourceKind) : matrixKind_;
     TRkMatrix file(matrix.Rows(), matrix.Columns(), matrixType_, target.c_str(), 1, "", "", matrixFlag_, kind, lock);
     if (!file.IsValid()) return false;
     file.AssignFrom(matrix);

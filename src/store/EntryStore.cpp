@@ -65,6 +65,20 @@ catalogue::Kind const* kindAt(std::string_view text) {
     return number ? findKind(*number) : nullptr;
 }
 
+// The numbers of an entry that is written in numbers alone, with four or six parts.
+std::optional<std::vector<short>> numbersIn(std::string_view text) {
+    std::vector<short> numbers;
+    for (std::size_t start = 0; start <= text.size();) {
+        std::size_t const end = std::min(text.find('/', start), text.size());
+        auto const number = numberOf(text.substr(start, end - start));
+        if (!number) return std::nullopt;
+        numbers.push_back(*number);
+        start = end + 1;
+    }
+    bool const isEntry = numbers.size() == 1 + cubeParts || numbers.size() == 1 + resultParts;
+    return isEntry ? std::optional(numbers) : std::nullopt;
+}
+
 std::vector<EntryKey> keysOf(EntryRange entries) {
     std::vector<EntryKey> keys;
     for (auto const& entry : entries) keys.push_back(entry.key);
@@ -107,6 +121,7 @@ EntryStore::EntryStore(std::unique_ptr<StoreTables> tables) : tables_(std::move(
 EntryStore::~EntryStore() = default;
 
 EntryKey EntryStore::parse(std::string_view text) const {
+    if (auto const numbers = numbersIn(text)) return keyOf(*numbers);
     Task const task{"read \"" + std::string(text) + "\" as an entry", std::string(text)};
     auto const* const kind = kindAt(text);
     bool const isResult = kind && kind->isResult;
@@ -124,9 +139,8 @@ EntryKey EntryStore::parse(std::string_view text) const {
         numbers.push_back(*read);
     }
     auto const cube = kind ? std::optional(infoOf(*kind)) : findCube(pieces->cube);
-    auto const number = cube ? std::optional(cube->number) : numberOf(pieces->cube);
-    if (!number) task.fail(Reason::notFound, "there is no cube " + std::string(pieces->cube));
-    numbers.front() = *number;
+    if (!cube) task.fail(Reason::notFound, "there is no cube " + std::string(pieces->cube));
+    numbers.front() = cube->number;
     return keyOf(numbers);
 }
 
@@ -134,8 +148,15 @@ std::string EntryStore::text(EntryKey const& key) const {
     return reporting({"name an entry", {}}, [&] { return tables_->text(key); });
 }
 
+// Names the entry by its numbers when the database cannot be asked for the name of its cube: the task then reports why.
 store::Task EntryStore::taskFor(char const* verb, EntryKey const& key) const {
-    std::string const name = text(key);
+    auto const name = [&] {
+        try {
+            return text(key);
+        } catch (StoreError const&) {
+            return store::textOf(key.numbers());
+        }
+    }();
     return {std::string(verb) + " " + name, name};
 }
 
@@ -157,13 +178,14 @@ std::vector<CubeInfo> EntryStore::kinds() {
 
 std::optional<CubeInfo> EntryStore::findCube(std::string_view nameOrNumber) const {
     if (auto const* const kind = findKind(nameOrNumber)) return infoOf(*kind);
-    auto number = numberOf(nameOrNumber);
-    if (auto const* const kind = number ? findKind(*number) : nullptr) return infoOf(*kind);
     return reporting({"look up cube \"" + std::string(nameOrNumber) + "\"", {}}, [&]() -> std::optional<CubeInfo> {
         auto cubes = tables_->cubes();
-        if (!number) number = cubes.number(std::string(nameOrNumber).c_str());
-        auto const name = number ? cubes.name(*number) : std::nullopt;
-        return name ? std::optional(CubeInfo{*number, name->str()}) : std::nullopt;
+        for (auto const& number : {numberOf(nameOrNumber), cubes.number(std::string(nameOrNumber).c_str())}) {
+            if (!number) continue;
+            if (auto const* const kind = findKind(*number)) return infoOf(*kind);
+            if (auto const name = cubes.name(*number)) return CubeInfo{*number, name->str()};
+        }
+        return std::nullopt;
     });
 }
 
@@ -171,7 +193,9 @@ short EntryStore::addCube(std::string const& name) {
     Task const task{"add cube \"" + name + "\"", {}};
     return reporting(task, [&] {
         auto const number = tables_->cubes().add(name.c_str());
-        if (!number) task.fail(Reason::noSpace, "all cube numbers are in use");
+        if (!number) task.fail(Reason::database, "all cube numbers are in use");
+        if (findKind(*number))
+            task.fail(Reason::invalidKey, "the name is reserved for " + infoOf(*findKind(*number)).name);
         return *number;
     });
 }
@@ -179,9 +203,7 @@ short EntryStore::addCube(std::string const& name) {
 std::size_t EntryStore::removeCube(short cube) {
     Task const task{"remove cube " + std::to_string(cube), {}};
     if (findKind(cube)) task.fail(Reason::invalidKey, "every project has it");
-    if (!findCube(std::to_string(cube))) task.fail(Reason::notFound, "there is no such cube");
-    auto const keys = keysOf(entries({.cube = std::to_string(cube)}));
-    return reporting(task, [&] { return EntryWriting(*tables_).removeAll(task, keys, cube); });
+    return reporting(task, [&] { return EntryWriting(*tables_).removeCube(task, cube); });
 }
 
 std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
@@ -190,16 +212,10 @@ std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
 
 TRkMatrix EntryStore::get(EntryKey const& key) const {
     auto const task = taskFor("read", key);
-    auto const& kind = catalogue::kindOf(key.cube());
-    if (kind.holdsRoutes) task.fail(Reason::invalidKey, task.entry + " holds routes, not a matrix");
     return reporting(task, [&] {
         EntryWriting const writing(*tables_);
-        auto const file = writing.requireFile(task, writing.require(task, key));
-        TRkMatrix matrix(file.c_str(), 1, task.entry.c_str(), true, kind.matrixKind, lsNone, 0);
-        if (matrix.IsValid()) return matrix;
-        // Opening the file alone tells a file that cannot be read from one that makes no sense.
-        platform::File::openForReading(file);
-        task.fail(Reason::damaged, matrix.Reason(), file);
+        writing.requireMatrix(task, key);
+        return writing.read(task, writing.require(task, key));
     });
 }
 
@@ -207,6 +223,8 @@ EntryRange EntryStore::entries(EntrySelection const& selection) const {
     std::optional<CubeInfo> cube;
     if (!selection.cube.empty()) {
         cube = findCube(selection.cube);
+        // Applications may store entries of a cube that is in no register.
+        if (auto const number = numberOf(selection.cube); number && !cube) cube = CubeInfo{*number, selection.cube};
         if (!cube) Task{"list the entries of " + selection.cube, {}}.fail(Reason::notFound, "there is no such cube");
     }
     return reporting({"list entries", {}},
@@ -252,7 +270,11 @@ void EntryStore::copy(EntryKey const& from, EntryKey const& to, CopyOptions cons
 }
 
 void EntryStore::copyFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
-    Task const task{"copy " + source.text(from) + " to " + text(to), text(to)};
+    copyFrom({"copy " + source.text(from) + " to " + text(to), text(to)}, source, from, to, options);
+}
+
+void EntryStore::copyFrom(
+    Task const& task, EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
     reporting(task, [&] {
         if (&source == this && from == to) return;
         EntryWriting const reading(*source.tables_);
@@ -261,7 +283,7 @@ void EntryStore::copyFrom(EntryStore& source, EntryKey const& from, EntryKey con
         auto const entry = reading.require(task, from);
         EntryWriting::Change const change{options.exists, {to.isResult(), std::nullopt}};
         if (shareFiles(from, to)) return writing.putCopy(task, to, reading.requireFile(task, entry), change);
-        writing.put(task, to, source.get(from), change);
+        writing.put(task, to, reading.read(task, entry), change);
     });
 }
 
@@ -271,8 +293,8 @@ void EntryStore::requireOtherFile(
     auto const directory = [&](EntryStore const& store, EntryKey const& key) {
         return store.tables_->directory(key.isResult());
     };
-    bool const sharesRow =
-        from == to && !from.isResult() && source.tables_->session().url() == tables_->session().url();
+    bool const sharesRow = from == to && !from.isResult() &&
+                           source.tables_->session().databaseIdentity() == tables_->session().databaseIdentity();
     if (sharesRow || platform::isSameDirectory(directory(source, from), directory(*this, to)))
         task.fail(Reason::otherDirectory, "both projects keep it in one directory or in one row of the database");
 }
@@ -282,21 +304,25 @@ void EntryStore::move(EntryKey const& from, EntryKey const& to, CopyOptions cons
     reporting(task, [&] {
         if (from == to) return;
         EntryWriting const writing(*tables_);
+        writing.requireOwnTransaction(task);
         auto const entry = writing.require(task, from);
         writing.requireFree(task, entry);
         EntryWriting::Change const change{
             options.exists, {to.isResult(), to.isResult() ? entry.parent : std::nullopt}, entry};
-        if (shareFiles(from, to)) return writing.rename(task, to, change);
-        writing.put(task, to, get(from), change);
+        if (shareFiles(from, to)) return writing.putCopy(task, to, writing.requireFile(task, entry), change);
+        writing.moveMatrix(task, to, change);
     });
 }
 
 void EntryStore::moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options) {
     if (&source == this) return move(from, to, options);
-    if (auto const entry = source.find(from))
-        EntryWriting(*source.tables_).requireFree({"move " + entry->text, entry->text}, *entry);
-    copyFrom(source, from, to, options);
-    source.remove(from);
+    Task const task{"move " + source.text(from) + " to " + text(to), source.text(from)};
+    reporting(task, [&] {
+        EntryWriting const writing(*source.tables_);
+        EntryWriting::Removal removal(writing, task, from);
+        copyFrom(task, source, from, to, options);
+        removal.finish();
+    });
 }
 
 void EntryStore::remove(EntryKey const& key) {
@@ -309,7 +335,7 @@ std::size_t EntryStore::removeAll(EntrySelection const& selection) {
 }
 
 std::size_t EntryStore::removeAll(std::vector<EntryKey> const& keys) {
-    Task const task{"remove " + std::to_string(keys.size()) + " entries", {}};
+    Task const task{keys.size() == 1 ? "remove 1 entry" : "remove " + std::to_string(keys.size()) + " entries", {}};
     return reporting(task, [&] { return EntryWriting(*tables_).removeAll(task, keys); });
 }
 
@@ -325,7 +351,8 @@ void EntryStore::setParent(EntryKey const& key, std::optional<EntryKey> const& p
     reporting(task, [&] {
         auto rows = tables_->rows(true);
         if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");
-        if (rows->users() != 0) task.fail(Reason::inUse, text(key) + " is in use; try again later");
+        if (rows->users() != 0) task.fail(Reason::inUse, "it is in use; try again later");
+        if (parent) rows->requireParent();
         if (!rows->setParent(store::numbersOf(parent))) task.fail(Reason::notFound, "it was removed meanwhile");
     });
 }

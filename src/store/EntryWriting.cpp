@@ -12,6 +12,7 @@
 
 #include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace cubes::store {
@@ -23,16 +24,18 @@ using matrix::WriteLock;
 
 namespace {
 
-// Kinds above this one belong to a matrix itself and outlive its saving in a cube.
-constexpr unsigned lastCubeKind = 31;
-
 // Keeps the file that is replaced under a second name, and puts it back unless the new one is to stay.
 class Replaced {
 public:
     explicit Replaced(StagedFile const& staged) : staged_(staged) {
         if (!platform::exists(staged.target())) return;
         aside_ = platform::temporaryPath(staged.target());
-        platform::linkOrCopy(staged.target(), aside_);
+        try {
+            platform::linkOrCopy(staged.target(), aside_);
+        } catch (std::system_error const&) {
+            platform::discardFile(aside_);
+            throw;
+        }
     }
     ~Replaced() {
         try {
@@ -66,7 +69,7 @@ matrix::MatrixContent contentOf(TRkMatrix const& matrix, catalogue::Kind const& 
     content.header = matrix::fileHeader(matrix.Header());
     content.header.name.clear();
     content.header.type = kind.matrixType;
-    if (kind.isResult || matrix.Header().Kind() <= lastCubeKind) content.header.kind = kind.matrixKind;
+    if (kind.isResult || matrix.Header().Kind() <= catalogue::lastCubeKind) content.header.kind = kind.matrixKind;
     content.header.selectedLink = dynamic_cast<TRkVLSelectedLinkMatrix const*>(matrix.Body()) != nullptr;
     content.elements = matrix.Elements().data();
     return content;
@@ -93,16 +96,25 @@ std::optional<EntryInfo> EntryWriting::find(EntryKey const& key) const {
 
 EntryInfo EntryWriting::require(Task const& task, EntryKey const& key) const {
     auto found = find(key);
-    if (!found) task.fail(Reason::notFound, "there is no such entry");
+    if (!found) missing(task, key);
     requireOwn(task, key);
     return *std::move(found);
 }
 
+void EntryWriting::missing(Task const& task, EntryKey const& key) const {
+    auto const name = text(key);
+    Task{task.action, name}.fail(
+        Reason::notFound, task.subject(name) == "it" ? "there is no such entry" : "there is no entry " + name);
+}
+
+void EntryWriting::outside(Task const& task, EntryInfo const& entry, char const* advice) const {
+    task.fail(Reason::outsideDirectory, "its row names the file \"" + entry.storedName +
+                                            "\", which is not inside the directory " +
+                                            tables_.directory(entry.key.isResult()) + advice);
+}
+
 std::string EntryWriting::requireFile(Task const& task, EntryInfo const& entry) const {
-    if (entry.file.empty())
-        task.fail(Reason::outsideDirectory, "its row names the file \"" + entry.storedName +
-                                                "\", which is not inside the directory " +
-                                                tables_.directory(entry.key.isResult()));
+    if (entry.file.empty()) outside(task, entry, "");
     if (!platform::exists(entry.file)) task.fail(Reason::notFound, "there is no file " + entry.file, entry.file);
     return entry.file;
 }
@@ -121,8 +133,8 @@ void EntryWriting::requireOwn(Task const& task, EntryKey const& key, Rows& conte
                                           recorded.text() + "); do it in that project");
 }
 
-// A directory that lost its "cubes-id" has another identity than was recorded, and what the cube
-// objects store is not recorded at all. Results stand in a table of this project alone.
+// A directory that lost its "cubes-id" has another identity than was recorded. The table of results
+// belongs to this project alone.
 bool EntryWriting::isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded) const {
     if (key.isResult()) return true;
     auto rows = tables_.rows(false);
@@ -130,7 +142,7 @@ bool EntryWriting::isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded
     auto const file = tables_.path(key, rows->filename());
     if (!platform::isRegularFile(file)) return false;
     auto const origin = matrix::readOrigin(file);
-    return !origin || !origin->stamp.directory.isKnown() || origin->stamp.directory == recorded;
+    return origin && origin->stamp.directory == recorded;
 }
 
 void EntryWriting::requireStorable(Task const& task, EntryKey const& key) const {
@@ -147,28 +159,30 @@ void EntryWriting::requireStorable(Task const& task, EntryKey const& key) const 
             task.fail(Reason::invalidKey, std::string(catalogue::keyColumns[i + 1]) + " must be a number from " +
                                               std::to_string(least) + " to 32767, not " + std::to_string(parts[i]));
     }
-    if (!kind && !names_.name(key.cube()))
-        task.fail(Reason::notFound, "there is no cube " + std::to_string(key.cube()) + "; add the cube first");
+    requireCube(task, key);
+}
+
+// Asks the database each time: another program may have removed the cube.
+void EntryWriting::requireCube(Task const& task, EntryKey const& key) const {
+    if (catalogue::findKind(key.cube()) || names_.locate(key.cube())) return;
+    task.fail(Reason::notFound, "there is no cube " + std::to_string(key.cube()) + "; add it first");
 }
 
 void EntryWriting::requireReplaceable(Task const& task, EntryInfo const& existing, OnExisting exists) const {
-    if (exists == OnExisting::fail) task.fail(Reason::alreadyExists, existing.text + " already exists");
+    if (exists == OnExisting::fail) task.fail(Reason::alreadyExists, task.subject(existing.text) + " already exists");
     requireFree(task, existing);
     requireOwn(task, existing.key);
 }
 
 void EntryWriting::requireFree(Task const& task, EntryInfo const& entry) const {
     if (entry.users == 0) return;
-    task.fail(Reason::inUse, entry.text + " is in use; try again later");
+    Task{task.action, entry.text}.fail(Reason::inUse, task.subject(entry.text) + " is in use; try again later");
 }
 
 std::string EntryWriting::targetOf(
     Task const& task, EntryKey const& key, std::optional<EntryInfo> const& existing) const {
     if (!existing) return tables_.path(key, catalogue::newFileName(key.numbers()));
-    if (existing->file.empty())
-        task.fail(Reason::outsideDirectory, "its row names the file \"" + existing->storedName +
-                                                "\", which is not inside the directory " +
-                                                tables_.directory(key.isResult()) + "; remove the entry first");
+    if (existing->file.empty()) outside(task, *existing, "; remove the entry first");
     return existing->file;
 }
 
@@ -179,11 +193,20 @@ hdf5::FileStamp EntryWriting::stampOf(EntryKey const& key) const {
         key.cube(), {parts.begin(), parts.end()}};
 }
 
-// The entry is stored whether this succeeds or not: what is recorded can be had from the files.
+// The entry is stored whether these succeed or not: what is recorded can be read from the file.
+
+void EntryWriting::commitRecord(database::Transaction& transaction) {
+    try {
+        transaction.commit();
+    } catch (TRkDatabaseException const&) {
+    }
+}
+
 void EntryWriting::recordFile(EntryKey const& key, std::string const& file) const {
     try {
         auto const origin = matrix::readOrigin(file);
-        tables_.record(key, tables_.identity(key.isResult()), origin ? origin->content : hdf5::Id128());
+        tables_.record(key, {tables_.identity(key.isResult()), origin ? origin->content : hdf5::Id128(),
+                                platform::fileSize(file), platform::lastChange(file)});
     } catch (TRkDatabaseException const&) {
     } catch (std::system_error const&) {
     }
@@ -191,82 +214,113 @@ void EntryWriting::recordFile(EntryKey const& key, std::string const& file) cons
 
 void EntryWriting::store(Task const& task, EntryKey const& key, Change const& change, Write const& write) const {
     requireStorable(task, key);
-    std::string const target = targetOf(task, key, find(key));
+    auto const existing = find(key);
+    std::string const target = targetOf(task, key, existing);
+    if (existing) requireReplaceable(task, *existing, change.exists);
     if (kindOf(key.cube()).holdsRoutes) platform::createDirectories(platform::directoryOf(target));
     std::optional<WriteLock> source;
-    if (change.movedFrom) source.emplace(change.movedFrom->file, WriteLock::Purpose::create);
+    if (change.movedFrom) {
+        if (platform::isSamePath(change.movedFrom->file, target))
+            task.fail(Reason::file, "the rows of both entries name the same file", target);
+        source.emplace(change.movedFrom->file, WriteLock::Purpose::create);
+    }
     WriteLock const lock(target, WriteLock::Purpose::create);
-    // What others did before the lock was held counts.
-    auto const existing = find(key);
-    if (targetOf(task, key, existing) != target)
-        task.fail(Reason::locked, "another program is changing the entry; try again");
-    if (existing) requireReplaceable(task, *existing, change.exists);
     if (platform::isDirectory(target)) task.fail(Reason::file, "it is a directory", target);
 
     StagedFile staged(target);
     write(staged);
-    auto const late = commit(task, key, existing, change, staged);
-    if (change.movedFrom) leave(change.movedFrom->file, key, target);
+    auto const late = commit(task, key, change, staged);
+    if (change.movedFrom) platform::discardFile(change.movedFrom->file);
     if (late)
         task.fail(reasonOf(late->Code()),
             "it is done, but may not survive a power failure: the directory was not flushed: " + causeOf(*late),
             target);
 }
 
-// A moved file keeps its content, and says where it is now once it is nowhere else.
-void EntryWriting::leave(std::string const& source, EntryKey const& key, std::string const& target) const {
-    platform::discardFile(source);
-    try {
-        auto file = platform::File::openShared(target);
-        hdf5::restamp(file, stampOf(key));
-    } catch (std::exception const&) {
-        // The stamp is a hint: the row decides.
-    }
-}
-
-std::optional<TRkMatrixException> EntryWriting::commit(Task const& task, EntryKey const& key,
-    std::optional<EntryInfo> const& existing, Change const& change, StagedFile& staged) const {
-    bool const changesParent = existing && change.parentage.isReplaced && existing->parent != change.parentage.parent;
+std::optional<TRkMatrixException> EntryWriting::commit(
+    Task const& task, EntryKey const& key, Change const& change, StagedFile& staged) const {
     tables_.requireContentTable(key.isResult());
-    if (existing && !changesParent && !change.movedFrom) {
-        auto late = publish(staged);
-        recordFile(key, staged.target());
-        return late;
-    }
     database::Transaction transaction(tables_.session());
     if (change.movedFrom) takeRow(task, *change.movedFrom);
-    auto rows = tables_.rows(key.isResult());
-    auto const parent = numbersOf(change.parentage.parent);
-    if (!existing && !rows->insert(key.numbers(), catalogue::newFileName(key.numbers()), parent))
-        task.fail(Reason::locked, "another program is adding it; try again");
-    if (changesParent && (!rows->locate(key.numbers()) || !rows->setParent(parent)))
-        task.fail(Reason::notFound, "it was removed meanwhile");
-    Replaced replaced(staged);
+    bool const changesRows = changeRow(task, key, change, staged.target()) || change.movedFrom;
+    std::optional<Replaced> replaced;
+    if (changesRows) replaced.emplace(staged);
     auto late = publish(staged);
     recordFile(key, staged.target());
+    if (!changesRows) {
+        commitRecord(transaction);
+        return late;
+    }
     transaction.commit();
-    replaced.stay();
+    replaced->stay();
     return late;
+}
+
+// What others did to the entry while the file was written counts: the row is read again, and then
+// stays as it is until the transaction ends.
+bool EntryWriting::changeRow(
+    Task const& task, EntryKey const& key, Change const& change, std::string const& target) const {
+    auto rows = tables_.rows(key.isResult());
+    auto const parent = numbersOf(change.parentage.parent);
+    bool const isNew = !rows->locateAndLock(key.numbers());
+    auto const existing = isNew ? std::nullopt : std::optional(tables_.info(rows, key.isResult(), names_));
+    if (targetOf(task, key, existing) != target) task.fail(Reason::locked, "another program is changing it; try again");
+    if (isNew) {
+        if (change.parentage.parent) rows->requireParent();
+        if (!rows->insert(key.numbers(), catalogue::newFileName(key.numbers()), parent))
+            task.fail(Reason::locked, "another program is adding it; try again");
+        requireCube(task, key);
+        return true;
+    }
+    requireReplaceable(task, *existing, change.exists);
+    if (change.parentage.parent) rows->requireParent();
+    if (!change.parentage.isReplaced || existing->parent == change.parentage.parent) return false;
+    if (!rows->setParent(parent)) task.fail(Reason::notFound, "it was removed meanwhile");
+    return true;
 }
 
 void EntryWriting::takeRow(Task const& task, EntryInfo const& entry) const {
     auto const taken = deleteRows(task, {entry.key});
-    if (taken.empty()) task.fail(Reason::notFound, entry.text + " was removed meanwhile");
+    if (taken.empty()) task.fail(Reason::notFound, task.subject(entry.text) + " was removed meanwhile");
     if (taken.front().storedName != entry.storedName)
-        task.fail(Reason::locked, "another program is changing " + entry.text + "; try again");
+        task.fail(Reason::locked, "another program is changing " + task.subject(entry.text) + "; try again");
+}
+
+TRkMatrix EntryWriting::read(Task const& task, EntryInfo const& entry) const {
+    requireMatrix(task, entry.key);
+    auto const& kind = kindOf(entry.key.cube());
+    auto const file = requireFile(task, entry);
+    TRkMatrix matrix(file.c_str(), 1, entry.text.c_str(), true, kind.matrixKind, lsNone, 0);
+    if (matrix.IsValid()) return matrix;
+    // Throws when the file cannot be opened; one that can be opened is damaged.
+    platform::File::openForReading(file);
+    task.fail(Reason::damaged, matrix.Reason(), file);
 }
 
 void EntryWriting::put(Task const& task, EntryKey const& key, TRkMatrix const& matrix, Change const& change) const {
-    auto const& kind = kindOf(key.cube());
-    if (kind.holdsRoutes) task.fail(Reason::invalidKey, task.entry + " holds routes, not a matrix");
+    requireMatrix(task, key);
     if (!matrix.IsValid()) task.fail(Reason::wrongShape, "the matrix is not valid: " + matrix.Reason());
     if (change.parentage.parent && !key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
     matrix.Prepare();
-    store(task, key, change, [&](StagedFile& staged) {
-        auto content = contentOf(matrix, kind);
-        content.stamp = stampOf(key);
-        staged.write(content);
-    });
+    store(task, key, change, [&](StagedFile& staged) { write(staged, key, matrix); });
+}
+
+void EntryWriting::moveMatrix(Task const& task, EntryKey const& to, Change const& change) const {
+    requireMatrix(task, change.movedFrom->key);
+    requireMatrix(task, to);
+    requireFile(task, *change.movedFrom);
+    // The lock of the source is held by then: nobody replaces what was read before it is removed.
+    store(task, to, change, [&](StagedFile& staged) { write(staged, to, read(task, *change.movedFrom)); });
+}
+
+void EntryWriting::requireMatrix(Task const& task, EntryKey const& key) const {
+    if (kindOf(key.cube()).holdsRoutes) task.fail(Reason::invalidKey, text(key) + " holds routes, not a matrix");
+}
+
+void EntryWriting::write(StagedFile& staged, EntryKey const& key, TRkMatrix const& matrix) const {
+    auto content = contentOf(matrix, kindOf(key.cube()));
+    content.stamp = stampOf(key);
+    staged.write(content);
 }
 
 void EntryWriting::putFile(
@@ -287,31 +341,67 @@ void EntryWriting::putCopy(
     store(task, key, change, [&](StagedFile& staged) { staged.copy(source, stampOf(key)); });
 }
 
-void EntryWriting::rename(Task const& task, EntryKey const& to, Change const& change) const {
-    std::string const source = requireFile(task, *change.movedFrom);
-    store(task, to, change, [&](StagedFile& staged) { staged.link(source); });
+EntryWriting::Removal::Removal(EntryWriting const& writing, Task const& task, EntryKey const& key)
+    : writing_(writing), task_(task) {
+    writing_.requireOwnTransaction(task_);
+    entry_ = writing_.require(task_, key);
+    writing_.requireFree(task_, *entry_);
+    if (!entry_->file.empty() && platform::isDirectory(platform::directoryOf(entry_->file)))
+        lock_.emplace(entry_->file, WriteLock::Purpose::create);
+}
+
+void EntryWriting::Removal::finish() {
+    writing_.takeRow(task_, *entry_);
+    removeContent(*entry_);
+}
+
+// The row of a result may name a directory.
+void EntryWriting::removeContent(EntryInfo const& entry) {
+    if (entry.file.empty()) return;
+    if (entry.key.isResult())
+        catalogue::removeResult(entry.file);
+    else
+        platform::removeFile(entry.file);
 }
 
 void EntryWriting::remove(Task const& task, EntryKey const& key) const {
-    auto const entry = require(task, key);
-    std::optional<WriteLock> lock;
-    if (!entry.file.empty() && platform::isDirectory(platform::directoryOf(entry.file)))
-        lock.emplace(entry.file, WriteLock::Purpose::create);
-    if (deleteRows(task, {key}).empty()) task.fail(Reason::notFound, "it was removed meanwhile");
-    if (!entry.file.empty()) catalogue::removeResult(entry.file);
+    Removal(*this, task, key).finish();
 }
 
-std::size_t EntryWriting::removeAll(
-    Task const& task, std::vector<EntryKey> const& keys, std::optional<short> const& cube) const {
-    database::Transaction transaction(tables_.session());
+std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> const& keys) const {
+    requireOwnTransaction(task);
     auto const removed = deleteRows(task, keys);
-    if (cube) names_.remove(*cube);
+    for (auto const& entry : removed) removeFile(entry);
+    return removed.size();
+}
+
+std::size_t EntryWriting::removeCube(Task const& task, short cube) const {
+    requireOwnTransaction(task);
+    database::Transaction transaction(tables_.session());
+    auto rows = tables_.rows(false);
+    // Nobody adds an entry until the transaction ends.
+    database::ExclusiveAccess(rows.cursor()).commit();
+    std::vector<EntryKey> keys;
+    for (rows.cursor().SetFilterSQL(rows->ofCube(cube)); !rows.cursor().GetEof(); rows.cursor().Next())
+        keys.push_back(keyOf(rows->key()));
+    auto const removed = deleteRows(task, keys);
+    if (!names_.remove(cube)) task.fail(Reason::notFound, "there is no such cube");
     transaction.commit();
     for (auto const& entry : removed) removeFile(entry);
     return removed.size();
 }
 
-std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<EntryKey> const& keys) const {
+void EntryWriting::requireOwnTransaction(Task const& task) const {
+    auto const held = tables_.session().lock();
+    if (tables_.session().isInTransaction())
+        task.fail(Reason::database, "a transaction is under way on the project's connection, and rolling it back "
+                                    "would not bring the file back; end it first");
+}
+
+// Deletes the rows in the order of their keys, so that two that remove the same entries never wait for each other.
+std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<EntryKey> keys) const {
+    std::sort(keys.begin(), keys.end());
+    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
     database::Transaction transaction(tables_.session());
     std::vector<EntryInfo> deleted;
     std::optional<Rows> tables[2];
@@ -320,11 +410,10 @@ std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<En
         auto const family = key.isResult() ? 1 : 0;
         auto& rows = tables[family];
         if (!rows) {
-            // Nobody else writes to the table until the transaction ends.
-            database::ExclusiveAccess(rows.emplace(tables_.rows(key.isResult())).cursor()).commit();
+            rows.emplace(tables_.rows(key.isResult()));
             if (auto const recorded = tables_.contents(key.isResult())) contents[family].emplace(*recorded);
         }
-        if (!(*rows)->locate(key.numbers())) continue;
+        if (!(*rows)->locateAndLock(key.numbers())) continue;
         auto const entry = tables_.info(*rows, key.isResult(), names_);
         requireFree(task, entry);
         if (contents[family]) requireOwn(task, key, *contents[family]);
@@ -341,7 +430,7 @@ void EntryWriting::removeFile(EntryInfo const& entry) const {
     if (entry.file.empty() || !platform::exists(entry.file)) return;
     try {
         WriteLock const lock(entry.file, WriteLock::Purpose::create);
-        if (!tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) catalogue::removeResult(entry.file);
+        if (!tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) removeContent(entry);
     } catch (matrix::LockRefused const&) {
     } catch (TRkDatabaseException const&) {
     } catch (std::system_error const&) {

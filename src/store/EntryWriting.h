@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/matrix/StagedFile.h"
+#include "host/matrix/WriteLock.h"
 #include "store/Failure.h"
 #include "store/StoreTables.h"
 
@@ -10,6 +11,10 @@
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace cubes::database {
+class Transaction;
+}
 
 namespace cubes::store {
 
@@ -25,13 +30,17 @@ public:
 
     std::string text(EntryKey const& key) const { return tables_.text(key, names_); }
 
-    /// What the row says; nothing when there is none.
+    /// The entry as its row has it; nothing when there is none.
     std::optional<EntryInfo> find(EntryKey const& key) const;
     /// The same for an entry that must be there and whose file must not lie with another project.
     EntryInfo require(Task const& task, EntryKey const& key) const;
     /// The path of the entry's file, which is there.
     std::string requireFile(Task const& task, EntryInfo const& entry) const;
     void requireFree(Task const& task, EntryInfo const& entry) const;
+    /// Fails for a key of routes or route data.
+    void requireMatrix(Task const& task, EntryKey const& key) const;
+    /// The matrix of an entry.
+    TRkMatrix read(Task const& task, EntryInfo const& entry) const;
 
     /// What becomes of the parent of an entry that exists; a new one gets `parent`.
     struct Parentage {
@@ -51,25 +60,51 @@ public:
         Task const& task, EntryKey const& key, EntryStore::FileWriter const& write, Change const& change) const;
     /// Copies a file as it is.
     void putCopy(Task const& task, EntryKey const& key, std::string const& source, Change const& change) const;
-    /// Gives the file of the entry that is moved another name.
-    void rename(Task const& task, EntryKey const& to, Change const& change) const;
+    /// Stores the matrix of the entry that is moved under the key of the other family.
+    void moveMatrix(Task const& task, EntryKey const& to, Change const& change) const;
+    /// Removes an entry in two steps. The first checks that it can be removed and holds its file's lock.
+    class Removal {
+    public:
+        /// REQUIRES: both outlive this object.
+        Removal(EntryWriting const& writing, Task const& task, EntryKey const& key);
+        /// Removes row and file.
+        void finish();
+
+    private:
+        EntryWriting const& writing_;
+        Task const& task_;
+        std::optional<EntryInfo> entry_;
+        std::optional<matrix::WriteLock> lock_;
+    };
     void remove(Task const& task, EntryKey const& key) const;
-    /// Removes those that are there, all or none, and with them the cube, if any. Returns how many.
-    std::size_t removeAll(
-        Task const& task, std::vector<EntryKey> const& keys, std::optional<short> const& cube = {}) const;
+    /// Removes those that exist, all or none. Returns how many.
+    std::size_t removeAll(Task const& task, std::vector<EntryKey> const& keys) const;
+    /// Removes a cube of the register with its entries, all or none. Returns how many entries.
+    std::size_t removeCube(Task const& task, short cube) const;
+    /// Fails inside a transaction that the caller has begun: its rollback would bring back rows
+    /// whose files are gone.
+    void requireOwnTransaction(Task const& task) const;
 
 private:
     using Write = std::function<void(matrix::StagedFile&)>;
 
     void store(Task const& task, EntryKey const& key, Change const& change, Write const& write) const;
     /// Changes the rows and puts the file in place. Returns why the change may not survive a power failure, if so.
-    std::optional<TRkMatrixException> commit(Task const& task, EntryKey const& key,
-        std::optional<EntryInfo> const& existing, Change const& change, matrix::StagedFile& staged) const;
-    void leave(std::string const& source, EntryKey const& key, std::string const& target) const;
+    std::optional<TRkMatrixException> commit(
+        Task const& task, EntryKey const& key, Change const& change, matrix::StagedFile& staged) const;
+    /// Inside a transaction: adds the row or changes its parent, and returns whether it had to. The file will be
+    /// `target`.
+    bool changeRow(Task const& task, EntryKey const& key, Change const& change, std::string const& target) const;
+    static void commitRecord(database::Transaction& transaction);
+    void write(matrix::StagedFile& staged, EntryKey const& key, TRkMatrix const& matrix) const;
     void takeRow(Task const& task, EntryInfo const& entry) const;
-    std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> const& keys) const;
+    std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> keys) const;
     void removeFile(EntryInfo const& entry) const;
+    static void removeContent(EntryInfo const& entry);
+    [[noreturn]] void missing(Task const& task, EntryKey const& key) const;
+    [[noreturn]] void outside(Task const& task, EntryInfo const& entry, char const* advice) const;
     void requireStorable(Task const& task, EntryKey const& key) const;
+    void requireCube(Task const& task, EntryKey const& key) const;
     void requireReplaceable(Task const& task, EntryInfo const& existing, OnExisting exists) const;
     void requireOwn(Task const& task, EntryKey const& key) const;
     void requireOwn(Task const& task, EntryKey const& key, Rows& contents) const;

@@ -18,6 +18,12 @@ struct Task {
     /// The text of the entry's key, or empty.
     std::string entry;
 
+    /// "it" when the action names that entry and no other: "remove Trips/1/1/1/1"; the entry's text
+    /// elsewhere: "copy Trips/1/1/1/1 to Trips/2/1/1/1".
+    std::string subject(std::string const& text) const {
+        bool const isTarget = action.find(" to " + text) != std::string::npos;
+        return !isTarget && action.ends_with(" " + text) ? "it" : text;
+    }
     [[noreturn]] void fail(Reason reason, std::string const& cause, std::string const& file = {}) const {
         throw StoreError(reason, action, cause, entry, file);
     }

@@ -40,7 +40,8 @@ struct StateReason {
 };
 
 constexpr StateReason stateReasons[] = {{database::sqlstate::readOnly, Reason::readOnly},
-    {database::sqlstate::missingRight, Reason::readOnly}, {database::sqlstate::diskFull, Reason::noSpace}};
+    {database::sqlstate::missingRight, Reason::readOnly}, {database::sqlstate::diskFull, Reason::noSpace},
+    {database::sqlstate::locked, Reason::locked}, {database::sqlstate::deadlock, Reason::locked}};
 
 }
 

@@ -2,9 +2,8 @@
 
 #include "catalogue/StoredName.h"
 #include "catalogue/Tables.h"
+#include "host/database/Cursor.h"
 #include "host/database/Session.h"
-#include "host/database/SqlState.h"
-#include "host/database/Transaction.h"
 #include "host/matrix/StagedFile.h"
 
 #include <cubes/database/TPgConnection.h>
@@ -15,12 +14,15 @@
 
 namespace cubes::store {
 
+using catalogue::changedColumn;
 using catalogue::contentColumn;
 using catalogue::directoryColumn;
 using catalogue::findKind;
 using catalogue::keyColumns;
 using catalogue::noParent;
 using catalogue::ResultKey;
+using catalogue::sizeColumn;
+using catalogue::whereAllowed;
 using hdf5::Id128;
 
 namespace {
@@ -48,32 +50,22 @@ bool isCubeName(std::string const& name) {
     return !name.empty() && !isNumber && !findKind(std::string_view(name).substr(0, name.find('/')));
 }
 
+// A field takes a long, which has 32 bits on Windows.
+void setNumber(Rktable::TRkTableProxy& table, char const* column, long long number) {
+    auto const cursor = database::CursorAccess::of(table);
+    cursor->setValue(cursor->table().column(column), number);
+}
+
 std::string joined(std::span<short const> parts) {
     std::string text;
     for (short const part : parts) text += "/" + std::to_string(part);
     return text;
 }
 
-// The database keeps the rows of the entries, but takes no table of ours.
-bool isMissingRight(TRkDatabaseException const& error) {
-    for (char const* const state : {database::sqlstate::missingRight, database::sqlstate::readOnly})
-        if (error.SqlState() == state) return true;
-    return false;
-}
-
-// Does what one may do without: with the right, or without an effect on a transaction under way.
-template <typename Work>
-void whereAllowed(database::Session& session, Work const& work) {
-    auto const lock = session.lock();
-    try {
-        std::optional<database::Transaction> attempt;
-        if (session.isInTransaction()) attempt.emplace(session);
-        work();
-        if (attempt) attempt->commit();
-    } catch (TRkDatabaseException const& error) {
-        // Others may record the same entry at this moment.
-        if (!isMissingRight(error) && !error.IsDuplicateKey()) throw;
-    }
+// The word of the key's kind. A row may name a parent whose key has other parts than entries of that kind.
+char const* wordOf(EntryKey const& key) {
+    auto const* const kind = findKind(key.cube());
+    return kind && kind->isResult == key.isResult() ? kind->word : nullptr;
 }
 
 }
@@ -130,24 +122,29 @@ EntryInfo StoreTables::info(Rows const& rows, bool ofResults, catalogue::Registe
 }
 
 std::string StoreTables::text(EntryKey const& key) const {
+    if (auto const word = wordOf(key)) return word + joined(key.parts());
     auto names = cubes();
     return text(key, names);
 }
 
 std::string StoreTables::text(EntryKey const& key, catalogue::Register& names) const {
-    auto const* const kind = findKind(key.cube());
-    // A row may name a parent whose key has other parts than entries of its cube.
-    if (kind && kind->isResult == key.isResult()) return kind->word + joined(key.parts());
-    auto const name = kind || key.isResult() ? std::nullopt : names.name(key.cube());
-    return (name && isCubeName(name->str()) ? name->str() : std::to_string(key.cube())) + joined(key.parts());
+    if (auto const word = wordOf(key)) return word + joined(key.parts());
+    auto const name = findKind(key.cube()) || key.isResult() ? std::nullopt : names.name(key.cube());
+    return name && isCubeName(name->str()) ? name->str() + joined(key.parts()) : textOf(key.numbers());
 }
 
 std::string StoreTables::contentSchema(bool ofResults) const {
     return ofResults ? schema_ : catalogue::sharedSchema;
 }
 
+// In "public" the table is that of the entries of cubes, and a project of that name records nothing of its results.
 bool StoreTables::hasContentTable(bool ofResults) const {
-    return session().systemTables().find(contentSchema(ofResults), catalogue::contentTable) != nullptr;
+    return !sharesContentTable(ofResults) &&
+           session().systemTables().find(contentSchema(ofResults), catalogue::contentTable) != nullptr;
+}
+
+bool StoreTables::sharesContentTable(bool ofResults) const {
+    return ofResults && schema_ == catalogue::sharedSchema;
 }
 
 std::optional<Rows> StoreTables::contents(bool ofResults) const {
@@ -156,16 +153,17 @@ std::optional<Rows> StoreTables::contents(bool ofResults) const {
 }
 
 Id128 StoreTables::recordedDirectory(EntryKey const& key, Rows& contents) {
-    if (!contents->locate(key.numbers())) return {};
+    if (!catalogue::falseWithoutTable([&] { return contents->locate(key.numbers()); })) return {};
     return Id128::parse(contents.cursor().FieldByName(directoryColumn)->AsString().str()).value_or(Id128());
 }
 
 void StoreTables::requireContentTable(bool ofResults) const {
+    if (sharesContentTable(ofResults)) return;
     whereAllowed(
         session(), [&] { catalogue::createContentTable(session(), contentSchema(ofResults), keyParts(ofResults)); });
 }
 
-void StoreTables::record(EntryKey const& key, Id128 const& directory, Id128 const& content) const {
+void StoreTables::record(EntryKey const& key, ContentRecord const& record) const {
     whereAllowed(session(), [&] {
         auto contents = this->contents(key.isResult());
         if (!contents) return;
@@ -178,8 +176,10 @@ void StoreTables::record(EntryKey const& key, Id128 const& directory, Id128 cons
             for (std::size_t i = 0; i < numbers.size(); ++i)
                 cursor.FieldByName(keyColumns[i])->SetAsInteger(numbers[i]);
         }
-        cursor.FieldByName(directoryColumn)->SetAsString(directory.text().c_str());
-        cursor.FieldByName(contentColumn)->SetAsString(content.text().c_str());
+        cursor.FieldByName(directoryColumn)->SetAsString(record.directory.text().c_str());
+        cursor.FieldByName(contentColumn)->SetAsString(record.content.text().c_str());
+        setNumber(cursor, sizeColumn, static_cast<long long>(record.size));
+        setNumber(cursor, changedColumn, record.changed);
         cursor.Post();
     });
 }
@@ -194,13 +194,19 @@ void StoreTables::forget(std::vector<EntryInfo> const& entries) const {
     });
 }
 
+std::string textOf(std::span<short const> numbers) {
+    return std::to_string(numbers[0]) + joined(numbers.subspan(1));
+}
+
 EntryKey keyOf(std::span<short const> n) {
     if (n.size() == resultParts) return {n[0], n[1], n[2], n[3], n[4], n[5], n[6]};
     return {n[0], n[1], n[2], n[3], n[4]};
 }
 
 std::optional<EntryKey> parentOf(ResultKey const& numbers) {
-    if (numbers == noParent) return std::nullopt;
+    // What the fixed classes store for "zero-based" is a cube without parts, and no parent.
+    if (std::find(numbers.begin() + 1, numbers.begin() + cubeParts, notSet) != numbers.begin() + cubeParts)
+        return std::nullopt;
     bool const isOfCube = numbers[5] == notSet && numbers[6] == notSet;
     return keyOf(std::span(numbers).first(isOfCube ? cubeParts : resultParts));
 }

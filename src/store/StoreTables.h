@@ -41,6 +41,17 @@ private:
     catalogue::EntryTable table_;
 };
 
+/// What is recorded of an entry's file.
+struct ContentRecord {
+    /// The identity of the directory that the file is in.
+    hdf5::Id128 directory;
+    hdf5::Id128 content;
+    /// In bytes.
+    std::uint64_t size;
+    /// When the file was last changed: microseconds since 1970 (UTC).
+    std::int64_t changed;
+};
+
 /// The tables, directories and cubes of one project, on its own connection.
 class StoreTables {
 public:
@@ -75,13 +86,14 @@ public:
     // A user may lack the right to these, and does without.
     /// Makes the table of contents unless it is there.
     void requireContentTable(bool ofResults) const;
-    /// Records where an entry's file lies and what it holds, or that entries are gone.
-    void record(EntryKey const& key, hdf5::Id128 const& directory, hdf5::Id128 const& content) const;
+    /// Records an entry's file, or that entries are gone.
+    void record(EntryKey const& key, ContentRecord const& record) const;
     void forget(std::vector<EntryInfo> const& entries) const;
 
 private:
     std::string contentSchema(bool ofResults) const;
     bool hasContentTable(bool ofResults) const;
+    bool sharesContentTable(bool ofResults) const;
 
     Pgaccess::TPgConnection& connection_;
     TRkGlobalSettings const& settings_;
@@ -90,6 +102,8 @@ private:
     mutable hdf5::Id128 identities_[2];
 };
 
+/// The text of a key in numbers alone.
+std::string textOf(std::span<short const> numbers);
 EntryKey keyOf(std::span<short const> numbers);
 /// Nothing for a row without a parent cube and parts.
 std::optional<EntryKey> parentOf(catalogue::ResultKey const& numbers);

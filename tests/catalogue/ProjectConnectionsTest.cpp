@@ -2,6 +2,7 @@
 
 #include <cubes/database/TRkConnectionManager.h>
 #include <cubes/database/TRkDBDataDictionary.h>
+#include <cubes/database/TRkDatabaseException.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 
 #include <functional>
@@ -72,8 +73,14 @@ TEST_P(ProjectConnections, storeAndReadInTheProjectOfTheSettingsWhileAnotherIsCu
     expectCurrentUntouched();
 }
 
-TEST_P(ProjectConnections, nameCubesByTheRegisterOfTheProjectOfTheSettings) {
-    if (!isFourKeys()) return;
+// Results have no cubes by name.
+class ConnectionsOfCubesByName : public ProjectConnections {};
+INSTANTIATE_TEST_SUITE_P(, ConnectionsOfCubesByName,
+    testing::Values(
+        FamilyOnBackend{Family::fourKeys, Backend::sqlite}, FamilyOnBackend{Family::fourKeys, Backend::postgres}),
+    [](auto const& parameter) { return nameOf(parameter.param); });
+
+TEST_P(ConnectionsOfCubesByName, nameCubesByTheRegisterOfTheProjectOfTheSettings) {
     entries().store(1, 5);
     EXPECT_EQ(entries().listed(), "1,1,1,1,1,Base\n");
     EXPECT_EQ(entries().get(1, lsRead)->Name().str(), "Base [1,1,1,1]");
@@ -106,8 +113,7 @@ TEST_P(ProjectConnections, copyAndMoveInTheProjectThatIsCalled) {
 }
 
 // A source's numbers and names of cubes are those of the register of the catalogue that is called.
-TEST_P(ProjectConnections, takeTheNamesOfTheOtherCataloguesCubesFromTheirOwnRegister) {
-    if (!isFourKeys()) return;
+TEST_P(ConnectionsOfCubesByName, takeTheNamesOfTheOtherCataloguesCubesFromTheirOwnRegister) {
     TestProject third(Backend::sqlite);
     TRkMatCubes theirs(third.settings(), ".odm", true);
     for (char const* const name : {"Theirs", "Base"})
@@ -238,6 +244,22 @@ TEST_P(ProjectConnections, addInsideTheCallersTransactionWithoutEndingIt) {
         EXPECT_EQ(registerOf(project()), before + (isCommitted ? "50|Marker\n51|New\n" : ""));
         EXPECT_EQ(read("select count(*) from " + table()), isCommitted ? "1\n" : "0\n");
     }
+}
+
+TEST_P(ProjectConnections, leaveTheCallersTransactionUsableWhenTheDatabaseRefusesARow) {
+    project().project().makeCurrent();
+    if (backend() == Backend::sqlite) {
+        execute("create trigger refusing before insert on " + table() + " begin select raise(abort, 'refused'); end");
+    } else {
+        execute("create function refuse() returns trigger language plpgsql as "
+                "$$ begin raise exception 'refused'; end $$");
+        execute("create trigger refusing before insert on " + table() + " execute function refuse()");
+    }
+    execute("begin");
+    EXPECT_THROW(entries().add(1), TRkDatabaseException);
+    execute("insert into cube values (50, 'Marker')");
+    execute("commit");
+    EXPECT_EQ(read("select name from cube where cubenr = 50"), "Marker\n");
 }
 
 constexpr int threads = 8;

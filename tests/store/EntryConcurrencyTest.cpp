@@ -178,6 +178,28 @@ TEST_P(EntryConcurrencyTest, aProjectAThreadWorksWithItsOwnCubes) {
     }
 }
 
+ChildTask const addingAndRemovingCubes("adding and removing cubes", [](int number, std::string const& root) {
+    auto project = Project::open(root);
+    auto& store = project.store();
+    for (short i = 1; i <= operations; ++i) {
+        try {
+            auto const cube = store.addCube("Passing");
+            store.put({cube, static_cast<short>(number + 1), i, 1, 1}, smallMatrix(1));
+            if (number == 0) store.removeCube(cube);
+        } catch (StoreError const& error) {
+            if (error.reason() != Reason::notFound && error.reason() != Reason::locked) throw;
+        }
+    }
+});
+
+TEST_P(EntryConcurrencyTest, everyEntryHasItsCubeAfterProcessesAddedAndRemovedIt) {
+    EXPECT_EQ(addingAndRemovingCubes.inProcesses(3, project().root()), 3);
+    for (auto const& entry : store().entries())
+        EXPECT_TRUE(store().findCube(std::to_string(entry.key.cube()))) << entry.text;
+    store().removeAll(EntrySelection{});
+    expectConsistent();
+}
+
 TEST_P(EntryConcurrencyTest, projectsAreOpenedAndClosedInAnyThread) {
     std::string const root = project().root();
     inThreads(threads, [&root](int number) {

@@ -2,6 +2,7 @@
 
 #include <cubes/store/EntryStore.h>
 
+#include <cubes/matcubes/TRkMatCubes.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/TRkGlobalSettings.h>
 
@@ -35,6 +36,14 @@ Project createProject(TestDatabase const& database, std::string const& directory
     ProjectOptions options;
     options.database = database.url();
     return Project::create(directory, options);
+}
+
+/// Another URL for the same database. `link` is the path of a link that is made to a database file.
+std::string otherNameOf(std::string const& url, std::string const& link) {
+    constexpr std::string_view sqlite = "sqlite:";
+    if (!url.starts_with(sqlite)) return url + (url.find('?') == std::string::npos ? "?" : "&") + "application_name=c";
+    fs::create_symlink(url.substr(sqlite.size()), link);
+    return std::string(sqlite) + link;
 }
 
 /// Two projects on one database, which share the entries of cubes and keep their files apart.
@@ -121,6 +130,68 @@ TEST_P(EntryProjectsTest, anEntryIsNotMovedOntoItselfThroughAnotherProject) {
     EXPECT_EQ(reasonOf([&] { again.store().moveFrom(a(), skim, skim); }), "otherDirectory");
     EXPECT_EQ(reasonOf([&] { again.store().copyFrom(a(), skim, skim); }), "otherDirectory");
     EXPECT_EQ(a().get(skim).Elements()[0], 1);
+}
+
+// One database may have several names: a link, or another name of the same host.
+TEST_P(EntryProjectsTest, anEntryIsNotMovedOntoItselfThroughAnotherNameOfTheDatabase) {
+    database().execute("insert into " + database().table("public", "cube4data1") +
+                       " (cubenr, purpose, mode, time, \"user\", filename) values (1, 1, 1, 1, 1, '1-1-1-1-1.odm')");
+    TempDir const place;
+    ProjectOptions options;
+    options.database = otherNameOf(database().url(), place.file("link.db"));
+    auto elsewhere = Project::create(place.file("c"), options);
+    ASSERT_TRUE(elsewhere.store().find(trips));
+    a().put(trips, smallMatrix(1));
+    database().execute("delete from " + database().table("public", "cubes_content"));
+    EXPECT_EQ(reasonOf([&] { elsewhere.store().moveFrom(a(), trips, trips); }), "otherDirectory");
+    EXPECT_EQ(a().get(trips).Elements()[0], 1);
+}
+
+TEST_P(EntryProjectsTest, aMoveWhoseSourceCannotBeRemovedChangesNothing) {
+    a().put(skim, smallMatrix(1));
+    b().put(skim, smallMatrix(2));
+    {
+        TRkMatrix const writer(
+            2, 3, mtSkim, a().find(skim).value().file.c_str(), 1, "", "", false, mkDefault, lsReadWrite);
+        ASSERT_TRUE(writer.IsValid());
+        EXPECT_EQ(reasonOf([&] { b().moveFrom(a(), skim, skim); }), "locked");
+    }
+    EXPECT_EQ(b().get(skim).Elements()[0], 2);
+    auto const guard = a().use(skim);
+    EXPECT_EQ(reasonOf([&] { b().moveFrom(a(), skim, skim); }), "inUse");
+    EXPECT_EQ(b().get(skim).Elements()[0], 2);
+    EXPECT_EQ(a().get(skim).Elements()[0], 1);
+}
+
+// The cube objects record nothing, so what the store recorded before is no longer true.
+TEST_P(EntryProjectsTest, whatACubeObjectStoresBelongsToItsProject) {
+    a().put(trips, smallMatrix(1));
+    auto opened = Project::open(root("b"));
+    TRkMatCubes cubes(opened.settings(), ".odm", true);
+    ASSERT_TRUE(cubes.Set("Trips", 1, 1, 1, 1, smallMatrix(5), lsRead, false));
+    EXPECT_EQ(b().get(trips).Elements()[0], 5);
+    b().remove(trips);
+    EXPECT_FALSE(a().find(trips));
+}
+
+TEST_P(EntryProjectsTest, aMatrixOfACubeObjectIsNotTakenForWhatAnotherProjectStored) {
+    auto opened = Project::open(root("b"));
+    TRkMatCubes cubes(opened.settings(), ".odm", true);
+    ASSERT_TRUE(cubes.Set("Trips", 1, 1, 1, 1, smallMatrix(5), lsRead, false));
+    a().put(trips, smallMatrix(1));
+    EXPECT_EQ(reasonOf([&] { b().get(trips); }), "otherDirectory");
+    EXPECT_EQ(reasonOf([&] { b().remove(trips); }), "otherDirectory");
+    EXPECT_EQ(a().get(trips).Elements()[0], 1);
+}
+
+TEST_P(EntryProjectsTest, aProjectCalledPublicKeepsResultsToo) {
+    auto project = createProject(database(), root("public"));
+    auto& store = project.store();
+    store.put(trips, smallMatrix(1));
+    store.put(skim, smallMatrix(2), {.parent = trips});
+    store.put(skim, smallMatrix(3));
+    EXPECT_EQ(store.get(skim).Elements()[0], 3);
+    EXPECT_EQ(store.removeAll(EntrySelection{}), 2u);
 }
 
 /// An ordinary user reads a project that he may not write to.

@@ -1,10 +1,12 @@
 #include <cubes/store/EntryStore.h>
 
+#include <cubes/database/TPgConnection.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 #include <cubes/project/Project.h>
 #include <cubes/varcubes/TRkSkimCube.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "support/Backend.h"
 
@@ -53,6 +55,22 @@ protected:
     }
     std::string path(EntryKey const& key) { return store().find(key).value().file; }
 
+    std::string resultKeys() {
+        return joined(project().sql("select cubenr from " + project().database().table(schema(), "cube5data1")));
+    }
+    static std::vector<EntryKey> keysOf(EntryStore& store, std::string const& cube) {
+        std::vector<EntryKey> keys;
+        for (auto const& entry : store.entries({.cube = cube})) keys.push_back(entry.key);
+        return keys;
+    }
+    static std::string messageOf(std::function<void()> const& work) {
+        try {
+            work();
+        } catch (StoreError const& error) {
+            return error.what();
+        }
+        return "nothing was thrown";
+    }
     static std::string reasonOf(std::function<void()> const& work) {
         try {
             work();
@@ -81,7 +99,8 @@ TEST_P(EntryStoreTest, convertsKeysToTextAndBack) {
         char const* text;
     };
     Case const cases[] = {{{1, 1, 2, 3, 4}, "Trips/1/2/3/4"}, {{2, 1, 1, 1, 1}, "A/B/1/1/1/1"},
-        {{3, 1, 1, 1, 1}, "3/1/1/1/1"}, {{99, 1, 1, 1, 1}, "99/1/1/1/1"}, {{-8, 1, 1, 1, 1}, "fare/1/1/1/1"},
+        {{3, 1, 1, 1, 1}, "3/1/1/1/1"}, {{99, 1, 1, 1, 1}, "99/1/1/1/1"}, {{-1, 1, 1, 1, 1}, "-1/1/1/1/1"},
+        {{3, 1, 1, 1, 1, 1, 0}, "3/1/1/1/1/1/0"}, {{-8, 1, 1, 1, 1}, "fare/1/1/1/1"},
         {{-1, 1, 2, 3, 4, 5, 0}, "skim/1/2/3/4/5/0"}, {{-10, 1, 1, 1, 1, 1, 1}, "routedata/1/1/1/1/1/1"}};
     for (auto const& [key, text] : cases) {
         EXPECT_EQ(store().text(key), text);
@@ -89,6 +108,118 @@ TEST_P(EntryStoreTest, convertsKeysToTextAndBack) {
     }
     EXPECT_EQ(store().parse("trips/1/2/3/4"), EntryKey(1, 1, 2, 3, 4));
     EXPECT_EQ(store().parse("-1/1/2/3/4/5/0"), EntryKey(-1, 1, 2, 3, 4, 5, 0));
+}
+
+TEST_P(EntryStoreTest, findsACubeByItsNumberThenByItsName) {
+    EXPECT_EQ(store().addCube("2030"), 2);
+    EXPECT_EQ(store().addCube("1"), 3);
+    EXPECT_EQ(store().findCube("2030").value().number, 2);
+    EXPECT_EQ(store().findCube("1").value().name, "Trips");
+    EXPECT_FALSE(store().findCube("99"));
+    store().put({2, 1, 1, 1, 1}, matrixOf(1));
+    EXPECT_EQ(store().removeAll({.cube = "2030"}), 1u);
+}
+
+// Applications may register the kinds, and store entries of cubes that are in no register.
+TEST_P(EntryStoreTest, selectsWhatApplicationsStoredByTheNumberOfTheirCube) {
+    project().execute("insert into " + project().database().table("public", "cube4data1") +
+                      " (cubenr, purpose, mode, time, \"user\", filename) values (99, 1, 1, 1, 1, 'x.odm')");
+    project().execute("insert into cube values (-1, 'SkimCube')");
+    store().put(skim_, matrixOf(1));
+    EXPECT_EQ(keysOf(store(), "99"), (std::vector<EntryKey>{{99, 1, 1, 1, 1}}));
+    EXPECT_EQ(keysOf(store(), "SkimCube"), std::vector<EntryKey>{skim_});
+    EXPECT_EQ(store().findCube("SkimCube").value().name, "skim");
+    EXPECT_EQ(reasonOf([&] { store().addCube("SkimCube"); }), "invalidKey");
+    EXPECT_EQ(store().removeAll({.cube = "99"}), 1u);
+}
+
+TEST_P(EntryStoreTest, takesNoCubeWithoutPartsForAParent) {
+    store().put(skim_, matrixOf(1));
+    project().execute("update " + project().database().table(schema(), "cube5data1") +
+                      " set parentcubenr = 1, parentpurpose = -1, parentmode = -1, parenttime = -1, parentuser = -1, "
+                      "parentresult = -1, parentiteration = -1");
+    EXPECT_FALSE(store().find(skim_).value().parent);
+    EXPECT_TRUE(store().lineage(skim_).ancestors.empty());
+}
+
+TEST_P(EntryStoreTest, refusesAParentThatTheTableHasNoColumnsFor) {
+    auto const table = project().database().table(schema(), "cube5data1");
+    project().execute("drop table " + table);
+    project().execute("create table " + table +
+                      " (cubenr smallint, purpose smallint, mode smallint, time smallint, \"user\" smallint, result "
+                      "smallint, iteration smallint, filename varchar(255), primary key (cubenr, purpose, mode, time, "
+                      "\"user\", result, iteration))");
+    EXPECT_EQ(reasonOf([&] { store().put(skim_, matrixOf(1), {.parent = trips_}); }), "database");
+    EXPECT_EQ(resultKeys(), "");
+    store().put(skim_, matrixOf(1));
+    EXPECT_EQ(reasonOf([&] { store().setParent(skim_, trips_); }), "database");
+    EXPECT_EQ(first(store().get(skim_)), 1);
+}
+
+TEST_P(EntryStoreTest, worksOnWhenTheTableOfContentsIsRemoved) {
+    auto const table = project().database().table("public", "cubes_content");
+    store().put(trips_, matrixOf(1));
+    project().execute("drop table " + table);
+    EXPECT_EQ(first(store().get(trips_)), 1);
+    store().put(trips_, matrixOf(2));
+    EXPECT_EQ(first(store().get(trips_)), 2);
+    EXPECT_EQ(joined(project().sql("select size from " + table)), std::to_string(fs::file_size(path(trips_))) + "\n");
+}
+
+TEST_P(EntryStoreTest, removesNoDirectoryForAnEntryOfACube) {
+    store().put(trips_, matrixOf(1));
+    fs::create_directories(project().matrixDirectory() + "sub/deep");
+    project().execute("update " + project().database().table("public", "cube4data1") + " set filename = 'sub'");
+    store().remove(trips_);
+    EXPECT_EQ(cubeRows(), "");
+    EXPECT_TRUE(fs::exists(project().matrixDirectory() + "sub/deep"));
+}
+
+TEST_P(EntryStoreTest, refusesToMoveBetweenRowsThatNameOneFile) {
+    store().put(trips_, matrixOf(1));
+    store().put(other_, matrixOf(2));
+    project().execute(
+        "update " + project().database().table("public", "cube4data1") + " set filename = '1-1-1-1-1.odm'");
+    EXPECT_EQ(messageOf([&] { store().move(trips_, other_); }),
+        "cannot move Trips/1/1/1/1 to Trips/2/1/1/1: the rows of both entries name the same file");
+    EXPECT_EQ(first(store().get(trips_)), 1);
+}
+
+TEST_P(EntryStoreTest, namesTheEntryThatStandsInTheWay) {
+    store().put(trips_, matrixOf(1));
+    store().addUser(trips_);
+    struct Case {
+        std::function<void()> work;
+        char const* message;
+        char const* entry;
+    };
+    Case const cases[] = {
+        {[&] { store().copy(other_, trips_); },
+            "cannot copy Trips/2/1/1/1 to Trips/1/1/1/1: there is no entry Trips/2/1/1/1", "Trips/2/1/1/1"},
+        {[&] { store().remove(trips_); }, "cannot remove Trips/1/1/1/1: it is in use; try again later",
+            "Trips/1/1/1/1"},
+        {[&] { store().get(other_); }, "cannot read Trips/2/1/1/1: there is no such entry", "Trips/2/1/1/1"},
+        {[&] { store().removeAll({trips_}); }, "cannot remove 1 entry: Trips/1/1/1/1 is in use; try again later",
+            "Trips/1/1/1/1"},
+        {[&] { store().move(trips_, other_); },
+            "cannot move Trips/1/1/1/1 to Trips/2/1/1/1: Trips/1/1/1/1 is in use; try again later", "Trips/1/1/1/1"},
+        {[&] { store().put(trips_, matrixOf(1), {.exists = OnExisting::fail}); },
+            "cannot store Trips/1/1/1/1: it already exists", "Trips/1/1/1/1"}};
+    for (auto const& [work, message, entry] : cases) {
+        EXPECT_EQ(messageOf(work), message);
+        try {
+            work();
+        } catch (StoreError const& error) {
+            EXPECT_EQ(error.entry(), entry) << message;
+        }
+    }
+}
+
+// The look-up of a cube's name is the first to fail; the message is about what was asked all the same.
+TEST_P(EntryStoreTest, namesTheTaskWhenTheRegisterIsOutOfReach) {
+    project().execute("drop table cube");
+    auto const message = messageOf([&] { store().get(trips_); });
+    EXPECT_EQ(message.substr(0, message.find(':')), "cannot read 1/1/1/1/1");
 }
 
 TEST_P(EntryStoreTest, refusesTextsThatAreNoEntryAndAddsNoCube) {
@@ -198,7 +329,7 @@ TEST_P(EntryStoreTest, refusesToStoreAndChangesNothing) {
     EXPECT_EQ(first(store().get(trips_)), 1);
 }
 
-TEST_P(EntryStoreTest, rollsTheRowOfANewEntryBackWhenItsFileCannotBePutInPlace) {
+TEST_P(EntryStoreTest, addsNoRowForAFileWhoseNameIsADirectory) {
     // A directory of the file's name cannot be replaced.
     fs::create_directory(project().matrixDirectory() + "1-1-1-1-1.odm");
     EXPECT_EQ(reasonOf([&] { store().put(trips_, matrixOf(1)); }), "file");
@@ -331,6 +462,60 @@ TEST_P(EntryStoreTest, removesNoCubeWhoseEntriesAreInUseAndNoKind) {
     EXPECT_EQ(reasonOf([&] { store().removeCube(7); }), "notFound");
     EXPECT_EQ(store().cubes().size(), 1u);
     EXPECT_TRUE(store().find(trips_) && store().find(skim_));
+}
+
+// What others do to an entry while its file is written is seen before the file is replaced.
+TEST_P(EntryStoreTest, refusesAnEntryThatIsUsedWhileItsFileIsWritten) {
+    auto const writeText = [](std::string const& path, char const* text) { std::ofstream(path) << text; };
+    store().putFile(routes_, [&](std::string const& path) { writeText(path, "old"); });
+    EXPECT_EQ(reasonOf([&] {
+        store().putFile(routes_, [&](std::string const& path) {
+            writeText(path, "new");
+            store().addUser(routes_);
+        });
+    }),
+        "inUse");
+    EXPECT_EQ(readText(path(routes_)), "old");
+    EXPECT_EQ(store().find(routes_)->users, 1);
+}
+
+TEST_P(EntryStoreTest, addsTheRowAgainThatWasDeletedWhileTheFileWasWritten) {
+    auto const table = project().database().table(schema(), "cube5data1");
+    store().putFile(routes_, [](std::string const& path) { std::ofstream(path) << "old"; });
+    store().putFile(routes_,
+        [&](std::string const& path) {
+            std::ofstream(path) << "new";
+            project().execute("delete from " + table);
+        },
+        {.parent = trips_});
+    EXPECT_EQ(readText(path(routes_)), "new");
+    EXPECT_EQ(store().parent(routes_), trips_);
+}
+
+TEST_P(EntryStoreTest, refusesToReplaceAnEntryThatWasAddedWhileTheFileWasWritten) {
+    auto const writeAfterwards = [&](std::string const& path) {
+        std::ofstream(path) << "new";
+        project().execute("insert into " + project().database().table(schema(), "cube5data1") +
+                          " (cubenr, purpose, mode, time, \"user\", result, iteration, filename) values "
+                          "(-9, 1, 1, 1, 1, 1, 0, 'Other.FDB')");
+    };
+    EXPECT_EQ(reasonOf([&] { store().putFile(routes_, writeAfterwards); }), "locked");
+    EXPECT_EQ(store().find(routes_)->storedName, "Other.FDB");
+}
+
+// A rollback of the caller's brings back rows, but no files.
+TEST_P(EntryStoreTest, removesAndMovesNothingInsideATransactionOfTheCaller) {
+    store().put(trips_, matrixOf(1));
+    auto& connection = *project().project().connection();
+    connection.Execute("BEGIN");
+    std::function<void()> const changes[] = {[&] { store().remove(trips_); },
+        [&] { store().removeAll(EntrySelection{}); }, [&] { store().removeCube(1); },
+        [&] { store().move(trips_, other_); }};
+    for (auto const& change : changes) EXPECT_EQ(reasonOf(change), "database");
+    store().put(other_, matrixOf(2));
+    connection.Execute("ROLLBACK");
+    EXPECT_EQ(first(store().get(trips_)), 1);
+    EXPECT_FALSE(store().find(other_));
 }
 
 TEST_P(EntryStoreTest, countsEntriesByCube) {

@@ -45,6 +45,8 @@ TEST(StoreError, takesTheReasonFromTheLayerBelow) {
         {"lock", [] { throw matrix::LockRefused("/d/a.odm"); }, Reason::locked, "try again later"},
         {"read-only database", [] { throw TRkDatabaseException("readonly", "25006"); }, Reason::readOnly, "readonly"},
         {"full database", [] { throw TRkDatabaseException("disk full", "53100"); }, Reason::noSpace, "disk full"},
+        {"locked database", [] { throw TRkDatabaseException("busy", "55P03"); }, Reason::locked, "busy"},
+        {"deadlock", [] { throw TRkDatabaseException("deadlock detected", "40P01"); }, Reason::locked, "deadlock"},
         {"any other database error", [] { throw TRkDatabaseException("syntax", "42601"); }, Reason::database, "syntax"},
     };
     for (auto const& [name, work, reason, cause] : translations) {

@@ -19,7 +19,7 @@ class TPgConnection;
 
 namespace cubes::database {
 class Cursor;
-class ExclusiveAccess;
+struct CursorAccess;
 struct LockedCursor;
 }
 
@@ -114,7 +114,7 @@ public:
     AliasProperty GetAliasPropertyWrapper() const;
 
 private:
-    friend class cubes::database::ExclusiveAccess;
+    friend struct cubes::database::CursorAccess;
     std::unique_lock<std::recursive_mutex> lock() const;
     cubes::database::LockedCursor cursor() const;
 

@@ -19,37 +19,38 @@ struct CubeInfo {
     bool holdsRoutes = false;
 };
 
-/// What the row of an entry says. A value; the row may change after it was read.
+/// The row of an entry as it was read. A value: later changes to the row do not affect it.
 struct EntryInfo {
     EntryKey key;
     /// As users write it: "Trips/1/1/1/1".
     std::string text;
     /// The file name as the row stores it.
     std::string storedName;
-    /// The full path of the file, which need not be there; empty when the stored name leads out of
-    /// the project's directory.
+    /// The full path of the file, which may be missing; empty when the stored name leads out of the
+    /// project's directory.
     std::string file;
     /// The usage counter.
     long users = 0;
-    /// The entry that a result was derived from, which need not be there.
+    /// The entry that a result was derived from, which may be missing.
     std::optional<EntryKey> parent;
 };
 
-/// Which entries are meant: all that agree with every part that is set.
+/// Selects the entries that match every part that is set.
 struct EntrySelection {
-    /// The name or number of a cube, or the word for the fares or a kind of results; empty: all.
+    /// The word of the fares or of a kind of results, or the number or name of a cube; empty: all. A
+    /// number need not be registered.
     std::string cube = {};
     std::optional<short> purpose = {};
     std::optional<short> mode = {};
     std::optional<short> time = {};
     std::optional<short> user = {};
-    /// Entries of cubes have no result and iteration and agree with none.
+    /// Entries of cubes have no result and iteration and match none.
     std::optional<short> result = {};
     std::optional<short> iteration = {};
 };
 
-/// Where an entry stands among those that it was derived from and that were derived from it. An
-/// entry named as a parent need not be there. Rows that lead in a circle end it.
+/// The entries that an entry was derived from, and those derived from it. Parents may be missing.
+/// Each entry is listed once, also when the rows form a cycle.
 struct Lineage {
     /// One entry derived from another, so many generations below the entry that was asked for.
     struct Descendant {

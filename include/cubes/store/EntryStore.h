@@ -30,7 +30,7 @@ class StoreTables;
 struct Task;
 }
 
-/// What becomes of an entry that exists already.
+/// What to do when the target exists.
 enum class OnExisting { replace, fail };
 
 struct PutOptions {
@@ -108,13 +108,17 @@ private:
     std::unique_ptr<store::EntryWalk> walk_;
 };
 
-/// All entries of a project: rows in its database, each naming one file. Project::store() lends it.
+/// All entries of a project: rows in its database, each naming one file. Project::store() returns it.
 ///
-/// Whatever fails throws a StoreError with its reason and leaves what was there: the old row with
-/// its parent and counter, and the old file. Writing an entry holds the lock of its file.
+/// An operation that fails throws a StoreError with its reason, and the entry keeps its old state:
+/// the row with its parent and counter, and the file. Writing an entry holds the lock of its file.
 ///
 /// Any number of threads may use one store at once: work in the database is done one at a time,
 /// files are read and written in parallel.
+///
+/// In a transaction that the caller has begun on the project's connection, what is stored joins it:
+/// after a rollback the rows are as before, but a replaced file stays replaced. Operations that
+/// remove or move entries are refused there, because a rollback would not bring their files back.
 class CUBES_API EntryStore {
 public:
     /// Writes the file of a route entry at the path that it is given.
@@ -126,10 +130,10 @@ public:
 
     // Keys and cubes
 
-    /// The key that a text stands for: CUBE/purpose/mode/time/user with the name or number of a cube
-    /// (a name may hold slashes), or KIND/purpose/mode/time/user/result/iteration with the word or
-    /// number of a kind of results; "fare" stands for the fares. Adds no cube: throws notFound for a
-    /// name that is not in the register, invalidKey for any other text.
+    /// The key that a text stands for: CUBE/purpose/mode/time/user with the name of a cube (which may
+    /// hold slashes) or "fare", or KIND/purpose/mode/time/user/result/iteration with the word of a kind
+    /// of results. Numbers alone, five or seven, are the numbers of the key, registered or not. Adds no
+    /// cube. Throws notFound for a name that is not in the register, invalidKey for any other text.
     EntryKey parse(std::string_view text) const;
     /// The text that parse reads; the number stands for a cube whose name it would not read.
     std::string text(EntryKey const& key) const;
@@ -138,20 +142,22 @@ public:
     std::vector<CubeInfo> cubes() const;
     /// The fares and the kinds of results that every project has.
     static std::vector<CubeInfo> kinds();
-    /// The cube or kind of a name, a word or a number in digits; nothing when there is none.
+    /// The cube or kind of a word, of a number in digits if it is registered, or of a name, in this
+    /// order; nothing when there is none.
     std::optional<CubeInfo> findCube(std::string_view nameOrNumber) const;
-    /// Registers a cube and returns its number; one of that name stays as it is.
+    /// Registers a cube and returns its number; of a registered cube, that of the register. Throws
+    /// invalidKey for a name that the register reserves for a kind.
     short addCube(std::string const& name);
     /// Removes a cube from the register with all its entries, and returns how many those were. Throws
-    /// notFound, invalidKey for the fares and kinds of results, inUse when an entry is in use; then
-    /// nothing has changed.
+    /// notFound, invalidKey for the fares and kinds of results, inUse or otherDirectory when an entry
+    /// is in use or belongs to another project; then nothing has changed.
     std::size_t removeCube(short cube);
 
     // Entries
 
-    /// What the entry's row says; nothing when there is none.
+    /// The entry as its row describes it; nothing when there is none.
     std::optional<EntryInfo> find(EntryKey const& key) const;
-    /// The entry's matrix. It keeps the state it was read in, whatever happens to the entry later.
+    /// The entry's matrix. Later changes to the entry do not affect it.
     /// Throws notFound, outsideDirectory, otherDirectory, damaged, invalidKey for routes.
     TRkMatrix get(EntryKey const& key) const;
     /// Entries in the order of their keys: those of cubes, then those of results.
@@ -159,32 +165,32 @@ public:
     /// The number of entries by the number of their cube or kind; those without entries are omitted.
     std::map<short, std::size_t> counts() const;
 
-    /// Stores a matrix as an entry, in one step: whatever happens there is the old matrix or the new
-    /// one. An entry that exists keeps its row, counter and parent; a new one has no parent unless
+    /// Stores a matrix as an entry, atomically: readers find the old matrix or the new one. An entry that exists keeps its row, counter and parent; a new one has no parent unless
     /// the options say so. Throws notFound for a cube that is not in the register, alreadyExists,
     /// inUse, locked, otherDirectory, wrongShape for a matrix that is not valid, noSpace, readOnly.
     void put(EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options = {});
-    /// The same for routes and data of routes: `write` makes the file, which takes its place when it
-    /// is complete. What `write` throws passes through unchanged.
+    /// The same for routes and data of routes: `write` writes a temporary file, which then replaces
+    /// the entry's file. What `write` throws passes through unchanged.
     void putFile(EntryKey const& key, FileWriter const& write, PutOptions const& options = {});
 
-    /// Makes `to` what `from` is; a copy has no parent, what is moved keeps its own. Entries that
-    /// name `from` as their parent still do. Files go as they are, unless matrices go from a cube
-    /// to a result or back. Onto itself nothing happens. Throw inUse for a target in use, and for
-    /// the source of a move.
+    /// Copy and move an entry, replacing the target. A copy has no parent; a moved entry keeps its
+    /// own, and its children still name the old key. Files are copied as they are, except matrices
+    /// from a cube to a result or back. Nothing happens when both keys are the same. Throw inUse for
+    /// a target in use, and for the source of a move.
     void copy(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void move(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     /// The same from another project. Throw otherDirectory where both projects keep the files in one
-    /// directory, or the entry in one row. A move copies first and then removes; the parent, an entry
-    /// of the other project, does not come along.
+    /// directory, or the entry in one row. The parent, an entry of the other project, is not copied. A
+    /// move holds the lock of the source, copies and then removes it. When only the removal fails, the
+    /// target stays and so does the source.
     void copyFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
 
     /// Removes the row, then the file. A file that cannot be removed stays. Throws notFound, inUse,
     /// locked, otherDirectory.
     void remove(EntryKey const& key);
-    /// Removes all entries of the selection, and returns how many. Throws inUse when one of them is
-    /// in use; then nothing has changed.
+    /// Removes all entries of the selection, and returns how many. Throws inUse or otherDirectory
+    /// when one of them is in use or belongs to another project; then nothing has changed.
     std::size_t removeAll(EntrySelection const& selection);
     /// The same for entries by their keys; missing ones are skipped.
     std::size_t removeAll(std::vector<EntryKey> const& keys);
@@ -212,6 +218,8 @@ private:
     friend class Project;
     explicit EntryStore(std::unique_ptr<store::StoreTables> tables);
     store::Task taskFor(char const* verb, EntryKey const& key) const;
+    void copyFrom(store::Task const& task, EntryStore& source, EntryKey const& from, EntryKey const& to,
+        CopyOptions const& options);
     void requireOtherFile(
         store::Task const& task, EntryStore const& source, EntryKey const& from, EntryKey const& to) const;
     long changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*change)());

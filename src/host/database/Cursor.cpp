@@ -126,7 +126,8 @@ std::size_t Cursor::fetchInto(Cells& cells, std::size_t limit) {
     std::size_t rows = 0;
     if (behind_.size() > 1) rows = run(sql.rowsOfSameGroup(filter_, limit), types, behind_, cells);
     if (rows == limit) return rows;
-    return rows + run(sql.rowsOfLaterGroups(filter_, limit - rows), {types[0]}, std::span(behind_).first(1), cells);
+    // Not just the rest of the limit: each limit would be a statement of its own.
+    return rows + run(sql.rowsOfLaterGroups(filter_, limit), {types[0]}, std::span(behind_).first(1), cells);
 }
 
 Match Cursor::matchFor(std::span<Value const> values, Rktable::LocateOptions options) const {
@@ -300,6 +301,16 @@ bool Cursor::changeInPlace(Operation operation, std::string_view name) {
     Cells changed;
     if (run(table_->statement(operation, {table_->column(name)}), key, changed) == 0) return false;
     standOn(changed.row(0, description().columns.size()));
+    return true;
+}
+
+// Where nobody else writes during a transaction, the row was read in it and is current.
+bool Cursor::lockRow() {
+    if (session_.dialect().lockRows().empty()) return true;
+    auto const key = keyOf(current());
+    Cells found;
+    if (run(table_->statement(Operation::lockRow, {}), key, found) == 0) return false;
+    standOn(found.row(0, description().columns.size()));
     return true;
 }
 

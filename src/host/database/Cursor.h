@@ -48,6 +48,9 @@ public:
     void remove();
     bool raise(std::string_view column);
     bool lower(std::string_view column);
+    /// Inside a transaction that writes: reads the current row anew and keeps others from changing
+    /// it until the transaction ends. False when it is gone.
+    bool lockRow();
     std::optional<long long> greatest(std::string_view column);
 
     /// A column of the row being changed, else of the current row.
@@ -105,6 +108,12 @@ struct LockedCursor {
     Cursor& cursor;
 
     Cursor* operator->() const noexcept { return &cursor; }
+};
+
+/// What the rest of this folder needs of a table and applications do not.
+struct CursorAccess {
+    /// Throws TRkDatabaseException when the table is not open.
+    static LockedCursor of(Rktable::TRkTableProxy& table) { return table.cursor(); }
 };
 
 }

@@ -34,6 +34,9 @@ public:
     virtual std::string lockDefinitions() const = 0;
     /// Inside a transaction: keeps others from writing to the table.
     virtual std::string lockTable(std::string const& quotedTable) const = 0;
+    /// Ends a query inside a transaction: keeps others from changing the rows that it finds. Empty:
+    /// the transaction does.
+    virtual std::string lockRows() const = 0;
 };
 
 /// "name", with quotes inside doubled.

@@ -31,6 +31,8 @@ std::unique_ptr<Session> Session::open(std::string const& url) {
 
 // A lock that cannot be had is held by a thread that only the parent has, or by a transaction.
 void Session::leaveParent() {
+    std::lock_guard const guard(leavingParent_);
+    if (forkCount_ == platform::forkCount()) return;
     bool const isIdle = mutex_->try_lock();
     if (isIdle) mutex_->unlock();
     if (!isIdle || isInTransaction())

@@ -5,6 +5,7 @@
 #include "host/database/SystemTables.h"
 #include "host/platform/System.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -50,6 +51,8 @@ public:
     virtual std::unique_ptr<Statement> prepareOnce(std::string sql, ValueTypes types) = 0;
     /// What the database says of a table; nothing when there is none.
     virtual std::optional<Table> describe(std::string const& schema, std::string const& name) = 0;
+    /// The same text for every session on this database, however its URL is spelled, and for no other.
+    virtual std::string databaseIdentity() = 0;
     /// Runs SQL text as it stands.
     virtual void execute(std::string const& sql) = 0;
     /// Makes the schema unless it is there, where the backend knows schemas.
@@ -80,7 +83,9 @@ private:
 
     std::string url_;
     std::uint64_t number_;
-    unsigned long forkCount_ = platform::forkCount();
+    std::atomic<unsigned long> forkCount_ = platform::forkCount();
+    // Several threads of the forked process may be the first to use the session.
+    std::mutex leavingParent_;
     std::shared_ptr<std::recursive_mutex> mutex_ = std::make_shared<std::recursive_mutex>();
     SystemTables systemTables_;
     // The transactions that are open by begin(), the outermost first.

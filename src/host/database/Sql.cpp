@@ -114,6 +114,10 @@ std::string Sql::isThere() const {
     });
 }
 
+std::string Sql::lockRow() const {
+    return "SELECT " + allColumns() + " FROM " + table_.quotedName + " WHERE " + isAtKey(1) + dialect_.lockRows();
+}
+
 std::string Sql::raise(std::size_t column) const {
     return change(name(column) + " = coalesce(" + name(column) + ", 0) + 1", 1);
 }

@@ -33,6 +33,8 @@ public:
     std::string remove() const;
     /// Answers with a row when one has the key, in which null equals null.
     std::string isThere() const;
+    /// Answers with the row of the key, which others then cannot change until the transaction ends.
+    std::string lockRow() const;
     std::string raise(std::size_t column) const;
     std::string lower(std::size_t column) const;
 

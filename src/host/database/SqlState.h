@@ -18,6 +18,7 @@ inline constexpr char const* failedCheck = "23514";
 inline constexpr char const* wrongCursorState = "24000";
 inline constexpr char const* readOnly = "25006";
 inline constexpr char const* failedTransaction = "25P02";
+inline constexpr char const* deadlock = "40P01";
 inline constexpr char const* missingRight = "42501";
 inline constexpr char const* missingColumn = "42703";
 inline constexpr char const* missingTable = "42P01";

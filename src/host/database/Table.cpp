@@ -71,6 +71,8 @@ std::unique_ptr<Statement> KnownTable::prepare(Operation operation, std::vector<
         return session_.prepare(sql.remove(), keyTypes);
     case Operation::isThere:
         return session_.prepare(sql.isThere(), keyTypes);
+    case Operation::lockRow:
+        return session_.prepare(sql.lockRow(), keyTypes);
     case Operation::raise:
         return session_.prepare(sql.raise(columns[0]), keyTypes);
     case Operation::lower:

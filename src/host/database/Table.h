@@ -54,7 +54,7 @@ struct LookUp {
 };
 
 /// What is done to one row. Values: those of the columns, if any, then the key.
-enum class Operation { insert, update, remove, isThere, raise, lower };
+enum class Operation { insert, update, remove, isThere, lockRow, raise, lower };
 
 /// A table that a connection knows, with the statements prepared for it.
 class KnownTable {

@@ -2,6 +2,8 @@
 
 #include "host/database/Session.h"
 
+#include <optional>
+
 namespace Rktable {
 class TRkTableProxy;
 }
@@ -46,6 +48,27 @@ private:
     explicit ExclusiveAccess(LockedCursor const& cursor);
 
     Transaction transaction_;
+};
+
+/// Inside a transaction: reads the cursor's row anew and keeps others from changing it until the
+/// transaction ends. False when it is gone. Throws TRkDatabaseException.
+bool lockRow(Rktable::TRkTableProxy& table);
+
+/// A savepoint where a transaction is under way, and nothing elsewhere. An error before commit()
+/// leaves that transaction as it was: PostgreSQL would refuse all its further statements.
+class Savepoint {
+public:
+    /// Throws TRkDatabaseException.
+    explicit Savepoint(Session& session);
+    /// On the connection of an open cursor.
+    explicit Savepoint(Rktable::TRkTableProxy& table);
+
+    /// Keeps the changes since. Throws TRkDatabaseException when they are lost.
+    void commit();
+
+private:
+    std::unique_lock<std::recursive_mutex> lock_;
+    std::optional<Transaction> transaction_;
 };
 
 }

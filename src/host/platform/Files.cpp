@@ -4,6 +4,7 @@
 #include "host/platform/TemporaryFile.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <filesystem>
 #include <system_error>
@@ -130,6 +131,15 @@ std::string directoryOf(std::string const& path) {
 
 std::string absolutePath(std::string const& path) {
     return fromPath(normalForm(toPath(path)));
+}
+
+std::uint64_t fileSize(std::string const& path) {
+    return fs::file_size(toPath(path));
+}
+
+std::int64_t lastChange(std::string const& path) {
+    auto const changed = fs::file_time_type::clock::to_sys(fs::last_write_time(toPath(path)));
+    return std::chrono::duration_cast<std::chrono::microseconds>(changed.time_since_epoch()).count();
 }
 
 bool isSamePath(std::string const& first, std::string const& second) {

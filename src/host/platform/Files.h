@@ -2,6 +2,7 @@
 
 #include "host/platform/File.h"
 
+#include <cstdint>
 #include <string>
 
 /// Files and directories by their names, as narrow texts.
@@ -37,6 +38,9 @@ bool moveDirectory(std::string const& source, std::string const& target);
 /// Gives a file another name, in place of another file or where none is, in one step; a directory
 /// only where nothing is. False when the name lies on another file system: then nothing is done.
 bool renameFile(std::string const& from, std::string const& to);
+std::uint64_t fileSize(std::string const& path);
+/// When a file was last changed: microseconds since 1970 (UTC).
+std::int64_t lastChange(std::string const& path);
 /// Makes what was written to a file, by anyone, survive a power failure.
 void flushFile(std::string const& path);
 /// Makes names given in a directory survive a power failure.

@@ -18,6 +18,48 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(, LostServer, testing::Values(Backend::postgres), [](auto const&) { return "postgres"; });
 
+class PreparedStatements : public LostServer {
+protected:
+    long long onServer() {
+        cubes::database::Cells cells;
+        connection->Backend().prepareOnce("SELECT count(*) FROM pg_prepared_statements", {})->run({}, cells);
+        return cells.row(0, 1)[0].Number();
+    }
+    void lookUpInNewTable() {
+        connection->Execute("CREATE TABLE short (number smallint PRIMARY KEY)");
+        Rktable::TRkTableProxy own("short", "", "short");
+        own.SetConnection(&*connection);
+        own.Open();
+        EXPECT_FALSE(own.Locate("number", 1));
+        own.Close();
+        connection->Execute("DROP TABLE short");
+    }
+};
+INSTANTIATE_TEST_SUITE_P(
+    , PreparedStatements, testing::Values(Backend::postgres), [](auto const&) { return "postgres"; });
+
+TEST_P(PreparedStatements, areRemovedFromTheServerOnceTheirTableIsForgotten) {
+    for (int i = 0; i < 10; ++i) lookUpInNewTable();
+    EXPECT_LE(onServer(), 4);
+}
+
+TEST_P(PreparedStatements, areAFewHoweverLongAWalkIs) {
+    connection->Execute("CREATE TABLE pairs (a smallint, b smallint, PRIMARY KEY (a, b))");
+    database->execute("INSERT INTO pairs SELECT a, b FROM generate_series(1, 60) a, generate_series(1, a * 7) b");
+    Rktable::TRkTableProxy pairs("pairs", "", "pairs");
+    pairs.SetConnection(&*connection);
+    pairs.Open();
+    int rows = 0;
+    long last = 0;
+    for (; !pairs.GetEof(); pairs.Next(), ++rows) {
+        long const number = pairs.FieldByName("a")->AsInteger() * 1000 + pairs.FieldByName("b")->AsInteger();
+        EXPECT_LT(last, number);
+        last = number;
+    }
+    EXPECT_EQ(rows, 7 * 60 * 61 / 2);
+    EXPECT_LE(onServer(), 6);
+}
+
 TEST_P(LostServer, isToldOnceAndThenReachedAgain) {
     fill(3);
     ASSERT_TRUE(table.Locate("cubenr", 2));

@@ -47,4 +47,8 @@ std::string Dialect::lockTable(std::string const& quotedTable) const {
     return "LOCK TABLE " + quotedTable + " IN SHARE ROW EXCLUSIVE MODE";
 }
 
+std::string Dialect::lockRows() const {
+    return " FOR UPDATE";
+}
+
 }

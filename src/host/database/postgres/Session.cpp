@@ -94,6 +94,23 @@ Value cell(PGresult const* result, int row, int column, bool isNumber) {
 
 }
 
+void UnusedStatements::add(std::string const& name, unsigned long connection) noexcept {
+    try {
+        std::lock_guard const guard(mutex_);
+        unused_.emplace_back(name, connection);
+    } catch (std::exception const&) {
+        // The server keeps it until the connection ends.
+    }
+}
+
+std::vector<std::string> UnusedStatements::take(unsigned long connection) {
+    std::lock_guard const guard(mutex_);
+    std::vector<std::string> names;
+    for (auto& [name, preparedFor] : std::exchange(unused_, {}))
+        if (preparedFor == connection) names.push_back(std::move(name));
+    return names;
+}
+
 Session::Session(std::string const& url) : database::Session(withoutPassword(url)), fullUrl_(url) {
     connect();
 }
@@ -119,7 +136,18 @@ Handle const& Session::connected() {
 
 std::unique_ptr<database::Statement> Session::prepare(std::string sql, ValueTypes types) {
     auto const held = lock();
+    deallocateUnused();
     return std::make_unique<Statement>(*this, std::move(sql), types, "cubes_" + std::to_string(++statements_));
+}
+
+// A failed transaction executes no statement; the names are then kept for the next time.
+void Session::deallocateUnused() {
+    if (!server_ || server_->isLost() || isInTransaction()) return;
+    try {
+        for (auto const& name : unused_->take(connectionNumber_)) server_->execute("DEALLOCATE " + quoted(name));
+    } catch (TRkDatabaseException const&) {
+        // What is asked of the server next reports that it is lost.
+    }
 }
 
 std::unique_ptr<database::Statement> Session::prepareOnce(std::string sql, ValueTypes types) {
@@ -151,6 +179,13 @@ std::optional<Table> Session::describe(std::string const& schema, std::string co
     return table;
 }
 
+std::string Session::databaseIdentity() {
+    Cells cells;
+    prepareOnce("SELECT system_identifier::text || ' ' || current_database() FROM pg_catalog.pg_control_system()", {})
+        ->run({}, cells);
+    return cells.row(0, 1)[0].Text();
+}
+
 void Session::execute(std::string const& sql) {
     auto const held = lock();
     // What was lost is rolled back by that; the next statement connects anew.
@@ -171,10 +206,14 @@ void Session::createSchema(std::string const& schema) {
 }
 
 Statement::Statement(Session& session, std::string sql, ValueTypes const& types, std::string name)
-    : session_(session), sql_(std::move(sql)), name_(std::move(name)) {
+    : session_(session), sql_(std::move(sql)), name_(std::move(name)), unused_(session.unusedStatements()) {
     for (ColumnType const type : types) types_.push_back(parameterType(type));
     parameters_.resize(types_.size());
     numbers_.resize(types_.size());
+}
+
+Statement::~Statement() {
+    if (!name_.empty() && preparedFor_ != 0) unused_->add(name_, preparedFor_);
 }
 
 void Statement::setParameters(std::span<Value const> values) {

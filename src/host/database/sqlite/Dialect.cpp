@@ -56,4 +56,8 @@ std::string Dialect::lockTable(std::string const& quotedTable) const {
     return "DELETE FROM " + quotedTable + " WHERE 0";
 }
 
+std::string Dialect::lockRows() const {
+    return {};
+}
+
 }

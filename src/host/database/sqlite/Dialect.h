@@ -19,6 +19,7 @@ public:
     std::string beginWriting() const override;
     std::string lockDefinitions() const override;
     std::string lockTable(std::string const& quotedTable) const override;
+    std::string lockRows() const override;
 };
 
 }

@@ -77,8 +77,10 @@ char const* sqlStateOf(int code) {
 }
 
 std::string reason(int code, sqlite3* database) {
+    if (code == SQLITE_BUSY_SNAPSHOT)
+        return "another connection has changed it since this transaction began to read; roll back and try again";
     if ((code & 0xFF) == SQLITE_BUSY)
-        return "another process has been writing to it for more than " + std::to_string(longestWait.count()) + " ms";
+        return "another connection has been writing to it for more than " + std::to_string(longestWait.count()) + " ms";
     return platform::fromUtf8(sqlite3_errmsg(database));
 }
 
@@ -122,16 +124,21 @@ std::string immutableUri(std::string const& path) {
     return uri + "?immutable=1";
 }
 
+// An empty log holds nothing, as one that was created on a full disk.
+bool holdsSomething(std::string const& path) {
+    std::error_code missing;
+    auto const size = std::filesystem::file_size(platform::toPath(path), missing);
+    return !missing && size > 0;
+}
+
 FileState stateOf(std::string const& path) {
     std::error_code error;
     auto const file = platform::toPath(path);
     FileState state;
     state.size = std::filesystem::file_size(file, error);
     state.changed = std::filesystem::last_write_time(file, error);
-    // An empty log holds nothing, as one that was created on a full disk.
-    std::error_code missing;
-    auto const logSize = std::filesystem::file_size(platform::toPath(path + "-wal"), missing);
-    state.hasLog = !missing && logSize > 0;
+    for (char const* const suffix : {"-wal", "-journal"})
+        if (holdsSomething(path + suffix)) state.log = path + suffix;
     return state;
 }
 
@@ -171,11 +178,11 @@ void Handle::open(std::string const& name, int flags) {
 // after each statement.
 void Handle::openUnchanging(std::string const& reason) {
     unchanged_ = stateOf(path_);
-    if (unchanged_->hasLog)
-        throw TRkDatabaseException("SQLite database '" + path_ +
-                                       "' cannot be read: it is being written by another program (it has a -wal file), "
-                                       "and this user may not write its directory; try again later or as another "
-                                       "user (" +
+    if (!unchanged_->log.empty())
+        throw TRkDatabaseException("SQLite database '" + path_ + "' cannot be read: '" + unchanged_->log +
+                                       "' holds changes of a program that is writing, or was stopped while it wrote, "
+                                       "and this user may not write the directory; try again later or as a user who "
+                                       "may (" +
                                        reason + ")",
             sqlstate::readOnly);
     sqlite3_close_v2(std::exchange(database_, nullptr));

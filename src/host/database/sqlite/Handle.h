@@ -22,7 +22,8 @@ extern std::chrono::milliseconds longestWait;
 struct FileState {
     std::uintmax_t size = 0;
     std::filesystem::file_time_type changed;
-    bool hasLog = false;
+    /// The log or journal beside the file that holds changes; empty without one.
+    std::string log;
 
     friend bool operator==(FileState const&, FileState const&) = default;
 };

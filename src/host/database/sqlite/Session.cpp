@@ -4,7 +4,9 @@
 #include "host/database/DatabaseUrl.h"
 #include "host/database/SqlState.h"
 #include "host/database/sqlite/Handle.h"
+#include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
+#include "host/platform/Paths.h"
 
 #include <sqlite3.h>
 
@@ -89,6 +91,10 @@ std::optional<Table> Session::describe(std::string const& schema, std::string co
     table.key = {count};
     table.columns.push_back({"rowid", ColumnType::number});
     return table;
+}
+
+std::string Session::databaseIdentity() {
+    return platform::fromPath(platform::withoutLinks(platform::toPath(platform::absolutePath(sqlitePath(url())))));
 }
 
 void Session::execute(std::string const& sql) {
