@@ -3,6 +3,7 @@
 #include "catalogue/EntryFile.h"
 #include "catalogue/Tables.h"
 #include "host/database/Session.h"
+#include "host/database/SqlState.h"
 #include "host/database/Transaction.h"
 #include "host/matrix/StagedFile.h"
 #include "host/matrix/WriteLock.h"
@@ -49,7 +50,8 @@ public:
     Replaced(Replaced const&) = delete;
     Replaced& operator=(Replaced const&) = delete;
 
-    void stay() noexcept { stays_ = true; }
+    void stay(bool stays = true) noexcept { stays_ = stays; }
+    bool stays() const noexcept { return stays_; }
 
 private:
     void putBack() {
@@ -251,9 +253,35 @@ std::optional<TRkMatrixException> EntryWriting::commit(
         commitRecord(transaction);
         return late;
     }
-    transaction.commit();
+    try {
+        transaction.commit();
+    } catch (TRkDatabaseException const& error) {
+        if (!mayBeCommitted(error)) throw;
+        // When that cannot be found out, the new file stays: there must be no row without a file.
+        replaced->stay();
+        replaced->stay(isCommitted(task, key, change));
+        if (!replaced->stays()) throw;
+    }
     replaced->stay();
     return late;
+}
+
+// The server may have committed although its answer was lost.
+bool EntryWriting::mayBeCommitted(TRkDatabaseException const& error) const {
+    return error.SqlState() == database::sqlstate::connectionLost && !tables_.session().isInTransaction();
+}
+
+bool EntryWriting::isCommitted(Task const& task, EntryKey const& key, Change const& change) const {
+    try {
+        auto const now = find(key);
+        if (!now || (change.movedFrom && find(change.movedFrom->key))) return false;
+        return !change.parentage.isReplaced || now->parent == change.parentage.parent;
+    } catch (TRkDatabaseException const& error) {
+        task.fail(Reason::database,
+            "the connection was lost during the commit, and it is not known whether the rows were changed; the new "
+            "file is stored; look at the entry when the database can be reached again (" +
+                std::string(error.what()) + ")");
+    }
 }
 
 // What others did to the entry while the file was written counts: the row is read again, and then

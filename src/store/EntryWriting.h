@@ -96,6 +96,10 @@ private:
     /// `target`.
     bool changeRow(Task const& task, EntryKey const& key, Change const& change, std::string const& target) const;
     static void commitRecord(database::Transaction& transaction);
+    /// After a failed commit: whether the server may have committed, and whether the rows show that it
+    /// has. Throws StoreError when they cannot be read.
+    bool mayBeCommitted(TRkDatabaseException const& error) const;
+    bool isCommitted(Task const& task, EntryKey const& key, Change const& change) const;
     void write(matrix::StagedFile& staged, EntryKey const& key, TRkMatrix const& matrix) const;
     void takeRow(Task const& task, EntryInfo const& entry) const;
     std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> keys) const;

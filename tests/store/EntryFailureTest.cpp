@@ -2,6 +2,7 @@
 
 #include <cubes/store/EntryStore.h>
 
+#include <cubes/database/TPgConnection.h>
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/TRkGlobalSettings.h>
@@ -9,10 +10,12 @@
 #include <cerrno>
 
 #include <functional>
+#include <thread>
 
 #include "host/matrix/FailingSystem.h"
 #include "support/Backend.h"
 #include "support/CubeTesting.h"
+#include "support/TestServer.h"
 
 namespace cubes::test {
 namespace {
@@ -236,6 +239,125 @@ TEST_P(EntryFailureTest, leavesTheOldStateWhenTheDatabaseRefusesTheRow) {
                 EXPECT_EQ(state() == before, !message.empty())
                     << change.name << " without " << event << ": " << message;
             }
+}
+
+/// The connection is lost while a change is committed: the client cannot know whether it was.
+class LostCommit_postgres : public testing::Test {
+protected:
+    void SetUp() override {
+        requireBackend(Backend::postgres);
+        if (IsSkipped() || HasFatalFailure()) return;
+        server_ = std::make_unique<TestServer>();
+        ProjectOptions options;
+        options.database = server_->url();
+        project_ = std::make_unique<Project>(Project::create(directory_.file("delta"), options));
+        store().addCube("Trips");
+        store().put(trips_, smallMatrix(1));
+        store().put(other_, smallMatrix(2));
+        store().put(skim_, smallMatrix(3), {.parent = trips_});
+    }
+
+    Project& project() { return *project_; }
+    EntryStore& store() { return project_->store(); }
+    TestServer& server() { return *server_; }
+    void execute(std::string const& statement) { Pgaccess::TPgConnection(server().url()).Execute(statement); }
+
+    /// Commits wait for a server that is never there, after they have committed here.
+    void holdCommits() {
+        execute("ALTER SYSTEM SET synchronous_commit = on");
+        execute("ALTER SYSTEM SET synchronous_standby_names = 'nobody'");
+        execute("SELECT pg_reload_conf()");
+    }
+    void releaseCommits() {
+        execute("ALTER SYSTEM RESET ALL");
+        execute("SELECT pg_reload_conf()");
+    }
+    /// Runs `end` as soon as a commit waits.
+    std::jthread onceACommitWaits(std::function<void()> const& end) {
+        return std::jthread([this, end] {
+            execute("DO $$ BEGIN WHILE NOT EXISTS (SELECT FROM pg_stat_activity WHERE wait_event = 'SyncRep') LOOP "
+                    "PERFORM pg_sleep(0.002); PERFORM pg_stat_clear_snapshot(); END LOOP; END $$");
+            end();
+        });
+    }
+    void endWaitingCommit() {
+        execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE wait_event = 'SyncRep'");
+    }
+    /// Every entry with its parent and first element, then the files.
+    std::string state() {
+        std::string text;
+        for (auto const& entry : store().entries())
+            text += entry.text + (entry.parent ? " from " + store().text(*entry.parent) : "") + " " +
+                    std::to_string(static_cast<int>(store().get(entry.key).Elements()[0])) + "\n";
+        return text + filesIn(project_->settings()->MatrixDirectory().str()) +
+               filesIn(project_->settings()->WorkingDirectory().str());
+    }
+
+    EntryKey const trips_{1, 1, 1, 1, 1};
+    EntryKey const other_{1, 2, 1, 1, 1};
+    EntryKey const free_{1, 3, 1, 1, 1};
+    EntryKey const skim_{-1, 1, 1, 1, 1, 2, 0};
+
+    struct LostChange {
+        char const* name;
+        std::function<void(EntryStore&)> work;
+    };
+    std::vector<LostChange> const changes_ = {
+        {"put a new entry", [this](EntryStore& to) { to.put(free_, smallMatrix(9)); }},
+        {"move to an existing entry", [this](EntryStore& to) { to.move(trips_, other_); }},
+        {"put another parent", [this](EntryStore& to) { to.put(skim_, smallMatrix(9), {.parent = other_}); }},
+    };
+
+private:
+    TempDir directory_;
+    std::unique_ptr<TestServer> server_;
+    std::unique_ptr<Project> project_;
+};
+
+TEST_F(LostCommit_postgres, keepsAChangeThatWasCommitted) {
+    for (auto const& [name, work] : changes_) {
+        SCOPED_TRACE(name);
+        holdCommits();
+        {
+            auto const ending = onceACommitWaits([this] { endWaitingCommit(); });
+            EXPECT_NO_THROW(work(store()));
+        }
+        releaseCommits();
+    }
+    EXPECT_EQ(state(), "Trips/2/1/1/1 1\nTrips/3/1/1/1 9\nskim/1/1/1/1/2/0 from Trips/2/1/1/1 9\n"
+                       "1-2-1-1-1.odm\n1-3-1-1-1.odm\ncubes-id\n1-1-1-1-2-0.skm\ncubes-id\n");
+}
+
+TEST_F(LostCommit_postgres, undoesAChangeThatWasNotCommitted) {
+    execute("create function ending() returns trigger language plpgsql as "
+            "$$ begin perform pg_terminate_backend(pg_backend_pid()); return null; end $$");
+    auto const before = state();
+    for (auto const& table : {std::string("\"public\".cube4data1"), "\"" + project().schema() + "\".cube5data1"})
+        execute("create constraint trigger ending after insert or update or delete on " + table +
+                " deferrable initially deferred for each row execute function ending()");
+    for (auto const& [name, work] : changes_) {
+        SCOPED_TRACE(name);
+        EXPECT_THROW(work(store()), StoreError);
+        EXPECT_EQ(state(), before);
+    }
+}
+
+TEST_F(LostCommit_postgres, keepsTheNewFileWhenNobodyCanTell) {
+    holdCommits();
+    std::string message;
+    {
+        auto const ending = onceACommitWaits([this] { server().stop(); });
+        try {
+            store().put(free_, smallMatrix(9));
+        } catch (StoreError const& error) {
+            message = error.what();
+            EXPECT_EQ(error.entry(), "Trips/3/1/1/1");
+        }
+    }
+    EXPECT_NE(message.find("it is not known whether the rows were changed"), std::string::npos) << message;
+    server().start();
+    releaseCommits();
+    EXPECT_EQ(store().get(free_).Elements()[0], 9);
 }
 
 }
