@@ -64,7 +64,7 @@ bool falseWithoutTable(LookUp const& lookUp) {
 /// An entry table through an open cursor on it. Columns that a table may lack (the parent, the
 /// counter, the file name) read as null and are not written.
 ///
-/// REQUIRES of all operations on "the row": the cursor stands on one.
+/// REQUIRES of all operations on "the row": the cursor is on one.
 class EntryTable {
 public:
     /// `keyParts`: 5 or 7, the number of key columns with the cube's. REQUIRES: the cursor outlives this object.

@@ -50,7 +50,7 @@ Kind const& kindOf(short number) {
 
 std::string newFileName(std::span<short const> key) {
     Kind const& kind = kindOf(key[0]);
-    // The number of a kind of results stands in no file name: its extension does.
+    // File names of results identify the kind by their extension, not by its number.
     auto const numbers = kind.isResult ? key.subspan(1) : key;
     return kind.directory + (kind.holdsRoutes ? decimalStem(numbers) : fileStem(numbers).str()) + kind.extension;
 }

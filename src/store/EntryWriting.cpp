@@ -131,7 +131,7 @@ void EntryWriting::requireOwn(Task const& task, EntryKey const& key, Rows& conte
     auto const own = tables_.identity(key.isResult());
     if (!own.isKnown() || own == recorded || isStoredHere(key, recorded)) return;
     task.fail(Reason::otherDirectory, "the file of " + tables_.text(key) +
-                                          " lies with another project that shares the database (directory " +
+                                          " belongs to another project that shares the database (directory " +
                                           recorded.text() + "); do it in that project");
 }
 

@@ -75,11 +75,11 @@ public:
     /// The full path of a row's file; empty when it names none that may be used.
     std::string path(EntryKey const& key, std::string const& storedName) const;
 
-    /// What the row says that the cursor stands on.
+    /// The entry of the cursor's row.
     EntryInfo info(Rows const& rows, bool ofResults, catalogue::Register& names) const;
     std::string text(EntryKey const& key) const;
     std::string text(EntryKey const& key, catalogue::Register& names) const;
-    /// What is recorded of entries beside their rows; nothing where there is no such table.
+    /// What is recorded of entries beside their rows; nothing without such a table.
     std::optional<Rows> contents(bool ofResults) const;
     /// The identity of the directory in which an entry was stored; unknown when nobody recorded it.
     static hdf5::Id128 recordedDirectory(EntryKey const& key, Rows& contents);

@@ -62,7 +62,7 @@ public:
 
     /// Uses `connection` for all later work.
     void SetConnection(Pgaccess::TPgConnection* connection);
-    /// Opens the table. The cursor then stands on the first row, or at the end of an empty table.
+    /// Opens the table. The cursor is then on the first row, or at the end of an empty table.
     void Open();
     /// Closes the table; a change that was not posted is dropped. A closed cursor stays closed.
     void Close();
@@ -92,12 +92,12 @@ public:
     void Append();
     /// Starts changing the current row.
     void Edit();
-    /// Writes the new or changed row; the cursor then stands on it. Only the columns that were
+    /// Writes the new or changed row; the cursor is then on it. Only the columns that were
     /// set are written. A new row whose key exists already throws with SqlState() "23505".
     void Post();
-    /// Deletes the current row; the cursor then stands on the next row or at the end. A row that
+    /// Deletes the current row; the cursor is then on the next row or at the end. A row that
     /// others have deleted meanwhile is deleted. Throws where the row stays, because its key holds
-    /// null or a trigger keeps it; the cursor then still stands on it.
+    /// null or a trigger keeps it; the cursor is then still on it.
     void Delete();
 
     /// Adds 1 to a whole-number column of the current row, null counting as 0, in one statement:

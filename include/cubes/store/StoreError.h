@@ -9,20 +9,20 @@ namespace cubes {
 
 /// Why an operation of the store failed. Numbers are only ever added at the end.
 enum class Reason {
-    /// The entry, its cube or its file is not there.
+    /// The entry, its cube or its file does not exist.
     notFound,
     alreadyExists,
     /// The usage counter of the entry is above 0.
     inUse,
     /// Another program or object is writing the entry's file.
     locked,
-    /// The file cannot be what it should be.
+    /// The file cannot be read as a matrix.
     damaged,
-    /// The matrix has other dimensions than are asked for, or none.
+    /// The matrix has other dimensions than required, or is not valid.
     wrongShape,
     /// The row names no file inside the project's directory.
     outsideDirectory,
-    /// The entry's file lies with another project that shares the database.
+    /// The entry's file belongs to another project that shares the database.
     otherDirectory,
     noSpace,
     /// The database, the directory or the file may not be written.

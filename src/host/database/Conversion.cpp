@@ -24,7 +24,7 @@ std::optional<long long> wholeNumber(std::string const& text) noexcept {
 
 Value storableNumber(Value value, Column const& column) {
     auto const number = value.IsText() ? wholeNumber(value.Text()) : value.Number();
-    if (!number) refuse(column, "'" + value.Text() + "', which is no whole number", sqlstate::notANumber);
+    if (!number) refuse(column, "'" + value.Text() + "', which is not a whole number", sqlstate::notANumber);
     if (*number > column.greatest || *number < -column.greatest - 1)
         refuse(column, std::to_string(*number), sqlstate::numberOutOfRange);
     return *number;

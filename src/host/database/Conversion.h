@@ -12,7 +12,7 @@ namespace cubes::database {
 
 using Rktable::Value;
 
-/// The whole number that a text begins with (sign and digits, within 64 bits), else 0.
+/// The whole number that a text begins with (sign and digits, within 64 bits); 0 without one.
 long long leadingNumber(std::string const& text) noexcept;
 
 /// Whether a column's comparisons take the value as it is.

@@ -14,7 +14,7 @@ namespace cubes::database {
 
 namespace {
 
-// Most cursors are asked for a few rows only; who goes on is walking.
+// Most cursors read a few rows only; those that read more walk the table.
 constexpr std::size_t firstBatch = 32;
 constexpr std::size_t walkingBatch = 2048;
 
@@ -193,7 +193,7 @@ std::vector<Value> Cursor::keyOf(std::span<Value const> row) const {
 std::span<Value> Cursor::current() {
     if (atEnd())
         throw TRkDatabaseException(
-            "table " + description().quotedName + ": the cursor stands on no row", sqlstate::wrongCursorState);
+            "table " + description().quotedName + ": the cursor is not on a row", sqlstate::wrongCursorState);
     std::size_t const width = description().columns.size();
     return place_ == Place::onRow ? row_.row(0, width) : batch_.row(index_, width);
 }
@@ -264,7 +264,7 @@ void Cursor::updateDraft() {
     Cells posted;
     if (run(table_->statement(Operation::update, columns), values, posted) == 0)
         throw TRkDatabaseException(
-            "table " + description().quotedName + ": the row to be changed is no longer there", sqlstate::noData);
+            "table " + description().quotedName + ": the row to be changed was deleted", sqlstate::noData);
     standOn(posted.row(0, description().columns.size()));
 }
 

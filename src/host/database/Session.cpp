@@ -29,7 +29,7 @@ std::unique_ptr<Session> Session::open(std::string const& url) {
         "the database URL '" + withoutPassword(url) + "' is neither \"sqlite:PATH\" nor \"postgresql://...\"");
 }
 
-// A lock that cannot be had is held by a thread that only the parent has, or by a transaction.
+// If the lock is taken, it is held by a thread that exists in the parent only, or by a transaction.
 void Session::leaveParent() {
     std::lock_guard const guard(leavingParent_);
     if (forkCount_ == platform::forkCount()) return;

@@ -33,7 +33,7 @@ struct Table {
     /// The table as SQL names it, quoted.
     std::string quotedName;
     /// Where the database numbers its rows in a column of its own because the table has no
-    /// primary key, that column stands last and is the key.
+    /// primary key, that column is the last and is the key.
     std::vector<Column> columns;
     /// The columns of the primary key, in its order.
     std::vector<std::size_t> key;

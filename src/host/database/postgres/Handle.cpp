@@ -53,7 +53,7 @@ void ClearResult::operator()(pg_result* result) const noexcept {
 Handle::Handle(std::string const& url) {
     requireReadable(url);
     std::string const encoding = platform::narrowEncoding();
-    // What the URL says stands last and wins; the encoding is not for it to say.
+    // Later keys override earlier ones: the URL may set the timeout and the name, but not the encoding.
     char const* const keys[] = {"connect_timeout", "fallback_application_name", "dbname", "client_encoding", nullptr};
     char const* const values[] = {"10", "cubes", url.c_str(), encoding.c_str(), nullptr};
     connection_ = PQconnectdbParams(keys, values, 1);

@@ -14,8 +14,8 @@ namespace cubes::database::postgres {
 
 namespace {
 
-// A look-up's plan does not depend on its values, so that planning once is enough. The answer
-// tells whether there is a collation that knows the letters of all languages.
+// A look-up's plan does not depend on its values, so that planning once is enough. The result is
+// whether there is a collation that knows the letters of all languages.
 constexpr char const* introduction =
     "SET plan_cache_mode = force_generic_plan;"
     "SELECT EXISTS (SELECT FROM pg_catalog.pg_collation WHERE collname = 'und-x-icu'"
