@@ -1,4 +1,4 @@
-// Shows what the store does when it cannot do what it is asked: a StoreError with a reason, and nothing changed.
+// Shows what the store does when an operation fails: it throws a StoreError with a reason and changes nothing.
 #include <cubes/cubes.h>
 
 #include <exception>
@@ -30,7 +30,7 @@ int main(int count, char** arguments) {
         store.addCube("Trips");
         auto const key = store.parse("Trips/1/1/1/1");
 
-        // Absence that is no error is an empty optional.
+        // An entry that does not exist is not an error: the result is an empty optional.
         std::cout << "there: " << store.find(key).has_value() << '\n';
         attempt([&] { store.get(key); });
         attempt([&] { store.put(key, matrixOf(1)); });
@@ -42,7 +42,7 @@ int main(int count, char** arguments) {
         }
         attempt([&] { store.setParent(key, key); });
 
-        // Every refused or failed put left the matrix that was there.
+        // No refused or failed put replaced the existing matrix.
         std::cout << "still: " << store.get(key).At(1, 1) << '\n';
         attempt([&] { store.put(key, matrixOf(4)); });
         std::cout << "now: " << store.get(key).At(1, 1) << '\n';

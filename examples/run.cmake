@@ -1,4 +1,4 @@
-# Runs an example in a fresh project directory. Fails unless it ends well and prints the expected text.
+# Runs an example in a fresh project directory. Fails unless it exits with 0 and prints the expected text.
 unset(ENV{CUBES_DATABASE})
 file(REMOVE_RECURSE ${project})
 execute_process(COMMAND ${emulator} ${program} ${project} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)

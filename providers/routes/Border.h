@@ -9,11 +9,11 @@
 #include <string>
 #include <system_error>
 
-/// The border of the provider: objects that count their references, and operations that never throw.
+/// The provider's interface to the library: reference-counted objects, and operations that never throw.
 namespace cubes::routes {
 
-/// An object that crosses the border. Its reference count begins at 0: one release deletes the
-/// factory's object unless references were added in between.
+/// An object that crosses the interface. Its reference count begins at 0: one release deletes the factory's object
+/// unless references were added in between.
 template <typename Interface>
 class Counted : public Interface {
 public:
@@ -44,8 +44,8 @@ inline void reportFailure(char const* action, std::string const& file, char cons
     }
 }
 
-/// Runs an operation of the border and returns its result; `failed` instead of an exception. The last
-/// error is empty afterwards, or describes what failed.
+/// Runs an operation of the interface and returns its result, or `failed` when it throws. The last error is empty
+/// afterwards, or describes the failure.
 template <typename Answer, typename Operation>
 Answer answer(char const* action, std::string const& file, Answer failed, Operation operation) noexcept {
     VlInterfaceSetLastError("");

@@ -56,7 +56,7 @@ std::string quotedWhereNeeded(std::string const& name) {
     return quoted + '"';
 }
 
-// The names and types of fields, independent of the data set that they come from.
+// The names and types of fields, independent of the data set from which they come.
 class AdditionalDataHeader final : public Counted<VL::Interface::AdditionalDataHeaderInterface> {
 public:
     explicit AdditionalDataHeader(std::vector<Field> const& fields);

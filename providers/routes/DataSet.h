@@ -8,7 +8,7 @@ namespace cubes::routes {
 /// The fields, as the content of a file. docs/route-file.md describes how they are stored.
 struct StoredFields {
     static constexpr FileKind kind = {"cubes route data", hdf5::IndexRecord::Holds::routeData};
-    /// Throws when the file does not hold what it should.
+    /// Throws when the file's content is not valid.
     static StoredFields read(hid_t file, hdf5::IndexRecord const& record);
     void write(hid_t file) const;
     void describe(hdf5::IndexRecord& record) const;

@@ -83,7 +83,7 @@ void FieldTable::add(RouteField const& field) {
 void FieldTable::add(Field field) {
     requireName(field.name);
     requireTruth(field);
-    if (find(field.name)) throw std::invalid_argument("there is a field " + field.name + " already");
+    if (find(field.name)) throw std::invalid_argument("a field " + field.name + " exists already");
     if (!fields_.empty() && field.count != routes())
         throw std::invalid_argument("the field " + field.name + " has " + std::to_string(field.count) +
                                     " values, the others have " + std::to_string(routes()));

@@ -21,7 +21,7 @@ struct Field {
     double value(std::size_t route) const;
 };
 
-/// Bytes of one value; 0 for what is no type.
+/// The size of one value in bytes; 0 for an unknown type.
 std::size_t valueSize(VL::Interface::RouteFieldType type);
 
 /// The fields of route data, in the order in which they were added.
@@ -30,9 +30,9 @@ public:
     std::vector<Field> const& fields() const noexcept { return fields_; }
     /// The number of values of each field.
     std::size_t routes() const noexcept { return fields_.empty() ? 0 : fields_.front().count; }
-    /// Null when there is none of that name.
+    /// Null when there is no field of that name.
     Field const* find(std::string_view name) const;
-    /// Both throw std::invalid_argument for what is no field or does not fit the others.
+    /// Both throw std::invalid_argument for an invalid field or one that does not fit the others.
     void add(VL::Interface::RouteField const& field);
     void add(Field field);
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Without a destructor, so that the text can be asked for even while the thread ends.
+// Without a destructor, so that the text can still be read while the thread ends.
 thread_local std::array<char, 8192> lastError{};
 
 }

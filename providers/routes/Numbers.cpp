@@ -14,7 +14,7 @@ constexpr hsize_t chunkBytes = hsize_t{1} << 18;
 constexpr unsigned quickestLevel = 1;
 // Deflate compresses to about a thousandth at best.
 constexpr hsize_t mostInflation = 1100;
-// Other programs write wider attributes.
+// Other programs may write wider attributes.
 constexpr std::size_t widestNumber = 8;
 constexpr std::size_t longestText = std::size_t{1} << 16;
 
@@ -47,7 +47,8 @@ void requireOwnStorage(hid_t dataset, std::string const& name) {
     Handle const layout(H5Dget_create_plist(dataset), H5Pclose, "read the layout of " + name);
     H5D_layout_t const kind = H5Pget_layout(layout.get());
     bool const isOwn = kind == H5D_CHUNKED || kind == H5D_COMPACT || kind == H5D_CONTIGUOUS;
-    if (!isOwn || H5Pget_external_count(layout.get()) != 0) throw std::runtime_error(name + " leads elsewhere");
+    if (!isOwn || H5Pget_external_count(layout.get()) != 0)
+        throw std::runtime_error(name + " is not stored in this file");
 }
 
 hsize_t fileSizeOf(hid_t object) {

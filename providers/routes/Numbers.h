@@ -9,7 +9,7 @@
 /// Lists of numbers as one-dimensional datasets, and small attributes.
 namespace cubes::routes {
 
-/// A type of numbers: in memory, and (with the low byte first everywhere) in a file.
+/// A type of numbers, in memory and in a file (always little-endian).
 struct NumberType {
     hid_t memory;
     hid_t file;
@@ -34,15 +34,15 @@ NumberType typeOf<float>();
 template <>
 NumberType typeOf<double>();
 
-/// Whether bytes of equal weight are put together before compression. Rising and real numbers become
-/// smaller by that; repeated sequences, as the links of neighbouring routes, larger.
+/// Whether bytes of equal weight are stored together before compression. That makes ascending and real numbers smaller,
+/// and repeated sequences, such as the links of neighbouring routes, larger.
 enum class Shuffle { no, yes };
 
-/// Writes `count` numbers as a dataset, compressed and with a checksum a chunk.
+/// Writes `count` numbers as a dataset, compressed and with one checksum per chunk.
 hdf5::Handle writeDataset(hid_t parent, std::string const& name, NumberType type, void const* numbers,
     std::size_t count, Shuffle shuffle = Shuffle::yes);
-/// How many numbers a dataset has. Throws when it is no list of numbers that fit `type`, or claims
-/// more than a file of this size can hold.
+/// The number of elements of a dataset. Throws unless it is a list of numbers that fit `type` and is not larger than a
+/// file of this size can hold.
 std::size_t countNumbers(hid_t dataset, std::string const& name, NumberType type);
 void readDataset(hid_t dataset, std::string const& name, NumberType type, void* numbers);
 

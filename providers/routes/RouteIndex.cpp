@@ -14,7 +14,7 @@ ZonePair pairOf(RouteTable const& table, std::uint32_t route) {
     return {table.origins[route], table.destinations[route]};
 }
 
-// Appends a route to the list of a key that is the last one, or a new one behind it.
+// Appends a route to the list of a key that is the last one or comes after it.
 template <typename Key>
 void append(Lists<Key>& lists, Key key, std::uint32_t route) {
     if (lists.keys.empty() || lists.keys.back() != key) {

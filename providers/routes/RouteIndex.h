@@ -15,20 +15,20 @@ struct ZonePair {
     auto operator<=>(ZonePair const&) const = default;
 };
 
-/// Lists of route numbers by keys that rise: key k has routes[offsets[k]] up to, not including,
-/// routes[offsets[k + 1]], which rise too.
+/// Lists of route numbers by ascending keys: key k has routes[offsets[k]] up to, not including, routes[offsets[k + 1]],
+/// in ascending order.
 template <typename Key>
 struct Lists {
     std::vector<Key> keys;
     std::vector<std::uint64_t> offsets = {0};
     std::vector<std::uint32_t> routes;
 
-    /// The routes of all keys from the first to the last place, not including that.
+    /// The routes of all keys from the first position to the last, not including that.
     std::span<std::uint32_t const> between(std::size_t first, std::size_t last) const {
         auto const begin = static_cast<std::size_t>(offsets[first]);
         return {routes.data() + begin, static_cast<std::size_t>(offsets[last]) - begin};
     }
-    /// The routes of the keys behind those that are below, up to the last that is not above.
+    /// The routes of all keys from the first that is not below the range to the last that is not above it.
     template <typename Below, typename NotAbove>
     std::span<std::uint32_t const> where(Below isBelow, NotAbove isNotAbove) const {
         auto const first = std::partition_point(keys.begin(), keys.end(), isBelow);
@@ -37,11 +37,11 @@ struct Lists {
     }
 };
 
-/// Where the routes of a zone pair, of an origin and of a link are.
+/// The indexes by OD pair, by origin and by link.
 class RouteIndex {
 public:
     static RouteIndex of(RouteTable const& table);
-    /// Throws std::runtime_error when the lists are not those of the table's routes.
+    /// Throws std::runtime_error when the lists do not agree with the table's routes.
     RouteIndex(Lists<ZonePair> byPair, Lists<std::uint32_t> byLink, RouteTable const& table);
 
     std::span<std::uint32_t const> routesOfPair(ZonePair pair) const;

@@ -77,7 +77,7 @@ RouteIndex readIndex(hid_t file, RouteTable const& table) {
     return {std::move(byPair), std::move(byLink), table};
 }
 
-// The bytes of a route in front of its links: docs/route-file.md describes what the content id covers.
+// The bytes of a route before its links: docs/route-file.md describes what the content id covers.
 std::array<std::byte, 20> headOf(Route const& route) {
     std::array<std::byte, 20> bytes;
     auto const count = static_cast<std::uint64_t>(route.linkCount);

@@ -5,12 +5,12 @@
 
 namespace cubes::routes {
 
-/// The routes and, from the first search or writing after a change on, their index. docs/route-file.md
+/// The routes and their index, which is built by the first search or writing after a change. docs/route-file.md
 /// describes how they are stored.
 class IndexedRoutes {
 public:
     static constexpr FileKind kind = {"cubes routes", hdf5::IndexRecord::Holds::routes};
-    /// Throws when the file does not hold what it should.
+    /// Throws when the file's content is not valid.
     static IndexedRoutes read(hid_t file, hdf5::IndexRecord const& record);
     void write(hid_t file) const;
     void describe(hdf5::IndexRecord& record) const;

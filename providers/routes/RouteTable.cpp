@@ -43,7 +43,7 @@ void RouteTable::add(Route const& route) {
     }
 }
 
-// The links may be our own, which move when there is no room for more.
+// The links may be part of this table, which may be reallocated.
 void RouteTable::append(Route const& route) {
     auto const count = static_cast<std::size_t>(route.linkCount);
     std::less_equal<> const isBefore;
@@ -70,7 +70,7 @@ void RouteTable::requireSound() const {
     if (destinations.size() != size()) throw std::runtime_error("destinations has another size than origins");
     if (shares.size() != size()) throw std::runtime_error("shares has another size than origins");
     if (!std::all_of(shares.begin(), shares.end(), [](float share) { return std::isfinite(share); }))
-        throw std::runtime_error("a share is no finite number");
+        throw std::runtime_error("a share is not a finite number");
     requireOffsets("offsets", offsets, size(), links.size());
 }
 

@@ -19,9 +19,9 @@ struct RouteTable {
 
     std::size_t size() const noexcept { return origins.size(); }
     VL::Interface::Route route(std::size_t number) const;
-    /// Throws std::invalid_argument for what is no route. Whatever it throws, the table is as before.
+    /// Throws std::invalid_argument for an invalid route. Whatever it throws, the table is unchanged.
     void add(VL::Interface::Route const& route);
-    /// Throws std::runtime_error when the columns do not belong together.
+    /// Throws std::runtime_error when the columns do not fit each other.
     void requireSound() const;
 
 private:
@@ -29,7 +29,7 @@ private:
     void cutTo(std::size_t routes, std::size_t linkCount) noexcept;
 };
 
-/// Throws std::runtime_error unless these are `count` + 1 numbers that rise from 0 to `end`.
+/// Throws std::runtime_error unless these are `count` + 1 ascending numbers from 0 to `end`.
 void requireOffsets(char const* name, std::vector<std::uint64_t> const& offsets, std::size_t count, std::size_t end);
 
 }

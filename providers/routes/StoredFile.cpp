@@ -29,8 +29,8 @@ constexpr std::size_t growth = std::size_t{1} << 20;
 // Files in memory are distinguished by their names; ours exist one at a time.
 constexpr char const* memoryName = "route file in memory";
 
-// HDF5 lets the application hold the memory of a file. (HDF5's own copy of a file in memory has a
-// wrong checksum in this version of the format.)
+// HDF5 lets the application own the memory of a file. (HDF5's own copy of a file in memory has a wrong checksum in this
+// version of the format.)
 
 void* resized(Bytes& bytes, std::size_t size) noexcept {
     try {
@@ -94,7 +94,7 @@ Handle openIn(Bytes& bytes, Bytes existing) {
     return Handle(H5Fopen(memoryName, H5F_ACC_RDWR, access.get()), H5Fclose, "open it as HDF5");
 }
 
-// A file that is made or changed in memory, so that HDF5 never meets a full disk.
+// A file that is created or changed in memory, so that HDF5 never writes to a full disk.
 class MemoryFile {
 public:
     MemoryFile() : file_(createIn(bytes_)) {}
@@ -108,7 +108,7 @@ public:
     Bytes finish();
 
 private:
-    // Lives longer than the file, which keeps its bytes here.
+    // Outlives the file, which stores its bytes here.
     Bytes bytes_;
     Handle file_;
 };
@@ -133,7 +133,7 @@ void writeRecord(hid_t file, IndexRecord const& record) {
     check(H5Dwrite(dataset.get(), H5T_STD_U8LE, H5S_ALL, H5S_ALL, H5P_DEFAULT, bytes.data()), "write the index record");
 }
 
-// The size is known when the file is complete.
+// The size is known only when the file is complete.
 void writeSizeIntoRecord(Bytes& file) {
     auto found = hdf5::findRecord(file);
     if (!found) return;
@@ -164,7 +164,7 @@ void requireKind(hid_t file, FileKind kind) {
     if (number != version) throw std::runtime_error("its version " + std::to_string(number) + " is unknown");
 }
 
-// Opening anything else than a regular file could block.
+// Opening anything but a regular file could block.
 platform::File openRegular(std::string const& path) {
     if (platform::exists(path) && !platform::isRegularFile(path)) throw std::runtime_error("not a regular file");
     return platform::File::openForReading(path);

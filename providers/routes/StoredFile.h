@@ -9,10 +9,10 @@
 #include <string>
 #include <string_view>
 
-/// Route files as wholes: each is read in one go, and made in memory and committed in one step.
+/// Route files as wholes: each is read at once, and created in memory and replaced atomically.
 namespace cubes::routes {
 
-/// What a file holds: its attribute `format`, and the same in its index record.
+/// The kind of a file: its attribute `format`, and the same in its index record.
 struct FileKind {
     std::string_view format;
     hdf5::IndexRecord::Holds holds;
@@ -21,7 +21,7 @@ struct FileKind {
 /// Purpose, mode, time, user, result, iteration.
 using Key = std::array<std::int16_t, 6>;
 
-/// Which entry a file was written for, as far as it was set.
+/// The entry for which a file was written, as far as it was set.
 struct Stamp {
     std::optional<std::int32_t> cubeType;
     std::optional<Key> key;
@@ -29,9 +29,9 @@ struct Stamp {
     bool operator==(Stamp const&) const = default;
 };
 
-/// What a file says about itself beside its data.
+/// The attributes and the record of a file.
 struct FileRoot {
-    /// Values that are not set are written as 0 and -1; both are set in a file that was read.
+    /// Values that are not set are written as 0 and -1; in a file that was read, both are set.
     Stamp stamp;
     /// All ids are unknown in files without a record.
     hdf5::IndexRecord record;
@@ -44,7 +44,7 @@ void readStoredFile(
 /// Calls `write` with an empty file, which then replaces the one at `path`. The record's size and kind are filled in.
 void writeStoredFile(
     std::string const& path, FileKind kind, FileRoot const& root, std::function<void(hid_t file)> const& write);
-/// Changes the stamp of an existing file and nothing else.
+/// Changes only the stamp of an existing file.
 void restampStoredFile(std::string const& path, Stamp const& stamp);
 
 }

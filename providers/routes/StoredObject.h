@@ -122,7 +122,7 @@ private:
 
     std::string fileName_;
     Stamp stamp_;
-    /// What the file says, as far as it is known.
+    /// The stamp and the record of the file, as far as they are known.
     Stamp inFile_;
     hdf5::FileStamp place_;
     std::optional<Content> content_;

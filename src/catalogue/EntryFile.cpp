@@ -32,8 +32,8 @@ void copyOver(std::string const& source, std::string const& target) {
     staged.publish();
 }
 
-// Gives the file its new name, which lasts before the old one goes. Where that cannot be done in
-// one step the source may stay: the target is complete all the same.
+// Renames the file and flushes the new name before the old one is removed. If that cannot be done atomically, the
+// source may stay: the target is complete nevertheless.
 void rename(std::string const& source, std::string const& target, bool isFlushed) {
     if (!platform::renameFile(source, target)) {
         copyOver(source, target);
@@ -47,7 +47,7 @@ void moveFile(std::string const& source, std::string const& target) {
     requireDistinctFiles(source, target);
     WriteLock const held(target, WriteLock::Purpose::create);
     bool const isFlushed = matrix::isToBeFlushed(target);
-    // It may come from a directory whose files are not.
+    // The source may come from a directory whose files are not flushed.
     if (isFlushed) platform::flushFile(source);
     rename(source, target, isFlushed);
     std::string const left = platform::directoryOf(source);

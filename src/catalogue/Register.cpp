@@ -13,7 +13,7 @@ namespace {
 
 constexpr char const* numberColumn = keyColumns[0];
 
-// The number that a new cube takes; nothing when the numbers are used up.
+// The number for a new cube; nothing when the numbers are used up.
 std::optional<short> nextNumber(Rktable::TRkTableProxy& table) {
     long const greatest = std::max(0L, table.Greatest(numberColumn).value_or(0));
     if (greatest >= std::numeric_limits<short>::max()) return std::nullopt;
@@ -51,7 +51,7 @@ std::optional<short> Register::number(char const* name) const {
 std::optional<short> Register::add(char const* name) const {
     if (!table_ || !name) return std::nullopt;
     if (auto const known = number(name)) return known;
-    // Others may register cubes at the same moment: look again where nobody else can write.
+    // Another process may register a cube at the same time: look again under the lock.
     database::ExclusiveAccess access(*table_);
     auto cubenr = number(name);
     if (!cubenr) {
@@ -67,7 +67,7 @@ void Register::ensure(short cubenr, char const* name) const {
     try {
         append(cubenr, name);
     } catch (TRkDatabaseException const& error) {
-        // Another process has added it since; when it is gone again it is added anew.
+        // Another process has added it since; if it has been removed again, add it.
         if (!error.IsDuplicateKey()) throw;
         if (!locate(cubenr)) append(cubenr, name);
     }

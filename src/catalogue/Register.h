@@ -10,8 +10,8 @@
 
 namespace cubes::catalogue {
 
-/// The register of cubes through a cursor on its table: a number and a name a row. Without a table
-/// it holds nothing and takes nothing. A table that was dropped since it was opened counts as empty.
+/// The register of cubes through a cursor on its table: one number and name per row. Without a table it is empty and
+/// nothing can be added. A table that was dropped after it was opened counts as empty.
 class Register {
 public:
     struct Cube {
@@ -21,21 +21,21 @@ public:
 
     explicit Register(CountedPtr<Rktable::TRkTableProxy> table) : table_(std::move(table)) {}
 
-    /// Goes to the row of a number or a name. A name is compared as it would be stored, cut to the
-    /// size of its column, and without regard to letter case; null is never found.
+    /// Goes to the row of a number or a name. A name is compared as it would be stored, cut to the size of its column,
+    /// and without regard to letter case; null is never found.
     bool locate(short cubenr) const;
     bool locate(char const* name) const;
 
-    /// Nothing for an unknown cube. Names are looked up once however many entries ask for them.
+    /// Nothing for an unknown cube. Each name is looked up once, however many entries need it.
     std::optional<TRkString> name(short cubenr);
     /// Nothing for an unknown name.
     std::optional<short> number(char const* name) const;
 
-    /// The number of the cube of that name; one that is new takes the highest number in use plus
-    /// one, at least 1. Nothing without a name or a table, or when the numbers are used up. Of
-    /// processes that add a cube at once all get its number.
+    /// The number of the cube of that name; a new one gets the highest number in use plus one, at least 1. Nothing
+    /// without a name or a table, or when the numbers are used up. Processes that add the same cube at once all get its
+    /// number.
     std::optional<short> add(char const* name) const;
-    /// Adds a row of that number unless there is one. REQUIRES: there is a table.
+    /// Adds a row of that number unless it exists. REQUIRES: there is a table.
     void ensure(short cubenr, char const* name) const;
     /// Deletes the row of that number or name; false when there is none.
     bool remove(short cubenr) const { return removeIf(locate(cubenr)); }

@@ -47,7 +47,7 @@ Parts partsOf(std::string_view name) {
     return parts;
 }
 
-// Without ".", ".." and empty parts; nothing when a ".." leads out.
+// Without ".", ".." and empty parts; nothing when a ".." leads out of the directory.
 std::optional<Parts> normalised(Parts const& parts) {
     Parts result;
     for (auto const part : parts) {

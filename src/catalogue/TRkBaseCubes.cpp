@@ -108,7 +108,7 @@ CountedPtr<Rktable::TRkTableProxy> TRkBaseCubes::Open() const {
     if (!dictionary) return {};
     auto table = dictionary->BuildTable(ObjectName, AnsiString());
     if (!table) return table;
-    // Whatever connection this catalogue works on.
+    // Whichever connection this catalogue works on.
     table->SetConnection(currentConnection());
     table->Open();
     return table;
@@ -181,9 +181,8 @@ bool TRkBaseCubes::Get(TRkAutoListT<TKey>& list) const {
     return true;
 }
 
-// The checks before cubes are copied or moved. A move is its copy: the two differ only in name, so
-// that derived catalogues can give them different meanings. The conditions of the three forms
-// differ deliberately.
+// The checks before cubes are copied or moved. A move checks the same as a copy: the two have different names so that
+// derived catalogues can give them different meanings. The conditions of the three forms differ deliberately.
 
 bool TRkBaseCubes::Copy(TRkBaseCubes const& source, bool failIfExists, short from, short to) const {
     ProjectCall const call(settings_);

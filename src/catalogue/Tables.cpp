@@ -19,7 +19,7 @@ struct Definition {
     std::span<char const* const> key;
     /// Numbers that may be null.
     std::span<char const* const> numbers;
-    /// Each with its type.
+    /// Columns, each with its type.
     std::vector<std::string> others;
     /// A text column in which names are looked up; null: none.
     char const* named = nullptr;
@@ -63,7 +63,7 @@ void createMissing(std::vector<Definition> const& definitions, Session& session)
     auto const isMissing = [&session](Definition const& definition) {
         return !session.systemTables().find(definition.schema, definition.name);
     };
-    // Only users who create tables need the right to.
+    // Only users who create tables need the permission to do so.
     if (std::none_of(definitions.begin(), definitions.end(), isMissing)) return;
     database::Transaction transaction(session, session.dialect().lockDefinitions());
     for (auto const& definition : definitions)

@@ -9,14 +9,14 @@
 #include <span>
 #include <string>
 
-/// The tables of a project: the register, the two entry tables, and what we record about entries
-/// beside them.
+/// The tables of a project: the register, the two entry tables, and the table of what the library records about
+/// entries.
 namespace cubes::catalogue {
 
 inline constexpr char const* registerTable = "cube";
 inline constexpr char const* cubeEntriesTable = "cube4data1";
 inline constexpr char const* resultEntriesTable = "cube5data1";
-/// Where the files of entries lie and what they hold; it stands beside the entry table.
+/// Records the directory and the content id of entries; it is in the schema of the entry table.
 inline constexpr char const* contentTable = "cubes_content";
 
 /// The schema of the entries of cubes, which projects on one database share.
@@ -29,7 +29,7 @@ inline constexpr std::array<char const*, 7> parentColumns = {
     "parentcubenr", "parentpurpose", "parentmode", "parenttime", "parentuser", "parentresult", "parentiteration"};
 inline constexpr char const* nameColumn = "name";
 inline constexpr char const* filenameColumn = "filename";
-/// Counts an entry's users. A table may lack it; then nothing is counted.
+/// Counts an entry's users. A table may lack it; then users are not counted.
 inline constexpr char const* usersColumn = "usageCounter";
 inline constexpr char const* directoryColumn = "directory";
 inline constexpr char const* contentColumn = "content";
@@ -37,26 +37,26 @@ inline constexpr char const* contentColumn = "content";
 inline constexpr char const* sizeColumn = "size";
 inline constexpr char const* changedColumn = "changed";
 
-/// Creates the register and the entry tables that are missing, those of results in `schema`. What
-/// exists is left as it is. Several processes may do so at once. Throws TRkDatabaseException.
+/// Creates the register and the entry tables that are missing, those of results in `schema`. Existing tables are left
+/// unchanged. Several processes may do so at once. Throws TRkDatabaseException.
 void createMissingTables(database::Session& session, std::string const& schema);
 
 /// The names of the first `count` key columns, joined by ";".
 char const* keyList(std::size_t count);
 
-/// Creates the table of contents beside the entry table with so many key columns, unless it exists.
+/// Creates the table of contents for the entry table with that many key columns, unless it exists.
 void createContentTable(database::Session& session, std::string const& schema, std::size_t keyParts);
 
-/// Removes what is recorded of an entry of a cube, if anything is and the database allows it. For
-/// those who then store the entry and record nothing.
+/// Removes the record of an entry of a cube, if there is one and the database allows it; for callers that then store
+/// the entry without recording it.
 void forgetContent(database::Session& session, std::span<short const> key);
 
-/// Whether an error on a table of ours is nothing to report: the user lacks the right to it, others
-/// record the same entry at this moment, or the table was removed.
+/// Whether an error on the library's own table can be ignored: the user lacks the permission, another process records
+/// the same entry at the same time, or the table was removed.
 bool isNegligible(TRkDatabaseException const& error);
 
-/// Does work on tables that a user may lack the right to, and can do without. Its failure has no
-/// effect on a transaction under way.
+/// Does optional work on tables for which a user may lack the permission. Its failure does not affect a running
+/// transaction.
 template <typename Work>
 void whereAllowed(database::Session& session, Work const& work) {
     try {
@@ -68,7 +68,7 @@ void whereAllowed(database::Session& session, Work const& work) {
     }
 }
 
-/// Whether a schema holds results, so that it belongs to a project.
+/// Whether a schema holds results, and so belongs to a project.
 bool belongsToProject(database::Session& session, std::string const& schema);
 
 }

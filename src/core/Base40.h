@@ -13,8 +13,7 @@ inline constexpr int base40Limit = 40 * 40;
 /// Writes the two characters of `number` to `text`. REQUIRES: 0 <= number < base40Limit.
 void encodeBase40(int number, char* text);
 
-/// The number that the characters stand for, kept in 16 bits at every step. A character that is
-/// no digit counts as 0.
+/// The number that the characters represent, kept in 16 bits at every step. An invalid character counts as 0.
 short decodeBase40(std::string_view characters);
 
 }

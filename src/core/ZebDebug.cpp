@@ -46,13 +46,13 @@ void append(std::string const& lines) {
     std::lock_guard const lock(log.mutex);
     bool const wasOpen = log.stream.is_open();
     open(log);
-    // An earlier message may not have been written; this one is tried all the same.
+    // An earlier message may have failed; this one is tried nevertheless.
     log.stream.clear();
     log.stream << lines << std::flush;
     if (!wasOpen) log.stream.close();
 }
 
-// The log never disturbs its callers: errors are dropped, and the thread's last system error stays.
+// The log never affects its callers: errors are ignored, and the thread's last system error is restored.
 template <class Work>
 void whenActive(Work const& work) noexcept {
     platform::LastErrorKept const kept;

@@ -43,10 +43,10 @@ bool EntryTransfer::run(Placing const& place) const {
     return done;
 }
 
-// True also where there is nothing to place: callers rely on it.
+// True also when there is no file to place: callers rely on it.
 bool EntryTransfer::transfer(Tables const& tables, Placing const& place) const {
     if (!lookUp(source, tables.source, from, zeroBased)) return true;
-    // Read at once: looking up the target may move this very cursor.
+    // Read at once: looking up the target may move the same cursor.
     std::string const sourceFile = pathOf(source, *tables.source);
     if (refusal && lookUp(target, tables.target, to, zeroBased)) throw TRkCubesException(*refusal);
     if (!target.Add(tables.target, to[0], to[1], to[2], to[3], to[4], zeroBased)) return true;

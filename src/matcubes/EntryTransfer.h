@@ -11,21 +11,21 @@
 
 namespace cubes::matcubes {
 
-/// The error for a target that exists; nothing when it is to be replaced.
+/// The error for an existing target; nothing when it is to be replaced.
 inline std::optional<TRkCubesException::ErrorCodes> whenExisting(
     bool failIfExists, TRkCubesException::ErrorCodes code) {
     return failIfExists ? std::optional(code) : std::nullopt;
 }
 
-/// Copies or moves an entry after the cubes were checked: within one cube object or from another
-/// one. See TRkMatCubes::Copy and Move for results and errors.
+/// Copies or moves an entry after the cubes were checked, within one cube object or from another one. See
+/// TRkMatCubes::Copy and Move for results and errors.
 struct EntryTransfer {
     TRkMatCubes const& source;
     TRkMatCubes const& target;
-    /// As they were handed in.
+    /// As the caller passed them.
     catalogue::CubeKey from;
     catalogue::CubeKey to;
-    /// Thrown for a target that exists; nothing: it is replaced.
+    /// Thrown when the target exists; nothing: it is replaced.
     std::optional<TRkCubesException::ErrorCodes> refusal;
     bool zeroBased;
 
@@ -38,7 +38,7 @@ private:
         Table source;
         Table target;
     };
-    /// Places the file of the source at the path of the target.
+    /// Puts the file of the source at the path of the target.
     using Placing = std::function<bool(Tables const& tables, std::string const& source, std::string const& target)>;
 
     bool run(Placing const& place) const;

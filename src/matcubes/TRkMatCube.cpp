@@ -25,7 +25,7 @@ void TRkMatCube::Name(char const* name) {
     name_ = name ? std::optional<TRkString>(name) : std::nullopt;
 }
 
-// As operations by name take it: null is no name, unlike the empty one.
+// The name as operations by name take it. Null means that no cube is bound; the empty name is an ordinary name.
 char const* TRkMatCube::bound() const {
     return name_ ? name_->c_str() : nullptr;
 }
@@ -75,7 +75,7 @@ bool TRkMatCube::Copy(short p, short m, short t, short u, short toP, short toM, 
     cubes::catalogue::ProjectCall const call(settings_);
     short from = 0;
     short to = 0;
-    // The cube is copied onto itself deliberately: an existing entry alone is a reason to refuse.
+    // Source and target are the same cube deliberately: only an existing entry is a reason to refuse.
     if (!TRkBaseCubes::Copy(bound(), bound(), false, from, to)) return false;
     auto const code = cubes::matcubes::whenExisting(failIfExists, TRkCubesException::ecMatrixExists);
     return cubes::matcubes::EntryTransfer{*this, *this, {from, p, m, t, u}, {to, toP, toM, toT, toU}, code, zeroBased}

@@ -33,8 +33,8 @@ namespace {
 
 constexpr std::size_t keyParts = std::tuple_size_v<CubeKey>;
 
-// Adds the row of an entry that was not there when it was looked up. Another process may have
-// added it since, which is as good; when that row is gone again, it is added anew.
+// Adds the row of an entry that was not found by the look-up. Another process may have added it since, which is fine;
+// if that row has been deleted again, it is added again.
 void insertUnlessTaken(EntryTable& entries, CubeKey const& key, TRkString const& filename) {
     if (entries.insert(key, filename.str()) || entries.locate(key)) return;
     if (!entries.insert(key, filename.str()))
@@ -51,7 +51,7 @@ void removeEntry(Rktable::TRkTableProxy& table, TRkFString const& directory) {
     cubes::platform::removeFile(EntryTable(table, keyParts).remove(directory.str()));
 }
 
-// A leading minus belongs to the cube number; it is made a plus so that it does not separate.
+// A leading minus belongs to the cube number; it is replaced by a plus so that it does not separate.
 void readDecimalName(std::string text, int* const (&numbers)[keyParts]) {
     if (text.front() == '-') text.front() = '+';
     auto const pieces = TRkString(text).Split('-');
@@ -139,7 +139,7 @@ bool TRkMatCubes::Add(
     forgetContent(GetConnection(), *key);
     EntryTable entries(*table, keyParts);
     if (falseWithoutTable([&] { return entries.locate(*key); })) return true;
-    // Made before the row is begun: a number that the name cannot hold leaves no half-made row.
+    // Formed before the row is begun: a number that the name cannot hold leaves no half-made row.
     insertUnlessTaken(entries, *key, cubes::catalogue::fileStem(*key) + extension_);
     return true;
 }
@@ -310,7 +310,7 @@ bool TRkMatCubes::SaveMatrix(
     TRkFString const source(matrix.FileName());
     if (source.IsSameFile(target) && matrix.StateCode() != lsChanged) return false;
     if (matrix.StateCode() == lsUnchanged && source.Exists()) {
-        // The file is as good as the matrix. False although it was written: callers expect it.
+        // The file has the content of the matrix. False although it was written: callers expect it.
         cubes::catalogue::copyMatrixFile(source.str(), target.str(), lock);
         return false;
     }
@@ -402,8 +402,8 @@ bool TRkMatCubes::Remove(char const* cubeName) const {
     return Delete(cubeName);
 }
 
-// The forms differ in the check of the cubes that goes before, and in the error for a target that
-// exists: callers tell the forms apart by it.
+// The forms differ in the check of the cubes before the transfer, and in the error for an existing target, by which
+// callers distinguish them.
 
 bool TRkMatCubes::Copy(short cubenr, short p, short m, short t, short u, short toCubenr, short toP, short toM,
     short toT, short toU, bool failIfExists, bool zeroBased) const {

@@ -23,7 +23,7 @@ void CreatedPaths::makeDirectory(std::string const& path) {
         makeDirectory(platform::fromPath(native.parent_path()));
     std::error_code error;
     if (std::filesystem::create_directory(native, error)) return paths_.push_back(path);
-    // Another process may have made it meanwhile.
+    // Another process may have created it meanwhile.
     if (platform::isDirectory(path)) return;
     throw TRkProjectException(
         "the directory '" + path + "' cannot be made: " + (error ? error.message() : "a file of that name exists"),

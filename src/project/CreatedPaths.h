@@ -5,8 +5,8 @@
 
 namespace cubes::project {
 
-/// The directories and files that a new project has brought into being. Unless they are kept
-/// they are removed again, and nothing else with them.
+/// The directories and files that a new project has created. The destructor removes them, and nothing else, unless they
+/// are kept.
 class CreatedPaths {
 public:
     CreatedPaths() = default;
@@ -14,9 +14,9 @@ public:
     CreatedPaths(CreatedPaths const&) = delete;
     CreatedPaths& operator=(CreatedPaths const&) = delete;
 
-    /// Makes a directory with all levels that are missing. Throws TRkProjectException.
+    /// Creates a directory with all missing levels. Throws TRkProjectException.
     void makeDirectory(std::string const& path);
-    /// A file that is about to be made; one that exists already is not ours.
+    /// Notes a file that is about to be created; one that exists already is not noted.
     void expectFile(std::string const& path);
     void keep() noexcept { paths_.clear(); }
 

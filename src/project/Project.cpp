@@ -37,7 +37,7 @@ std::string absoluteDirectory(std::string const& directory) {
     return path;
 }
 
-// A path of "cubes.toml" as the system takes it.
+// A path of "cubes.toml" as the system accepts it.
 std::string resolved(std::string const& root, std::string const& path) {
     return platform::absolutePath(platform::resolved(root, path));
 }
@@ -46,7 +46,7 @@ std::string resolvedUrl(std::string const& root, std::string const& url) {
     return database::isSqliteUrl(url) ? database::sqliteUrl(resolved(root, database::sqlitePath(url))) : url;
 }
 
-// The name first proposed, else with the first number under which no other project has tables.
+// The proposed name, or that name with the first number under which no other project has tables.
 std::string freeSchema(database::Session& session, std::string const& root) {
     std::string const proposal = ProjectUtils::toSqlSchemaName(AnsiString(root), {}).c_str();
     std::string schema = proposal;
@@ -57,8 +57,8 @@ std::string freeSchema(database::Session& session, std::string const& root) {
     return schema;
 }
 
-// SQLite makes the file that it is asked to open, and an empty database in the place of one that
-// is lost would be taken for a project without cubes.
+// SQLite creates the file that it is asked to open, and an empty database in place of a lost one would look like a
+// project without cubes.
 void requireDatabaseFile(std::string const& url) {
     if (!database::isSqliteUrl(url)) return;
     std::string const path = database::sqlitePath(url);
@@ -92,7 +92,7 @@ struct Project::Parts {
     TRkGlobalSettings settings;
     EntryStore store;
 
-    // The live projects of all threads; the one made current last stands last.
+    // The open projects of all threads; the last one made current is at the end.
     static std::mutex liveMutex;
     static std::vector<Parts*> live;
 };
@@ -144,7 +144,7 @@ Project Project::create(std::string const& directory, ProjectOptions const& opti
 Project Project::open(std::string const& directory) {
     std::string const root = absoluteDirectory(directory);
     if (!project::isProject(root))
-        throw TRkProjectException("'" + root + "' is no project: it has no \"cubes.toml\"", root);
+        throw TRkProjectException("'" + root + "' is not a project: it has no \"cubes.toml\"", root);
     ProjectFile const file = project::readProjectFile(root);
     auto const otherDatabase = platform::environment("CUBES_DATABASE");
     std::string const url = resolvedUrl(root, otherDatabase.value_or(file.database));

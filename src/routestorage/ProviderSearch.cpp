@@ -1,4 +1,4 @@
-// Where the libraries of a route-storage provider are looked for, and what is reported when none can be loaded.
+// The search for the libraries of a route-storage provider, and the message when none can be loaded.
 
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
 #include <cubes/text/TRkString.h>
@@ -16,8 +16,8 @@ namespace platform = cubes::platform;
 
 namespace {
 
-// The directories before those of the system's loader, each with its delimiter. The variable is
-// read at each load, so that a program can choose its provider while it runs.
+// The directories before those of the system's loader, each with its delimiter. The variable is read at each load, so a
+// program can choose its provider while it runs.
 std::vector<std::string> searchedDirectories() {
     std::vector<std::string> directories;
     std::istringstream path(platform::environment("CUBES_PROVIDER_PATH").value_or(""));

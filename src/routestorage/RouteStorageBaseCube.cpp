@@ -30,13 +30,13 @@ namespace {
 
 constexpr RkMatrixKind matrixKind = mkSelectedLink;
 
-/// What differs between the cubes of route sets and of route data.
+/// The differences between the cubes of route sets and of route data.
 struct RouteKind {
-    /// Below the matrix directory.
+    /// Relative to the matrix directory.
     char const* directory;
-    /// Has the provider make an empty file for the entry.
+    /// Lets the provider create an empty file for the entry.
     void (*createFile)(std::string const& file, Key const& key);
-    /// Gives the record the storage of the entry's file; none when the provider makes none.
+    /// Gives the record the storage of the entry's file; none when the provider creates none.
     void (*attachStorage)(RouteStorageCubeData& record, std::string const& file, Key const& key);
 };
 
@@ -77,7 +77,7 @@ Reference<RouteStorageInterface> storageOf(CubeDataInterface* data) {
     return Reference<RouteStorageInterface>(record ? record->getRouteStorage() : nullptr);
 }
 
-// Without a source file the target stays as it is.
+// Without a source file the target is left unchanged.
 void copyIfPresent(std::string const& source, std::string const& target) {
     if (target.empty() || !platform::isRegularFile(source) || platform::overlap(source, target)) return;
     std::string const task = "cannot copy " + source + " to " + target + ": ";
@@ -113,7 +113,7 @@ struct Change {
     long number;
 };
 
-// Writes the numbers into the row; false when there is no such row.
+// Writes the numbers to the row; false when there is no such row.
 bool changeRow(RouteStorageBaseCube const& cube, Key const& k, std::initializer_list<Change> changes) {
     auto table = cube.Open();
     bool const found = cube.LookUp(table, k[0], k[1], k[2], k[3], k[4], k[5], k[6], false);

@@ -1,4 +1,4 @@
-// The kinds of result cubes differ in what their entries are, hardly in what they do.
+// The kinds of result cubes differ in what their entries are, and hardly in behaviour.
 
 #include <cubes/varcubes/TRkCordonCube.h>
 #include <cubes/varcubes/TRkPathCube.h>
@@ -15,14 +15,14 @@
 
 namespace {
 
-// The body of a selected-link matrix that lives in a file; null for any other matrix.
+// The body of a selected-link matrix that has a file; null for any other matrix.
 TRkVLSelectedLinkMatrix const* selectedLinkFile(TRkMatrix const& matrix) {
     auto const* const body = dynamic_cast<TRkVLSelectedLinkMatrix const*>(matrix.Body());
     return body && *body->FileName() ? body : nullptr;
 }
 
-// Copies the file as it is, so that it stays a selected-link matrix and nothing is read or
-// compressed again. False also onto the matrix's own file, which stays as it is.
+// Copies the file unchanged, so that it stays a selected-link matrix and is not read or compressed again. False also
+// onto the matrix's own file, which is left unchanged.
 bool copyFlushed(TRkVLSelectedLinkMatrix const& matrix, TRkFString const& target) {
     matrix.Flush();
     return cubes::catalogue::copyMatrixFile(matrix.FileName(), target.str(), lsReadWrite);

@@ -32,7 +32,7 @@ using Table = CountedPtr<Rktable::TRkTableProxy>;
 using Keys = TRkAutoListT<TRkVarCubes::TKey>;
 
 constexpr std::size_t keyParts = std::tuple_size_v<ResultKey>;
-// In file names the number of the cube does not stand.
+// File names do not contain the number of the cube.
 constexpr std::size_t nameParts = keyParts - 1;
 
 template <typename Meaning>
@@ -41,11 +41,11 @@ struct ForCube {
     Meaning meaning;
 };
 
-// What an entry's matrix becomes once it is opened; in other cubes it keeps the kind it has.
+// The kind of an entry's matrix when it is opened; in other cubes it keeps the kind it has.
 constexpr ForCube<RkMatrixKind> openedKinds[] = {
     {ctStopToStop, mkStopToStop}, {ctPath, mkPath}, {ctTransit, mkTransit}, {ctScreenLine, mkScreenLine}};
 
-// What a cube writes that was constructed with the type of four-key matrices; others keep it.
+// The type that a cube writes if it was constructed with the type of four-key matrices; others keep theirs.
 constexpr ForCube<RkMatrixType> writtenTypes[] = {
     {ctStopToStop, mtStopToStop}, {ctScreenLine, mtScreenLine}, {ctSelectedLink, mtSelectedLink}, {ctCordon, mtCordon}};
 
@@ -60,13 +60,13 @@ bool writesUnderLock(RkCubeTypes cubeType) {
     return cubeType == ctScreenLine || cubeType == ctSelectedLink;
 }
 
-// The text as it is, made fit to be followed by a file name.
+// The text with a delimiter at its end, so that a file name can follow.
 TRkFString withTrailingDelimiter(std::string text) {
     if (!text.empty() && text.back() != cubes::platform::pathDelimiter()) text += cubes::platform::pathDelimiter();
     return text;
 }
 
-// A matrix that works in place on this very file has nothing to save unless it was changed.
+// A matrix that works in place on this very file need not be saved unless it was changed.
 bool isSaved(TRkMatrix const& matrix, TRkFString const& target, RkLockState lock) {
     bool const inPlace = (lock & lsInPlace) && TRkFString(matrix.FileName()).IsSameFile(target);
     return inPlace && matrix.StateCode() != lsChanged;
@@ -101,13 +101,13 @@ bool readDecimalName(std::string const& text, std::array<int*, nameParts> const&
     return true;
 }
 
-// Rows come in the order of their keys, except from a table that was defined elsewhere.
+// Rows come in the order of their keys, except from a table that another program created.
 void sortIfNeeded(Keys& list) {
     for (int i = 1; i < list.Count(); ++i)
         if (TRkVarCubes::TKeySortCompare(list[i - 1], list[i]) > 0) return list.Sort(TRkVarCubes::TKeySortCompare);
 }
 
-// Names the keys' cubes; returns whether the last one is known.
+// Sets the names of the keys' cubes; returns whether the last one is known.
 bool nameCubes(Register cubes, Keys& list) {
     bool isKnown = true;
     for (int i = 0; i < list.Count(); ++i) {
@@ -118,14 +118,14 @@ bool nameCubes(Register cubes, Keys& list) {
     return isKnown;
 }
 
-// Places the file of one entry at another entry's path; returns whether that worked.
+// Puts the file of one entry at another entry's path; returns whether it succeeded.
 using FileOperation = bool (*)(std::string const& source, std::string const& target);
 
 // Copies or moves an entry, within a cube object or from another one.
 struct Transfer {
     TRkVarCubes const& source;
     TRkVarCubes& target;
-    // With the numbers of their cubes, as they were handed in.
+    // With the numbers of their cubes, as the caller passed them.
     ResultKey from;
     ResultKey to;
     bool failIfExists;
@@ -155,10 +155,10 @@ private:
         auto targetTable = target.Open();
         auto const sourceTable = &source == &target ? targetTable : source.Open();
         if (!targetTable || !lookUp(source, sourceTable, from)) return false;
-        // Read at once: looking up the target may move this very cursor.
+        // Read at once: looking up the target may move the same cursor.
         std::string const sourceFile = pathOf(source, *sourceTable);
         if (failIfExists && lookUp(target, targetTable, to)) throw TRkCubesException(TRkCubesException::ecCubeExists);
-        // Looking up alone honours the flag: callers know the target under the key they gave.
+        // Only the look-up uses the flag: callers know the target under the key that they passed.
         return target.Add(
                    targetTable, to[0], to[1], to[2], to[3], to[4], to[5], to[6], 0, -1, -1, -1, -1, -1, -1, false) &&
                place(sourceFile, pathOf(target, *targetTable));
@@ -275,17 +275,17 @@ bool TRkVarCubes::Add(Table table, short cubenr, short p, short m, short t, shor
     EntryTable entries(*table, keyParts);
     if (!entries.hasKey()) return true;
     ResultKey const parent = {parentcubenr, pp, pm, pt, pu, pr, pi};
-    // False also when others have removed the entry since it was found.
+    // False also when another process has removed the entry since it was found.
     auto const changeParentIfThere = [&] {
         return LookUp(table, cubenr, p, m, t, u, r, i, zeroBased) && entries.changeParent(parent);
     };
     if (changeParentIfThere()) return true;
     auto const key = storedKey(ResultKey{cubenr, p, m, t, u, r, i}, zeroBased);
     if (!key) return false;
-    // Made before the row is begun: a number that the name cannot hold leaves no half-made row.
+    // Formed before the row is begun: a number that the name cannot hold leaves no half-made row.
     auto const& [cube, kp, km, kt, ku, kr, ki] = *key;
     std::string const name = (createFilename(kp, km, kt, ku, kr, ki) + extension_).str();
-    // Another process may add the entry at the same moment, and remove it again.
+    // Another process may add the entry at the same time, and remove it again.
     if (entries.insert(*key, name, parent) || changeParentIfThere() || entries.insert(*key, name, parent)) return true;
     throw TRkDatabaseException(
         "cannot add entry " + cubes::catalogue::displayKey(*key) + ": others add and remove it at the same time");
@@ -358,7 +358,7 @@ bool TRkVarCubes::Get(TRkAutoListT<TKey>& list) const {
     });
 }
 
-// Appends the entries that nobody uses, of all cubes; those of a parent when there is one.
+// Appends the entries that nobody uses, of all cubes; only those of a parent when there is one.
 bool TRkVarCubes::AppendFree(TRkAutoListT<TKey>& list, ResultKey const* parent) const {
     auto table = Open();
     return table && falseWithoutTable([&] {
@@ -378,8 +378,8 @@ bool TRkVarCubes::GetAllCubes(TRkAutoListT<TKey>& list) const {
     return AppendFree(list, nullptr) && nameCubes(Register(TRkBaseCubes::Open()), list);
 }
 
-// The children are what GetAllCubes lists, except entries of another parent: the database filters
-// those out, which reads a few rows instead of all.
+// The children are the entries of GetAllCubes with that parent. The database filters them, so that only a few rows are
+// read.
 void TRkVarCubes::GetPmturis(
     short parentcubenr, short pp, short pm, short pt, short pu, short pr, short pi, TRkAutoListT<TKey>& list) const {
     ProjectCall const call(settings_);
@@ -390,8 +390,7 @@ void TRkVarCubes::GetPmturis(
     for (int i = 0; i < children.Count(); ++i) list.Add(new TKey(*children[i]));
 }
 
-// Result cubes keep parents through Add alone and attach no data: route cubes give these operations
-// their meaning.
+// Result cubes have parents only through Add and attach no data: route cubes implement these operations.
 
 bool TRkVarCubes::SetData(CubeDataInterface*, short, short, short, short, short, short, short, short, short, short,
     short, short, short, bool) {
@@ -426,11 +425,11 @@ bool TRkVarCubes::GetChilds(short, short, short, short, short, short, TRkAutoLis
 
 bool TRkVarCubes::Set(
     short p, short m, short t, short u, short r, short i, TRkMatrix const& matrix, RkLockState lock, bool zeroBased) {
-    // Numbers that a key or a file's name cannot hold end here, before anything is lost.
+    // Numbers that a key or a file's name cannot hold are rejected here, before anything is lost.
     if (MatrixFile(p, m, t, u, r, i, zeroBased).IsEmpty()) return false;
     MakeFilename(p, m, t, u, r, i);
     if (Check(p, m, t, u, r, i, zeroBased)) Clear(p, m, t, u, r, i, zeroBased);
-    // Callers rely on what is added here: the key as it was handed in, with the flag as parent cube.
+    // Callers rely on this row: the key as it was passed, with the flag as parent cube.
     short const parent = zeroBased ? 1 : 0;
     Add(p, m, t, u, r, i, parent, -1, -1, -1, -1, -1, -1, false);
     return SaveMatrix(matrix, p, m, t, u, r, i, lock, zeroBased);

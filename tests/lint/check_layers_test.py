@@ -69,7 +69,7 @@ BAD = [
     ("src/core/A.cpp", "#include <sys/stat.h>", "system headers belong into src/host/platform"),
     ("src/core/A.cpp", "#ifdef _WIN32", "platform differences belong into src/host/platform"),
     ("src/core/A.cpp", "#if !defined(__linux__)", "platform differences belong into src/host/platform"),
-    ("src/news/A.cpp", "#include <vector>", "lies in no known area"),
+    ("src/news/A.cpp", "#include <vector>", "is not in a known area"),
     ("src/tool/A.cpp", '#include "core/Base40.h"', "its own files only"),
     ("src/tool/A.cpp", '#include "../core/Base40.h"', "its own files only"),
     ("src/tool/A.cpp", '#include "host/hdf5/Hdf5.h"', "<cubes/...>, host/platform and its own files only"),

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The kind of cube that a catalogue serves. The negative ones are also the cube numbers of
-/// their entries. Any number may be cast in.
+/// The kind of cube that a catalogue serves. The negative ones are also the cube numbers of their entries. Any number
+/// may be cast to it.
 enum RkCubeTypes : int {
     ctMatrix = 0,
     ctSkim = -1,

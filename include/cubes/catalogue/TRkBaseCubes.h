@@ -15,12 +15,12 @@
 class TRkDBDataDictionary;
 class TRkGlobalSettings;
 
-/// The base of every cube catalogue: the register table "cube", in which each cube of a project
-/// is one row with a number and a name, and what all catalogues need to know of themselves.
+/// The base of every cube catalogue: the register table "cube", in which each cube of a project is one row with a
+/// number and a name, and the properties that all catalogues have.
 ///
-/// A catalogue holds no open cursor between calls. Settings and connection are lent, never freed;
-/// copies share them. A register that cannot be opened (no settings, no dictionary, no table) is
-/// reported by false, 0 or an empty text; errors of the database pass through unchanged.
+/// A catalogue holds no open cursor between calls. It does not own its settings and connection; copies share them. A
+/// register that cannot be opened (no settings, no dictionary, no table) is reported by false, 0 or an empty text;
+/// errors of the database pass through unchanged.
 class CUBES_API TRkBaseCubes : public TRkBase {
 public:
     /// One row of the register.
@@ -34,10 +34,10 @@ public:
         TRkString name;
     };
 
-    /// Format version of new file names: above 3 the decimal form, else the base-40 form.
-    /// Writable at run time, read at each call; rows keep the names they have.
+    /// Format version of new file names: above 3 the decimal form, otherwise the base-40 form. Can be changed at run
+    /// time and is read at each call; existing rows keep their names.
     static int Version;
-    /// The digits of the base-40 code, in order. There is no "u".
+    /// The digits of the base-40 code, in order. It has no "u".
     static char const* const letters;
     /// The register table's name: "cube".
     static char const* const ObjectName;
@@ -65,15 +65,15 @@ public:
     TRkFString const& MatrixDirectory() const;
     AnsiString const& getMatrixSchema() const;
     void setMatrixSchema(AnsiString const& schema);
-    /// Does nothing and gives false.
+    /// Does nothing and returns false.
     bool Refresh();
 
-    /// An opened cursor on the register, over the current connection; empty when it cannot be had.
+    /// An open cursor on the register, over the current connection; empty when it cannot be opened.
     CountedPtr<Rktable::TRkTableProxy> Open() const;
     /// Closes the cursor and empties the pointer; false for an empty pointer.
     bool Close(CountedPtr<Rktable::TRkTableProxy>& table) const;
-    /// Places the cursor on the row of that number or name; false when it is not there. A name is
-    /// cut to the column's size first and compared without regard to letter case.
+    /// Moves the cursor to the row of that number or name; false when there is none. A name is cut to the column's size
+    /// first and compared without regard to letter case.
     bool LookUp(CountedPtr<Rktable::TRkTableProxy> table, short cubenr) const;
     bool LookUp(CountedPtr<Rktable::TRkTableProxy> table, char const* name) const;
     /// Whether the cube exists. A negative number means no particular cube and is always true,
@@ -84,15 +84,15 @@ public:
     /// 0 for an unknown name.
     short CubeNameToNr(char const* name) const;
 
-    /// Registers a cube under the highest number in use plus one, at least 1; a cube of that name
-    /// stays as it is. True unless the register cannot be opened, the name is null or the numbers
-    /// are used up. Processes that add at once do not disturb each other.
+    /// Registers a cube under the highest number in use plus one, at least 1; a cube of that name is left unchanged.
+    /// True unless the register cannot be opened, the name is null or the numbers are used up. Processes may add cubes
+    /// at the same time.
     bool Add(char const* name) const;
     /// Whether a cube exists. Unlike LookUp(short), a negative number is searched like any other.
     bool Check(char const* name) const;
     bool Check(short cubenr) const;
     bool Exist(char const* name) const;
-    /// Removes the cube's row; true if it was there. Entries and files are not touched.
+    /// Removes the cube's row; true if there was one. Entries and files are not changed.
     bool Clear(char const* name) const;
     bool Clear(short cubenr) const;
     /// The same as Clear(name).
@@ -101,10 +101,9 @@ public:
     /// Fills the list with all cubes, in the order of their numbers.
     bool Get(TRkAutoListT<TKey>& list) const;
 
-    /// Checks before cubes are copied, by number; entries are not touched. Throws
-    /// TRkCubesException: ecFromCubeMissing when the source does not have `from`; ecCubeExists
-    /// when `failIfExists` and `to` is another, existing, non-negative cube; ecToCubeMissing when
-    /// this catalogue does not have `to`. Negative numbers count as present.
+    /// Checks before cubes are copied, by number; entries are not changed. Throws TRkCubesException: ecFromCubeMissing
+    /// when the source does not have `from`; ecCubeExists when `failIfExists` and `to` is another, existing,
+    /// non-negative cube; ecToCubeMissing when this catalogue does not have `to`. Negative numbers count as present.
     bool Copy(TRkBaseCubes const& source, bool failIfExists, short from, short to) const;
     bool Copy(bool failIfExists, short from, short to) const;
     bool Move(TRkBaseCubes const& source, bool failIfExists, short& from, short& to) const;

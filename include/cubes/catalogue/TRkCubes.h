@@ -7,19 +7,19 @@
 /// its reserved row, under a negative number that no user cube can take.
 class CUBES_API TRkCubes : public TRkBaseCubes {
 public:
-    /// The reserved rows: CubeNames[i] stands under the number CubeTypes[i].
+    /// The reserved rows: the row of CubeTypes[i] has the name CubeNames[i].
     static char const* const CubeNames[6];
     static RkCubeTypes const CubeTypes[6];
 
-    /// Constructs and calls Init(); a database error while it adds rows passes out.
+    /// Constructs and calls Init(); a database error while it adds rows is thrown.
     explicit TRkCubes(TRkGlobalSettings* settings);
     TRkCubes(TRkCubes const&);
     TRkCubes& operator=(TRkCubes const&);
     ~TRkCubes() override;
 
-    /// Adds the reserved rows that are missing; one that exists is left as it is, whatever its
-    /// name. False when the register cannot be opened.
+    /// Adds the missing reserved rows; an existing one is left unchanged, whatever its name. False when the register
+    /// cannot be opened.
     bool Init();
-    /// All cubes of the register, the reserved ones among them.
+    /// All cubes of the register, including the reserved ones.
     bool Get(TRkAutoListT<TRkBaseCubes::TKey>& list) const;
 };

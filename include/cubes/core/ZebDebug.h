@@ -4,12 +4,12 @@
 
 #include <string>
 
-/// The debug log of a process: lines appended to "debug.log" in the user's temporary directory and
-/// passed to an attached debugger, while the environment variable "ZEB.DEBUG" is "true" in any
-/// letter case. Every call reads the variable.
+/// The debug log of a process: lines appended to "debug.log" in the user's temporary directory and passed to an
+/// attached debugger, while the environment variable "ZEB.DEBUG" is "true" in any letter case. Every call reads the
+/// variable.
 ///
-/// No operation throws or reports a failure: what cannot be written is lost. The calling thread's
-/// last system error stays as it was. Any thread may call any operation.
+/// No operation throws or reports a failure: a message that cannot be written is lost. The calling thread's last system
+/// error does not change. Any thread may call any operation.
 ///
 /// Narrow texts are written unchanged, wide ones in the narrow encoding (UTF-8 off Windows). A null
 /// text counts as an empty one.
@@ -58,9 +58,8 @@ public:
     /// "failed with error 2: [No such file or directory]".
     static void writeLastError();
 
-    /// Writes a place in the program: "a.cpp@12 f text". Of the file only the last component is
-    /// shown (after the last "\", or the last "/" without a "\"). A null file omits line and
-    /// function as well; a null text is omitted.
+    /// Writes a place in the program: "a.cpp@12 f text". Only the last component of the file is shown (after the last
+    /// "\", or the last "/" without a "\"). A null file omits line and function as well; a null text is omitted.
     static void writeTrace(char const* file, int line, char const* function, char const* text);
 
     /// Writes the call stack under the heading "writeStack", the innermost call first, one line a

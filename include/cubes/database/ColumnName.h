@@ -12,7 +12,7 @@ class CUBES_API ColumnName {
 public:
     ColumnName(char const* name) : text_(name ? name : "") {}
     ColumnName(std::string name) : text_(std::move(name)) {}
-    /// Wide names are made narrow in the platform's narrow encoding.
+    /// Wide names are converted to the platform's narrow encoding.
     ColumnName(wchar_t const* name);
     ColumnName(std::wstring const& name);
 

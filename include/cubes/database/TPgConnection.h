@@ -20,13 +20,13 @@ namespace Pgaccess {
 /// A forked process connects to its PostgreSQL server anew with its first statement; inside a
 /// transaction, and on SQLite, it is refused with an error. There each process opens its own.
 ///
-/// A lost server is reported by the operation that notices, as a TRkDatabaseException that names
-/// the server; the next operation connects again, so that the object serves on once the server is back.
+/// A lost server is reported by the operation that notices it, as a TRkDatabaseException that names the server; the
+/// next operation reconnects, so the object works again when the server is back.
 class CUBES_API TPgConnection {
 public:
-    /// Opens the database that `url` names: "sqlite:PATH" (made when missing) or "postgresql://...".
-    /// Passwords come from the URL or libpq's own ways and are never printed or stored.
-    /// Throws TRkDatabaseException when it cannot be opened.
+    /// Opens the database that `url` names: "sqlite:PATH" (created when missing) or "postgresql://...". Passwords come
+    /// from the URL or from where libpq looks for them, and are never printed or stored. Throws TRkDatabaseException
+    /// when the database cannot be opened.
     explicit TPgConnection(std::string const& url);
     ~TPgConnection();
     TPgConnection(TPgConnection const&) = delete;
@@ -34,9 +34,9 @@ public:
 
     /// The URL without a password.
     std::string const& Url() const noexcept;
-    /// Runs one SQL statement that gives no rows, in the backend's own dialect; for definitions
-    /// and for tests. What is known of tables is read anew afterwards.
-    /// Throws TRkDatabaseException with the statement and the database's reason.
+    /// Runs one SQL statement that returns no rows, in the backend's own dialect; for definitions and for tests.
+    /// Afterwards the descriptions of tables are read again. Throws TRkDatabaseException with the statement and the
+    /// database's reason.
     void Execute(std::string const& sql);
 
     /// The backend's side of the connection, for the library's own use.

@@ -6,12 +6,11 @@ namespace Pgaccess {
 class TPgConnection;
 }
 
-/// Holds the current connection: one per thread, with a process-wide fallback. Never owns it; a
-/// connection that is destroyed is current nowhere any more. Any thread may call at any time.
+/// Holds the current connection: one per thread, with a process-wide fallback. Never owns it; a destroyed connection is
+/// no longer current in any thread. Any thread may call at any time.
 class CUBES_API TRkConnectionManager {
 public:
-    /// The connection that this thread set; where it set none, the one set last in any thread.
-    /// Null when there is none.
+    /// The connection that this thread set; if it set none, the one that any thread set last. Null when there is none.
     Pgaccess::TPgConnection* CurrentConnection() const noexcept;
     /// Sets the current connection of this thread and the process-wide one. Null leaves this thread
     /// without one until a connection is set in any thread, so that it does not go on in another

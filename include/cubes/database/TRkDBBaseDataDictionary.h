@@ -12,8 +12,8 @@ class CUBES_API TRkDBBaseDataDictionary {
 public:
     virtual ~TRkDBBaseDataDictionary();
 
-    /// The database that data tables are searched in, so that a project finds its own while
-    /// another one is current. Null, as constructed: the current one.
+    /// The database in which data tables are searched, so that a project finds its own tables while another project is
+    /// current. Null, the default: the current one.
     void SetConnection(Pgaccess::TPgConnection* connection) noexcept { connection_ = connection; }
 
     /// A cursor on a table, not yet opened and without a connection; empty when the dictionary
@@ -21,10 +21,9 @@ public:
     /// leaves the table name as it is. A null table name gives an empty pointer.
     virtual CountedPtr<Rktable::TRkTableProxy> BuildTable(char const* table, AnsiString const& schema);
 
-    /// Fills `tables` with a cursor for every data table of that object in that schema: for
-    /// "cube" those aliased "cube4data1" and "cube5data1". False when there is none. Which of them
-    /// are there is remembered by the connection once there is one; a table that is dropped is
-    /// noticed by the operation that misses it.
+    /// Fills `tables` with a cursor for every data table of that object in that schema: for "cube" those aliased
+    /// "cube4data1" and "cube5data1". False when there is none. The connection remembers which of them exist once there
+    /// is at least one; a table that is dropped later is noticed by the operation that does not find it.
     virtual bool BuildDataTables(
         char const* table, std::vector<CountedPtr<Rktable::TRkTableProxy>>& tables, AnsiString const& schema);
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-/// An error of the database layer: what was asked, of which database, and the database's reason.
+/// An error of the database layer: the operation, the database, and the database's reason.
 class CUBES_API TRkDatabaseException : public TRkException {
 public:
     /// `sqlState`: the five-character code of SQL, empty when there is none. `statement`: the SQL
@@ -16,11 +16,11 @@ public:
     ~TRkDatabaseException() override;
 
     std::string const& SqlState() const noexcept { return sqlState_; }
-    /// Whether a row with that unique or primary key was there already.
+    /// Whether a row with that unique or primary key already exists.
     bool IsDuplicateKey() const noexcept { return sqlState_ == "23505"; }
-    /// Whether the row to be changed is not there any more.
+    /// Whether the row to be changed no longer exists.
     bool IsMissingRow() const noexcept { return sqlState_ == "02000"; }
-    /// Whether the table is not there.
+    /// Whether the table does not exist.
     bool IsMissingTable() const noexcept { return sqlState_ == "42P01"; }
     std::string const& Statement() const noexcept { return statement_; }
 

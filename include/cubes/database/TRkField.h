@@ -12,9 +12,8 @@ class Cursor;
 
 namespace Rktable {
 
-/// One column of a cursor's current row. Belongs to its cursor and follows it
-/// from row to row, until the cursor is closed. Reading throws TRkDatabaseException where the
-/// cursor stands on no row.
+/// One column of a cursor's current row. Belongs to its cursor and follows it from row to row, until the cursor is
+/// closed. Reading throws TRkDatabaseException when the cursor has no current row.
 class CUBES_API TRkField {
 public:
     /// The value as a whole number: 0 for null; a text by the number it begins with.
@@ -30,7 +29,7 @@ public:
     bool IsNull() const;
     /// Makes the value null. Throws like SetAsInteger.
     void Clear();
-    /// The text as this column would store it: cut to what it holds.
+    /// The text as this column would store it: cut to the column's size.
     TRkString Stored(char const* text) const;
     /// The greatest number of characters that a text column holds; 0 for other columns and for
     /// texts without a limit.

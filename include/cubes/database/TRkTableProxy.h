@@ -64,47 +64,47 @@ public:
     void SetConnection(Pgaccess::TPgConnection* connection);
     /// Opens the table. The cursor is then on the first row, or at the end of an empty table.
     void Open();
-    /// Closes the table; a change that was not posted is dropped. A closed cursor stays closed.
+    /// Closes the table; a change that was not posted is lost. A closed cursor stays closed.
     void Close();
 
     void First();
     void Next();
-    /// Whether the cursor stands past the last row.
+    /// Whether the cursor is past the last row.
     bool GetEof();
 
-    /// The field of that column. An unknown column throws. Names are compared exactly, else by a
-    /// single match without regard to letter case.
+    /// The field of that column. An unknown column throws. An exact match of the name is preferred, then a single match
+    /// without regard to letter case.
     TRkField* FieldByName(ColumnName const& name);
     /// The same; null when the table has no such column.
     TRkField* FindField(ColumnName const& name);
 
     /// Goes to the first row, in primary-key order, whose columns equal the values; true if found.
     /// `keys`: column names joined by ";", as many as there are values. Null equals nothing.
-    /// One prepared statement, kept by the connection. When not found the position is undefined.
+    /// Uses one prepared statement, cached by the connection. When no row is found, the position is undefined.
     bool Locate(ColumnName const& keys, Value const& value, LocateOptions options = {});
     bool Locate(ColumnName const& keys, std::vector<Value> const& values, LocateOptions options = {});
 
-    /// Shows only the rows that satisfy the condition of an SQL WHERE clause (empty: all) and
-    /// goes to the first of them. The text goes to the database as it stands.
+    /// Shows only the rows that satisfy the condition of an SQL WHERE clause (empty: all) and goes to the first of
+    /// them. The text is passed to the database unchanged.
     void SetFilterSQL(std::string const& condition);
 
     /// Starts a new row, with all columns null.
     void Append();
     /// Starts changing the current row.
     void Edit();
-    /// Writes the new or changed row; the cursor is then on it. Only the columns that were
-    /// set are written. A new row whose key exists already throws with SqlState() "23505".
+    /// Writes the new or changed row, which becomes the current one. Only the columns that were set are written. A new
+    /// row whose key exists already throws with SqlState() "23505".
     void Post();
-    /// Deletes the current row; the cursor is then on the next row or at the end. A row that
-    /// others have deleted meanwhile is deleted. Throws where the row stays, because its key holds
-    /// null or a trigger keeps it; the cursor is then still on it.
+    /// Deletes the current row; the cursor then is on the next row or at the end. A row that others have deleted
+    /// meanwhile counts as deleted. Throws when the row cannot be deleted, because its key holds null or a trigger
+    /// prevents it; the cursor then stays on it.
     void Delete();
 
-    /// Adds 1 to a whole-number column of the current row, null counting as 0, in one statement:
-    /// of several processes that raise it at once none is lost. False when the row is gone.
+    /// Adds 1 to a whole-number column of the current row, null counting as 0, in one statement, so that concurrent
+    /// processes lose no increment. False when the row no longer exists.
     bool Raise(ColumnName const& column);
-    /// Takes 1 from a whole-number column of the current row when it is above 0, and leaves any
-    /// other value, in one statement. False when the row is gone.
+    /// Subtracts 1 from a whole-number column of the current row when it is above 0, and leaves any other value, in one
+    /// statement. False when the row no longer exists.
     bool Lower(ColumnName const& column);
     /// The greatest value of a whole-number column over all rows shown; nothing without rows.
     std::optional<long> Greatest(ColumnName const& column);

@@ -3,9 +3,9 @@
 #include <cubes/Export.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 
-/// The cube of fares, number -8. It needs no row in the register. Operations that take the name of
-/// a cube ignore it; what an operation says of itself stands with its twin by number in TRkMatCubes.
-/// Through a reference to TRkMatCubes names and numbers count: nothing here is virtual.
+/// The cube of fares, number -8. It needs no row in the register. Operations that take the name of a cube ignore it;
+/// the operations by number in TRkMatCubes document results and errors. Through a reference to TRkMatCubes, names and
+/// numbers count: no function here is virtual.
 class CUBES_API TRkFareCube : public TRkMatCubes {
 public:
     /// ".frs".
@@ -15,7 +15,7 @@ public:
     TRkFareCube(TRkGlobalSettings* settings, bool flag);
     /// A null or empty directory is taken from the settings.
     TRkFareCube(TRkGlobalSettings* settings, char const* matrixDir, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkFareCube(TRkGlobalSettings*, char const*) = delete;
     TRkFareCube(TRkFareCube const&);
     TRkFareCube& operator=(TRkFareCube const&);
@@ -24,7 +24,7 @@ public:
     /// "StopCube".
     char const* Name() const;
 
-    /// Adds the entry; nothing is registered. False without an entry table.
+    /// Adds the entry; no cube is registered. False without an entry table.
     bool Add(short p, short m, short t, short u, bool zeroBased) const;
     bool Add(char const* cubeName, short p, short m, short t, short u, bool zeroBased) const;
     bool Check(short p, short m, short t, short u, bool zeroBased) const;
@@ -62,7 +62,7 @@ public:
 
     /// Removes all fares with their files.
     bool Clear() const;
-    /// There is no cube to register or to remove: these do nothing and give false.
+    /// There is no cube to register or to remove: these do nothing and return false.
     bool Add() const;
     bool Check() const;
     bool Delete() const;

@@ -5,19 +5,18 @@
 
 #include <optional>
 
-/// One cube of matrices, bound by its name: every operation works on this cube, and a key alone
-/// names an entry. What an operation says of itself stands with its twin by name in TRkMatCubes.
+/// One cube of matrices, bound by its name: every operation works on this cube, and a key alone names an entry. The
+/// operations by name in TRkMatCubes document results and errors.
 class CUBES_API TRkMatCube : public TRkMatCubes {
 public:
     /// ".odm".
     static char const* const Ext;
 
-    /// The cube need not exist; null names none, and then nothing is found or added. `flag`: passed
-    /// to new matrices.
+    /// The cube need not exist; null binds none, and then no entry is found or added. `flag`: passed to new matrices.
     TRkMatCube(TRkGlobalSettings* settings, char const* name, bool flag);
     /// A null or empty directory is taken from the settings.
     TRkMatCube(TRkGlobalSettings* settings, char const* matrixDir, char const* name, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkMatCube(TRkGlobalSettings*, char const*, char const*) = delete;
     TRkMatCube(TRkMatCube const&);
     TRkMatCube& operator=(TRkMatCube const&);
@@ -25,7 +24,7 @@ public:
 
     /// The empty text when no cube is bound.
     char const* Name() const;
-    /// Binds another cube, or with null none.
+    /// Binds another cube; null binds none.
     void Name(char const* name);
 
     /// Registers the cube when it is new, and adds the entry.
@@ -43,8 +42,8 @@ public:
     /// matrix without that risk.
     bool Set(short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock, bool zeroBased);
 
-    /// Copies within the cube. With `failIfExists` an existing target entry throws ecMatrixExists;
-    /// that source and target are the same cube throws nothing here.
+    /// Copies within the cube. With `failIfExists` an existing target entry throws ecMatrixExists; source and target in
+    /// the same cube are not an error here.
     bool Copy(short p, short m, short t, short u, short toP, short toM, short toT, short toU, bool failIfExists,
         bool zeroBased) const;
 

@@ -32,9 +32,9 @@ public:
     /// numbers outside its range become infinite. Zone numbers are those of the lookup named "zone", "taz", "no" or the
     /// like, or of the only lookup, when they are distinct whole numbers, one for each row of a square table.
     TRkMatrix read(std::string const& table) const;
-    /// Whether the elements of a table and their zone numbers agree with the content id that was recorded with them
-    /// (in files of the first version, the elements with their checksum). A table without either counts as intact:
-    /// another program wrote it.
+    /// Whether the elements of a table and their zone numbers agree with the content id that was recorded with them (in
+    /// files of the first version, the elements with their checksum). A table of another program, which has neither,
+    /// counts as intact.
     bool isIntact(std::string const& table) const;
 
     /// Writes a matrix as the only table of a file; an old file is replaced atomically. The storage rule of the

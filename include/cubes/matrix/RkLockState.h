@@ -1,7 +1,7 @@
 #pragma once
 
-/// The lock under which a matrix file is opened or created. Any number may be cast in and passes
-/// through unchanged; the bit of value 2 requests an exclusive write lock.
+/// The lock under which a matrix file is opened or created. Any number may be cast to it and passes through unchanged;
+/// the bit of value 2 requests an exclusive write lock.
 enum RkLockState : int {
     lsNone = 0,
     lsRead = 1,

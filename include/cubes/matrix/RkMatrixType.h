@@ -1,7 +1,7 @@
 #pragma once
 
-/// The element type recorded in a matrix file. Any number may be cast in and passes through
-/// unchanged. Elements are single-precision values for every type.
+/// The element type recorded in a matrix file. Any number may be cast to it and passes through unchanged. Elements are
+/// single-precision values for every type.
 enum RkMatrixType : int {
     mtMatrixCube = 7,
     mtSelectedLink = 12,

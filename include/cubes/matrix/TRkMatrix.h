@@ -31,13 +31,12 @@ void dropZones(TRkMatrix& matrix);
 /// may use one object, for reading as well.
 class CUBES_API TRkMatrix {
 public:
-    /// An empty object, not valid; serves for GetHeader.
+    /// An empty object, which is not valid; for calls of GetHeader.
     TRkMatrix();
-    /// Opens a matrix file. When that fails, because the file is missing, damaged, truncated, no matrix or locked,
-    /// IsValid() returns false and Reason() the cause.
-    /// The kind stored in the file overrides `kind`. `name` is the display name; null or empty: the one stored in the
-    /// file. With the bit of value 2 in `lock` the file is locked against all other writers; opening for reading takes
-    /// no lock. The unnamed arguments are ignored.
+    /// Opens a matrix file. When that fails, because the file is missing, damaged, truncated, locked or not a matrix
+    /// file, IsValid() returns false and Reason() the cause. The kind stored in the file overrides `kind`. `name` is
+    /// the display name; null or empty: the one stored in the file. With the bit of value 2 in `lock` the file is
+    /// locked against all other writers; opening for reading takes no lock. The unnamed arguments are ignored.
     TRkMatrix(char const* fileName, int, char const* name, bool, RkMatrixKind kind, RkLockState lock, int);
     /// Creates a matrix for a new file: `rows` x `columns` zeros. The file appears, or replaces an old one, when
     /// AssignFrom has filled the matrix or when a matrix filled by rows is destroyed. When nothing was written no file
@@ -78,8 +77,8 @@ public:
     /// a matrix opened from a file, or to a new one after AssignFrom, changes this object alone. Throws
     /// TRkMatrixException for a row outside the matrix or an object that is not valid. `access` is ignored.
     virtual float* RowAt(int row, int access);
-    /// Closes the file and releases its write lock and the rows read from it; what was written to those rows is lost.
-    /// The header stays. A later access to elements opens the file again, in the state it has then, and throws when it
+    /// Closes the file and releases its write lock and the rows read from it; changes to those rows are lost. The
+    /// header is kept. A later access to elements opens the file again, in its state at that time, and throws when it
     /// has other dimensions. Does nothing to a matrix in memory or to a new file that is being filled.
     virtual void Release();
     /// Called on a matrix before its file name is asked for when it is saved.

@@ -16,7 +16,7 @@ public:
 
     /// The file concerned; empty for a matrix in memory.
     std::string const& File() const noexcept { return file_; }
-    /// The system's error, as std::errc::no_space_on_device; empty where the cause is another one.
+    /// The system's error, as std::errc::no_space_on_device; empty when the cause is not a system error.
     std::error_code Code() const noexcept { return code_; }
 
 private:

@@ -5,8 +5,8 @@
 
 namespace ProjectPathHelpers {
 
-/// The root of the project that `directory` lies in (the nearest directory upward with a
-/// "cubes.toml"), else the directory itself; without a trailing delimiter.
+/// The root of the project that contains `directory` (the nearest directory upward with a "cubes.toml"), or the
+/// directory itself outside of projects; without a trailing delimiter.
 CUBES_API AnsiString getProjectDirectory(AnsiString directory);
 
 }

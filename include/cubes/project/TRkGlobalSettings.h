@@ -8,14 +8,14 @@
 
 class TRkObject;
 
-/// The settings of one project: its directories, and objects under keys.
+/// The settings of one project: its directories, and objects stored by key.
 class CUBES_API TRkGlobalSettings {
 public:
     TRkGlobalSettings() = default;
     /// Directories with or without a trailing delimiter.
     TRkGlobalSettings(TRkFString matrixDirectory, TRkFString workingDirectory);
 
-    /// The object stored under `key`, still owned by who stored it; null when there is none.
+    /// The object stored under `key`, still owned by the caller that stored it; null when there is none.
     TRkObject* Get(char const* key) const;
     /// Stores an object without taking ownership; null removes the entry. A null key does nothing.
     void Set(char const* key, TRkObject* value);

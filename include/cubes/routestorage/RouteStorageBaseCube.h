@@ -22,7 +22,7 @@ public:
     using TRkVarCubes::Add;
     using TRkVarCubes::Get;
 
-    /// Nothing is stored: false.
+    /// Stores nothing and returns false.
     bool Set(short p, short m, short t, short u, short r, short i, TRkMatrix const& matrix, RkLockState lock,
         bool zeroBased) override;
     /// Null.
@@ -34,7 +34,7 @@ public:
     /// Null.
     TRkMatrixHeader const* GetHeader(
         short p, short m, short t, short u, short r, short i, bool zeroBased) const override;
-    /// Nothing is stored: false.
+    /// Stores nothing and returns false.
     bool SaveMatrix(TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i, RkLockState lock,
         bool zeroBased) override;
 
@@ -82,7 +82,7 @@ public:
     TRkString createFilename(short p, short m, short t, short u, short r, short i) const override;
 
 protected:
-    /// `directory`: null or empty stands for the settings' working directory.
+    /// `directory`: null or empty selects the settings' working directory.
     RouteStorageBaseCube(TRkGlobalSettings* settings, char const* directory, char const* extension,
         RkCubeTypes cubeType, RkMatrixType matrixType);
     RouteStorageBaseCube(RouteStorageBaseCube const&);

@@ -15,7 +15,7 @@ public:
 
     /// Uses the working directory of the settings.
     explicit RouteStorageCube(TRkGlobalSettings* settings);
-    /// `directory`: of the files; null or empty stands for the settings' working directory.
+    /// `directory`: of the files; null or empty selects the settings' working directory.
     RouteStorageCube(TRkGlobalSettings* settings, char const* directory);
     RouteStorageCube(RouteStorageCube const&);
     RouteStorageCube& operator=(RouteStorageCube const&);

@@ -17,7 +17,7 @@ public:
 
     /// Uses the working directory of the settings.
     explicit RouteStorageDataCube(TRkGlobalSettings* settings);
-    /// `directory`: of the files; null or empty stands for the settings' working directory.
+    /// `directory`: of the files; null or empty selects the settings' working directory.
     RouteStorageDataCube(TRkGlobalSettings* settings, char const* directory);
     RouteStorageDataCube(RouteStorageDataCube const&);
     RouteStorageDataCube& operator=(RouteStorageDataCube const&);

@@ -9,7 +9,7 @@
 
 namespace cubes {
 
-/// A whole number that a text can be constructed from: neither a character nor a flag.
+/// An integer type from which a text can be constructed: neither a character type nor bool.
 template <typename T>
 concept WholeNumber =
     std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char> && !std::same_as<T, wchar_t> &&

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-/// A shared owning pointer: copies share the object, which the last copy destroys. An empty pointer
-/// stands for an object that does not exist or could not be opened.
+/// A shared owning pointer: copies share the object, and the last one destroys it. An empty pointer means that the
+/// object does not exist or could not be opened.
 template <typename Object>
 class CountedPtr {
 public:

@@ -43,7 +43,7 @@ public:
     virtual char const* ClassName() const;
     virtual long ReferenceCount() const;
     virtual void Accept(TRkVisitor& visitor) const;
-    /// Whether the object has a reference, and so is deleted with the last one.
+    /// Whether the object has a reference, so that releasing the last one deletes it.
     virtual bool IsReferenced() const;
 
 private:

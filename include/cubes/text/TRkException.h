@@ -27,7 +27,7 @@ private:
     AnsiString message_;
 };
 
-/// One place that an error came from or passed through.
+/// One place where an error occurred or through which it passed.
 struct TRkExceptionContext {
     AnsiString message;
     AnsiString file;
@@ -35,13 +35,13 @@ struct TRkExceptionContext {
     int line = 0;
 };
 
-/// An exception that collects context while it passes up through callers. The context is kept
-/// apart from the message: what() gives the message alone.
+/// An exception that collects context on its way up through callers. The context is separate from the message: what()
+/// returns the message alone.
 class CUBES_API TRkException : public VclOrStdException {
 public:
     /// The code is for derived classes and not used here.
     TRkException(char const* text, unsigned long code);
-    /// The message with its place of origin, which becomes the first context entry.
+    /// The message and the place where the error occurred, which becomes the first context entry.
     TRkException(AnsiString message, char const* file, char const* function, int line);
     TRkException(TRkException const&);
     TRkException& operator=(TRkException const&);

@@ -4,14 +4,14 @@
 
 /// Data that a caller attaches to an entry of a six-key cube; it knows the key of its entry.
 ///
-/// Counts its references: who makes one holds the first, and it frees itself when the last is
-/// given up. It crosses library boundaries, so the order of its operations is fixed and it has no
-/// virtual destructor: it is never deleted from outside.
+/// Reference-counted: the creator holds the first reference, and the last release deletes the object. It crosses
+/// library boundaries, so the order of its operations is fixed and it has no virtual destructor: callers never delete
+/// it.
 class CUBES_API CubeDataInterface {
 public:
-    /// Takes one more reference.
+    /// Adds a reference.
     virtual void addRef() = 0;
-    /// Gives up a reference and gives the new count; the object frees itself at 0.
+    /// Releases a reference and returns the new count; the object deletes itself at 0.
     virtual long release() = 0;
 
     virtual void setPurpose(long) = 0;

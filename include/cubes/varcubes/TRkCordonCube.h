@@ -3,7 +3,7 @@
 #include <cubes/Export.h>
 #include <cubes/varcubes/TRkVarCubes.h>
 
-/// The cube of cordon results: the trips that cross a closed line.
+/// The cube of cordon results: the trips that cross a cordon.
 class CUBES_API TRkCordonCube : public TRkVarCubes {
 public:
     /// ctCordon.
@@ -17,7 +17,7 @@ public:
     TRkCordonCube(TRkGlobalSettings* settings, bool flag);
     /// A null or empty directory is taken from the settings.
     TRkCordonCube(TRkGlobalSettings* settings, char const* directory, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkCordonCube(TRkGlobalSettings*, char const*) = delete;
     TRkCordonCube(TRkCordonCube const&);
     TRkCordonCube& operator=(TRkCordonCube const&);

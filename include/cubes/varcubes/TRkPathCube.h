@@ -17,7 +17,7 @@ public:
     TRkPathCube(TRkGlobalSettings* settings, bool flag);
     /// An empty directory is taken from the settings.
     TRkPathCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkPathCube(TRkGlobalSettings*, char const*) = delete;
     TRkPathCube(TRkPathCube const&);
     TRkPathCube& operator=(TRkPathCube const&);

@@ -3,7 +3,7 @@
 #include <cubes/Export.h>
 #include <cubes/varcubes/TRkVarCubes.h>
 
-/// The cube of screen-line results: the trips that cross a line.
+/// The cube of screen-line results: the trips that cross a screen line.
 class CUBES_API TRkScreenCube : public TRkVarCubes {
 public:
     /// ctScreenLine.
@@ -17,7 +17,7 @@ public:
     TRkScreenCube(TRkGlobalSettings* settings, bool flag);
     /// An empty directory is taken from the settings.
     TRkScreenCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkScreenCube(TRkGlobalSettings*, char const*) = delete;
     TRkScreenCube(TRkScreenCube const&);
     TRkScreenCube& operator=(TRkScreenCube const&);
@@ -26,9 +26,9 @@ public:
     /// "screencube".
     char const* Name() const;
 
-    /// A selected-link matrix that lives in a file is copied as a file to the one that the key
-    /// names: true when that worked, false onto its own file. No row is written or asked. Any
-    /// other matrix is saved as in every result cube.
+    /// A selected-link matrix that has a file is copied as a file to the one that the key names: true when that
+    /// succeeded, false onto its own file. No row is written or read. Any other matrix is saved as in every result
+    /// cube.
     bool SaveMatrix(TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i, RkLockState lock,
         bool zeroBased) override;
 };

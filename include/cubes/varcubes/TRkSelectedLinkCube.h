@@ -3,7 +3,7 @@
 #include <cubes/Export.h>
 #include <cubes/varcubes/TRkVarCubes.h>
 
-/// The cube of selected-link results: the trips that pass chosen links.
+/// The cube of select link results: the trips over selected links.
 class CUBES_API TRkSelectedLinkCube : public TRkVarCubes {
 public:
     /// ctSelectedLink.
@@ -17,7 +17,7 @@ public:
     TRkSelectedLinkCube(TRkGlobalSettings* settings, bool flag);
     /// An empty directory is taken from the settings.
     TRkSelectedLinkCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkSelectedLinkCube(TRkGlobalSettings*, char const*) = delete;
     TRkSelectedLinkCube(TRkSelectedLinkCube const&);
     TRkSelectedLinkCube& operator=(TRkSelectedLinkCube const&);
@@ -26,9 +26,9 @@ public:
     /// "selectedlinkcube".
     char const* Name() const;
 
-    /// A selected-link matrix that lives in a file is copied as a file to the one that the key
-    /// names: true when that worked, false onto its own file. No row is written or asked. Any
-    /// other matrix is saved as in every result cube.
+    /// A selected-link matrix that has a file is copied as a file to the one that the key names: true when that
+    /// succeeded, false onto its own file. No row is written or read. Any other matrix is saved as in every result
+    /// cube.
     bool SaveMatrix(TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i, RkLockState lock,
         bool zeroBased) override;
 };

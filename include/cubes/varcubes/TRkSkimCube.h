@@ -3,7 +3,7 @@
 #include <cubes/Export.h>
 #include <cubes/varcubes/TRkVarCubes.h>
 
-/// The cube of skims: what a trip costs between each pair of zones.
+/// The cube of skims: time, distance or generalised cost of each OD pair.
 class CUBES_API TRkSkimCube : public TRkVarCubes {
 public:
     /// ctSkim.
@@ -17,7 +17,7 @@ public:
     TRkSkimCube(TRkGlobalSettings* settings, bool flag);
     /// An empty directory is taken from the settings.
     TRkSkimCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkSkimCube(TRkGlobalSettings*, char const*) = delete;
     TRkSkimCube(TRkSkimCube const&);
     TRkSkimCube& operator=(TRkSkimCube const&);

@@ -17,7 +17,7 @@ public:
     TRkStop2StopCube(TRkGlobalSettings* settings, bool flag);
     /// A null or empty directory is taken from the settings.
     TRkStop2StopCube(TRkGlobalSettings* settings, char const* directory, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkStop2StopCube(TRkGlobalSettings*, char const*) = delete;
     TRkStop2StopCube(TRkStop2StopCube const&);
     TRkStop2StopCube& operator=(TRkStop2StopCube const&);

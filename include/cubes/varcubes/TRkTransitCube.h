@@ -17,7 +17,7 @@ public:
     TRkTransitCube(TRkGlobalSettings* settings, bool flag);
     /// An empty directory is taken from the settings.
     TRkTransitCube(TRkGlobalSettings* settings, TRkFString const& directory, bool flag);
-    /// A text is no flag.
+    /// Deleted: a text is not a flag.
     TRkTransitCube(TRkGlobalSettings*, char const*) = delete;
     TRkTransitCube(TRkTransitCube const&);
     TRkTransitCube& operator=(TRkTransitCube const&);

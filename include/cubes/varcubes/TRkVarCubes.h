@@ -15,26 +15,23 @@ namespace cubes::catalogue {
 class EntryTable;
 }
 
-/// The catalogue of six-key result cubes. An entry is found by purpose, mode, time, user, result
-/// and iteration; it is one row of the entry table "cube5data1" in the project's own schema, and
-/// names one file in the matrix directory. All result cubes of a project share the table: the cube
-/// number, which is the cube type, tells their entries apart. An entry may name a parent entry,
-/// from which it was derived: a cube number (0: none) and a key (-1: part not set).
+/// The catalogue of six-key result cubes. An entry is found by purpose, mode, time, user, result and iteration; it is
+/// one row of the entry table "cube5data1" in the project's own schema, and names one file in the matrix directory. All
+/// result cubes of a project share the table and are distinguished by the cube number, which is the cube type. An entry
+/// may name a parent entry, from which it was derived: a cube number (0: none) and a key (-1: part not set).
 ///
-/// The last `bool` of most operations: true means that purpose, mode, time and user are given
-/// zero-based. What is stored is one-based; result, iteration and parents are never shifted.
-/// Operations on a missing entry or table give false, null, -1.0 or an empty text; errors of the
-/// database and the matrix layer pass through unchanged, but see Open().
+/// The last `bool` of most operations: true means that purpose, mode, time and user are zero-based. Stored keys are
+/// one-based; result, iteration and parents are never shifted. Operations on a missing entry or table return false,
+/// null, -1.0 or an empty text; errors of the database and the matrix layer pass through unchanged, but see Open().
 ///
-/// A stored file name that is empty, absolute or climbs out of the matrix directory is never
-/// opened, copied, moved or removed: FileName gives the empty text for it, Get null, Copy and Move
-/// false, and Clear removes its row only.
+/// A stored file name that is empty, absolute or outside the matrix directory is never opened, copied, moved or
+/// removed: FileName returns the empty text for it, Get null, Copy and Move false, and Clear removes its row only.
 ///
-/// Operations call each other through their virtual slots, so that a derived class changes them
-/// all by overriding one.
+/// Operations call each other through their virtual functions, so a derived class changes all of them by overriding
+/// one.
 class CUBES_API TRkVarCubes : public TRkBaseCubes {
 public:
-    /// One entry as lists deliver it.
+    /// One entry of a list.
     struct CUBES_API TKey {
         TKey(short cubenr, short purpose, short mode, short time, short user, short result, short iteration,
             short parentcubenr, short parentpurpose, short parentmode, short parenttime, short parentuser,
@@ -43,7 +40,7 @@ public:
         /// -1: the number of parts, 7. 0 cube number, 1 purpose, 2 mode, 3 time, 4 user, 5 result,
         /// 6 iteration; any other index gives -1.
         int operator()(int index) const;
-        /// The same of the parent.
+        /// The same for the parent.
         int operator[](int index) const;
         /// The seven numbers and the file name: "3,1,2,1,1,0,1,1-2-1-1-0-1.skm".
         TRkString AsString() const;
@@ -70,9 +67,9 @@ public:
     /// The alias of the entry table: "cube5data1".
     static char const* const FAliasName;
 
-    /// `matrixDirectory`: null or empty takes the working directory of the settings; else it is
-    /// taken as it is, with a delimiter at its end. `extension`: of the matrix files, with its
-    /// point. `flag`: passed to new matrices. No table is opened.
+    /// `matrixDirectory`: null or empty selects the working directory of the settings; any other text is used as it is,
+    /// with a delimiter added at its end. `extension`: of the matrix files, with its point. `flag`: passed to new
+    /// matrices. No table is opened.
     TRkVarCubes(TRkGlobalSettings* settings, char const* matrixDirectory, char const* extension, RkCubeTypes cubeType,
         RkMatrixType matrixType, RkMatrixKind matrixKind, bool flag);
     TRkVarCubes(TRkGlobalSettings* settings, char const* extension, RkCubeTypes cubeType, RkMatrixType matrixType,
@@ -93,24 +90,24 @@ public:
     /// Whether the entry exists.
     virtual bool Check(short p, short m, short t, short u, short r, short i, bool zeroBased) const;
 
-    /// Removes the entry's row, then the file or directory it names. The usage counter is not
-    /// asked: see isCorrect. What cannot be removed is left, and the result is true all the same.
+    /// Removes the entry's row, then the file or directory it names. The usage counter is not checked: see isCorrect.
+    /// What cannot be removed stays, and the result is still true.
     virtual bool Clear(short p, short m, short t, short u, short r, short i, bool zeroBased);
 
-    /// Copies the entry of the first key, row and file, to the second key. Equal keys give true at
-    /// once. The new row has no parent; one that exists keeps its file name and loses its parent.
-    /// False when the source is missing or its file cannot be copied; the new row stays then.
-    /// Throws TRkCubesException ecCubeExists when `failIfExists` and the target exists.
+    /// Copies the entry of the first key, row and file, to the second key. Equal keys return true at once. The new row
+    /// has no parent; an existing one keeps its file name and loses its parent. False when the source is missing or its
+    /// file cannot be copied; the new row is kept then. Throws TRkCubesException ecCubeExists when `failIfExists` and
+    /// the target exists.
     ///
-    /// The zero-based flag serves the looking up alone: the target is added under the key as it is
-    /// handed in. When source and target are the same file for that reason, the result is false.
+    /// The zero-based flag applies to the look-up only: the target is added under the key as it is passed. When source
+    /// and target are the same file for that reason, the result is false.
     virtual bool Copy(short p, short m, short t, short u, short r, short i, short toP, short toM, short toT, short toU,
         short toR, short toI, bool failIfExists, bool zeroBased);
 
     /// The same as Clear of the entry.
     virtual bool Delete(short p, short m, short t, short u, short r, short i, bool zeroBased);
 
-    /// As Move within this cube, with the source in `other`.
+    /// Like Move within this cube, with the source in `other`.
     virtual bool Move(TRkVarCubes const& other, short p, short m, short t, short u, short r, short i, short toP,
         short toM, short toT, short toU, short toR, short toI, bool failIfExists, bool zeroBased);
 
@@ -126,14 +123,14 @@ public:
     /// The same as Clear().
     virtual bool Remove();
 
-    /// As Copy within this cube, with the source in `other`, which may be another cube, directory
-    /// or project. Equal keys are nothing to do only when it is the same cube.
+    /// Like Copy within this cube, with the source in `other`, which may be another cube, directory or project. Equal
+    /// keys do nothing only in the same cube.
     virtual bool Copy(TRkVarCubes const& other, short p, short m, short t, short u, short r, short i, short toP,
         short toM, short toT, short toU, short toR, short toI, bool failIfExists, bool zeroBased);
 
-    /// As Copy, but the file is moved and the source's row is deleted when that worked. A file takes
-    /// the place of an existing one in one step; before a directory comes what was there is removed.
-    /// A target whose source file is missing is left alone.
+    /// Like Copy, but moves the file and then deletes the source's row. A file replaces an existing one atomically;
+    /// before a directory is moved, the existing target is removed. A target whose source file is missing is left
+    /// unchanged.
     virtual bool Move(short p, short m, short t, short u, short r, short i, short toP, short toM, short toT, short toU,
         short toR, short toI, bool failIfExists, bool zeroBased);
 
@@ -156,23 +153,22 @@ public:
     /// All cubes of the register.
     virtual bool Get(TRkAutoListT<TRkBaseCubes::TKey>& list) const;
 
-    /// Element `column` of row `row`, both zero-based whatever the flag says; -1.0 when the matrix
-    /// cannot be had. Throws TRkMatrixException outside the matrix. The small matrix object it
-    /// reads with is released, not deleted.
+    /// Element `column` of row `row`, both zero-based whatever the flag says; -1.0 when the matrix cannot be opened.
+    /// Throws TRkMatrixException outside the matrix. The small matrix object used for reading is released, not deleted.
     virtual double Get(short p, short m, short t, short u, short r, short i, int row, int column, RkLockState lock,
         bool zeroBased) const;
 
     /// Fills the list with all entries of this cube, in key order, with file names and parents.
     virtual bool Get(TRkAutoListT<TKey>& list) const;
 
-    /// The header of the entry's file, see TRkMatrix::GetHeader; null when it cannot be had.
+    /// The header of the entry's file, see TRkMatrix::GetHeader; null when it cannot be read.
     virtual TRkMatrixHeader const* GetHeader(
         short p, short m, short t, short u, short r, short i, bool zeroBased) const;
 
     /// Ends in a delimiter, so that the text followed by a file name is a full path; empty while
     /// there is none.
     virtual TRkFString MatrixDirectory() const;
-    /// Adds the delimiter at the end where there is none.
+    /// Adds a delimiter at the end when it is missing.
     virtual void MatrixDirectory(TRkFString const& directory);
 
     /// Attached data and single parent links are for derived classes; here they do nothing: false,
@@ -187,46 +183,44 @@ public:
     virtual short GetParentCubenr(short p, short m, short t, short u, short r, short i) const;
     virtual bool SetParentCubenr(short p, short m, short t, short u, short r, short i, long cubenr);
 
-    /// Appends the entries whose parent is the given one, of all cubes, as GetAllCubes gives them.
-    /// When it throws, the list is as before.
+    /// Appends the entries whose parent is the given one, of all cubes, in the form of GetAllCubes. When it throws, the
+    /// list is unchanged.
     virtual void GetPmturis(
         short parentcubenr, short pp, short pm, short pt, short pu, short pr, short pi, TRkAutoListT<TKey>& list) const;
 
     /// Empties the list.
     virtual bool GetChilds(short p, short m, short t, short u, short r, short i, TRkAutoListT<TKey>& list) const;
 
-    /// Adds the entry's row with its parent, its file name and a counter of 0, or gives an entry
-    /// that exists another parent. No file is written. A parent cube of 0 and parent parts of -1
-    /// are stored as null, save that an entry that exists gets all six parts as they are unless all
-    /// are -1; then its counter becomes null, else 0. True also for a table that lacks a key
-    /// column, to which nothing is added.
+    /// Adds the entry's row with its parent, its file name and a counter of 0, or changes the parent of an existing
+    /// entry. No file is written. A parent cube of 0 and parent parts of -1 are stored as null, with one exception: an
+    /// existing entry gets all six parts unchanged unless all are -1. If all are -1, its counter becomes null,
+    /// otherwise 0. True also for a table that lacks a key column, to which nothing is added.
     virtual bool Add(CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t, short u,
         short r, short i, short parentcubenr, short pp, short pm, short pt, short pu, short pr, short pi,
         bool zeroBased);
 
-    /// Places the cursor on the entry's row.
+    /// Moves the cursor to the entry's row.
     virtual bool LookUp(CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t, short u,
         short r, short i, bool zeroBased) const;
 
-    /// The opened entry table, over this object's connection, in the schema that getMatrixSchema
-    /// gives; while that is empty, the project's. Empty when it cannot be had for whatever reason.
+    /// The open entry table, over this object's connection, in the schema of getMatrixSchema, or in the project's while
+    /// that is empty. Empty when it cannot be opened for whatever reason.
     virtual CountedPtr<Rktable::TRkTableProxy> Open() const;
 
-    /// Writes the matrix into the file that the key names; the row is not asked. Onto the matrix's
-    /// own file it writes unless `lock` has the bit of value 4 and the matrix's state code is not
-    /// 11. Selected-link and screen-line cubes write under lock state 3. A matrix type of 7 becomes
-    /// that of the cube's kind and stays so.
+    /// Writes the matrix to the file that the key names; the row is not read. Onto the matrix's own file it writes
+    /// unless `lock` has the bit of value 4 and the matrix's state code is not 11. Selected-link and screen-line cubes
+    /// write under lock state 3. A matrix type of 7 becomes that of the cube's kind and stays so.
     virtual bool SaveMatrix(TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i,
         RkLockState lock, bool zeroBased);
 
     virtual TRkString FileName(CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t,
         short u, short r, short i, bool zeroBased) const;
 
-    /// Takes the working directory of the settings; false without settings.
+    /// Uses the working directory of the settings; false without settings.
     virtual bool FindMatrixDirectory();
 
-    /// Works out the schema of the project that the settings' working directory lies in, and sets
-    /// it. When that fails: false, and the schema is left as it is.
+    /// Determines the schema of the project that contains the settings' working directory, and sets it. On failure the
+    /// result is false, and the schema is left unchanged.
     virtual bool FindMatrixSchema();
 
     /// The stem of the file name of a new entry, from one-based parts: MakeFilename.
@@ -238,16 +232,16 @@ public:
     /// Reads a stem of either form. False for any other text; the outputs are unchanged then.
     static bool MakeFilename(char const* stem, int& p, int& m, int& t, int& u, int& r, int& i);
 
-    /// The number under which this cube's entries stand: its type.
+    /// The cube number of this cube's entries: its type.
     short CubeNumber() const noexcept { return static_cast<short>(cubeType_); }
 
-    /// Fills the list with the entries of all cubes that nobody uses, in key order, with parents
-    /// and, as file name, the name of their cube in the register (empty for an unknown cube).
-    /// False when the table cannot be opened or the last cube is unknown.
+    /// Fills the list with the entries of all cubes that nobody uses, in key order, with parents and, as file name, the
+    /// name of their cube in the register (empty for an unknown cube). False when the table cannot be opened or the
+    /// last cube is unknown.
     bool GetAllCubes(TRkAutoListT<TKey>& list) const;
 
-    /// Raises or lowers the entry's count of users, never below 0; keys are one-based. False for a
-    /// missing entry or a table without the counter. Changes of several processes are never lost.
+    /// Raises or lowers the entry's count of users, never below 0; keys are one-based. False for a missing entry or a
+    /// table without the counter. Concurrent changes of several processes are all counted.
     bool incUsage(short p, short m, short t, short u, short r, short i);
     bool decUsage(short p, short m, short t, short u, short r, short i);
     /// Whether the entry exists and nobody uses it (its counter is null or 0, or not kept).
@@ -257,10 +251,10 @@ public:
     static int TKeySortCompare(TKey* first, TKey* second);
 
 protected:
-    /// The file that SaveMatrix writes for a key, whatever its row says; empty for a zero-based key
-    /// that cannot be stored because a part is 32767.
+    /// The file that SaveMatrix writes for a key, whatever its row names; empty for a zero-based key that cannot be
+    /// stored because a part is 32767.
     TRkFString MatrixFile(short p, short m, short t, short u, short r, short i, bool zeroBased) const;
-    /// The entry of the row that the table's cursor stands on, without a file name.
+    /// The entry in the current row of the table's cursor, without a file name.
     static std::unique_ptr<TKey> ReadEntry(cubes::catalogue::EntryTable const& entries);
 
 private:

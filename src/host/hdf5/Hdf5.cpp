@@ -7,8 +7,8 @@ namespace cubes::hdf5 {
 
 namespace {
 
-// At exit HDF5 closes what is open. Ours is closed by its owners, but damaged files can leave
-// objects behind in HDF5, which it would report on the terminal.
+// HDF5 closes open objects at exit. The library's owners close theirs, but damaged files can leave objects behind in
+// HDF5, which it would report on the terminal.
 std::recursive_mutex& mutex() {
     static std::recursive_mutex instance;
     [[maybe_unused]] static herr_t const quietEnd = H5dont_atexit();
@@ -29,12 +29,12 @@ std::string innermostReason() {
 void requireOwn(hid_t parent, std::string const& name) {
     H5L_info_t link{};
     check(H5Lget_info(parent, name.c_str(), &link, H5P_DEFAULT), "find " + name);
-    if (link.type != H5L_TYPE_HARD) throw std::runtime_error(name + " leads elsewhere");
+    if (link.type != H5L_TYPE_HARD) throw std::runtime_error(name + " is a soft or external link");
 }
 
 constexpr haddr_t largestAddress = (haddr_t{1} << 63) - 1;
 
-// What HDF5 is given to read through.
+// The functions through which HDF5 reads.
 struct Lent {
     platform::File* file;
 };

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-/// What the library and the provider need around HDF5's C interface.
+/// Owners and helpers for HDF5's C interface, shared by the library and the provider.
 namespace cubes::hdf5 {
 
 /// Every use of HDF5 is made within a Session: HDF5 is not thread-safe, and prints its errors by
@@ -28,7 +28,7 @@ private:
     void* printTo_ = nullptr;
 };
 
-/// A failed call: what was tried and HDF5's own innermost reason.
+/// A failed call: the action and HDF5's innermost reason.
 class Error : public std::runtime_error {
 public:
     explicit Error(std::string_view action);
@@ -64,16 +64,16 @@ Status check(Status status, std::string_view action) {
     return status;
 }
 
-/// Opens a file for reading through `file`: it can be replaced and removed meanwhile on every system, failures
-/// have the system's messages, and closing it closes everything opened in it.
+/// Opens a file for reading through `file`: on every system it can be replaced and removed meanwhile, errors have the
+/// system's messages, and closing it closes everything opened in it.
 Handle openFile(platform::File file);
-/// Access without HDF5's own locks: files are replaced in one step.
+/// Access without HDF5's own locks: files are replaced atomically.
 Handle fileAccess();
 
 /// Properties of a class (H5P_FILE_CREATE and the like) that record no times: equal content makes equal files.
 Handle untimedProperties(hid_t classOfProperties);
 Handle createGroup(hid_t parent, std::string const& name);
-/// These throw for a link that leads elsewhere, into another file for example.
+/// These throw for anything but a hard link, for example a link into another file.
 Handle openGroup(hid_t parent, std::string const& name);
 Handle openDataset(hid_t parent, std::string const& name);
 bool hasLink(hid_t parent, std::string const& name);

@@ -11,16 +11,16 @@ namespace cubes::hdf5 {
 
 namespace {
 
-static_assert(std::endian::native == std::endian::little, "records go out as they lie in memory");
+static_assert(std::endian::native == std::endian::little, "records are written as they are in memory");
 
 constexpr std::array<char, 8> magic = {'C', 'U', 'B', 'E', 'I', 'D', 'X', '2'};
 constexpr std::uint32_t version = 1;
-// HDF5 puts the record behind its own structure, near the beginning.
+// HDF5 writes the record after its own structure, near the beginning.
 constexpr std::size_t searched = 8192;
 constexpr std::size_t mostParts = 6;
 constexpr std::size_t longestCube = 192;
 
-// The record as it lies in the file; docs/matrix-file.md has the same table.
+// The record as it is stored in the file; docs/matrix-file.md has the same table.
 struct Layout {
     std::array<char, 8> magic;
     std::uint64_t checksum;
@@ -46,7 +46,7 @@ std::uint64_t checksumOf(Layout const& layout) {
     return XXH3_64bits(behind.data(), behind.size());
 }
 
-// Cut in front of a whole character: the bytes that continue one are 10xxxxxx.
+// Cut before a whole character: continuation bytes are 10xxxxxx.
 std::size_t fittingLength(std::string_view utf8) {
     if (utf8.size() <= longestCube) return utf8.size();
     std::size_t length = longestCube;
@@ -190,7 +190,7 @@ constexpr ProvenanceText provenanceTexts[] = {{"cubes_made_by", &Provenance::mad
     {"cubes_version", &Provenance::version}, {"cubes_time", &Provenance::time}, {"cubes_note", &Provenance::note},
     {"cubes_source", &Provenance::source}};
 
-// One line an input: its content id, a space, its key.
+// One line per input: its content id, a space, its key.
 std::string textOf(std::vector<Provenance::Input> const& inputs) {
     std::string lines;
     for (auto const& [key, content] : inputs) lines += content.text() + " " + key + "\n";

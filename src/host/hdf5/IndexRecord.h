@@ -14,8 +14,8 @@
 #include <string_view>
 #include <vector>
 
-/// What every file of ours says about itself beside its data: the index record, which is found and
-/// rewritten without HDF5, and the provenance, which lies in HDF5 attributes.
+/// The metadata that every file of the library carries: the index record, which is found and rewritten without HDF5,
+/// and the provenance, which is stored in HDF5 attributes.
 namespace cubes::hdf5 {
 
 /// 128 bits: a content id, the identity of a directory, a digest. All zero means unknown.
@@ -30,8 +30,8 @@ struct Id128 {
     static std::optional<Id128> parse(std::string_view text);
 };
 
-/// XXH3 (128 bits, no seed) over bytes that come in pieces. The id is in XXH3's canonical order, so
-/// its text is the hexadecimal digest that other programs print.
+/// XXH3 (128 bits, no seed) over bytes that are added piece by piece. The id is in XXH3's canonical order, so its text
+/// is the hexadecimal digest that other programs print.
 class ContentHash {
 public:
     ContentHash();
@@ -46,7 +46,7 @@ private:
     std::unique_ptr<State> state_;
 };
 
-/// Where a file belongs. A hint: the database decides. Empty for files of unknown place.
+/// The directory and the entry of a file. A hint: the database decides. Empty when unknown.
 struct FileStamp {
     /// The identity of the directory of matrix files.
     Id128 directory = {};
@@ -59,12 +59,12 @@ struct FileStamp {
     bool operator==(FileStamp const&) const = default;
 };
 
-/// The record as docs/matrix-file.md describes it. Holds all that may change without HDF5.
+/// The record as docs/matrix-file.md describes it. Holds everything that may change without HDF5.
 struct IndexRecord {
     static constexpr std::size_t bytes = 1024;
     static constexpr std::size_t detailBytes = 704;
-    /// The dataset under "/" that holds it: uint8 [bytes]. Make it first, so that its bytes lie at a multiple of 8
-    /// in the part of the file that is searched.
+    /// The dataset under "/" that holds it: uint8 [bytes]. Create it first, so that its bytes are at a multiple of 8 in
+    /// the part of the file that is searched.
     static constexpr char dataset[] = "cubes_index";
 
     enum class Holds : std::uint32_t { matrix = 1, routes = 2, routeData = 3 };
@@ -77,7 +77,7 @@ struct IndexRecord {
     /// See structureChecksum.
     std::uint64_t structure = 0;
     std::uint64_t fileSize = 0;
-    /// What the kind of file adds.
+    /// The part that depends on the kind of file.
     std::array<std::byte, detailBytes> details{};
 };
 
@@ -90,7 +90,7 @@ struct FoundRecord {
 };
 
 /// The record within the first 8192 bytes of a file; nothing when there is none, when its version is unknown or its
-/// checksum wrong. Says nothing about the file around it.
+/// checksum wrong. Does not check the rest of the file.
 std::optional<FoundRecord> findRecord(std::span<std::byte const> file);
 /// The same for an open file. Throws std::system_error.
 std::optional<FoundRecord> findRecord(platform::File const& file);
@@ -104,13 +104,13 @@ struct Extent {
     std::uint64_t size = 0;
 };
 
-/// The checksum (XXH3, 64 bits) over everything in a file but its record and the given runs of data: as long as it
-/// holds, nobody has changed the structure, and the data lie where they lay. Nothing when a run lies outside the file
+/// The checksum (XXH3, 64 bits) over everything in a file except its record and the given runs of data: while it is
+/// valid, the structure has not been changed, and the data are where they were. Nothing when a run is outside the file
 /// or two overlap.
 std::optional<std::uint64_t> structureChecksum(
     std::span<std::byte const> file, std::uint64_t recordOffset, std::vector<Extent> data);
 
-/// What a matrix or route set was made of, and how. Texts are in UTF-8.
+/// The inputs from which a matrix or route set was made, and how. Texts are in UTF-8.
 struct Provenance {
     struct Input {
         std::string key = {};
@@ -130,10 +130,10 @@ struct Provenance {
     Id128 digest() const;
 };
 
-/// Writes the attributes of an object, as a rule "/"; empty texts make no attribute. Throws Error.
+/// Writes the attributes of an object, usually "/"; empty texts make no attribute. Throws Error.
 /// REQUIRES: within a Session.
 void writeProvenance(hid_t object, Provenance const& provenance);
-/// Reads them; what is missing or of another type is empty. Throws Error. REQUIRES: within a Session.
+/// Reads them; a missing attribute or one of another type is empty. Throws Error. REQUIRES: within a Session.
 Provenance readProvenance(hid_t object);
 
 enum class Encoding { ascii, utf8 };

@@ -14,11 +14,10 @@ namespace cubes::matrix {
 
 namespace {
 
-// Higher levels cost several times the time for a few hundredths of the size.
+// Higher levels take several times as long and save only a few per cent.
 constexpr int level = 1;
 
-// All first bytes, then all second bytes, and so on: the bytes of like meaning lie together. The
-// loops are written so that a compiler makes vector instructions of them.
+// All first bytes, then all second bytes, and so on. The loops are written so that compilers vectorise them.
 void shuffle(std::span<float const> elements, std::uint8_t* shuffled) {
     std::size_t const count = elements.size();
     float const* const from = elements.data();
@@ -91,7 +90,7 @@ void BlockDecoder::decode(std::span<std::byte const> stored, unsigned skipped, s
 void inflateBand(BlockDecoder& decoder, Bands const& bands, std::size_t band, std::span<std::byte const> stored,
     unsigned skipped, float* all) {
     if (stored.empty()) return;
-    // Memory is asked for only after this: a damaged file may claim any size.
+    // Memory is allocated only after this check: a damaged file may claim any size.
     if (bands.chunkSize() * sizeof(float) / mostInflation > stored.size())
         throw std::runtime_error("a compressed chunk is damaged");
     auto const target = bands.elements(band, all);

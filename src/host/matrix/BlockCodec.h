@@ -16,7 +16,7 @@ struct libdeflate_decompressor;
 
 namespace cubes::matrix {
 
-/// Deflate makes nothing smaller than about a thousandth.
+/// Deflate compresses to about a thousandth at best.
 inline constexpr std::size_t mostInflation = 1040;
 
 /// Encodes a chunk of elements as HDF5's own shuffle and deflate filters do, but faster. One thread at a time may use
@@ -44,7 +44,7 @@ public:
     BlockDecoder& operator=(BlockDecoder const&) = delete;
 
     /// Decodes a chunk. `skipped` has a bit for each filter that the writer skipped.
-    /// Throws std::runtime_error unless they come to exactly the size of `elements`.
+    /// Throws std::runtime_error unless the result has exactly the size of `elements`.
     void decode(std::span<std::byte const> stored, unsigned skipped, std::span<float> elements);
 
 private:
@@ -53,7 +53,7 @@ private:
     std::vector<std::uint8_t> shuffled_;
 };
 
-/// A matrix cut into bands of whole rows, each stored as one chunk. The last chunk is filled up to full size.
+/// A matrix divided into bands of whole rows, each stored as one chunk. The last chunk is padded to full size.
 struct Bands {
     int rows = 0;
     int columns = 0;
@@ -65,7 +65,7 @@ struct Bands {
     int firstRow(std::size_t band) const { return static_cast<int>(band) * bandRows; }
     /// The elements of a stored chunk.
     std::size_t chunkSize() const { return static_cast<std::size_t>(bandRows) * static_cast<std::size_t>(columns); }
-    /// The part of all elements that is a band.
+    /// The range of a band within all elements.
     template <typename Element>
     std::span<Element> elements(std::size_t band, Element* all) const {
         auto const first = static_cast<std::size_t>(firstRow(band));
@@ -74,7 +74,8 @@ struct Bands {
     }
 };
 
-/// Inflates the stored bytes of a band to its place among all elements. No bytes: it stays 0. Throws like decode.
+/// Inflates the stored bytes of a band to its place among all elements. Without bytes its elements stay 0. Throws like
+/// decode.
 void inflateBand(BlockDecoder& decoder, Bands const& bands, std::size_t band, std::span<std::byte const> stored,
     unsigned skipped, float* all);
 

@@ -88,7 +88,7 @@ float* NewFileBody::writableAll() {
 
 void NewFileBody::assign(TRkMatrixHeader const& header, float const* elements) {
     publish(header, elements);
-    // Rows handed out before stay valid, and show what was assigned.
+    // Rows returned before stay valid, and show the assigned elements.
     if (memory_ && memory_->all() != elements)
         std::copy_n(elements, static_cast<std::size_t>(rows_) * static_cast<std::size_t>(columns_), memory_->all());
 }
@@ -102,7 +102,7 @@ void NewFileBody::publish(TRkMatrixHeader const& header, float const* elements) 
     published_.emplace(file(), rows_, columns_);
 }
 
-// More may be assigned to a new file, so that it never counts as finished.
+// More elements may be assigned to a new file, so it never counts as finished.
 bool NewFileBody::release() {
     if (!published_) return false;
     memory_.reset();

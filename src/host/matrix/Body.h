@@ -29,7 +29,7 @@ public:
     virtual void assign(TRkMatrixHeader const& header, float const* elements) = 0;
     /// Releases cached rows; returns whether nothing was left unsaved.
     virtual bool release() { return false; }
-    /// Writes to the file what is not there yet.
+    /// Writes pending elements to the file.
     virtual void finish(TRkMatrixHeader const&) {}
 
 protected:
@@ -54,7 +54,7 @@ private:
 class FileBody : public Body {
 public:
     FileBody(std::string file, OpenedFile opened);
-    /// For a file that is opened when elements are first asked for.
+    /// For a file that is opened when elements are first requested.
     FileBody(std::string file, int rows, int columns);
     float* row(int row) override;
     float* all() override;
@@ -70,7 +70,7 @@ private:
 };
 
 /// A matrix for a new file. Its elements are in memory while they are filled by rows; the file is written when all are
-/// assigned, or at the end.
+/// assigned, or by the destructor.
 class NewFileBody : public Body {
 public:
     /// Creates the temporary file, so that a directory that cannot be written to is reported at once.
@@ -96,7 +96,7 @@ private:
     bool filled_ = false;
 };
 
-/// Drops the zone numbers of a matrix, for an object that stays behind released.
+/// Drops the zone numbers of a released matrix whose object is not deleted.
 void dropZones(TRkMatrix& matrix);
 
 }

@@ -16,7 +16,7 @@ float* allocate(int rows, int columns) {
     return elements;
 }
 
-/// The bands of a compressed file of ours, by its table of chunks.
+/// The bands of a compressed file of the library, by its table of chunks.
 class IndexedBands : public BandSource {
 public:
     IndexedBands(platform::FileView view, FileIndex const& index)
@@ -78,7 +78,7 @@ float* BandedElements::row(int row) {
     return memory().row(row);
 }
 
-// Rows already handed out stay where they are, and keep what was written to them.
+// Rows already returned stay where they are, and keep what was written to them.
 float* BandedElements::all() {
     if (source_) source_->readAllBut(read_, memory().all());
     source_.reset();

@@ -10,8 +10,8 @@
 
 namespace cubes::matrix {
 
-/// The elements of a matrix, row by row in one piece once they are all there. Writing to them
-/// changes nothing outside the object. Pointers are valid as long as the object.
+/// The elements of a matrix, row by row in one block once all of them are loaded. Writing to them changes nothing
+/// outside the object. Pointers are valid as long as the object.
 class Elements {
 public:
     Elements() = default;
@@ -33,11 +33,11 @@ public:
 
 private:
     std::size_t columns_;
-    // From calloc: a large piece costs nothing until it is touched.
+    // From calloc: a large block uses no memory until it is accessed.
     std::unique_ptr<float, decltype(&std::free)> elements_;
 };
 
-/// The elements of a plain file, read as they are touched.
+/// The elements of a plain file, read on access.
 class ViewedElements : public Elements {
 public:
     ViewedElements(platform::FileView view, FileIndex const& index);
@@ -50,7 +50,8 @@ private:
     float* elements_;
 };
 
-/// Elements that must be inflated or converted: a single row reads its band alone, a row of a second band reads all.
+/// Elements that must be inflated or converted: reading a single row decodes its band alone, and a row of a second band
+/// decodes all.
 class BandedElements : public Elements {
 public:
     explicit BandedElements(std::unique_ptr<BandSource> source);
@@ -61,10 +62,10 @@ private:
     MemoryElements& memory();
 
     Bands const bands_;
-    // Closed when everything is read: others may replace the file then, wherever a system minds.
+    // Closed when everything is read, so that other programs can replace the file on every system.
     std::unique_ptr<BandSource> source_;
     std::unique_ptr<MemoryElements> memory_;
-    // The band that was read alone.
+    // The band that was read by itself.
     std::optional<std::size_t> read_;
 };
 
@@ -74,7 +75,7 @@ struct OpenedFile {
     std::unique_ptr<Elements> elements;
 };
 
-/// Opens a matrix file of whatever kind. Throws TRkMatrixException with the file and the reason.
+/// Opens a matrix file of any kind. Throws TRkMatrixException with the file and the reason.
 OpenedFile openMatrixFile(std::string const& path);
 
 }

@@ -16,7 +16,7 @@ namespace cubes::matrix {
     throw TRkMatrixException(action + (file.empty() ? file : " " + file) + ": " + reason, file, code);
 }
 
-/// The system's error in a reason of HDF5, which knows it as text only: "... errno = 28, error message = ...".
+/// The system's error in a reason of HDF5, which has it as text only: "... errno = 28, error message = ...".
 inline std::error_code systemErrorIn(std::string_view reason) {
     constexpr std::string_view mark = "errno = ";
     auto const at = reason.find(mark);
@@ -26,8 +26,7 @@ inline std::error_code systemErrorIn(std::string_view reason) {
     return {code, std::generic_category()};
 }
 
-/// Does `work`; what goes wrong in it becomes a TRkMatrixException: "cannot open matrix file
-/// /data/a.skm: it is empty".
+/// Runs `work` and converts its exceptions to TRkMatrixException: "cannot open matrix file /data/a.skm: it is empty".
 template <typename Work>
 auto describingFailure(char const* action, std::string const& file, Work const& work) -> decltype(work()) {
     try {
@@ -37,7 +36,7 @@ auto describingFailure(char const* action, std::string const& file, Work const& 
     } catch (std::bad_alloc const&) {
         throwFailure(action, file, "not enough memory");
     } catch (std::system_error const& error) {
-        // The system's message alone where it is about this very file.
+        // The system's message alone if it concerns this file.
         bool const sameFile = std::string_view(error.what()).find(" " + file + ":") != std::string_view::npos;
         throwFailure(action, file, sameFile ? error.code().message() : error.what(), error.code());
     } catch (std::exception const& error) {

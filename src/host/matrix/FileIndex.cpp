@@ -16,16 +16,16 @@ using hdf5::IndexRecord;
 namespace {
 
 constexpr std::uint32_t selectedLinkFlag = 1;
-enum class Lies : std::uint32_t { throughHdf5 = 0, plain = 1, deflate = 2, shuffleAndDeflate = 3 };
+enum class StorageCode : std::uint32_t { throughHdf5 = 0, plain = 1, deflate = 2, shuffleAndDeflate = 3 };
 
-// What a matrix file adds to its record; docs/matrix-file.md has the same table.
+// The part of the record that is specific to matrix files; docs/matrix-file.md has the same table.
 struct Details {
     std::int32_t rows;
     std::int32_t columns;
     std::int32_t type;
     std::int32_t kind;
     std::uint32_t flags;
-    Lies lies;
+    StorageCode storage;
     std::int32_t bandRows;
     std::uint32_t nameLength;
     std::uint64_t elements;
@@ -61,7 +61,7 @@ std::vector<std::int32_t> zonesAt(std::span<std::byte const> file, std::uint64_t
     return readAt<std::int32_t>(file, offset, static_cast<std::size_t>(rows));
 }
 
-// Everything in a file that is no structure.
+// Everything in a file except its structure.
 std::vector<Extent> dataOf(FileIndex const& index) {
     std::vector<Extent> data = {index.places.elements};
     if (index.places.zones != 0) data.push_back(zonesExtent(index.places.zones, index.header.rows));
@@ -80,14 +80,14 @@ std::size_t bandsOf(Details const& details) {
     return static_cast<std::size_t>((details.rows - 1) / details.bandRows + 1);
 }
 
-// The chunks' own places are held against the file by the checksum.
+// The checksum covers the places of the chunks.
 bool placesHold(Details const& details, std::uint64_t size) {
     if (!dimensionsHold(details) || !isWithin(zonesExtent(details.zones, details.rows), size)) return false;
-    if (details.lies == Lies::plain)
+    if (details.storage == StorageCode::plain)
         return details.elements % alignof(float) == 0 && isWithin({details.elements, details.elementsSize}, size) &&
                details.elementsSize >= elementsBytes(details.rows, details.columns);
-    return (details.lies == Lies::deflate || details.lies == Lies::shuffleAndDeflate) && details.bandRows > 0 &&
-           details.bandRows <= details.rows &&
+    return (details.storage == StorageCode::deflate || details.storage == StorageCode::shuffleAndDeflate) &&
+           details.bandRows > 0 && details.bandRows <= details.rows &&
            isWithin({details.chunkTable, bandsOf(details) * sizeof(ChunkPlace)}, size);
 }
 
@@ -98,9 +98,9 @@ FileHeader headerOf(Details const& details, std::span<std::byte const> file) {
 }
 
 FilePlaces placesOf(Details const& details, std::span<std::byte const> file) {
-    if (details.lies == Lies::plain)
+    if (details.storage == StorageCode::plain)
         return {{details.bandRows, Filters::none}, {details.elements, details.elementsSize}, 0, {}, details.zones};
-    Filters const filters = details.lies == Lies::deflate ? Filters::deflate : Filters::shuffleAndDeflate;
+    Filters const filters = details.storage == StorageCode::deflate ? Filters::deflate : Filters::shuffleAndDeflate;
     return {{details.bandRows, filters}, {}, details.chunkTable,
         readAt<ChunkPlace>(file, details.chunkTable, bandsOf(details)), details.zones};
 }
@@ -116,17 +116,17 @@ std::optional<FileIndex> indexOf(hdf5::FoundRecord const& found, std::span<std::
     return index;
 }
 
-Lies howTheyLie(FileIndex const& index) {
-    if (index.header.name.size() > sizeof(Details::name)) return Lies::throughHdf5;
+StorageCode storageCodeOf(FileIndex const& index) {
+    if (index.header.name.size() > sizeof(Details::name)) return StorageCode::throughHdf5;
     switch (index.places.layout.filters) {
     case Filters::none:
-        return Lies::plain;
+        return StorageCode::plain;
     case Filters::deflate:
-        return Lies::deflate;
+        return StorageCode::deflate;
     case Filters::shuffleAndDeflate:
         break;
     }
-    return Lies::shuffleAndDeflate;
+    return StorageCode::shuffleAndDeflate;
 }
 
 Details detailsOf(FileIndex const& index) {
@@ -137,7 +137,7 @@ Details detailsOf(FileIndex const& index) {
     details.type = header.type.value_or(mtMatrixCube);
     details.kind = header.kind.value_or(mkDefault);
     details.flags = header.selectedLink ? selectedLinkFlag : 0;
-    details.lies = howTheyLie(index);
+    details.storage = storageCodeOf(index);
     details.bandRows = places.layout.rows;
     details.elements = places.elements.offset;
     details.elementsSize = places.elements.size;
@@ -148,7 +148,7 @@ Details detailsOf(FileIndex const& index) {
     return details;
 }
 
-// The record of the first version, which only plain files have: all structure lies in front of the elements.
+// The record of the first version, which only plain files have: all structure precedes the elements.
 struct FirstRecord {
     std::array<char, 8> magic;
     std::uint64_t structure;
@@ -167,7 +167,7 @@ static_assert(sizeof(FirstRecord) == 512);
 constexpr std::array<char, 8> firstMagic = {'C', 'U', 'B', 'E', 'I', 'D', 'X', '1'};
 constexpr std::size_t firstSearched = 8192;
 
-// Leaves its own place out: the hash of what lies in front of it is the seed for what lies behind.
+// Excludes its own bytes: the hash of what precedes them is the seed for what follows.
 std::uint64_t firstChecksum(std::span<std::byte const> structure, std::size_t record) {
     std::size_t const own = record + offsetof(FirstRecord, structure);
     auto const behind = structure.subspan(own + sizeof(std::uint64_t));
@@ -233,7 +233,7 @@ IndexRecord indexRecord(
     std::span<std::byte const> file, std::uint64_t recordOffset, FileIndex const& index, IndexRecord record) {
     Details details = detailsOf(index);
     auto const structure = hdf5::structureChecksum(file, recordOffset, dataOf(index));
-    if (!structure) details.lies = Lies::throughHdf5;
+    if (!structure) details.storage = StorageCode::throughHdf5;
     record.structure = structure.value_or(0);
     record.fileSize = file.size();
     std::memcpy(record.details.data(), &details, sizeof details);

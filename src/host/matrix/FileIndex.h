@@ -14,7 +14,7 @@
 
 namespace cubes::matrix {
 
-/// What a matrix file says besides its elements. Files of other programs have no type and kind.
+/// The description of a matrix in its file. Files of other programs have no type and kind.
 struct FileHeader {
     int rows = 0;
     int columns = 0;
@@ -23,11 +23,11 @@ struct FileHeader {
     /// In UTF-8.
     std::string name = {};
     std::vector<std::int32_t> zones = {};
-    /// Whether it is a selected-link matrix. Only compressed files keep this.
+    /// Whether it is a selected-link matrix. Only compressed files record this.
     bool selectedLink = false;
 };
 
-/// Throws std::length_error when a dimension is below 1 or the elements exceed what can be addressed.
+/// Throws std::length_error when a dimension is below 1 or the elements exceed the address space.
 std::size_t elementCount(std::uint64_t rows, std::uint64_t columns);
 
 /// The content id of a matrix: over rows and columns, the elements row by row, and the zone numbers.
@@ -49,14 +49,14 @@ hdf5::Id128 contentId(FileHeader const& header, float const* elements);
 
 enum class Filters { none, deflate, shuffleAndDeflate };
 
-/// How the elements of a table are cut: into chunks of whole rows.
+/// How the elements of a table are divided: into chunks of whole rows.
 struct ChunkLayout {
     int rows = 0;
     Filters filters = Filters::none;
 };
 
-/// Where the stored bytes of a band lie, as the file's table of chunks has it; all 0 for a band of zeros that is
-/// not stored.
+/// The place of the stored bytes of a band, as recorded in the file's table of chunks; all 0 for a band of zeros, which
+/// is not stored.
 struct ChunkPlace {
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
@@ -64,34 +64,33 @@ struct ChunkPlace {
     std::uint64_t skipped = 0;
 };
 
-/// Where the elements and zone numbers of a matrix file of ours lie.
+/// The places of the elements and zone numbers in a matrix file of the library.
 struct FilePlaces {
     ChunkLayout layout;
     /// Unfiltered elements: one run of bytes, which may be longer than the elements.
     hdf5::Extent elements;
-    /// Filtered elements: the table of chunks, and its content, one a band.
+    /// Filtered elements: the table of chunks, and its content, one per band.
     std::uint64_t chunkTable = 0;
     std::vector<ChunkPlace> chunks;
-    /// 0: there are none.
+    /// 0 when there are none.
     std::uint64_t zones = 0;
 };
 
-/// The short way to the elements. Letting HDF5 read its structure costs more than reading the elements of many a
-/// matrix, so the index record holds what the structure says, together with a checksum of the structure: as long as
-/// nobody has changed the structure since we wrote it, the record is as good. Otherwise it counts for nothing and HDF5
-/// is asked.
+/// The direct access to the elements. Letting HDF5 read its structure often takes longer than reading the elements, so
+/// the index record holds the needed part of the structure with a checksum of it: while nobody has changed the
+/// structure since the library wrote it, the record is valid. Otherwise it is ignored and HDF5 reads the structure.
 struct FileIndex {
     FileHeader header;
     FilePlaces places;
 };
 
-/// Completes a record for a finished file, given as a whole. A file that the record cannot describe, because of a
-/// long name, gets one without places: its elements are read through HDF5.
+/// Completes a record for a finished file, given as a whole. A file that the record cannot describe, because of a long
+/// name, gets a record without places: its elements are read through HDF5.
 hdf5::IndexRecord indexRecord(
     std::span<std::byte const> file, std::uint64_t recordOffset, FileIndex const& index, hdf5::IndexRecord record);
 
-/// Reads the record of a file given as a whole; nothing when there is none, when it has no places or does not hold.
-/// Every place lies within the file.
+/// Reads the record of a file given as a whole; nothing when there is none, when it has no places or is not valid.
+/// Every place is within the file.
 std::optional<FileIndex> findIndex(std::span<std::byte const> file);
 
 }

@@ -15,17 +15,16 @@ namespace cubes::matrix {
 
 namespace {
 
-// One byte short of 4 GiB is the largest chunk that HDF5 takes.
+// HDF5 allows chunks of at most one byte less than 4 GiB.
 constexpr std::uint64_t largestChunk = 0xFFFFFFFF;
-// Whole chunks of this many rows are whole pages, so that one chunk follows another without a gap.
+// Whole chunks with a multiple of this many rows are whole pages, so the chunks follow each other without a gap.
 constexpr std::uint64_t rowsOfWholePages = 1024;
-// The system keeps what one call writes in larger pages the larger the call, and a view of larger
-// pages is read faster (100 MB: 7.4 ms, against 9.0 after writes of 1 MiB). Flushing begins between
-// the pieces.
+// The system caches the data of one large call in larger pages, and a memory map of larger pages is read faster (100
+// MB: 7.4 ms, against 9.0 after writes of 1 MiB). Flushing starts between the pieces.
 constexpr std::size_t piece = std::size_t{16} << 20;
 // Large enough to compress well, small enough for a core's cache and for reading a single cell.
 constexpr std::size_t bandBytes = std::size_t{256} << 10;
-// Compressed at a time before they are written, so that memory stays bounded.
+// Compressed together before they are written, so that memory use is bounded.
 constexpr std::size_t bandsAtATime = 64;
 
 // The last step: the structure is complete, and the record describes it.
@@ -49,7 +48,7 @@ int plainChunkRows(FileHeader const& header, std::uint64_t limit) {
     return static_cast<int>(fitting);
 }
 
-// One uninterrupted run of a matrix's elements in the file.
+// One contiguous run of a matrix's elements in the file.
 struct Run {
     hdf5::Extent place;
     std::span<std::byte const> bytes;
@@ -98,7 +97,7 @@ bool isZero(std::span<float const> elements) {
     return bytes[0] == std::byte{0} && std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0;
 }
 
-// A stored chunk is always whole: the last one is filled up with zeros.
+// A stored chunk is always whole: the last one is padded with zeros.
 std::vector<std::byte> encodeWhole(BlockEncoder& encoder, std::span<float const> elements, std::size_t size) {
     if (elements.size() == size) return encoder.encode(elements);
     std::vector<float> whole(elements.begin(), elements.end());
@@ -106,8 +105,8 @@ std::vector<std::byte> encodeWhole(BlockEncoder& encoder, std::span<float const>
     return encoder.encode(whole);
 }
 
-// Shuffling helps full matrices and harms sparse ones, where whole elements repeat. The first band
-// from the middle on that is not all zero decides.
+// Shuffling makes full matrices smaller and sparse ones, where whole elements repeat, larger. The first band from the
+// middle on that is not all zero decides.
 Filters chooseFilters(Bands const& bands, float const* elements) {
     for (std::size_t i = 0; i < bands.count(); ++i) {
         auto const sample = bands.elements((bands.count() / 2 + i) % bands.count(), elements);

@@ -11,8 +11,8 @@ namespace cubes::matrix {
 
 /// Writes a matrix into a new, empty file, with its index record.
 ///
-/// Plain: uncompressed and in one piece. HDF5 lays out the structure and says where the elements go; we write them
-/// there. Deflate: bands of rows, each a chunk that HDF5's standard filters read; chunks of zeros are not stored. A
+/// Plain: uncompressed and contiguous. HDF5 lays out the structure and allocates the elements; the library writes them.
+/// Deflate: bands of rows, each a chunk that HDF5's standard filters read; chunks of zeros are not stored. A
 /// selected-link matrix, which is mostly zeros, is always compressed.
 /// Throws hdf5::Error, std::system_error, std::length_error or std::runtime_error.
 void writeMatrixFile(platform::File& file, MatrixContent const& content, Storage storage);

@@ -20,7 +20,7 @@ Rules& rules() {
     return instance;
 }
 
-// One key a directory, however its path is written.
+// One key per directory, however its path is written.
 std::string keyOf(std::string const& directory) {
     std::string key = platform::foldCase(platform::absolutePath(platform::withNativeDelimiters(directory)));
     while (key.size() > 1 && key.back() == platform::pathDelimiter()) key.pop_back();

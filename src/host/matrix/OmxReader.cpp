@@ -43,13 +43,13 @@ std::array<hsize_t, 2> sizeOf(hid_t dataset) {
 void requireNumbers(hid_t dataset) {
     Handle const type(H5Dget_type(dataset), H5Tclose, "read the type of the elements");
     H5T_class_t const kind = H5Tget_class(type.get());
-    // HDF5 itself trusts the size that a damaged file gives an element.
+    // HDF5 itself does not check the element size in a damaged file.
     if ((kind != H5T_INTEGER && kind != H5T_FLOAT) || H5Tget_size(type.get()) > largestNumber)
         throw std::runtime_error("the table's elements are not numbers");
 }
 
-// Only a table of ours may be large and all but empty: elsewhere that is a sign of damage, and
-// reading it would take very long.
+// Only a table of the library may be large and almost empty: in other files that indicates damage, and reading would
+// take very long.
 void requireStorage(hid_t file, hid_t dataset, std::size_t elements) {
     hsize_t size = 0;
     check(H5Fget_filesize(file, &size), "read the size of the file");
@@ -119,7 +119,7 @@ bool isUsualName(std::string const& name) {
     return std::find(usualNames.begin(), usualNames.end(), platform::asciiLower(name)) != usualNames.end();
 }
 
-// Empty when it is not clear which lookup has them.
+// Empty when the lookup cannot be chosen.
 std::string zoneLookup(std::vector<std::string> const& names) {
     auto const usual = std::find_if(names.begin(), names.end(), isUsualName);
     if (usual != names.end()) return *usual;
@@ -154,7 +154,7 @@ std::vector<std::int32_t> wholeNumbers(std::vector<double> const& numbers) {
     return whole;
 }
 
-// The names of the datasets with so many dimensions in a group, in order of name; none when there is no such group.
+// The names of the datasets with that many dimensions in a group, sorted; none when there is no such group.
 std::vector<std::string> datasetsOf(hid_t file, char const* group, int dimensions) {
     if (!hdf5::hasLink(file, group)) return {};
     Handle const opened = hdf5::openGroup(file, group);
@@ -163,8 +163,8 @@ std::vector<std::string> datasetsOf(hid_t file, char const* group, int dimension
     return names;
 }
 
-// The zone numbers that the file has for so many rows: those of a lookup with a usual name, else of the only lookup.
-// None unless they are distinct whole numbers.
+// The zone numbers for that many rows: those of a lookup with a usual name, or of the only lookup. None unless they are
+// distinct whole numbers.
 std::vector<std::int32_t> readZones(hid_t file, hsize_t rows) {
     std::string const name = zoneLookup(datasetsOf(file, omx::lookups, 1));
     if (name.empty()) return {};
@@ -174,7 +174,7 @@ std::vector<std::int32_t> readZones(hid_t file, hsize_t rows) {
     return wholeNumbers(numbers);
 }
 
-// The zone numbers in a file of ours, distinct or not.
+// The zone numbers in a file of the library, distinct or not.
 std::vector<std::int32_t> ownZones(hid_t file, FileHeader const& header) {
     auto const names = datasetsOf(file, omx::lookups, 1);
     if (header.rows != header.columns || std::ranges::find(names, omx::zones) == names.end()) return {};
@@ -261,7 +261,7 @@ OmxTable::RecordedIds OmxTable::recordedIds() const {
     return ids;
 }
 
-// The rows from `first` up to, not including, `behind`, to their place among all elements.
+// Reads the rows from `first` up to, not including, `behind`, to their place among all elements.
 void OmxTable::readRows(int first, int behind, float* all) const {
     if (first == behind) return;
     hdf5::Session const session;

@@ -11,7 +11,7 @@
 
 namespace cubes::matrix {
 
-/// The names inside an OMX file: the first five are OMX's, the others our own.
+/// The names inside an OMX file: the first five are OMX's, the others the library's.
 namespace omx {
 
 inline constexpr char version[] = "OMX_VERSION";
@@ -32,7 +32,7 @@ inline constexpr char checksum[] = "cubes_checksum";
 
 }
 
-/// Where the bands of a matrix come from. Any number of threads may read.
+/// The source of the bands of a matrix. Any number of threads may read.
 class BandSource {
 public:
     BandSource() = default;
@@ -43,14 +43,14 @@ public:
     virtual Bands bands() const = 0;
     /// Reads a band to its place among all elements. REQUIRES: the elements there are 0.
     virtual void readBand(std::size_t band, float* all) const = 0;
-    /// Reads all bands but one, on all cores where the file allows that. REQUIRES: the elements read are 0.
+    /// Reads all bands but one, on all cores if the file allows that. REQUIRES: the elements read are 0.
     virtual void readAllBut(std::optional<std::size_t> done, float* all) const = 0;
 
 protected:
     BandSource(BandSource&&) = default;
 };
 
-/// One table of an OMX file, of whatever layout and numeric type. Keeps the file open.
+/// One table of an OMX file, of any layout and numeric type. Keeps the file open.
 class OmxTable : public BandSource {
 public:
     OmxTable(hdf5::Handle file, hdf5::Handle dataset);
@@ -67,7 +67,7 @@ public:
     void readAllBut(std::optional<std::size_t> done, float* all) const override;
 
 private:
-    // What the file says of its content, with the zone numbers that belong to it.
+    // What the file records about its content, with the zone numbers that belong to it.
     struct RecordedIds {
         hdf5::Id128 content;
         std::optional<std::uint64_t> checksum;
@@ -84,14 +84,14 @@ private:
     hdf5::Handle dataset_;
     int bandRows_ = 1;
     Filters filters_ = Filters::none;
-    // Whether the chunks are whole rows of single-precision elements that we can inflate ourselves.
+    // Whether the chunks are whole rows of single-precision elements that the library can inflate itself.
     bool ownCodec_ = false;
 };
 
 /// An OMX file opened through HDF5.
 class OmxReader {
 public:
-    /// Throws hdf5::Error when it is no HDF5 file or is damaged.
+    /// Throws hdf5::Error for a file that is damaged or not HDF5.
     explicit OmxReader(std::string const& path);
 
     /// The names of the two-dimensional datasets under /data, sorted.
@@ -100,7 +100,7 @@ public:
     std::vector<std::string> lookups() const;
     /// Throws std::runtime_error when there is no such table or it is not a matrix of numbers.
     OmxTable table(std::string const& name) const;
-    /// The table "matrix", else the only one.
+    /// The table "matrix", or the only one.
     OmxTable onlyTable() const;
     hdf5::Provenance provenance() const;
 

@@ -15,7 +15,7 @@ using hdf5::writeText;
 namespace {
 
 constexpr hsize_t page = 4096;
-// Together they fit into the first two pages, in front of the elements.
+// Together they fit into the first two pages, before the elements.
 constexpr hsize_t structureBytes = 6000;
 constexpr hsize_t smallDataBytes = 2048;
 
@@ -49,7 +49,7 @@ void writeNumber(hid_t object, char const* name, std::int32_t number) {
     writeAttribute(object, name, H5T_STD_I32LE, H5T_NATIVE_INT32, scalar().get(), &number);
 }
 
-// What PyTables, and tools built on it, ask of a dataset before they list it.
+// The attributes that PyTables, and tools based on it, require to list a dataset.
 void markForPyTables(hid_t dataset, char const* kind, char const* version) {
     writeText(dataset, "CLASS", kind);
     writeText(dataset, "VERSION", version);
@@ -60,7 +60,7 @@ Handle createFile(std::string const& path, Filters filters) {
     Handle const access = hdf5::fileAccess();
     // The format of HDF5 1.8: the oldest whose structure has checksums.
     check(H5Pset_libver_bounds(access.get(), H5F_LIBVER_V18, H5F_LIBVER_V18), "choose the format");
-    // Filtered chunks follow each other, so that there is structure between them and nothing else.
+    // Filtered chunks follow each other, so that only structure is between them.
     if (filters == Filters::none) check(H5Pset_alignment(access.get(), page, page), "align the elements");
     check(H5Pset_meta_block_size(access.get(), structureBytes), "prepare the structure");
     check(H5Pset_small_data_block_size(access.get(), smallDataBytes), "prepare the structure");
@@ -107,7 +107,7 @@ OmxWriter::OmxWriter(std::string const& path, MatrixContent const& content, Chun
     writeZones(header.zones);
 }
 
-// Writes bytes of ours as a dataset under "/" and gives their place.
+// Writes bytes of the library as a dataset under "/" and returns their place.
 std::uint64_t OmxWriter::writeBytes(char const* name, std::span<std::byte const> bytes) {
     std::array<hsize_t, 1> const size = {bytes.size()};
     Handle const dataset =
@@ -150,7 +150,7 @@ ChunkPlace OmxWriter::chunkPlace(int firstRow) const {
     haddr_t address = HADDR_UNDEF;
     hsize_t size = 0;
     check(
-        H5Dget_chunk_info_by_coord(table_.get(), start.data(), &skipped, &address, &size), "learn where a chunk lies");
+        H5Dget_chunk_info_by_coord(table_.get(), start.data(), &skipped, &address, &size), "find the place of a chunk");
     if (address == HADDR_UNDEF) return {};
     return {address, size, skipped};
 }

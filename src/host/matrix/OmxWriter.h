@@ -11,7 +11,7 @@
 
 namespace cubes::matrix {
 
-/// All that a new matrix file holds.
+/// The content of a new matrix file.
 struct MatrixContent {
     FileHeader header;
     /// Rows x columns, row by row.
@@ -21,23 +21,23 @@ struct MatrixContent {
     hdf5::Provenance provenance = {};
 };
 
-/// Makes an OMX file with one table and lets HDF5 lay out its structure. Unfiltered elements get
-/// their place in the file and are written there by the caller; filtered ones come as chunks.
+/// Creates an OMX file with one table and lets HDF5 lay out its structure. For unfiltered elements HDF5 allocates the
+/// space, and the caller writes them; filtered ones are passed as chunks.
 class OmxWriter {
 public:
-    /// Makes or overwrites the file; writes all but elements and stamp. Throws hdf5::Error.
+    /// Creates or overwrites the file; writes everything but elements and stamp. Throws hdf5::Error.
     OmxWriter(std::string const& path, MatrixContent const& content, ChunkLayout layout);
 
-    /// Where the chunk that begins with a row lies, and for unfiltered chunks will lie once written; all 0 when it
+    /// The place of the chunk that begins with a row, for unfiltered chunks also before they are written; all 0 when it
     /// has no place.
     ChunkPlace chunkPlace(int firstRow) const;
     /// Stores the filtered bytes of the chunk that begins with a row.
     void writeChunk(int firstRow, std::span<std::byte const> bytes);
     /// Writes the table of chunks and returns its place.
     std::uint64_t writeChunkTable(std::vector<ChunkPlace> const& chunks);
-    /// Where the zone numbers lie; 0 when there are none.
+    /// The offset of the zone numbers; 0 when there are none.
     std::uint64_t zonesOffset() const noexcept { return zonesOffset_; }
-    /// Where the bytes kept for the index record lie.
+    /// The offset of the bytes reserved for the index record.
     std::uint64_t recordOffset() const noexcept { return recordOffset_; }
     /// Writes the content id and closes the file.
     void finish(hdf5::Id128 const& content);

@@ -13,7 +13,7 @@ OpenedFile zeros(TRkMatrixHeader const& header) {
     return {fileHeader(header), std::make_unique<MemoryElements>(header.Rows(), header.Columns())};
 }
 
-bool lies(int position, int count) {
+bool isWithin(int position, int count) {
     return position >= 0 && position < count;
 }
 
@@ -30,11 +30,11 @@ SelectedLinkBody::SelectedLinkBody(std::string file, TRkMatrixHeader const& head
       isNew_(false), hasFile_(true) {}
 
 void SelectedLinkBody::Add(int row, int column, float value) {
-    if (!lies(row, header_.Rows()) || !lies(column, header_.Columns()))
+    if (!isWithin(row, header_.Rows()) || !isWithin(column, header_.Columns()))
         throwFailure("cannot add to an OD pair of", file(),
-            "there is no pair " + std::to_string(row) + ", " + std::to_string(column) + "; the matrix has " +
+            "there is no OD pair " + std::to_string(row) + ", " + std::to_string(column) + "; the matrix has " +
                 std::to_string(header_.Rows()) + " rows and " + std::to_string(header_.Columns()) + " columns");
-    // All are read at once: the file is replaced when this is flushed, and nothing may hold it then.
+    // All are read at once: flushing replaces the file, which must not be open then.
     elements_->all();
     elements_->row(row)[column] += value;
     isChanged_ = true;
@@ -58,7 +58,7 @@ void SelectedLinkBody::publish() const {
     isChanged_ = false;
 }
 
-// What is written by rows into an opened file is private to the object, as in every matrix.
+// Rows written in an opened file are private to the object, as in every matrix.
 float* SelectedLinkBody::writableRow(int row) {
     if (isNew_) isChanged_ = true;
     return elements_->row(row);

@@ -35,7 +35,7 @@ private:
 
     TRkMatrixHeader const& header_;
     std::unique_ptr<FileBody> elements_;
-    // Created beforehand for a new file; used up by the first attempt to write it.
+    // Created beforehand for a new file; used by the first attempt to write it.
     mutable std::optional<StagedFile> staged_;
     bool isNew_;
     mutable bool hasFile_;

@@ -19,7 +19,7 @@ namespace cubes::matrix {
 namespace {
 
 constexpr char identityName[] = "cubes-id";
-// More than 32 digits and a line end are no identity.
+// A longer file cannot be an identity of 32 digits and a line end.
 constexpr std::uint64_t longestIdentity = 40;
 
 template <typename Work>
@@ -28,7 +28,7 @@ void writing(std::string const& target, Work const& work) {
 }
 
 std::string const& fileTarget(std::string const& target) {
-    if (target.empty()) throw std::runtime_error("there is no file name");
+    if (target.empty()) throw std::runtime_error("the file name is empty");
     if (platform::isDirectory(target)) throw std::runtime_error("it is a directory");
     return target;
 }
@@ -50,7 +50,7 @@ Id128 randomIdentity() {
     return id;
 }
 
-// Nothing without a readable file; unknown when it holds something else.
+// Nothing without a file; unknown when it cannot be read or has other content.
 std::optional<Id128> readIdentity(std::string const& path) {
     if (!platform::exists(path)) return std::nullopt;
     try {
@@ -64,7 +64,7 @@ std::optional<Id128> readIdentity(std::string const& path) {
     }
 }
 
-// A hard link gives the complete file its name only where none is: of several that try, one succeeds.
+// A hard link names the complete file only if the name is free: of several that try, one succeeds.
 void makeIdentity(std::string const& path) {
     std::string const text = randomIdentity().text() + "\n";
     try {
@@ -75,7 +75,7 @@ void makeIdentity(std::string const& path) {
         std::filesystem::create_hard_link(platform::toPath(temporary.path()), platform::toPath(path), taken);
         if (!taken) platform::flushDirectory(platform::directoryOf(path));
     } catch (std::system_error const&) {
-        // Nothing can be written there: the identity stays unknown.
+        // The directory cannot be written to: the identity stays unknown.
     }
 }
 

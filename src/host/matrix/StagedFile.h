@@ -16,33 +16,33 @@ using hdf5::FileStamp;
 using hdf5::Id128;
 using hdf5::Provenance;
 
-/// A matrix file in the making: it lies complete beside its target, flushed as the rule of that directory asks, until
-/// it replaces the target in one step. Writing and publishing are separate, so that a database row can be changed in
-/// between. What is not published is removed. Movable.
+/// A new matrix file under a temporary name beside its target, complete and flushed as the rule of that directory
+/// requires, until it replaces the target atomically. Writing and publishing are separate, so that a database row can
+/// be changed in between. The destructor removes a file that was not published. Movable.
 ///
-/// What fails throws TRkMatrixException ("cannot write matrix file <target>: ..."); the target is then as before,
-/// unless isPublished() says otherwise. One thread at a time may use an object.
+/// Failures throw TRkMatrixException ("cannot write matrix file <target>: ..."); the target is then unchanged, unless
+/// isPublished() returns true. One thread at a time may use an object.
 class StagedFile {
 public:
     /// Creates the empty file, so that a directory that cannot be written to is reported at once. Throws
     /// std::system_error, or std::runtime_error when the target has no name or is a directory.
     explicit StagedFile(std::string const& target);
 
-    /// Writes a matrix, plain or deflate as the rule of the directory says.
+    /// Writes a matrix, plain or deflate according to the rule of the directory.
     void write(MatrixContent const& content);
     /// Copies a matrix file byte by byte.
     void copy(std::string const& source);
     /// Copies a matrix file and gives the copy another stamp; a file without an index record stays without one. The
     /// provenance is that of the source.
     void copy(std::string const& source, FileStamp const& stamp);
-    /// Makes the source's content the new file: by a second name for the same file where the file system has such
-    /// names, otherwise by a copy.
+    /// Makes the source's content the new file: by a second name for the same file if the file system supports that,
+    /// otherwise by a copy.
     void link(std::string const& source);
-    /// Lets `writer` write the file at a path beside the target, then stamps it. What `writer` throws passes through
-    /// unchanged unless it is a std::exception.
+    /// Lets `writer` write the file at a path beside the target, then stamps it. Exceptions of `writer` that are not a
+    /// std::exception pass through unchanged.
     void write(std::function<void(std::string const& path)> const& writer, FileStamp const& stamp);
-    /// Replaces the target and flushes its directory as the rule asks. When only the flush fails, the target is already
-    /// replaced and isPublished() returns true.
+    /// Replaces the target and flushes its directory as the rule requires. When only the flush fails, the target is
+    /// already replaced and isPublished() returns true.
     void publish();
     bool isPublished() const noexcept { return isPublished_; }
 
@@ -55,16 +55,16 @@ private:
     bool isPublished_ = false;
 };
 
-/// Writes a matrix file and replaces the target with it. Throws TRkMatrixException; then the target is as before.
+/// Writes a matrix file and replaces the target with it. Throws TRkMatrixException; then the target is unchanged.
 void replaceMatrixFile(std::string const& target, MatrixContent const& content);
 
-/// The header of a matrix as its file keeps it.
+/// The header of a matrix as its file stores it.
 FileHeader fileHeader(TRkMatrixHeader const& header);
 
-/// Whether the rule of a file's directory asks that the file survives a power failure.
+/// Whether the rule of a file's directory requires that the file survives a power failure.
 bool isToBeFlushed(std::string const& path);
 
-/// What the index record of a matrix or route file says of its origin.
+/// The origin of a matrix or route file, as recorded in its index record.
 struct RecordedOrigin {
     FileStamp stamp;
     Id128 content;
@@ -77,9 +77,9 @@ std::optional<RecordedOrigin> readOrigin(std::string const& path);
 /// Reads the provenance; empty when none is recorded. Throws TRkMatrixException.
 Provenance readProvenance(std::string const& path);
 
-/// The identity of a directory of matrix files: the 32 hexadecimal digits in its file "cubes-id", which is made when
+/// The identity of a directory of matrix files: the 32 hexadecimal digits in its file "cubes-id", which is created when
 /// it is missing. Any number of threads and processes that ask at once get the same. Unknown in a directory that cannot
-/// be written to, and for a file with another content; never throws for those.
+/// be written to, and for a file with other content; never throws for those.
 Id128 directoryIdentity(std::string const& directory);
 
 }

@@ -25,7 +25,7 @@ struct TRkMatrix::State {
     std::string file;
     RkLockState lock = lsNone;
     std::string reason;
-    // Released last: what the body writes at its end is written under the lock.
+    // Released last: the body writes its file on destruction, under the lock.
     std::optional<WriteLock> writeLock;
     std::unique_ptr<cubes::matrix::Body> body;
     // The positions in the order of their zone numbers; made by the first search.
@@ -96,7 +96,7 @@ int TRkMatrix::State::positionOf(int zone, int count) const {
 
 namespace {
 
-std::string const noMatrix = "the object is bound to no matrix";
+std::string const noMatrix = "the object is not bound to a matrix";
 
 template <typename State>
 State& required(std::unique_ptr<State> const& state) {
@@ -163,7 +163,7 @@ TRkMatrix::TRkMatrix(TRkMatrix&&) noexcept = default;
 
 TRkMatrix& TRkMatrix::operator=(TRkMatrix&& other) noexcept {
     if (this == &other) return *this;
-    // What this object held is finished as at its destruction.
+    // What this object held is finished as by its destructor.
     TRkMatrix const former(std::move(*this));
     state_ = std::move(other.state_);
     return *this;
@@ -198,7 +198,7 @@ TRkMatrix::~TRkMatrix() {
     try {
         state_->body->finish(state_->header);
     } catch (std::exception const&) {
-        // A destructor cannot report it; the old file is still there.
+        // A destructor cannot report the failure; the old file is kept.
     }
 }
 

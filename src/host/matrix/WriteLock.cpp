@@ -18,7 +18,7 @@ namespace {
 
 constexpr char lockName[] = ".cubes-lock";
 
-// The directory without links, so that the same file has the same key by whatever path.
+// The directory without links, so that a file has the same key by any path.
 std::string keyOf(std::string const& path) {
     auto const file = platform::fromRoot(platform::toPath(path));
     auto const directory = platform::withoutLinks(file.parent_path());
@@ -29,7 +29,7 @@ std::string lockFileBeside(std::string const& path) {
     return platform::fromPath(platform::fromRoot(platform::toPath(path)).parent_path() / lockName);
 }
 
-// Positions in a file are signed numbers. Programs of different encodings agree on a name in UTF-8.
+// File positions are signed numbers. Programs of different encodings agree on a name in UTF-8.
 std::uint64_t positionOf(std::string const& key) {
     std::string const name = platform::toUtf8(platform::fromPath(platform::toPath(key).filename()));
     return XXH3_64bits(name.data(), name.size()) >> 1;
@@ -37,7 +37,7 @@ std::uint64_t positionOf(std::string const& key) {
 
 }
 
-// What this process holds of one file.
+// The locks that this process holds on one file.
 struct WriteLock::Held {
     platform::ByteLock lock;
     std::uint64_t process;

@@ -6,7 +6,7 @@
 
 namespace cubes::matrix {
 
-/// Somebody else holds the lock of a file.
+/// Another object or process holds the lock of a file.
 class LockRefused : public std::runtime_error {
 public:
     explicit LockRefused(std::string file)
@@ -18,18 +18,19 @@ private:
     std::string file_;
 };
 
-/// An exclusive lock for writing a matrix file, held while the object lives. It belongs to the name, not to the file of
-/// the moment, so it outlives the file's replacement: it is a lock on one byte of the file ".cubes-lock" in the same
+/// An exclusive lock for writing a matrix file, held while the object lives. It belongs to the name, not to the current
+/// file, so it outlives the file's replacement: it is a lock on one byte of the file ".cubes-lock" in the same
 /// directory, at an offset computed from the name.
 ///
-/// Others that open or create the file for writing are refused, in this process and in others, with one exception: a
-/// process may save onto a file that it has open itself. Objects may be created and destroyed in any thread.
+/// While it is held, opening or creating the file for writing is refused, in this process and in others, with one
+/// exception: a process may save onto a file that it has open itself. Objects may be created and destroyed in any
+/// thread.
 class WriteLock {
 public:
     enum class Purpose { open, create };
 
-    /// Throws LockRefused, or std::system_error when the lock cannot be requested, as in a directory
-    /// without write permission.
+    /// Throws LockRefused, or std::system_error when the lock cannot be requested, as in a directory without write
+    /// permission.
     WriteLock(std::string const& path, Purpose purpose);
     WriteLock(WriteLock const&) = delete;
     WriteLock& operator=(WriteLock const&) = delete;

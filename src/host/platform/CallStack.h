@@ -21,10 +21,10 @@ struct StackFrame {
 /// The calls of this thread, the innermost first, at most 1024.
 std::vector<StackFrame> callStack();
 
-/// The plain name of a class: "TRkSkimCube" on every platform. The text lives as long as the program.
+/// The plain name of a class: "TRkSkimCube" on every platform. The text is valid as long as the program runs.
 char const* className(std::type_info const& type);
 
-/// The name in the source for one that the compiler made; any other name unchanged.
+/// The name in the source for a name that the compiler mangled; any other name unchanged.
 std::string demangled(char const* name);
 
 }

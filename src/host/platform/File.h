@@ -27,8 +27,8 @@ public:
     /// Reads or writes all the bytes or throws.
     void readAt(std::uint64_t offset, std::span<std::byte> bytes) const;
     void writeAt(std::uint64_t offset, std::span<std::byte const> bytes);
-    /// Starts writing these bytes to the disk where the system can do that in the background, which
-    /// shortens a later flush.
+    /// Starts writing these bytes to the disk if the system can do that in the background, which shortens a later
+    /// flush.
     void beginFlush(std::uint64_t offset, std::uint64_t length) noexcept;
     /// Returns when everything written to the file, by anyone, is on the disk.
     void flush();
@@ -67,8 +67,8 @@ private:
     std::span<std::byte> bytes_;
 };
 
-/// An exclusive lock on one byte of a file, held against every other holder in this and in other
-/// processes, until it is destroyed or the process ends. The byte need not exist. Movable.
+/// An exclusive lock on one byte of a file, against every other holder in this and in other processes, until it is
+/// destroyed or the process ends. The byte need not exist. Movable.
 class ByteLock {
 public:
     /// Nothing when another holder has the byte. The file is created when it is missing. Throws

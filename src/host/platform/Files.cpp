@@ -30,7 +30,7 @@ bool isInside(std::string const& path, std::string const& directory) {
     return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
 }
 
-// By anything, a dangling link too.
+// By a file, a directory or any link, even a dangling one.
 bool isTaken(std::string const& path) {
     std::error_code ignored;
     return fs::exists(fs::symlink_status(toPath(path), ignored));

@@ -17,50 +17,49 @@ bool isRegularFile(std::string const& path);
 bool createDirectories(std::string const& path);
 /// Removes an empty directory, or one with its content.
 bool removeDirectory(std::string const& path, bool withContent);
-/// Removes a directory with its content; of a link, also where `directory` is one, the link and not its target.
+/// Removes a directory with its content; a link is removed without its target, also when `directory` itself is one.
 bool removeTree(std::string const& directory);
 /// Removes a regular file and nothing else.
 bool removeFile(std::string const& path);
-/// Removes a file; objects that read it keep it.
+/// Removes a file; objects that are reading it keep its content.
 bool discardFile(std::string const& path) noexcept;
-/// Copies a file or a directory with its content. False also for one into itself.
+/// Copies a file or a directory with its content. False also when copying into itself.
 bool copy(std::string const& source, std::string const& target, bool overwrite);
 /// Copies a directory with its content to a new name, or into an existing directory; or a file. Stops at an existing
 /// file unless `overwrite`.
 bool copyTree(std::string const& source, std::string const& target, bool overwrite);
-/// Copies a regular file over the target in one step. False for a directory, and for a file onto itself.
+/// Copies a regular file over the target atomically. False for a directory, and for a file onto itself.
 bool copyFile(std::string const& source, std::string const& target);
-/// Gives a directory another name; false when that is taken or lies on another file system.
+/// Renames a directory; false when the name is taken or on another file system.
 bool moveDirectory(std::string const& source, std::string const& target);
 
 // These throw std::system_error with the action, the path and the system's message.
 
-/// Gives a file another name, in place of another file or where none is, in one step; a directory
-/// only where nothing is. False when the name lies on another file system: then nothing is done.
+/// Renames a file atomically, replacing an existing file; a directory only to a free name. False when the name is on
+/// another file system: then nothing is done.
 bool renameFile(std::string const& from, std::string const& to);
 std::uint64_t fileSize(std::string const& path);
-/// When a file was last changed: microseconds since 1970 (UTC).
+/// The time of a file's last change: microseconds since 1970 (UTC).
 std::int64_t lastChange(std::string const& path);
-/// Makes what was written to a file, by anyone, survive a power failure.
+/// Makes everything written to a file, by anyone, survive a power failure.
 void flushFile(std::string const& path);
-/// Makes names given in a directory survive a power failure.
+/// Makes new names in a directory survive a power failure.
 void flushDirectory(std::string const& directory);
-/// Copies the content of a regular file, off Windows also its permissions, into a new, empty file by
-/// the system's own copy: they share blocks where the file system can do that.
+/// Copies the content of a regular file, off Windows also its permissions, into a new, empty file by the system's own
+/// copy, which shares blocks if the file system supports that.
 void copyContent(std::string const& source, File& target);
-/// Gives a regular file a second name, which must be free; copies it where the file system has no second names.
+/// Gives a regular file a second name, which must be free; copies it if the file system has no second names.
 void linkOrCopy(std::string const& source, std::string const& target);
-/// As copyFile, for two different files. The copy survives a power failure.
+/// Like copyFile, for two different files. The copy survives a power failure.
 void replaceByCopy(std::string const& source, std::string const& target);
 
 /// Whether both texts name the same file, by the texts alone.
 bool isSamePath(std::string const& first, std::string const& second);
-/// Whether both paths lead to the same existing directory.
+/// Whether both paths name the same existing directory.
 bool isSameDirectory(std::string const& first, std::string const& second);
-/// Whether one path is the other or lies in it, links followed as far as they exist: then neither
-/// can replace the other.
+/// Whether one path is the other or inside it, links followed as far as they exist: then neither can replace the other.
 bool overlap(std::string const& first, std::string const& second);
-/// The directory in which a path lies; "." for a name alone.
+/// The directory that contains a path; "." for a name alone.
 std::string directoryOf(std::string const& path);
 /// The absolute, lexically normalised form of a path.
 std::string absolutePath(std::string const& path);

@@ -49,7 +49,7 @@ void inParallel(std::size_t count, std::function<Worker()> const& newWorker) {
         try {
             while (helpers.size() + 1 < std::min(cores, count)) helpers.emplace_back([&crew] { crew.takePart(); });
         } catch (std::system_error const&) {
-            // Fewer threads than cores is slower, not wrong.
+            // Having fewer threads than cores is slower, but not an error.
         }
         crew.takePart();
     }

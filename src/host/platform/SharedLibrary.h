@@ -4,17 +4,17 @@
 
 namespace cubes::platform {
 
-/// Loads the library file of that path into the process; a bare name is searched by the system. It
-/// is bound at once and adds no symbols to those of others. Null when it cannot be loaded.
+/// Loads the library file of that path into the process; the system searches a bare name. All symbols are bound at once
+/// and are not visible to other libraries. Null when it cannot be loaded.
 void* loadLibraryFile(std::string const& path);
 
-/// The system's message for this thread's last loadLibraryFile, which failed.
+/// The system's message for this thread's last failed loadLibraryFile.
 std::string loadFailure();
 
-/// What the library exports under that name; null when there is no such name.
+/// The exported symbol of that name; null when there is none.
 void* findSymbol(void* library, std::string const& name);
 
-/// Between the directories of a search path: ":" or, on Windows, ";".
+/// The separator of the directories of a search path: ":" or, on Windows, ";".
 char searchPathDelimiter();
 
 /// The path of the program or library that contains an address; empty when the system does not know it.

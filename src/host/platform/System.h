@@ -6,18 +6,18 @@
 #include <string>
 #include <system_error>
 
-/// The process and its surroundings: errors of the system, environment, clock, terminal and debugger.
+/// The process and its environment: system errors, variables, clock, terminal and debugger.
 namespace cubes::platform {
 
 /// The calling thread's last operating-system error: GetLastError, or errno off Windows.
 std::uint32_t lastError();
 void setLastError(std::uint32_t code);
 
-/// The system's own text for an error number, as the system gives it (with its line end on
-/// Windows); nothing when the system does not know the number.
+/// The system's own text for an error number, unchanged (with its line end on Windows); nothing when the system does
+/// not know the number.
 std::optional<std::string> errorText(std::uint32_t code);
 
-/// Keeps the calling thread's last error as it was, whatever fails meanwhile.
+/// Restores the calling thread's last error at the end of the block.
 class LastErrorKept {
 public:
     LastErrorKept() : code_(lastError()) {}
@@ -66,8 +66,8 @@ void breakIntoDebugger();
 void writeToDebugger(char const* text);
 void writeToDebugger(wchar_t const* text);
 
-/// How many forks lie between this process and the one that first asked. What was opened at a
-/// smaller count belongs to a parent. Always 0 where processes cannot fork.
+/// The number of forks between this process and the one that first called this function. An object created at a smaller
+/// count belongs to a parent. Always 0 if processes cannot fork.
 unsigned long forkCount() noexcept;
 
 }

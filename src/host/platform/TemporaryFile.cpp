@@ -11,10 +11,10 @@ namespace cubes::platform {
 namespace {
 
 constexpr std::string_view suffix = ".cubes-tmp";
-// Leaves room for the rest of the name where a file system takes 255 bytes.
+// Leaves room for the rest of the name if a file system allows 255 bytes.
 constexpr std::size_t longestPart = 200;
 
-// Every module of a process that is linked with this code draws its own, and so does a forked process.
+// Every module of a process that is linked with this code draws its own random number, and so does a forked process.
 std::string randomDigits() {
     constexpr char digits[] = "0123456789abcdef";
     std::random_device random;

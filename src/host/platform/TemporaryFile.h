@@ -10,16 +10,16 @@ namespace cubes::platform {
 /// A new path beside the target: ".<target>.<16 random hexadecimal digits>.cubes-tmp".
 std::string temporaryPath(std::string const& target);
 
-/// Whether a file of this name (without directory) is a temporary one: of a running process, or
-/// left by one that was interrupted.
+/// Whether a file of this name (without directory) is a temporary one: of a running process, or left behind by an
+/// interrupted one.
 bool isTemporaryName(std::string_view name);
 
-/// Replaces the target, which need not exist, by a complete and closed file beside it, in one step
-/// that survives a power failure. Throws std::system_error; the target is then the old or the new file.
+/// Atomically replaces the target, which need not exist, by a complete and closed file beside it, and survives a power
+/// failure. Throws std::system_error; the target is then the old or the new file.
 void commitFile(std::string const& file, std::string const& target);
 
-/// A new file beside its target that replaces the target in one step when it is complete. Removed
-/// by the destructor otherwise.
+/// A new file beside its target that replaces the target atomically when it is complete. Otherwise the destructor
+/// removes it.
 class TemporaryFile {
 public:
     /// Creates the empty file. Throws std::system_error.
@@ -31,7 +31,7 @@ public:
     File& file() noexcept { return file_; }
     std::string const& path() const noexcept { return file_.path(); }
     std::string const& target() const noexcept { return target_; }
-    /// Closes the file and renames it to the target. When that throws the target is unchanged.
+    /// Closes the file and renames it to the target. When it throws, the target is unchanged.
     void publish();
     /// The same, safe against a power failure: flushes the file before and the directory afterwards.
     /// Throws std::system_error; the target is then the old or the new file.

@@ -32,22 +32,22 @@ struct DurabilityName {
 };
 constexpr DurabilityName durabilityNames[] = {{"full", Durability::full}, {"process", Durability::process}};
 
-// Reads the values of one file; errors tell the file and the line.
+// Reads the values of one file; errors name the file and the line.
 class Reader {
 public:
     Reader(std::string directory, toml::table const& table) : directory_(std::move(directory)), table_(table) {}
 
-    // The text under the key, else `otherwise`.
-    std::string text(char const* key, std::string const& otherwise) const {
+    // The text of the key, or the fallback.
+    std::string text(char const* key, std::string const& fallback) const {
         toml::node const* const node = table_.get(key);
-        if (!node) return otherwise;
+        if (!node) return fallback;
         if (!node->is_string()) fail(*node, std::string("'") + key + "' must be a text");
         std::string const value = platform::fromUtf8(node->as_string()->get());
         if (value.empty()) fail(*node, std::string("'") + key + "' must not be empty");
         return value;
     }
 
-    // What the text under the key stands for, among the names told.
+    // The choice that the text of the key names.
     template <typename Name, std::size_t count>
     Name const& choice(char const* key, Name const (&names)[count]) const {
         toml::node const* const node = table_.get(key);

@@ -7,27 +7,25 @@
 
 namespace cubes::project {
 
-/// What a project's "cubes.toml" says. Paths are as written: relative to the project's directory
-/// or absolute.
+/// The content of a project's "cubes.toml". Paths are as written: relative to the project's directory or absolute.
 struct ProjectFile {
     std::string database = "sqlite:cubes.db";
     std::string matrixDirectory = "matrices";
     std::string workingDirectory = "results";
     MatrixStorage storage;
-    /// The SQL schema of the project's result cubes; empty when the file does not say.
+    /// The SQL schema of the project's result cubes; empty when the file does not name one.
     std::string schema;
 };
 
 bool isProject(std::string const& directory);
 std::string projectFilePath(std::string const& directory);
 
-/// What is to be written for the options given for the project in `directory`.
-/// Throws TRkProjectException for a storage or durability that does not exist.
+/// The content for the given options of the project in `directory`. Throws TRkProjectException for an unknown storage
+/// or durability.
 ProjectFile projectFileFor(ProjectOptions const& options, std::string const& directory);
-/// Throws TRkProjectException that tells file, line and reason.
+/// Throws TRkProjectException with file, line and reason.
 ProjectFile readProjectFile(std::string const& directory);
-/// Puts the whole file in place or none; a password in the database's URL is left out.
-/// Throws TRkProjectException.
+/// Writes the file atomically; a password in the database's URL is omitted. Throws TRkProjectException.
 void writeProjectFile(ProjectFile const& file, std::string const& directory);
 
 }

@@ -10,7 +10,7 @@ namespace ProjectUtils {
 
 namespace {
 
-// What a PostgreSQL server takes as a name.
+// The longest name that a PostgreSQL server accepts.
 constexpr std::size_t longestName = 63;
 
 std::string lastComponent(std::string const& path) {

@@ -4,7 +4,7 @@
 
 #include <typeinfo>
 
-// Defined here so that the class has one home: down-casts work across library boundaries.
+// Defined here so that the class has one definition: down-casts work across library boundaries.
 TRkObject::~TRkObject() = default;
 
 TRkVisitor::~TRkVisitor() = default;

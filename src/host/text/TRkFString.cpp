@@ -12,7 +12,7 @@ std::size_t fileStart(std::string const& path) {
     return last == std::string::npos ? 0 : last + 1;
 }
 
-// Where the extension begins, its point included; the end when there is none.
+// The position of the extension with its point; the end when there is none.
 std::size_t extensionStart(std::string const& path) {
     std::size_t const point = path.rfind('.');
     return point == std::string::npos || point < fileStart(path) ? path.size() : point;

@@ -276,7 +276,7 @@ TEST_F(DefaultProject, isRefusedWhereAFileOrAProjectIs) {
 
 TEST_F(DefaultProject, cannotBeOpenedWhereThereIsNone) {
     EXPECT_EQ(errorOf([&] { Project::open(directory.file("none")); }),
-        "project: '" + directory.file("none") + "' is no project: it has no \"cubes.toml\"");
+        "project: '" + directory.file("none") + "' is not a project: it has no \"cubes.toml\"");
     EXPECT_EQ(errorOf([&] { Project::open(""); }).substr(0, 8), "project:");
     EXPECT_EQ(listing(directory.str()), "");
 }

@@ -91,7 +91,7 @@ Foreign const refused[] = {
     {"withRealLinks", "replace('links', [10, 10, 20, 20], 'f4')", "links has numbers of another type"},
     {"withTextLinks", "replace('links', [b'a', b'b'], 'S1')", "links has numbers of another type"},
     {"withFewOrigins", "replace('origins', [1], 'i4')", "destinations has another size"},
-    {"withAShareThatIsNoNumber", "replace('shares', [1, float('nan'), 1], 'f4')", "a share is no finite number"},
+    {"withAShareThatIsNoNumber", "replace('shares', [1, float('nan'), 1], 'f4')", "a share is not a finite number"},
     {"withFewShares", "replace('shares', [1], 'f4')", "shares has another size"},
     {"withFewOffsets", "replace('offsets', [0, 4], 'u8')", "offsets does not fit"},
     {"withNoOffsets", "replace('offsets', [], 'u8')", "offsets does not fit"},
@@ -113,16 +113,16 @@ Foreign const refused[] = {
         "del f['links']\nf.create_dataset('links', shape=(2**40,), dtype='u4', chunks=(1024,))",
         "links is larger than the file"},
     {"withLinksInAnotherFile", "del f['links']\nf['links'] = h5py.ExternalLink('/dev/null', '/links')",
-        "links leads elsewhere"},
-    {"withASoftLink", "del f['links']\nf['links'] = h5py.SoftLink('/origins')", "links leads elsewhere"},
+        "links is a soft or external link"},
+    {"withASoftLink", "del f['links']\nf['links'] = h5py.SoftLink('/origins')", "links is a soft or external link"},
     {"withExternalStorage",
         "del f['links']\nf.create_dataset('links', shape=(4,), dtype='u4', external=[('/dev/zero', 0, 16)])",
-        "links leads elsewhere"},
+        "links is not stored in this file"},
     {"withAVirtualDataset",
         "layout = h5py.VirtualLayout(shape=(4,), dtype='u4')\n"
         "layout[:] = h5py.VirtualSource('/dev/null', 'links', shape=(4,))\n"
         "del f['links']\nf.create_virtual_dataset('links', layout)",
-        "links leads elsewhere"},
+        "links is not stored in this file"},
 };
 
 }
@@ -212,7 +212,7 @@ TEST(ForeignDataFile, isRefusedWithAReason) {
         {"ofAnUnknownType", "f['fields/0004'].attrs['type'] = 6", "unknown field type 6"},
         {"ofAnotherType", "f['fields/0004'].attrs['type'] = 3", "0004 has numbers of another type"},
         {"withoutAName", "del f['fields/0004'].attrs['name']", "cannot find the attribute name"},
-        {"withANameTwice", "f['fields/0004'].attrs['name'] = np.bytes_('cost')", "there is a field cost already"},
+        {"withANameTwice", "f['fields/0004'].attrs['name'] = np.bytes_('cost')", "a field cost exists already"},
         {"withAnEmptyName", "f['fields/0004'].attrs['name'] = np.bytes_('')", "the field has no name"},
         {"withATruthOfTwo", "f['fields/0000'][1] = 2", "the boolean field tolled has values besides 0 and 1"},
         {"withFewValues",

@@ -145,7 +145,7 @@ TEST_F(RouteDataTest, whatIsNoFieldIsRefusedAndChangesNothing) {
         {{"", rftFloat, values, 3}, "the field has no name"},
         {{nullptr, rftFloat, values, 3}, "the field has no name"},
         {{"a\nb", rftFloat, values, 3}, "the field's name has a control character"},
-        {{"time", rftFloat, values, 3}, "there is a field time already"},
+        {{"time", rftFloat, values, 3}, "a field time exists already"},
         {{"new", rftFloat, values, 2}, "the field new has 2 values, the others have 3"},
         {{"new", rftFloat, values, -1}, "the number of values is negative"},
         {{"new", rftFloat, values, std::numeric_limits<std::int64_t>::max()}, "too large"},

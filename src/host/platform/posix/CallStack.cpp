@@ -13,7 +13,7 @@ namespace {
 StackFrame frameAt(void* address) {
     StackFrame frame;
     frame.address = reinterpret_cast<std::uintptr_t>(address);
-    // A call may be the last instruction of its function; one byte before is certainly inside it.
+    // A call may be the last instruction of its function; the byte before the return address is certainly inside it.
     Dl_info info{};
     if (::dladdr(static_cast<char*>(address) - 1, &info) == 0) return frame;
     if (info.dli_fname) frame.module = info.dli_fname;

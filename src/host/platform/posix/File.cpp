@@ -13,8 +13,8 @@ namespace cubes::platform {
 
 namespace {
 
-// Locks of the open file rather than of the process: two objects of one process exclude each
-// other, and closing another descriptor of the file releases nothing.
+// Locks of the open file rather than of the process: two objects of one process exclude each other, and closing another
+// descriptor of the file releases nothing.
 #ifdef F_OFD_SETLK
 constexpr int setLock = F_OFD_SETLK;
 #else
@@ -100,7 +100,7 @@ FileView FileView::open(std::string const& path) {
     File const file = File::openForReading(path);
     auto const size = static_cast<std::size_t>(file.size());
     if (size == 0) return FileView({});
-    // Private pages are made only for what is written, so none are set aside beforehand.
+    // Private pages are created only for written data, so none are reserved beforehand.
     void* const start =
         ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE, descriptor(file.native()), 0);
     if (start == MAP_FAILED) throwSystemFailure("cannot map", path);

@@ -29,7 +29,7 @@ int descriptorOf(File const& file) {
     return static_cast<int>(file.native());
 }
 
-// The copy is readable by the same users. A file system without permissions has none to keep.
+// The copy is readable by the same users. A file system without permissions has none to copy.
 void keepRights(File const& source, File const& target) {
     struct stat status {};
     if (::fstat(descriptorOf(source), &status) == 0) ::fchmod(descriptorOf(target), status.st_mode);
@@ -41,7 +41,7 @@ bool clone(File const& source, File const& target) {
     return ::ioctl(descriptorOf(target), FICLONE, descriptorOf(source)) == 0;
 }
 
-// Returns how many bytes the kernel has copied by itself; not all file systems can.
+// Returns how many bytes the kernel has copied; not all file systems support it.
 std::uint64_t copyInKernel(File const& source, File const& target, std::uint64_t size) {
     off_t from = 0;
     off_t to = 0;
@@ -81,7 +81,7 @@ void flushDirectory(std::string const& directory) {
     if (opened < 0) throwSystemFailure("cannot open", directory);
     int const failure = ::fsync(opened) == 0 ? 0 : errno;
     ::close(opened);
-    // Some file systems have no flush for directories and say EINVAL.
+    // Some file systems cannot flush directories and report EINVAL.
     if (failure != 0 && failure != EINVAL) throwSystemFailure("cannot flush", directory, failure);
 }
 

@@ -7,7 +7,7 @@ namespace cubes::platform {
 
 namespace {
 
-// The classes of letters do not depend on the program's own locale, which may know ASCII only.
+// Letters are classified independently of the program's own locale, which may know ASCII only.
 locale_t letters() {
     static locale_t const locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     return locale;
@@ -23,7 +23,7 @@ std::size_t sequenceLength(std::string_view text) {
     return length;
 }
 
-// The character that a sequence of two to four bytes stands for.
+// The character of a sequence of two to four bytes.
 char32_t decoded(std::string_view sequence) {
     char32_t const lead = static_cast<unsigned char>(sequence[0]);
     char32_t code = lead & (0x7Fu >> sequence.size());

@@ -50,7 +50,7 @@ std::uint64_t processId() {
     return static_cast<std::uint64_t>(::getpid());
 }
 
-// They do so by themselves.
+// POSIX streams do so by default.
 void prepareStreams() {}
 
 bool messagesAreWatched() {
@@ -61,7 +61,7 @@ bool readerWentAway() {
     return errno == EPIPE;
 }
 
-// Linux names the process that traces this one, 0 for none. Elsewhere no debugger is ever seen.
+// Linux reports the process that traces this one, 0 for none. On other systems no debugger is ever detected.
 bool isDebuggerAttached() {
     std::ifstream status("/proc/self/status");
     std::string word;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t longestName = 1024;
 
-// The process as the debug-help functions know it, with the modules that are loaded by now.
+// The process for the debug-help functions, with the modules that are loaded by now.
 HANDLE symbols() {
     HANDLE const process = ::GetCurrentProcess();
     static bool const known = [process] {
@@ -47,7 +47,7 @@ std::optional<unsigned long> lineAt(HANDLE process, DWORD64 place) {
 }
 
 StackFrame frameAt(HANDLE process, void* address) {
-    // A call may be the last instruction of its function; one byte before is certainly inside it.
+    // A call may be the last instruction of its function; the byte before the return address is certainly inside it.
     char* const call = static_cast<char*>(address) - 1;
     auto const place = static_cast<DWORD64>(reinterpret_cast<std::uintptr_t>(call));
     return {reinterpret_cast<std::uintptr_t>(address), moduleFile(call), functionAt(process, place),
@@ -57,7 +57,7 @@ StackFrame frameAt(HANDLE process, void* address) {
 }
 
 std::vector<StackFrame> callStack() {
-    // The debug-help functions serve one thread at a time.
+    // The debug-help functions may be called by one thread at a time.
     static std::mutex mutex;
     std::array<void*, 1024> addresses{};
     USHORT const depth = ::RtlCaptureStackBackTrace(0, static_cast<DWORD>(addresses.size()), addresses.data(), nullptr);

@@ -19,7 +19,7 @@ HANDLE handle(std::intptr_t native) {
     return reinterpret_cast<HANDLE>(native);
 }
 
-// Names like "NUL" and "COM1" are those of devices in every directory.
+// Names like "NUL" and "COM1" name devices in every directory.
 std::intptr_t openFile(std::string const& path, DWORD access, DWORD disposition) {
     HANDLE const opened =
         ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);

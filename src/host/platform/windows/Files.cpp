@@ -11,8 +11,8 @@
 #include <optional>
 #include <vector>
 
-// The C++ library takes a link to a directory for the directory, and of a path of more than 260
-// characters it lists the current directory.
+// The C++ library treats a link to a directory as the directory, and for a path of more than 260 characters it lists
+// the current directory.
 namespace cubes::platform {
 
 namespace fs = std::filesystem;
@@ -24,17 +24,17 @@ bool isReadOnly(fs::path const& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
 }
 
-// Neither a directory nor a file that its owner has made read-only.
+// Neither a directory nor a read-only file.
 bool isReplaceable(fs::path const& path) {
     DWORD const attributes = ::GetFileAttributesW(path.c_str());
     constexpr DWORD unfit = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
     return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & unfit);
 }
 
-// The end of the names of files that have been replaced while they were read.
+// The suffix of files that were replaced while they were being read.
 constexpr wchar_t outdated[] = L".old.cubes-tmp";
 
-// Removes them from a directory, but for those that are read still.
+// Removes such files from a directory, except those that are still being read.
 void removeOutdated(fs::path const& directory) {
     WIN32_FIND_DATAW entry{};
     HANDLE const search = ::FindFirstFileW((directory / (std::wstring(L".*") + outdated)).c_str(), &entry);
@@ -44,13 +44,13 @@ void removeOutdated(fs::path const& directory) {
     ::FindClose(search);
 }
 
-// A name of its own beside a file.
+// A temporary name beside a file.
 fs::path nameBeside(fs::path const& file) {
     return toPath(temporaryPath(fromPath(file)));
 }
 
-// What is mapped can be moved but not removed, or not before it is mapped no more: it goes aside, and objects that
-// still read it keep it.
+// A mapped file can be renamed but not removed until it is unmapped: it is renamed, and objects that are reading it
+// keep its content.
 bool removeOrSetAside(fs::path const& file, fs::path aside) {
     bool const isRemoved = ::DeleteFileW(file.c_str()) != FALSE;
     if (!isReplaceable(file)) return isRemoved;
@@ -61,7 +61,7 @@ bool removeOrSetAside(fs::path const& file, fs::path aside) {
     return true;
 }
 
-// Moves the old file away and puts the new one in its place.
+// Renames the old file and then gives the new one its name.
 bool replaceInUse(fs::path const& from, fs::path const& to) {
     fs::path const old = nameBeside(to);
     if (!::MoveFileExW(to.c_str(), old.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
@@ -86,7 +86,7 @@ Entry entryAt(fs::path const& path) {
     return {path, ::GetFileAttributesW(path.c_str())};
 }
 
-// Nothing where not all of them can be listed.
+// Nothing when not all of them can be listed.
 std::optional<std::vector<Entry>> entriesIn(fs::path const& directory) {
     std::vector<Entry> entries;
     WIN32_FIND_DATAW found{};
@@ -125,11 +125,11 @@ bool copy(Entry const& source, Entry const& target, bool overwrite) {
 
 }
 
-// The system is not allowed to copy: on another volume that would be neither one step nor checked.
+// The system must not copy: on another volume that would be neither atomic nor checked.
 bool renameFile(std::string const& from, std::string const& to) {
     fs::path const source = toPath(from);
     fs::path const target = toPath(to);
-    // New names are given without looking around.
+    // A free name needs no search for outdated files.
     bool const replaces = isReplaceable(target);
     if (replaces) removeOutdated(target.parent_path());
     if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return true;
@@ -140,7 +140,7 @@ bool renameFile(std::string const& from, std::string const& to) {
 }
 
 void flushFile(std::string const& path) {
-    // The system lets only those flush who may write: a read-only file is left to it.
+    // Flushing requires write permission: a read-only file is flushed by the system when it decides to.
     if (isReadOnly(toPath(path))) return;
     HANDLE const opened = ::CreateFileW(toPath(path).c_str(), GENERIC_WRITE,
         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -151,7 +151,7 @@ void flushFile(std::string const& path) {
     if (!isFlushed) throwSystemFailure("cannot flush", path, static_cast<int>(failure));
 }
 
-// The renaming itself writes through.
+// The rename itself is written through.
 void flushDirectory(std::string const&) {}
 
 bool discardFile(std::string const& path) noexcept {
@@ -161,13 +161,13 @@ bool discardFile(std::string const& path) noexcept {
 
 // The system copies between names, not between open files.
 void copyContent(std::string const& source, File& target) {
-    // A failure of the source names the source.
+    // An error in opening the source names the source.
     File const original = File::openForReading(source);
     std::string const path = target.path();
     auto const copy = toPath(path);
     target.close();
     if (!::CopyFileW(toPath(source).c_str(), copy.c_str(), FALSE)) throwSystemFailure("cannot copy to", path);
-    // A copy is read-only where its source is; this one is yet to be flushed and renamed.
+    // A copy of a read-only file is read-only; this one is still to be flushed and renamed.
     ::SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
     target = File::openShared(path);
 }

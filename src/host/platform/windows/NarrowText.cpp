@@ -14,8 +14,8 @@ std::wstring widened(std::string_view text, UINT codePage) {
     return wide;
 }
 
-// A letter that the code page does not have becomes "?", which no path holds, rather than one that looks alike:
-// that would be the name of another file.
+// A letter that the code page does not have becomes "?", which no path can contain, and not a similar letter, which
+// could be the name of another file.
 std::string narrowed(std::wstring_view wide, UINT codePage) {
     bool const isUtf8 = codePage == CP_UTF8 || GetACP() == CP_UTF8;
     DWORD const flags = isUtf8 ? 0 : WC_NO_BEST_FIT_CHARS;
@@ -73,7 +73,7 @@ std::string_view firstCharacters(std::string_view narrow, std::size_t count) {
 
 std::string lowerCase(std::string_view utf8) {
     if (isText(utf8)) return textInLowerCase(utf8);
-    // Bytes that are no text stay as they are, and what is around them does not.
+    // Invalid bytes are kept unchanged, and the text around them is converted.
     std::string result;
     while (!utf8.empty()) {
         std::string_view const sequence = utf8.substr(0, sequenceLength(utf8));

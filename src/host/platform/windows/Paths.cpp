@@ -8,7 +8,7 @@ namespace cubes::platform {
 
 namespace {
 
-// The path of what is there as the system keeps it, whatever names lead to it; empty where nothing is.
+// The path of an existing file as the system stores it, by whatever name it was reached; empty when there is none.
 std::filesystem::path finalPath(std::filesystem::path const& path) {
     constexpr DWORD everything = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     constexpr DWORD longest = 32768;
@@ -36,7 +36,7 @@ std::string fromPath(std::filesystem::path const& path) {
     return toNarrow(path.native());
 }
 
-// The C++ library does not know a path on a server for a whole one.
+// The C++ library does not treat a path on a server as absolute.
 std::filesystem::path fromRoot(std::filesystem::path const& path) {
     if (path.empty()) return path;
     std::wstring text(::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');

@@ -32,7 +32,7 @@ std::string ownDirectory() {
 
 void* loadLibraryFile(std::string const& path) {
     if (path.find_first_of("\\/") == std::string::npos) return ::LoadLibraryA(path.c_str());
-    // The libraries that it needs are searched beside it.
+    // Libraries that it needs are searched in its own directory.
     return ::LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }
 

@@ -28,7 +28,7 @@ std::optional<std::string> errorText(std::uint32_t code) {
     return text;
 }
 
-// The C library has a copy of its own, which SetEnvironmentVariable does not change.
+// The C library has its own copy, which SetEnvironmentVariable does not change.
 std::optional<std::string> environment(char const* name) {
     LastErrorKept const kept;
     std::string value;
@@ -43,7 +43,7 @@ std::optional<std::string> environment(char const* name) {
 
 std::string temporaryDirectory() {
     char directory[260];
-    // The result is the size needed where the text does not fit, and 0 for a failure.
+    // The result is the required size if the text does not fit, and 0 for a failure.
     DWORD const length = ::GetTempPathA(sizeof directory, directory);
     if (length == 0 || length >= sizeof directory) return "c:\\temp\\";
     return {directory, length};
