@@ -1,5 +1,5 @@
-# Uses a compiler cache and a fast linker where they are installed. The caller's own choice, also by the
-# variables that CMake reads from the environment, has precedence.
+# Uses a compiler cache and a fast linker if they are installed. The caller's own choice, also by the environment
+# variables that CMake reads, has precedence.
 find_program(CUBES_CCACHE ccache)
 if(CUBES_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_C_COMPILER_LAUNCHER ${CUBES_CCACHE})

@@ -1,5 +1,5 @@
-# What is installed: the library, its headers, a CMake package and a pkg-config file. (The tool's own CMakeLists.txt
-# installs it.) Nothing in it names the directory where it was built or installed.
+# Installs the library, its headers, a CMake package and a pkg-config file. (The tool is installed by its own
+# CMakeLists.txt.) No installed file contains the path of the build or installation directory.
 include(CMakePackageConfigHelpers)
 
 set(cubes_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cubes)
@@ -24,7 +24,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/cubesConfigVersion.cmake 
 install(FILES ${PROJECT_BINARY_DIR}/cubesConfig.cmake ${PROJECT_BINARY_DIR}/cubesConfigVersion.cmake
   DESTINATION ${cubes_cmake_dir})
 
-# The build target "package" makes a zip of it, which runs where it is unpacked.
+# The build target "package" makes a zip of the installation, which runs where it is unpacked.
 if(WIN32)
   if(CUBES_WINDOWS_DEPS)
     install(DIRECTORY ${CUBES_WINDOWS_DEPS}/licences DESTINATION ${CMAKE_INSTALL_DOCDIR})

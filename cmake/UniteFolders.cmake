@@ -1,5 +1,5 @@
-# cubes_unite_folders(TARGET): where CMAKE_UNITY_BUILD is on, the files of a folder are compiled as one,
-# which takes a fifth of the time: most of it is spent on the standard library's headers.
+# cubes_unite_folders(TARGET): if CMAKE_UNITY_BUILD is on, the files of a folder are compiled as one, which takes a
+# fifth of the time: most of it is spent on the standard library's headers.
 function(cubes_unite_folders target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
   get_target_property(sources ${target} SOURCES)

@@ -1,4 +1,4 @@
-# One interface target that every target of ours links: the warnings we live by.
+# The compiler warnings: an interface target that every target links.
 add_library(cubes_warnings INTERFACE)
 target_compile_options(cubes_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor

@@ -1,8 +1,8 @@
-# No tool here reads this compiler's debug information on Windows, but every start of a program loads it.
+# No tool here reads this compiler's debug information on Windows, but loading it slows down every program.
 add_link_options(-s)
 
-# The run-time libraries that lie beside every program and library for Windows, in the build and in
-# an installation. Debian's contain many megabytes of debug information, which are removed.
+# The run-time libraries, copied to the directory of every program and library for Windows, in the build and in an
+# installation. Debian's contain many megabytes of debug information, which are removed.
 set(CUBES_RUNTIME_LIBRARIES ${CMAKE_BINARY_DIR}/runtime)
 
 foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)

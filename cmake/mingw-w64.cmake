@@ -1,5 +1,5 @@
-# Builds for 64-bit Windows with MinGW-w64 (POSIX threads), on Linux. Programs that the build or its
-# tests run go through Wine. scripts/setup-windows brings the compiler and the libraries.
+# Builds for 64-bit Windows with MinGW-w64 (POSIX threads), on Linux. Programs that the build or its tests run are run
+# by Wine. scripts/setup-windows installs the compiler and the libraries.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 
@@ -14,7 +14,7 @@ else()
   set(CUBES_WINDOWS_DEPS $ENV{HOME}/.cache/cubes-windows)
 endif()
 
-# Nothing of this machine's own headers and libraries gets in; programs are its own.
+# Headers and libraries of the host are not used; its programs are.
 set(CMAKE_FIND_ROOT_PATH ${CUBES_WINDOWS_DEPS} /usr/${triple})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

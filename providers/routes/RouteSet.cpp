@@ -13,7 +13,7 @@ using namespace VL::Interface;
 
 namespace {
 
-// Links take two bytes each where all fit.
+// Links take two bytes each if all numbers fit.
 void writeLinks(hid_t parent, std::vector<std::uint32_t> const& links, Shuffle shuffle) {
     constexpr std::uint32_t largest = std::numeric_limits<std::uint16_t>::max();
     bool const areSmall = std::ranges::all_of(links, [](std::uint32_t link) { return link <= largest; });

@@ -81,7 +81,7 @@ public:
     /// header is kept. A later access to elements opens the file again, in its state at that time, and throws when it
     /// has other dimensions. Does nothing to a matrix in memory or to a new file that is being filled.
     virtual void Release();
-    /// Called on a matrix before its file name is asked for when it is saved.
+    /// Called on a matrix that is to be saved, before its file name is read.
     virtual void Prepare() const;
 
     float const* RowAt(int row, int access) const;

@@ -4,8 +4,8 @@
 #include <cubes/routestorage/Metadata.h>
 #include <cubes/routestorage/RouteStorageBaseCube.h>
 
-/// The cube of route data: values that belong to the routes of a set, their parent in
-/// RouteStorageCube. Its entries have no children: GetChilds empties the list and gives false.
+/// The cube of route data: values that belong to the routes of a set, their parent in RouteStorageCube. Its entries
+/// have no children: GetChilds empties the list and returns false.
 class CUBES_API RouteStorageDataCube : public RouteStorageBaseCube {
 public:
     /// ctRouteData.

@@ -85,7 +85,7 @@ public:
 /// Owns the header of route data and releases it at the end. Not copyable.
 class CUBES_API TVlAdditionalDataHeader final {
 public:
-    /// Takes over the caller's reference; null is no header.
+    /// Takes over the caller's reference; null means that there is no header.
     explicit TVlAdditionalDataHeader(AdditionalDataHeaderInterface* header) noexcept;
     ~TVlAdditionalDataHeader();
     TVlAdditionalDataHeader(TVlAdditionalDataHeader const&) = delete;

@@ -13,7 +13,7 @@ OpenedFile zeros(TRkMatrixHeader const& header) {
     return {fileHeader(header), std::make_unique<MemoryElements>(header.Rows(), header.Columns())};
 }
 
-bool isWithin(int position, int count) {
+bool isInRange(int position, int count) {
     return position >= 0 && position < count;
 }
 
@@ -30,7 +30,7 @@ SelectedLinkBody::SelectedLinkBody(std::string file, TRkMatrixHeader const& head
       isNew_(false), hasFile_(true) {}
 
 void SelectedLinkBody::Add(int row, int column, float value) {
-    if (!isWithin(row, header_.Rows()) || !isWithin(column, header_.Columns()))
+    if (!isInRange(row, header_.Rows()) || !isInRange(column, header_.Columns()))
         throwFailure("cannot add to an OD pair of", file(),
             "there is no OD pair " + std::to_string(row) + ", " + std::to_string(column) + "; the matrix has " +
                 std::to_string(header_.Rows()) + " rows and " + std::to_string(header_.Columns()) + " columns");

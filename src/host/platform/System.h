@@ -43,8 +43,8 @@ private:
 /// when it is unset or empty.
 std::optional<std::string> environment(char const* name);
 
-/// The user's temporary directory as the environment gives it, with a delimiter at its end; the
-/// system's own when that is longer than 259 characters. It may not exist.
+/// The user's temporary directory according to the environment, with a delimiter at its end; the system's own when that
+/// is longer than 259 characters. It may not exist.
 std::string temporaryDirectory();
 
 /// The local date and time.
