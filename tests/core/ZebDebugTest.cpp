@@ -5,7 +5,7 @@
 #include "host/platform/System.h"
 #include "support/ChildTask.h"
 #include "support/OpenFiles.h"
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 #include "support/TempDir.h"
 #include "support/Variable.h"
 

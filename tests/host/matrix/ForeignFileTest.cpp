@@ -2,7 +2,7 @@
 
 #include "support/Process.h"
 #include "support/SharedData.h"
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 
 #include <cubes/matrix/OmxFile.h>
 #include <cubes/matrix/TRkMatrixException.h>

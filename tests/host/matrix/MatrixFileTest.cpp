@@ -1,6 +1,6 @@
 #include "host/matrix/Samples.h"
 
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/TRkMatrixException.h>

@@ -2,7 +2,7 @@
 
 #include "host/platform/FileTesting.h"
 #include "host/platform/Files.h"
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>

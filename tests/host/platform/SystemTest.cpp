@@ -1,6 +1,6 @@
 #include "host/platform/System.h"
 
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 #include "support/TempDir.h"
 #include "support/Variable.h"
 

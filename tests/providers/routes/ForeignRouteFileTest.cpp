@@ -1,7 +1,7 @@
 #include "Samples.h"
 
 #include "support/Process.h"
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "host/platform/SharedLibrary.h"
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 #include "support/TempDir.h"
 
 #include <cubes/routestorage/RouteStorageInterface.h>

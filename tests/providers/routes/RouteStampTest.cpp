@@ -1,6 +1,6 @@
 #include "Samples.h"
 
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "ToolSession.h"
 
 #include "support/SharedData.h"
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 #include "support/platform/Shell.h"
 
 #include <filesystem>

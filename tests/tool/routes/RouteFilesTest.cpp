@@ -1,6 +1,6 @@
 #include "tool/routes/RouteFiles.h"
 
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 #include "support/TempDir.h"
 #include "tool/Errors.h"
 

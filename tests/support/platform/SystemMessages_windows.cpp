@@ -1,4 +1,4 @@
-#include "support/SystemWords.h"
+#include "support/SystemMessages.h"
 
 #include <system_error>
 
