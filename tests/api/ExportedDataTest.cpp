@@ -2,7 +2,7 @@
 
 #include <cubes/cubes.h>
 
-#include "support/VersionGuard.h"
+#include "support/CubeTesting.h"
 
 #include <gtest/gtest.h>
 

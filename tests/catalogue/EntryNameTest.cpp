@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "support/VersionGuard.h"
+#include "support/CubeTesting.h"
 
 namespace cubes::test {
 namespace {

@@ -5,7 +5,6 @@
 #include <filesystem>
 
 #include "support/EntryFamily.h"
-#include "support/VersionGuard.h"
 
 namespace cubes::test {
 namespace {

@@ -12,7 +12,6 @@
 #include "host/platform/Paths.h"
 #include "support/ChildTask.h"
 #include "support/EntryFamily.h"
-#include "support/VersionGuard.h"
 
 namespace cubes::test {
 namespace {

@@ -4,7 +4,6 @@
 #include <type_traits>
 
 #include "matcubes/MatCubesTest.h"
-#include "support/VersionGuard.h"
 
 namespace cubes::test {
 namespace {

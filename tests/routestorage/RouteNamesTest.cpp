@@ -6,7 +6,7 @@
 #include <array>
 #include <ostream>
 
-#include "support/VersionGuard.h"
+#include "support/CubeTesting.h"
 
 namespace {
 

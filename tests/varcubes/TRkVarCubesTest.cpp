@@ -8,7 +8,6 @@
 #include <filesystem>
 
 #include "host/platform/Paths.h"
-#include "support/VersionGuard.h"
 #include "varcubes/VarCubesTest.h"
 
 namespace cubes::test {
