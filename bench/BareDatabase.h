@@ -7,21 +7,21 @@
 
 namespace bench {
 
-/// What is bound to a statement's $1, $2...
+/// A value bound to a statement's $1, $2...
 using Values = std::vector<std::variant<int, std::string>>;
 
-/// The bare side of a comparison: a database reached through its own client library, with prepared
-/// statements, SQLite with the library's own journal and flushing.
+/// The bare side of a comparison: a database accessed through its own client library, with prepared statements, SQLite
+/// with the same journal and flushing as the library.
 class BareDatabase {
 public:
     virtual ~BareDatabase() = default;
 
-    /// Gives the statement's number.
+    /// Returns the statement's number.
     virtual int prepare(std::string const& sql) = 0;
-    /// Runs a prepared statement; gives the number of rows found or changed.
+    /// Runs a prepared statement; returns the number of rows found or changed.
     virtual int run(int statement, Values const& values) = 0;
-    /// Reads all rows of a query into records: numbers, and a text in the last column where
-    /// `endsInText`. Gives their number.
+    /// Reads all rows of a query into records: numbers, and a text in the last column if `endsInText`. Returns their
+    /// number.
     virtual int list(std::string const& query, bool endsInText) = 0;
 };
 

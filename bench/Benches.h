@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// `postgresUrl`: a database of a private server that may be filled; empty leaves those figures out.
+/// `postgresUrl`: a database of a private server that may be filled; empty skips those figures.
 std::vector<Result> entryOperations(std::string const& postgresUrl);
 std::vector<Result> listings(std::string const& postgresUrl);
 std::vector<Result> matrices();

@@ -98,7 +98,7 @@ std::string projectSchema(cubes::Project const& project) {
     return TRkSkimCube(project.settings(), true).getMatrixSchema().c_str();
 }
 
-// The parts of entry i's key, as keyOf makes them, in SQL.
+// The parts of entry i's key, as keyOf computes them, in SQL.
 std::vector<std::string> partsInSql(Family const& family) {
     std::vector<std::string> parts;
     std::size_t const count = family.columns.size() - 1;
@@ -140,7 +140,7 @@ void Entries::fill() {
     run("analyze");
 }
 
-void Entries::giveAway(int first) {
+void Entries::assignToOtherCube(int first) {
     Key const key = keyOf(first);
     std::string columns;
     std::string values;

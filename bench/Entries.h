@@ -14,7 +14,7 @@ namespace bench {
 /// Purpose, mode, time, user, result and iteration; four-key entries have the first four.
 using Key = std::array<short, 6>;
 
-/// The operations of a cube that are measured, each on one entry; true when it worked.
+/// The measured operations of a cube, each on one entry; true on success.
 struct Operations {
     std::function<bool(Key const&)> check;
     std::function<bool(Key const&)> fileName;
@@ -23,27 +23,27 @@ struct Operations {
     std::function<bool(Key const&)> decUsage;
     std::function<bool(Key const&)> add;
     std::function<bool(Key const&)> clear;
-    /// Lists all entries; gives their number.
+    /// Lists all entries; returns their number.
     std::function<int()> list;
-    /// Reads all rows one by one; gives their number.
+    /// Reads all rows one by one; returns their number.
     std::function<int()> walk;
-    /// Lists the children of an entry; gives their number. Only results have parents.
+    /// Lists the children of an entry; returns their number. Only results have parents.
     std::function<int(Key const&)> children;
 };
 
-/// A kind of cubes: the entry table and how its test entries are spread over the keys.
+/// A kind of cube: the entry table and the distribution of its test entries over the keys.
 struct Family {
     char const* name;
     char const* alias;
     int cube;
     /// The columns of the key, the cube number first.
     std::span<char const* const> columns;
-    /// The columns that a list holds of each row.
+    /// The columns of each row in a list.
     char const* listed;
     bool listsFileNames;
-    /// How many values each part of a key takes.
+    /// The number of values of each part of a key.
     int perPart;
-    /// isCorrect of a result asks Check before it looks at the counter.
+    /// isCorrect of a result calls Check before it reads the counter.
     int lookUpsOfIsCorrect;
     Operations (*operationsIn)(cubes::Project const&);
     std::string (*schemaIn)(cubes::Project const&);
@@ -52,10 +52,10 @@ struct Family {
 extern Family const fourKeys;
 extern Family const sixKeys;
 
-/// A project of its own with so many entries of one family, rows only.
+/// A project of its own with that many entries of one family, rows only.
 class Entries {
 public:
-    /// `postgresUrl`: empty takes an SQLite database of its own.
+    /// `postgresUrl`: empty creates an SQLite database.
     Entries(Family const& family, std::string const& postgresUrl, int count);
 
     Operations const& operations() const { return operations_; }
@@ -66,16 +66,16 @@ public:
     BareDatabase& bare() { return *bare_; }
     /// "sqlite" or "postgres", and the family.
     std::string const& name() const { return name_; }
-    /// Makes the entries `first` and behind those of another cube of the family.
-    void giveAway(int first);
+    /// Assigns the entries from `first` on to another cube of the family.
+    void assignToOtherCube(int first);
     /// The entry table's name in SQL.
     std::string const& table() const { return table_; }
 
-    /// The keys of `picked` entries at random, the same in every run.
+    /// The keys of `picked` random entries, the same in every run.
     std::vector<Key> randomKeys(int picked) const;
-    /// The key of entry `index`, dense; beyond the count: of an entry that is not there.
+    /// The key of entry `index`, dense; beyond the count: of an entry that does not exist.
     Key keyOf(int index) const;
-    /// What the bare statements bind for a key: cube number and parts.
+    /// The values that the bare statements bind for a key: cube number and parts.
     Values valuesOf(Key const& key) const;
 
 private:

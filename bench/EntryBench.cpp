@@ -1,5 +1,4 @@
-// The operations on one entry against the bare prepared statements they stand for, on a table of
-// the same size.
+// The operations on one entry against the equivalent bare prepared statements, on a table of the same size.
 
 #include "Benches.h"
 #include "Entries.h"
@@ -21,7 +20,7 @@ void require(bool done) {
     if (!done) throw std::runtime_error("an entry was not found or not changed");
 }
 
-// The statements that the operations stand for, with the key in $1, $2...
+// The statements equivalent to the operations, with the key in $1, $2...
 class BareStatements {
 public:
     BareStatements(Entries& entries, Family const& family) : entries_(entries) {
@@ -77,7 +76,7 @@ struct Pair {
 };
 
 std::vector<Result> compareAll(
-    std::string const& where, double bar, std::vector<Pair> const& pairs, std::vector<Key> const& keys, int rounds) {
+    std::string const& where, double limit, std::vector<Pair> const& pairs, std::vector<Key> const& keys, int rounds) {
     std::vector<Result> results;
     for (Pair const& pair : pairs) {
         auto const round = [&keys](Step const& step) {
@@ -85,8 +84,8 @@ std::vector<Result> compareAll(
                 for (Key const& key : keys) step(key);
             };
         };
-        results.push_back(compare({fmt::format("{}, {}", where, pair.name), bar, rounds, static_cast<int>(keys.size()),
-            round(pair.bare), round(pair.ours)}));
+        results.push_back(compare({fmt::format("{}, {}", where, pair.name), limit, rounds,
+            static_cast<int>(keys.size()), round(pair.bare), round(pair.ours)}));
     }
     return results;
 }
@@ -147,8 +146,8 @@ void measure(std::vector<Result>& results, Family const& family, std::string con
     std::string const where = fmt::format("{}, {}", entries.name(), count);
     auto const reads = entries.randomKeys(readsPerRound);
     auto const writes = entries.randomKeys(writesPerRound);
-    auto const add = [&](double bar, std::vector<Pair> const& pairs, std::vector<Key> const& keys, int rounds) {
-        auto const more = compareAll(where, bar, pairs, keys, rounds);
+    auto const add = [&](double limit, std::vector<Pair> const& pairs, std::vector<Key> const& keys, int rounds) {
+        auto const more = compareAll(where, limit, pairs, keys, rounds);
         results.insert(results.end(), more.begin(), more.end());
     };
     add(url.empty() ? 2.0 : 1.3, lookUpsOf(ours, bare), reads, readRounds);

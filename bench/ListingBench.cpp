@@ -1,4 +1,4 @@
-// Listing a million entries against a bare ordered scan, and the memory that walking them takes.
+// Listing a million entries against a bare ordered scan, and the memory that walking them needs.
 
 #include "Benches.h"
 #include "Entries.h"
@@ -53,16 +53,16 @@ Result storeListing(Entries& entries, Family const& family) {
         }});
 }
 
-// What other cubes of the table have costs nothing.
+// Rows of other cubes in the table do not count.
 Result listingBeside(Entries& entries, Family const& family) {
-    entries.giveAway(few);
+    entries.assignToOtherCube(few);
     std::string const query = ownRows(entries, family);
     return compare({fmt::format("{}, {} beside {}, list", entries.name(), few, count - few), 3.0, 15, 1,
         [&] { require(entries.bare().list(query, family.listsFileNames), few); },
         [&] { require(entries.operations().list(), few); }});
 }
 
-// The database looks through its rows in both cases: parents are not indexed.
+// The database scans its rows in both cases: parents are not indexed.
 Result children(Entries& entries, Family const& family) {
     std::string const query = fmt::format(
         "select {} from {} where parentcubenr = {} and parentpurpose = 1", family.listed, entries.table(), family.cube);

@@ -1,5 +1,5 @@
-// cubes_bench databases|matrices|routes: prints each figure beside the raw limit measured in the same run;
-// exit 1 when one misses its bar.
+// cubes_bench databases|matrices|routes: prints each figure beside the raw limit measured in the same run; exits with 1
+// when a figure misses its limit.
 
 #include "Benches.h"
 
@@ -50,10 +50,10 @@ Part const* findPart(std::string_view name) {
 
 bool print(Results const& results) {
     bool allHold = true;
-    fmt::print("{:<58} {:>12} {:>12} {:>7} {:>6}\n", "medians in microseconds", "bare", "ours", "ratio", "bar");
+    fmt::print("{:<58} {:>12} {:>12} {:>7} {:>6}\n", "medians in microseconds", "bare", "ours", "ratio", "limit");
     for (bench::Result const& one : results) {
         fmt::print("{:<58} {:>12.1f} {:>12.1f} {:>7.2f} {:>6.2f}{}  {}\n", one.name, one.bare, one.ours, one.ratio(),
-            one.bar, one.allowance > 0 ? fmt::format(" + {:.0f}", one.allowance) : std::string(),
+            one.limit, one.allowance > 0 ? fmt::format(" + {:.0f}", one.allowance) : std::string(),
             one.holds() ? "holds" : "MISSED");
         allHold = allHold && one.holds();
     }

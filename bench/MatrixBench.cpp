@@ -1,5 +1,5 @@
-// Writing through Set against a bare write, flush and rename of the same bytes; reading through Get
-// and summing all rows against mapping the raw file and summing.
+// Writing through Set against a bare write, flush and rename of the same bytes; reading through Get and summing all
+// rows against mapping the raw file and summing.
 
 #include "Benches.h"
 #include "WorkDirectory.h"
@@ -58,7 +58,7 @@ void bareWrite(std::string const& path, std::vector<float> const& cells, Durabil
 }
 
 double sum(float const* row, std::size_t count) {
-    // Four sums side by side: the loop is then bound by memory and not by one addition after another.
+    // Four parallel sums, so that the loop is limited by memory and not by the latency of additions.
     double sums[4] = {};
     std::size_t i = 0;
     for (; i + 4 <= count; i += 4)
@@ -102,7 +102,7 @@ TRkMatrix matrixOf(std::vector<float> const& cells, std::size_t zones) {
 }
 
 // Replacing an entry's matrix through the store.
-void comparePut(std::vector<Result>& results, std::size_t zones, Durability durability, double bar, int rounds) {
+void comparePut(std::vector<Result>& results, std::size_t zones, Durability durability, double limit, int rounds) {
     WorkDirectory const work;
     auto const project = cubes::Project::create(work.path("project"));
     cubes::setMatrixStorage(project.settings()->MatrixDirectory().str(), {Storage::plain, durability});
@@ -111,7 +111,7 @@ void comparePut(std::vector<Result>& results, std::size_t zones, Durability dura
     auto const cells = cellsOf(zones);
     auto const matrix = matrixOf(cells, zones);
     char const* const flushed = durability == Durability::full ? "flushed" : "not flushed";
-    results.push_back(compare({fmt::format("write {0} x {0} through put, {1}", zones, flushed), bar, rounds, 1,
+    results.push_back(compare({fmt::format("write {0} x {0} through put, {1}", zones, flushed), limit, rounds, 1,
         [&] { bareWrite(work.path("raw"), cells, durability); },
         [&] {
             store.put({1, 1, 1, 1, 1}, matrix);

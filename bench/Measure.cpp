@@ -32,7 +32,7 @@ Result compare(Contest const& contest) {
         bare.push_back(microseconds(contest.bare) / contest.repeats);
         ours.push_back(microseconds(contest.ours) / contest.repeats);
     }
-    return {contest.name, median(bare), median(ours), contest.bar, contest.allowance};
+    return {contest.name, median(bare), median(ours), contest.limit, contest.allowance};
 }
 
 double resetPeakMemory() {

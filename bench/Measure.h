@@ -6,23 +6,23 @@
 
 namespace bench {
 
-/// One figure with its bar. Times are medians in microseconds.
+/// One figure with its limit. Times are medians in microseconds.
 struct Result {
     std::string name;
     double bare = 0;
     double ours = 0;
-    /// At most bar * bare + allowance.
-    double bar = 0;
+    /// At most limit * bare + allowance.
+    double limit = 0;
     double allowance = 0;
 
     double ratio() const { return ours / bare; }
-    bool holds() const { return ours <= bar * bare + allowance; }
+    bool holds() const { return ours <= limit * bare + allowance; }
 };
 
-/// What is compared: each function is one round of `repeats` operations.
+/// The two sides of a comparison: each function is one round of `repeats` operations.
 struct Contest {
     std::string name;
-    double bar = 0;
+    double limit = 0;
     int rounds = 0;
     int repeats = 1;
     std::function<void()> bare;
@@ -30,10 +30,10 @@ struct Contest {
     double allowance = 0;
 };
 
-/// Runs both sides in turn, so that what disturbs one disturbs the other, and takes the medians.
+/// Runs both sides alternately, so that a disturbance affects both, and takes the medians.
 Result compare(Contest const& contest);
 
-/// Begins a new peak of this process's resident memory; gives what is resident now, in bytes.
+/// Resets the peak of this process's resident memory; returns the current size in bytes.
 double resetPeakMemory();
 /// The peak since then, in bytes.
 double peakMemory();

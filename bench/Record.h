@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// What a list of entries holds of each row.
+/// The data of each row in a list of entries.
 struct Record {
     std::array<short, 14> numbers{};
     std::string filename;

@@ -18,7 +18,7 @@ namespace {
 
 using namespace VL::Interface;
 using cubes::test::Network;
-using Ways = std::vector<Network::Way>;
+using Paths = std::vector<Network::Path>;
 
 struct Release {
     void operator()(RouteStorageInterface* storage) const { storage->release(); }
@@ -39,27 +39,27 @@ RouteSetOwner opened(std::string const& file, RouteOpenMode mode) {
 }
 
 // Of the empty network.
-Ways quickestWays(std::string const& path) {
+Paths shortestPaths(std::string const& path) {
     std::ifstream file(path);
     std::string const text(std::istreambuf_iterator<char>(file), {});
-    return Network::parse(text).ways(Network::Cost::freeFlowTime);
+    return Network::parse(text).shortestPaths(Network::Cost::freeFlowTime);
 }
 
-double linksOf(Ways const& ways) {
+double linksOf(Paths const& paths) {
     std::size_t links = 0;
-    for (auto const& way : ways) links += way.links.size();
+    for (auto const& path : paths) links += path.links.size();
     return static_cast<double>(links);
 }
 
-void store(Ways const& ways, std::string const& file) {
+void store(Paths const& paths, std::string const& file) {
     RouteSetOwner const set = opened(file, romCreate);
-    for (auto const& way : ways)
+    for (auto const& path : paths)
         set->addRoute(
-            {way.origin, way.destination, 1.0f, way.links.data(), static_cast<std::int64_t>(way.links.size())});
+            {path.origin, path.destination, 1.0f, path.links.data(), static_cast<std::int64_t>(path.links.size())});
     if (set->commit() != rrDone) throw std::runtime_error(VlInterfaceGetLastError());
 }
 
-// Reads all the links of the found routes.
+// Reads all links of the found routes.
 std::uint64_t sumOf(VelmoraRouteStorageRouteSetInterface const& set, RouteNumbers const& found) {
     std::uint64_t sum = 0;
     for (std::int64_t i = 0; i < found.count; ++i) {
@@ -87,22 +87,22 @@ double medianOf(auto const& work) {
     return median(std::move(times));
 }
 
-// What is allowed stands in place of a raw limit.
+// The limit itself is in the column of the raw limit.
 Result figure(std::string const& name, double allowed, double ours) {
     return {name + " (bare: allowed)", allowed, ours, 1, 0};
 }
 
-double ofEachPair(VelmoraRouteStorageRouteSetInterface const& set, Ways const& ways) {
+double ofEachPair(VelmoraRouteStorageRouteSetInterface const& set, Paths const& paths) {
     std::uint64_t sum = 0;
     double const all = medianOf([&] {
-        for (auto const& way : ways) {
+        for (auto const& path : paths) {
             RouteNumbers found;
-            set.findRoutesOfPair(way.origin, way.destination, &found);
+            set.findRoutesOfPair(path.origin, path.destination, &found);
             sum += sumOf(set, found);
         }
     });
     if (sum == 0) throw std::runtime_error("no route was found");
-    return all / static_cast<double>(ways.size());
+    return all / static_cast<double>(paths.size());
 }
 
 std::uint32_t busiestLink(VelmoraRouteStorageRouteSetInterface const& set) {
@@ -132,19 +132,19 @@ double ofTheBusiestLink(VelmoraRouteStorageRouteSetInterface const& set) {
 }
 
 std::vector<Result> routes(std::string const& network) {
-    Ways const ways = quickestWays(network);
+    Paths const paths = shortestPaths(network);
     WorkDirectory const directory;
     std::string const file = directory.path("routes.FDB");
-    double const links = linksOf(ways);
+    double const links = linksOf(paths);
     std::vector<Result> results;
     results.push_back(
-        figure("store all routes", links * microsecondsAStoredLink, medianOf([&] { store(ways, file); })));
+        figure("store all routes", links * microsecondsAStoredLink, medianOf([&] { store(paths, file); })));
     results.push_back(
         figure("bytes of the file", links * bytesALink, static_cast<double>(std::filesystem::file_size(file))));
     results.push_back(
         figure("open the file", links * microsecondsAStoredLink, medianOf([&] { opened(file, romRead); })));
     RouteSetOwner const set = opened(file, romRead);
-    results.push_back(figure("read the routes of a zone pair", microsecondsAPair, ofEachPair(*set, ways)));
+    results.push_back(figure("read the routes of an OD pair", microsecondsAPair, ofEachPair(*set, paths)));
     results.push_back(figure("read the routes of the busiest link", microsecondsALink, ofTheBusiestLink(*set)));
     return results;
 }

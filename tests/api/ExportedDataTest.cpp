@@ -1,4 +1,4 @@
-// The static data of the library's classes, as a program sees them that is another module.
+// The static data of the library's classes, as seen by a program that is another module.
 
 #include <cubes/cubes.h>
 
@@ -66,7 +66,7 @@ TEST(ExportedData, hasOneDefinitionForTheProgramAndTheLibrary) {
         EXPECT_EQ(exported.address, addressInLibrary(exported.symbol())) << exported.symbol();
 }
 
-TEST(ExportedData, holdsTheNumbersAndExtensionsOfTheKinds) {
+TEST(ExportedData, hasTheNumbersAndExtensionsOfTheKinds) {
     expectKind<TRkSkimCube>(-1, 13, ".skm");
     expectKind<TRkSelectedLinkCube>(-2, 12, ".slm");
     expectKind<TRkCordonCube>(-3, 16, ".cwm");
@@ -78,7 +78,7 @@ TEST(ExportedData, holdsTheNumbersAndExtensionsOfTheKinds) {
     expectKind<RouteStorageDataCube>(-10, 7, "FDB");
 }
 
-TEST(ExportedData, holdsTheNamesOfTablesAndCubes) {
+TEST(ExportedData, hasTheNamesOfTablesAndCubes) {
     EXPECT_STREQ(TRkBaseCubes::ObjectName, "cube");
     EXPECT_STREQ(TRkBaseCubes::letters, "0123456789abcdefghijklmnopqrstvwxyz_@#&^");
     EXPECT_STREQ(TRkMatCubes::FAliasName, "matcube");
@@ -92,8 +92,8 @@ TEST(ExportedData, holdsTheNamesOfTablesAndCubes) {
     }
 }
 
-// The library itself reads what the program sets.
-TEST(ExportedData, includesTheVersionThatTheProgramMaySet) {
+// The library itself reads the value that the program sets.
+TEST(ExportedData, includesTheVersionThatTheProgramCanSet) {
     EXPECT_EQ(TRkBaseCubes::Version, 4);
     EXPECT_STREQ(TRkMatCubes::MakeFilename(12, 1, 2, 3, 4).c_str(), "12-1-2-3-4");
     cubes::test::VersionGuard const version(3);

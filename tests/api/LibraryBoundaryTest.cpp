@@ -32,7 +32,7 @@ public:
 
 }
 
-TEST(LibraryBoundary, namesAClassOfTheApplication) {
+TEST(LibraryBoundary, returnsTheNameOfAnApplicationsClass) {
     Sketch const sketch;
     TRkBase const& base = sketch;
     EXPECT_STREQ("Sketch", base.ClassName());
@@ -46,7 +46,7 @@ TEST(LibraryBoundary, downCastsTheApplicationsOwnObjects) {
     EXPECT_EQ(nullptr, dynamic_cast<Keeper*>(plain.get()));
 }
 
-TEST(LibraryBoundary, passesAnExceptionOfTheApplicationThroughTheLibrary) {
+TEST(LibraryBoundary, passesOnAnExceptionOfTheApplication) {
     Sketch const sketch;
     Refuser refuser;
     EXPECT_THROW(sketch.Accept(refuser), TRkException);

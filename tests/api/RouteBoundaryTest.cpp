@@ -19,7 +19,7 @@ protected:
 
 }
 
-TEST_F(RouteBoundary, letsAnApplicationStoreRoutes) {
+TEST_F(RouteBoundary, allowsAnApplicationToStoreRoutes) {
     RouteStorageCube cube(project.settings());
     ASSERT_TRUE(cube.SetData(nullptr, 1, 1, 1, 1, 1, 1, 0, -1, -1, -1, -1, -1, -1, false));
     cubes::Reference<CubeDataInterface> const data(cube.GetData(1, 1, 1, 1, 1, 1, false));

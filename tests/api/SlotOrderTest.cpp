@@ -1,4 +1,4 @@
-// The order of the virtual functions, on which callers rely that were compiled against other headers.
+// The order of the virtual functions, on which applications compiled against earlier headers rely.
 
 #include <cubes/cubes.h>
 
@@ -9,8 +9,8 @@
 
 namespace {
 
-// The place of a virtual function in the table of its class, where the two entries of the destructor
-// come first. The Itanium C++ ABI represents a pointer to it as the offset in the table plus 1.
+// The index of a virtual function in the table of its class, which begins with the two entries of the destructor. The
+// Itanium C++ ABI represents a pointer to a virtual function as its offset in the table plus 1.
 template <typename Function>
 std::ptrdiff_t slotOf(Function function) {
     std::ptrdiff_t parts[2];
@@ -44,7 +44,7 @@ TEST(SlotOrder, ofEveryCatalogueBeginsWithItsRoot) {
 #define REFERENCES short&, short&, short&, short&, short&, short&
 // clang-format on
 
-TEST(SlotOrder, ofResultCubesGoesOnBehindTheConnection) {
+TEST(SlotOrder, ofResultCubesContinuesAfterTheConnection) {
     using Cube = TRkVarCubes;
     expectSlotsFrom(behindConnection, &Cube::cubeAliasName,
         static_cast<TRkString (Cube::*)(PARTS, bool) const>(&Cube::FileName),
@@ -86,7 +86,7 @@ TEST(SlotOrder, ofMatricesBeginsWithTheirValidity) {
         static_cast<float* (TRkMatrix::*)(int, int)>(&TRkMatrix::RowAt), &TRkMatrix::Release, &TRkMatrix::Prepare);
 }
 
-TEST(SlotOrder, ofDataOfAnEntryHasNoDestructor) {
+TEST(SlotOrder, ofEntryDataHasNoDestructor) {
     using Data = CubeDataInterface;
     expectSlotsFrom(0, &Data::addRef, &Data::release, &Data::setPurpose, &Data::getPurpose, &Data::setMode,
         &Data::getMode, &Data::setTime, &Data::getTime, &Data::setUser, &Data::getUser, &Data::setResult,

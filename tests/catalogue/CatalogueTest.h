@@ -11,7 +11,7 @@
 
 namespace cubes::test {
 
-/// A fresh project of its own on either backend, with a plain catalogue on it.
+/// A new project on either backend, with a plain catalogue on it.
 class CatalogueTest : public BackendTest {
 protected:
     void SetUp() override {
@@ -28,7 +28,7 @@ protected:
         return {settings, nullptr, nullptr, ctMatrix, mtMatrixCube, mkDefault, false};
     }
 
-    /// The register as an independent client reads it: "1|Base" a line.
+    /// The register as an independent client reads it: "1|Base" per line.
     std::string rows() { return joined(project().sql("select cubenr, name from cube order by cubenr")); }
 
 private:

@@ -1,4 +1,4 @@
-// Rows, names and connections that are out of the ordinary, in four-key cubes and six-key results.
+// Unusual rows, names and connections, in four-key cubes and six-key results.
 
 #include <cubes/database/TRkDatabaseException.h>
 #include <cubes/varcubes/TRkSkimCube.h>
@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 class UnusualEntry : public EntriesTest {
 protected:
-    /// Lets the database keep every row without an error.
+    /// Makes the database keep every row without an error.
     void suppressDeletions() {
         if (backend() == Backend::sqlite) {
             execute("create trigger keep before delete on " + table() + " begin select raise(ignore); end");
@@ -32,7 +32,7 @@ protected:
 
 CUBES_BOTH_FAMILIES(UnusualEntry);
 
-// A process of its own, since it might never return.
+// In a process of its own, since it might never return.
 template <Family family>
 void clearWithAnError(int, std::string const& root) {
     endThisProcessAfter(std::chrono::seconds(20));
@@ -52,7 +52,7 @@ int clearsWithAnError(Family family, std::string const& root) {
     return clearing[family == Family::fourKeys ? 0 : 1].inProcesses(1, root);
 }
 
-TEST_P(UnusualEntry, thatATriggerKeepsEndsClearingWithADatabaseError) {
+TEST_P(UnusualEntry, thatATriggerPreservesEndsClearingWithADatabaseError) {
     entries().add(1);
     suppressDeletions();
     EXPECT_EQ(clearsWithAnError(GetParam().family, project().root()), 1);
@@ -94,7 +94,7 @@ TEST_P(UnusualEntry, ofANameThatStaysInsideTheDirectoryIsUsable) {
     EXPECT_TRUE(fs::equivalent(found.has_filename() ? found : found.parent_path(), pathOf("d")));
 }
 
-TEST_P(UnusualEntry, ofANameThatIsNothingWhenNormalisedCountsAsNameless) {
+TEST_P(UnusualEntry, ofANameThatIsEmptyWhenNormalisedCountsAsNameless) {
     fs::create_directory(pathOf("d"));
     writeFile(pathOf("d/kept"), "precious");
     for (char const* const stored : {"", ".", "./", ".\\", "./.", "d/..", "d/../.", "d\\.."}) {
@@ -108,7 +108,7 @@ TEST_P(UnusualEntry, ofANameThatIsNothingWhenNormalisedCountsAsNameless) {
     }
 }
 
-TEST_P(UnusualEntry, ofANameThatClimbsOutIsNeverUsed) {
+TEST_P(UnusualEntry, ofANameThatLeadsOutOfTheDirectoryIsNeverUsed) {
     std::string const outside = pathOf("../outside");
     writeFile(outside, "precious");
     for (char const* const stored :
@@ -135,7 +135,7 @@ TEST(UnusualResult, isCopiedAndMovedOntoItsOwnKeyWithoutSettingsTableOrDirectory
     EXPECT_FALSE(cube.Copy(other, 1, 2, 3, 4, 5, 6, 1, 2, 3, 4, 5, 7, false, false));
 }
 
-// A result's table that is missing opens as an empty cursor; a server that is gone is an error.
+// A missing table of results opens as an empty cursor; a lost server is an error.
 TEST(LostServer, postgresIsADatabaseErrorOfEveryOperationThatNamesTheServer) {
     requireBackend(Backend::postgres);
     if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;
@@ -148,7 +148,7 @@ TEST(LostServer, postgresIsADatabaseErrorOfEveryOperationThatNamesTheServer) {
         SCOPED_TRACE(family == Family::fourKeys ? "four-key cubes" : "results");
         auto const entries = entryFamily(family, project.settings());
         ASSERT_TRUE(entries->store(1, 1));
-        // What is known of the tables is read anew afterwards, so that opening alone needs the server.
+        // The description of the tables is read again afterwards, so that opening needs the server.
         project.connection()->Execute("ANALYZE");
         server.stop();
         for (auto const& operation : {std::function<void()>([&] { entries->open(); }), {[&] { entries->check(1); }},
@@ -167,7 +167,7 @@ TEST(LostServer, postgresIsADatabaseErrorOfEveryOperationThatNamesTheServer) {
     }
 }
 
-// There the column counts bytes, whatever the letters.
+// In such a database the column counts bytes.
 TEST(LongCubeName, postgresWithoutAnEncodingFindsItAsStored) {
     requireBackend(Backend::postgres);
     if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;

@@ -1,4 +1,4 @@
-// Files of entries are copied and moved whole or not at all, on one file system and between two.
+// Files of entries are copied and moved completely or not at all, on one file system and between two.
 
 #include "catalogue/EntryFile.h"
 
@@ -60,9 +60,9 @@ protected:
         std::string const placed = contentOf(target());
         return placed == "new" || (placed == "old" && contentOf(source()) == "new");
     }
-    /// Lets each step fail in turn, until none is left to fail.
+    /// Makes each step fail in turn, until none is left.
     void failEachStep(Placing place, int error);
-    /// The flushes and renames that placing takes under a rule for the target's directory.
+    /// The flushes and renames of placing a file, under a rule for the target's directory.
     std::string steps(Placing place, Durability durability) const {
         setMatrixStorage(there_->str(), {Storage::plain, durability});
         write();
@@ -95,14 +95,14 @@ void EntryFile::failEachStep(Placing place, int error) {
 
 INSTANTIATE_TEST_SUITE_P(, EntryFile, testing::Values(Place::here, Place::onAnotherFileSystem), nameOf);
 
-TEST_P(EntryFile, movesInPlaceOfAnother) {
+TEST_P(EntryFile, replacesTheTargetWhenItIsMoved) {
     write();
     EXPECT_TRUE(moveMatrixFile(source(), target()));
     EXPECT_EQ(contentOf(target()), "new");
     EXPECT_EQ(state(), "b.odm\n");
 }
 
-TEST_P(EntryFile, movesAndCopiesToWhereNothingIs) {
+TEST_P(EntryFile, isMovedAndCopiedToAFreeName) {
     writeFile(source(), "new");
     EXPECT_TRUE(copy(source(), target()));
     EXPECT_EQ(state(), "a.odm\nb.odm\n");
@@ -112,18 +112,18 @@ TEST_P(EntryFile, movesAndCopiesToWhereNothingIs) {
     EXPECT_EQ(state(), "b.odm\n");
 }
 
-TEST_P(EntryFile, losesNothingInAMoveWhicheverStepFails) {
+TEST_P(EntryFile, isNotLostInAMoveWhicheverStepFails) {
     for (int const error : {ENOSPC, EIO}) failEachStep(moveMatrixFile, error);
 }
 
-TEST_P(EntryFile, losesNothingInACopyWhicheverStepFails) {
+TEST_P(EntryFile, isNotLostInACopyWhicheverStepFails) {
     for (int const error : {ENOSPC, EIO}) {
         failEachStep(copy, error);
         EXPECT_EQ(contentOf(source()), "new");
     }
 }
 
-TEST_P(EntryFile, takesNoDirectoryAndReplacesNone) {
+TEST_P(EntryFile, cannotBeADirectoryAndReplacesNone) {
     fs::create_directory(source());
     writeFile(source() + "/inner", "precious");
     writeFile(target(), "old");
@@ -137,7 +137,7 @@ TEST_P(EntryFile, takesNoDirectoryAndReplacesNone) {
     EXPECT_EQ(state(), "a.odm\na.odm/inner\nb.odm\n");
 }
 
-TEST_P(EntryFile, leavesTheTargetOfAMissingSource) {
+TEST_P(EntryFile, keepsTheTargetWhenTheSourceIsMissing) {
     writeFile(target(), "old");
     EXPECT_FALSE(moveMatrixFile(source(), target()));
     EXPECT_FALSE(copy(source(), target()));
@@ -147,7 +147,7 @@ TEST_P(EntryFile, leavesTheTargetOfAMissingSource) {
     EXPECT_EQ(state(), "b.odm\n");
 }
 
-TEST_P(EntryFile, survivesAPowerFailureWhereTheTargetsDirectoryAsksForThat) {
+TEST_P(EntryFile, survivesAPowerFailureIfTheTargetsRuleRequiresIt) {
     bool const isHere = GetParam() == Place::here;
     EXPECT_EQ(steps(copy, Durability::full), "flush rename flush-directory");
     EXPECT_EQ(steps(moveMatrixFile, Durability::full),

@@ -57,7 +57,7 @@ TEST(EntryNames, joinTheNumbersInDecimalFromVersionFour) {
     }
 }
 
-TEST(EntryNames, areBase40PairsUpToVersionThreeWhichHoldNoOtherNumbers) {
+TEST(EntryNames, areBase40PairsUpToVersionThreeAndHoldNoLargerNumbers) {
     for (int const version : {3, 1, 0, -1}) {
         VersionGuard const guard(version);
         for (auto const& name : madeNames) {
@@ -82,7 +82,7 @@ Parsed const parsed[] = {
     {"12-1-2-3-4", true, {12, 1, 2, 3, 4}},
     {"-8-1-1-1-1", true, {-8, 1, 1, 1, 1}},
     {"12-1-2-3-4-5", true, {12, 1, 2, 3, 4}},
-    // In four-key cubes a text with "-" is taken for the decimal form even when pieces are missing.
+    // In four-key cubes a text with "-" is parsed as the decimal form even when parts are missing.
     {"12-1-2", true, untouchedFive},
     {"-", true, untouchedFive},
     {"-12", true, untouchedFive},

@@ -1,4 +1,4 @@
-// What four-key cubes and six-key results have in common when they remove entries.
+// Removing entries, in four-key cubes and six-key results.
 
 #include <filesystem>
 
@@ -23,7 +23,7 @@ TEST_P(EntryRemoval, deletesRowAndFile) {
     EXPECT_EQ(rows() + files(), "");
 }
 
-TEST_P(EntryRemoval, ofAMissingEntryIsFalseAndLeavesEveryFile) {
+TEST_P(EntryRemoval, ofAMissingEntryIsFalseAndKeepsEveryFile) {
     entries().store(1, 1);
     writeFile(path(2), "not of an entry");
     std::string const before = files();
@@ -33,7 +33,7 @@ TEST_P(EntryRemoval, ofAMissingEntryIsFalseAndLeavesEveryFile) {
     EXPECT_EQ(files(), before);
 }
 
-TEST_P(EntryRemoval, hasThreeEqualNames) {
+TEST_P(EntryRemoval, hasThreeEquivalentFunctions) {
     using Operation = bool (EntryFamily::*)(short, Counting);
     for (Operation const operation : {&EntryFamily::clear, &EntryFamily::erase, &EntryFamily::remove})
         for (Counting const counting : {Counting::fromOne, Counting::fromZero}) {
@@ -88,7 +88,7 @@ TEST_P(EntryRemoval, deletesNothingOutsideTheDirectory) {
     EXPECT_TRUE(fs::is_directory(entries().directory()));
 }
 
-TEST_P(EntryRemoval, ofAWholeCubeDeletesItsEntriesAlone) {
+TEST_P(EntryRemoval, ofAWholeCubeDeletesOnlyItsEntries) {
     auto another = entries().key(7);
     --another.front();
     entries().addRow(entries().open(), another);

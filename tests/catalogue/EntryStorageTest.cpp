@@ -1,4 +1,4 @@
-// What four-key cubes and six-key results have in common when they write and read matrices.
+// Writing and reading matrices, in four-key cubes and six-key results.
 
 #include <cubes/matrix/TRkMatrixException.h>
 
@@ -22,7 +22,7 @@ protected:
 
 CUBES_BOTH_FAMILIES(EntryStorage);
 
-TEST_P(EntryStorage, makesRowAndFile) {
+TEST_P(EntryStorage, createsRowAndFile) {
     EXPECT_TRUE(entries().store(2, 5));
     EXPECT_EQ(rows(), row(2));
     EXPECT_EQ(files(), entries().fileOf(2) + "\n");
@@ -51,7 +51,7 @@ TEST_P(EntryStorage, clearsAnEntryThatExistsFirst) {
     EXPECT_EQ(entries().first(1), 7.0);
 }
 
-TEST_P(EntryStorage, clearsNothingWhenTheNewFileNameCannotBeMade) {
+TEST_P(EntryStorage, clearsNothingWhenTheNewFileNameCannotBeFormed) {
     ASSERT_TRUE(entries().store(2000, 1));
     {
         VersionGuard const version(3);
@@ -69,7 +69,7 @@ TEST_P(EntryStorage, savesWithoutARow) {
     EXPECT_EQ(entries().first(1), 3.0);
 }
 
-TEST_P(EntryStorage, savesUnderTheComputedNameWhateverTheRowHolds) {
+TEST_P(EntryStorage, savesUnderTheComputedNameWhateverTheRowNames) {
     entries().add(1);
     name(1, "other.odm");
     EXPECT_TRUE(entries().save(smallMatrix(1), 1));
@@ -99,7 +99,7 @@ TEST_P(EntryStorage, readsNullForAMissingEntryOrFile) {
     EXPECT_EQ(entries().get(1, lsRead), nullptr);
 }
 
-TEST_P(EntryStorage, passesTheLockStateOn) {
+TEST_P(EntryStorage, passesOnTheLockState) {
     entries().store(1, 1);
     for (int const lock : {0, 1, 2, 3, 8, 11, 99}) {
         auto const found = entries().get(1, static_cast<RkLockState>(lock));
@@ -146,7 +146,7 @@ TEST_P(EntryStorage, refusesASecondWriter) {
     EXPECT_TRUE(entries().save(smallMatrix(2), 1));
 }
 
-TEST_P(EntryStorage, readsAHeaderAlone) {
+TEST_P(EntryStorage, readsAHeaderWithoutElements) {
     entries().store(1, 1);
     for (Counting const counting : {Counting::fromOne, Counting::fromZero}) {
         TRkMatrixHeader const* const header = entries().header(1, counting);
@@ -167,7 +167,7 @@ TEST_P(EntryStorage, keepsZoneNumbers) {
     EXPECT_EQ(found->Zones(), (std::vector<std::int32_t>{101, 205}));
 }
 
-TEST_P(EntryStorage, isFalseWhenTheFileCannotBeMade) {
+TEST_P(EntryStorage, isFalseWhenTheFileCannotBeCreated) {
     auto const elsewhere = entriesOf(project().settings(), pathOf("missing"));
     EXPECT_FALSE(elsewhere->save(smallMatrix(1), 1));
     EXPECT_EQ(files(), "");

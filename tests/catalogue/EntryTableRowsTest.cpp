@@ -54,7 +54,7 @@ TEST_P(EntryTableRows, readsBackTheRowOfEitherFamily) {
     EXPECT_EQ(results.path("/d/"), "/d/b.skm");
 }
 
-TEST_P(EntryTableRows, refusesASecondRowOfOneKeyAndKeepsTheFirst) {
+TEST_P(EntryTableRows, refusesASecondRowWithTheSameKeyAndKeepsTheFirst) {
     ASSERT_TRUE(cubes().insert(cubeKey, "first.odm"));
     EXPECT_FALSE(cubes().insert(cubeKey, "second.odm"));
     auto table = cubes();
@@ -62,7 +62,7 @@ TEST_P(EntryTableRows, refusesASecondRowOfOneKeyAndKeepsTheFirst) {
     EXPECT_EQ(table.filename(), "first.odm");
 }
 
-TEST_P(EntryTableRows, changesAParentUnlessTheRowIsGone) {
+TEST_P(EntryTableRows, changesAParentUnlessTheRowWasDeleted) {
     ASSERT_TRUE(results().insert(resultKey, "b.skm"));
     auto table = results();
     ASSERT_TRUE(table.locate(resultKey));
@@ -85,7 +85,7 @@ TEST_P(EntryTableRows, countsUsersDownToZero) {
     }
 }
 
-TEST_P(EntryTableRows, removesTheRowAndNamesItsFile) {
+TEST_P(EntryTableRows, removesTheRowAndReturnsItsFileName) {
     ASSERT_TRUE(cubes().insert(cubeKey, "a.odm"));
     auto table = cubes();
     ASSERT_TRUE(table.locate(cubeKey));

@@ -1,4 +1,4 @@
-// What four-key cubes and six-key results have in common in their entry tables: rows, file names and usage counters.
+// Entry tables of four-key cubes and six-key results: rows, file names and usage counters.
 
 #include "catalogue/EntryTable.h"
 
@@ -45,7 +45,7 @@ TEST_P(EntryTable, opensUnderItsAlias) {
     EXPECT_FALSE(table);
 }
 
-TEST_P(EntryTable, isChosenByItsAliasInAnyLetterCase) {
+TEST_P(EntryTable, isFoundByItsAliasInAnyLetterCase) {
     std::string const alias = entries().alias();
     struct {
         std::string alias;
@@ -75,7 +75,7 @@ TEST_P(EntryTable, isMissingWithoutSettingsOrInAnotherSchema) {
     EXPECT_TRUE(entries().check(1));
 }
 
-TEST_P(EntryTable, isMissingAlsoWhenOthersDropItWhileItIsInUse) {
+TEST_P(EntryTable, isMissingAlsoWhenItIsDroppedDuringUse) {
     entries().add(1);
     auto const open = entries().open();
     ASSERT_TRUE(open);
@@ -85,7 +85,7 @@ TEST_P(EntryTable, isMissingAlsoWhenOthersDropItWhileItIsInUse) {
     EXPECT_FALSE(entries().clearAll());
 }
 
-TEST_P(EntryTable, givesNothingForAnEmptyCursor) {
+TEST_P(EntryTable, returnsNothingForAnEmptyCursor) {
     EXPECT_FALSE(entries().lookUp({}, entries().key(1)));
     EXPECT_FALSE(entries().addRow({}, entries().key(1)));
     EXPECT_EQ(entries().fileName({}, entries().key(1)), "");
@@ -97,7 +97,7 @@ TEST_P(EntryTable, addsARowWithItsFileNameAndACounterOfZero) {
     EXPECT_EQ(files(), "");
 }
 
-TEST_P(EntryTable, storesPartsThatAreCountedFromZeroOneHigher) {
+TEST_P(EntryTable, storesZeroBasedPartsOneHigher) {
     EXPECT_TRUE(entries().add(2, Counting::fromZero));
     EXPECT_EQ(rows(), row(2));
     EXPECT_TRUE(entries().check(2));
@@ -132,7 +132,7 @@ TEST_P(EntryTable, addsForAnyCubeNumberOnAnOpenCursor) {
     EXPECT_FALSE(entries().check(1));
 }
 
-TEST_P(EntryTable, hasNoEntryBeyondSixteenBits) {
+TEST_P(EntryTable, hasNoEntryBeyond16Bits) {
     auto const open = entries().open();
     for (std::size_t part = 1; part <= 4; ++part) {
         EntryFamily::Key key = entries().key(1);
@@ -164,7 +164,7 @@ TEST_P(EntryTable, namesNoFileForARowThatLeadsOutOfTheDirectory) {
     }
 }
 
-TEST_P(EntryTable, addsNoRowWhenTheFileNameCannotBeMade) {
+TEST_P(EntryTable, addsNoRowWhenTheFileNameCannotBeFormed) {
     VersionGuard const version(3);
     auto const open = entries().open();
     EXPECT_THROW(entries().addRow(open, entries().key(1600)), TRkCubesException);
@@ -173,7 +173,7 @@ TEST_P(EntryTable, addsNoRowWhenTheFileNameCannotBeMade) {
     EXPECT_EQ(rows(), "40|0|" + pairs + "\n");
 }
 
-TEST_P(EntryTable, worksWithTheKeyColumnsAlone) {
+TEST_P(EntryTable, worksWithOnlyTheKeyColumns) {
     std::string columns;
     for (auto const& column : entries().keyColumns()) columns += (columns.empty() ? "\"" : ", \"") + column + "\"";
     defineTable("", "primary key (" + columns + ")");
@@ -189,7 +189,7 @@ TEST_P(EntryTable, worksWithTheKeyColumnsAlone) {
     EXPECT_EQ(entries().listed(), "");
 }
 
-TEST_P(EntryTable, passesOnARefusalThatIsNoRace) {
+TEST_P(EntryTable, passesOnARefusalThatIsNotARace) {
     execute("create unique index one_file on " + table() + " (filename)");
     entries().add(1);
     name(1, entries().fileOf(2));
@@ -197,7 +197,7 @@ TEST_P(EntryTable, passesOnARefusalThatIsNoRace) {
     EXPECT_FALSE(entries().check(2));
 }
 
-TEST_P(EntryTable, passesADatabaseErrorOn) {
+TEST_P(EntryTable, passesOnADatabaseError) {
     execute("alter table " + table() + " rename column mode to other");
     EXPECT_THROW(entries().check(1), TRkDatabaseException);
     EXPECT_THROW(entries().listed(), TRkDatabaseException);
@@ -295,14 +295,14 @@ TEST_P(EntryUsage, ofAMissingEntryOrTableIsFalse) {
     EXPECT_EQ(counters(), "0\n");
 }
 
-TEST_P(EntryUsage, findsACounterColumnOfOtherLetterCase) {
+TEST_P(EntryUsage, findsACounterColumnInOtherLetterCase) {
     execute("alter table " + table() + " rename column \"usageCounter\" to usagecounter");
     EXPECT_TRUE(entries().raise(1));
     EXPECT_EQ(read("select usagecounter from " + table()), "1\n");
     EXPECT_FALSE(entries().isCorrect(1));
 }
 
-TEST_P(EntryUsage, leavesOtherEntriesAlone) {
+TEST_P(EntryUsage, doesNotAffectOtherEntries) {
     entries().add(2);
     EXPECT_TRUE(entries().raise(2));
     EXPECT_EQ(counters(), "0\n1\n");
@@ -322,7 +322,7 @@ void raiseInThisProcess(int, std::string const& root) {
 ChildTask const usersOfFourKeys("users of four-key cubes", raiseInThisProcess<Family::fourKeys>);
 ChildTask const usersOfResults("users of results", raiseInThisProcess<Family::results>);
 
-TEST_P(EntryUsage, losesNoUserOfSeveralProcesses) {
+TEST_P(EntryUsage, isCorrectAfterConcurrentChanges) {
     auto const& task = GetParam().family == Family::fourKeys ? usersOfFourKeys : usersOfResults;
     EXPECT_EQ(task.inProcesses(processes, project().root()), processes);
     EXPECT_EQ(counters(), std::to_string(processes * raises) + "\n");

@@ -1,4 +1,4 @@
-// What all forms of copying and moving have in common, in four-key cubes and six-key results.
+// All forms of copying and moving, in four-key cubes and six-key results.
 
 #include <filesystem>
 #include <stdexcept>
@@ -22,7 +22,7 @@ protected:
 
     /// Another catalogue of the same cubes.
     EntryFamily& other() { return *otherCatalogue_; }
-    /// The cube that gets the entry: by name within a catalogue it must be another one when the target must not exist.
+    /// The cube that gets the entry: by name within a catalogue it must be another one if the target must not exist.
     EntryFamily& target(Form const& form) { return form.isByName && !form.isBetween ? *otherCube_ : entries(); }
     bool run(Form const& form, short from, short to, bool failIfExists = false) {
         return target(form).run(form, form.isBetween ? other() : entries(), from, to, failIfExists);
@@ -42,7 +42,7 @@ private:
 
 CUBES_BOTH_FAMILIES(EntryTransfer);
 
-TEST_P(EntryTransfer, bringsRowAndFileToAnotherKey) {
+TEST_P(EntryTransfer, copiesOrMovesRowAndFileToAnotherKey) {
     for (auto const& form : entries().forms()) {
         SCOPED_TRACE(form.name);
         entries().store(1, 5);
@@ -88,7 +88,7 @@ TEST_P(EntryTransfer, replacesTheFileOfATargetAndKeepsItsName) {
     }
 }
 
-TEST_P(EntryTransfer, ofAMissingSourceMakesNothing) {
+TEST_P(EntryTransfer, ofAMissingSourceCreatesNothing) {
     for (auto const& form : entries().forms()) {
         SCOPED_TRACE(form.name);
         target(form).store(2, 2);
@@ -125,7 +125,7 @@ TEST_P(EntryTransfer, withoutAnEntryTableOfTheSourceIsFalse) {
         EXPECT_FALSE(run(form, 1, 2));
         EXPECT_EQ(state(), before);
     }
-    // The source was all that was missing.
+    // Only the source was missing.
     other().findSchema();
     for (auto const& form : entries().forms()) {
         if (!form.isBetween) continue;
@@ -162,7 +162,7 @@ TEST_P(EntryTransfer, ontoADirectoryKeepsRowAndFileOfTheSource) {
     }
 }
 
-TEST_P(EntryTransfer, betweenRowsThatNameOneFileIsFalseAndKeepsIt) {
+TEST_P(EntryTransfer, betweenRowsThatNameOneFileIsFalseAndKeepsTheFile) {
     for (auto const& form : entries().forms()) {
         SCOPED_TRACE(form.name);
         entries().store(1, 1);
@@ -212,7 +212,7 @@ TEST_P(EntryTransfer, refusesATargetThatMustNotExist) {
     }
 }
 
-// Each form in turn, as another process; the positive control writes where nobody else does.
+// Each form in turn, in another process; the positive control writes an entry that nobody else writes.
 template <Family family>
 void transferInThisProcess(int, std::string const& argument) {
     bool const isFree = argument.ends_with("|free");
@@ -229,7 +229,7 @@ void transferInThisProcess(int, std::string const& argument) {
 ChildTask const transfersOfFourKeys("transfers of four-key cubes", transferInThisProcess<Family::fourKeys>);
 ChildTask const transfersOfResults("transfers of results", transferInThisProcess<Family::results>);
 
-TEST_P(EntryTransfer, leavesATargetAloneThatAnotherProcessWrites) {
+TEST_P(EntryTransfer, doesNotReplaceATargetThatAnotherProcessWrites) {
     auto const& task = GetParam().family == Family::fourKeys ? transfersOfFourKeys : transfersOfResults;
     entries().store(1, 1);
     entries().store(2, 2);
@@ -258,7 +258,7 @@ TEST_P(EntryTransfer, losesNothingThroughALinkToTheSameDirectory) {
     }
 }
 
-TEST_P(EntryTransfer, readsInTheDirectoryOfTheSourceAndWritesInItsOwn) {
+TEST_P(EntryTransfer, readsFromTheSourcesDirectoryAndWritesToItsOwn) {
     TempDir const elsewhere;
     auto const theirs = entriesOf(project().settings(), elsewhere.str());
     for (auto const& form : entries().forms()) {
@@ -294,8 +294,8 @@ TEST_P(EntryTransfer, betweenFileSystemsReplacesFiles) {
     }
 }
 
-// Between the two backends and back; on the one that needs no server, between two databases of it.
-TEST_P(EntryTransfer, worksBetweenProjectsOfTwoDatabases) {
+// Between the two backends and back; with SQLite as the backend, between two SQLite databases.
+TEST_P(EntryTransfer, worksBetweenProjectsOnTwoDatabases) {
     TestProject delta(Backend::sqlite);
     auto const theirs = entriesOf(delta.settings());
     for (auto const& form : entries().forms()) {
@@ -319,7 +319,7 @@ TEST_P(EntryTransfer, worksBetweenProjectsOfTwoDatabases) {
     }
 }
 
-TEST_P(EntryTransfer, refusesATargetOfItsOwnDatabaseAlone) {
+TEST_P(EntryTransfer, refusesAnExistingTargetOnlyInItsOwnDatabase) {
     TestProject delta(Backend::sqlite);
     auto const theirs = entriesOf(delta.settings());
     project().project().makeCurrent();
@@ -338,7 +338,7 @@ TEST_P(EntryTransfer, refusesATargetOfItsOwnDatabaseAlone) {
     }
 }
 
-TEST_P(EntryTransfer, thatFailsKeepsTheSourceOfTheOtherDatabase) {
+TEST_P(EntryTransfer, keepsTheSourceInTheOtherDatabaseWhenItFails) {
     TestProject delta(Backend::sqlite);
     auto const theirs = entriesOf(delta.settings());
     project().project().makeCurrent();

@@ -1,4 +1,4 @@
-// What an object keeps that stays behind after one element was read.
+// The state of the matrix object that remains after one element was read.
 
 #include "catalogue/EntryFile.h"
 
@@ -46,8 +46,8 @@ std::size_t allocated() {
 
 }
 
-// The objects stay for ever; what they keep is their own few hundred bytes.
-TEST_P(MatrixReading, keepsNoRowsAndNoZoneNumbersOfTheObjectThatStays) {
+// The objects are never deleted; each keeps only its own few hundred bytes.
+TEST_P(MatrixReading, keepsNoRowsAndNoZoneNumbersInTheRemainingObject) {
     std::size_t const before = allocated();
     auto const whole = opened();
     whole->RowAt(3, 8);
@@ -60,7 +60,7 @@ TEST_P(MatrixReading, keepsNoRowsAndNoZoneNumbersOfTheObjectThatStays) {
     EXPECT_LT(allocated() - start, calls * 1500);
 }
 
-TEST_P(MatrixReading, keepsNoLockOfTheObjectThatStays) {
+TEST_P(MatrixReading, keepsNoLockInTheRemainingObject) {
     EXPECT_EQ(catalogue::readElement(opened(lsReadWrite), 3, 4), 7.0);
     EXPECT_TRUE(opened(lsReadWrite)->IsValid());
 }

@@ -1,4 +1,4 @@
-// Several projects in one process: each catalogue works wholly on the project whose settings it was given.
+// Several projects in one process: each catalogue works only on the project whose settings it was given.
 
 #include <cubes/database/TRkConnectionManager.h>
 #include <cubes/database/TRkDBDataDictionary.h>
@@ -23,7 +23,7 @@ std::string registerOf(TestProject const& project) {
     return joined(project.sql("select cubenr, name from cube order by cubenr"));
 }
 
-/// A project, and another one on a database of its own that is the current one.
+/// A project, and another one on a database of its own, which is current.
 class ProjectConnections : public EntriesTest {
 protected:
     void SetUp() override {
@@ -37,7 +37,7 @@ protected:
     TestProject& current() { return *current_; }
     EntryFamily& entries() { return *entries_; }
     bool isFourKeys() const { return GetParam().family == Family::fourKeys; }
-    /// Nothing was done in the current project, and it is still the current one.
+    /// The current project is unchanged and still current.
     void expectCurrentUntouched() {
         EXPECT_EQ(registerOf(current()), "");
         EXPECT_EQ(joined(current().sql("select count(*) from " + tableOf(current(), *entriesOfCurrent()))), "0\n");
@@ -57,7 +57,7 @@ private:
 
 CUBES_BOTH_FAMILIES(ProjectConnections);
 
-TEST_P(ProjectConnections, storeAndReadInTheProjectOfTheSettingsWhileAnotherIsCurrent) {
+TEST_P(ProjectConnections, areThoseOfTheSettingsWhenStoringAndReading) {
     EXPECT_TRUE(entries().store(1, 5));
     EXPECT_EQ(registerOf(project()), isFourKeys() ? "1|Base\n2|Other\n" : "");
     EXPECT_EQ(rows(), row(1));
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(, ConnectionsOfCubesByName,
         FamilyOnBackend{Family::fourKeys, Backend::sqlite}, FamilyOnBackend{Family::fourKeys, Backend::postgres}),
     [](auto const& parameter) { return nameOf(parameter.param); });
 
-TEST_P(ConnectionsOfCubesByName, nameCubesByTheRegisterOfTheProjectOfTheSettings) {
+TEST_P(ConnectionsOfCubesByName, areThoseOfTheSettingsWhenNamingCubes) {
     entries().store(1, 5);
     EXPECT_EQ(entries().listed(), "1,1,1,1,1,Base\n");
     EXPECT_EQ(entries().get(1, lsRead)->Name().str(), "Base [1,1,1,1]");
@@ -94,7 +94,7 @@ TEST_P(ConnectionsOfCubesByName, nameCubesByTheRegisterOfTheProjectOfTheSettings
     expectCurrentUntouched();
 }
 
-TEST_P(ProjectConnections, copyAndMoveInTheProjectThatIsCalled) {
+TEST_P(ProjectConnections, areThoseOfTheCalledProjectWhenCopyingAndMoving) {
     TestProject third(Backend::sqlite);
     auto const theirs = entriesOf(third.settings());
     current().project().makeCurrent();
@@ -112,8 +112,8 @@ TEST_P(ProjectConnections, copyAndMoveInTheProjectThatIsCalled) {
     expectCurrentUntouched();
 }
 
-// A source's numbers and names of cubes are those of the register of the catalogue that is called.
-TEST_P(ConnectionsOfCubesByName, takeTheNamesOfTheOtherCataloguesCubesFromTheirOwnRegister) {
+// Numbers and names of a source's cubes belong to the register of the called catalogue.
+TEST_P(ConnectionsOfCubesByName, areThoseOfEachCatalogueWhenNamingCubes) {
     TestProject third(Backend::sqlite);
     TRkMatCubes theirs(third.settings(), ".odm", true);
     for (char const* const name : {"Theirs", "Base"})
@@ -127,7 +127,7 @@ TEST_P(ConnectionsOfCubesByName, takeTheNamesOfTheOtherCataloguesCubesFromTheirO
     expectCurrentUntouched();
 }
 
-TEST_P(ProjectConnections, leaveTheEntryTablesToTheConnectionThatWasSet) {
+TEST_P(ProjectConnections, doNotReplaceTheConnectionThatWasSetForEntryTables) {
     TestProject third(backend());
     current().project().makeCurrent();
     entries().setConnection(third.project().connection());
@@ -139,7 +139,7 @@ TEST_P(ProjectConnections, leaveTheEntryTablesToTheConnectionThatWasSet) {
     expectCurrentUntouched();
 }
 
-// A dictionary of an application that works on catalogues itself whenever it is asked for a table.
+// An application's dictionary that uses catalogues itself whenever a table is requested.
 class Calling : public TRkDBDataDictionary {
 public:
     Calling(TRkDBDataDictionary& inner, std::function<void()> call) : inner_(inner), call_(std::move(call)) {}
@@ -158,7 +158,7 @@ private:
     std::function<void()> call_;
 };
 
-TEST_P(ProjectConnections, serveADictionaryThatCallsCataloguesOfAnotherProject) {
+TEST_P(ProjectConnections, allowADictionaryThatCallsCataloguesOfAnotherProject) {
     TRkMatCubes nested(current().settings(), ".odm", true);
     int calls = 0;
     int wrong = 0;
@@ -183,7 +183,7 @@ TEST_P(ProjectConnections, serveADictionaryThatCallsCataloguesOfAnotherProject) 
     expectCurrentUntouched();
 }
 
-// Settings that no project made, with tables of the application's own.
+// Settings that no project made, with the application's own tables.
 class OwnTables : public TRkDBDataDictionary {
 public:
     explicit OwnTables(std::string alias) : alias_(std::move(alias)) {}
@@ -200,7 +200,7 @@ private:
     std::string alias_;
 };
 
-TEST_P(ProjectConnections, workOnTheTablesOfAnApplicationsOwnDictionary) {
+TEST_P(ProjectConnections, allowAnApplicationsOwnDictionaryAndTables) {
     auto* const connection = current().project().connection();
     std::string columns;
     std::string keys;
@@ -269,7 +269,7 @@ void require(bool done, char const* what) {
     if (!done) throw std::runtime_error(what);
 }
 
-// Every operation once a round, on entries that belong to this thread alone.
+// Runs every operation once per round, on entries that belong to this thread only.
 void useEntries(EntryFamily& entries, short first) {
     for (short round = 0; round < rounds; ++round) {
         auto const n = static_cast<short>(first + 2 * round);
@@ -307,7 +307,7 @@ void inThreads(std::function<void(int)> const& work) {
         if (!error.empty()) throw std::runtime_error(error);
 }
 
-// In processes of their own, so that a crash fails the test and not the program.
+// In child processes, so that a crash fails the test and not the program.
 template <Family family>
 void useAProjectPerThread(int, std::string const& backend) {
     inThreads([&](int) {
@@ -329,11 +329,11 @@ ChildTask const projectPerThread[] = {{"four-key cubes, a project per thread", u
 ChildTask const oneProject[] = {{"four-key cubes, one project", useOneProjectInAllThreads<Family::fourKeys>},
     {"results, one project", useOneProjectInAllThreads<Family::results>}};
 
-TEST_P(ProjectConnections, serveAProjectPerThread) {
+TEST_P(ProjectConnections, allowOneProjectPerThread) {
     EXPECT_EQ(projectPerThread[isFourKeys() ? 0 : 1].inProcesses(1, backendName(backend())), 1);
 }
 
-TEST_P(ProjectConnections, serveThreadsThatShareAProject) {
+TEST_P(ProjectConnections, allowThreadsThatShareAProject) {
     EXPECT_EQ(oneProject[isFourKeys() ? 0 : 1].inProcesses(1, project().root()), 1);
     EXPECT_EQ(rows() + files(), "");
 }

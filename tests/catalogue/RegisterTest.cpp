@@ -13,7 +13,7 @@ namespace {
 
 class CubeRegister : public CatalogueTest {
 protected:
-    /// A UTF-8 text as callers of this platform write it.
+    /// A UTF-8 text in this platform's narrow encoding.
     static std::string narrow(std::string const& text) { return platform::fromUtf8(text); }
 };
 
@@ -50,7 +50,7 @@ TEST_P(CubeRegister, findsACubeByNumberOnAnOpenCursor) {
     EXPECT_FALSE(catalogue().LookUp({}, short(3)));
 }
 
-TEST_P(CubeRegister, findsACubeByNameWithoutRegardToLetterCase) {
+TEST_P(CubeRegister, findsACubeByNameIgnoringLetterCase) {
     project().execute("insert into cube (cubenr, name) values (3, 'Base'), (4, 'Gr\xC3\xBC\xC3\x9F Z\xC3\x9Crich')");
     for (char const* const name : {"Base", "BASE", "base", "bAsE"})
         EXPECT_EQ(catalogue().CubeNameToNr(name), 3) << name;
@@ -103,18 +103,18 @@ TEST_P(CubeRegister, findsEveryNegativeNumberWithoutReadingTheTable) {
     EXPECT_TRUE(catalogue().LookUp(short(1)));
 }
 
-TEST_P(CubeRegister, usesTheProjectThatMadeItsSettingsWhateverIsCurrent) {
+TEST_P(CubeRegister, usesTheProjectThatMadeItsSettingsWhicheverIsCurrent) {
     TestProject other(backend());
     catalogue().Add("Here");
     EXPECT_EQ(rows(), "1|Here\n");
     EXPECT_TRUE(catalogue().Check("Here"));
     EXPECT_FALSE(catalogueOf(other.settings()).Check("Here"));
-    // What others see as the current connection is as it was.
+    // The current connection is unchanged for others.
     EXPECT_EQ(getConnectionManagerInstance().CurrentConnection(), other.project().connection());
 }
 
-// Settings that no project made, with the dictionary of one.
-TEST_P(CubeRegister, ofSettingsFromElsewhereIsOnTheCurrentConnectionNotTheStoredOne) {
+// Settings that no project made, with the dictionary of a project.
+TEST_P(CubeRegister, withSettingsFromElsewhereIsOnTheCurrentConnectionNotTheStoredOne) {
     TRkGlobalSettings settings;
     settings.Set("RkLib.DataDictionary", catalogue().DataDictionary());
     TRkBaseCubes const elsewhere = catalogueOf(&settings);
@@ -158,14 +158,14 @@ TEST_P(CubeRegister, isNotFoundWithoutSettingsDictionaryOrTable) {
     }
 }
 
-TEST_P(CubeRegister, isNotFoundWhenTheTableIsGone) {
+TEST_P(CubeRegister, isNotFoundWhenTheTableWasDropped) {
     project().project().connection()->Execute("drop table cube");
     EXPECT_FALSE(catalogue().Open());
     EXPECT_FALSE(catalogue().Check(short(1)));
     EXPECT_FALSE(catalogue().Add("Base"));
 }
 
-TEST_P(CubeRegister, knowsItsDictionaryFromTheSettings) {
+TEST_P(CubeRegister, readsItsDictionaryFromTheSettings) {
     EXPECT_EQ(catalogue().DataDictionary(),
         dynamic_cast<TRkDBDataDictionary*>(project().settings()->Get("RkLib.DataDictionary")));
     ASSERT_NE(catalogue().DataDictionary(), nullptr);
@@ -178,12 +178,12 @@ TEST_P(CubeRegister, knowsItsDictionaryFromTheSettings) {
     EXPECT_TRUE(catalogue().Open());
 }
 
-TEST_P(CubeRegister, numbersTheFirstCubeOne) {
+TEST_P(CubeRegister, givesTheFirstCubeNumberOne) {
     EXPECT_TRUE(catalogue().Add("Base"));
     EXPECT_EQ(rows(), "1|Base\n");
 }
 
-TEST_P(CubeRegister, numbersANewCubeAboveTheHighest) {
+TEST_P(CubeRegister, givesANewCubeTheHighestNumberPlusOne) {
     project().execute("insert into cube (cubenr, name) values (7, 'Seven'), (3, 'Three')");
     EXPECT_TRUE(catalogue().Add("Eight"));
     EXPECT_EQ(rows(), "3|Three\n7|Seven\n8|Eight\n");
@@ -195,7 +195,7 @@ TEST_P(CubeRegister, startsAtOneAboveReservedNumbers) {
     EXPECT_EQ(rows(), "-6|PathCube\n-1|SkimCube\n1|Base\n");
 }
 
-TEST_P(CubeRegister, reusesTheHighestNumberOnlyWhenItWasFreed) {
+TEST_P(CubeRegister, reusesTheHighestNumberOnlyWhenItsCubeWasRemoved) {
     for (char const* const name : {"A", "B", "C"}) catalogue().Add(name);
     EXPECT_TRUE(catalogue().Clear("B"));
     EXPECT_TRUE(catalogue().Add("D"));
@@ -219,7 +219,7 @@ TEST_P(CubeRegister, truncatesALongNameAndFindsItAgain) {
     EXPECT_EQ(rows(), "1|" + name.substr(0, 128) + "\n");
 }
 
-TEST_P(CubeRegister, acceptsTheEmptyNameButNoNullName) {
+TEST_P(CubeRegister, acceptsTheEmptyNameButNotNull) {
     EXPECT_FALSE(catalogue().Add(nullptr));
     EXPECT_EQ(rows(), "");
     EXPECT_TRUE(catalogue().Add(""));
@@ -254,7 +254,7 @@ TEST_P(CubeRegister, checksByNameAndByNumber) {
     EXPECT_FALSE(catalogue().Check(short(-4)));
 }
 
-TEST_P(CubeRegister, clearsTheRowAloneAndReturnsWhetherItExisted) {
+TEST_P(CubeRegister, clearsOnlyTheRowAndReturnsWhetherItExisted) {
     for (char const* const name : {"A", "B", "C", "D"}) catalogue().Add(name);
     EXPECT_TRUE(catalogue().Clear("a"));
     EXPECT_FALSE(catalogue().Clear("a"));
@@ -281,7 +281,7 @@ TEST_P(CubeRegister, listsAllCubesIntoAnEmptiedList) {
     EXPECT_STREQ(list[2]->AsString().c_str(), "7,Seven");
 }
 
-TEST_P(CubeRegister, passesADatabaseErrorOn) {
+TEST_P(CubeRegister, passesOnADatabaseError) {
     project().project().connection()->Execute("alter table cube rename column name to label");
     EXPECT_THROW(catalogue().Check("Base"), TRkDatabaseException);
     EXPECT_THROW(catalogue().Add("Base"), TRkDatabaseException);

@@ -10,13 +10,13 @@ namespace {
 
 using cubes::catalogue::storedPath;
 
-TEST(StoredName, isFollowedInsideItsDirectory) {
+TEST(StoredName, isUsedInsideItsDirectory) {
     for (char const* const name : {"1-1-1-1-1.odm", "-8-1-1-1-1.frs", "0101010101.odm", "..odm", "a..b", ".hidden",
              "b lank", "\xC3\xA4.odm", "d/1.FDB", "./a", "d//a", "d/", "a/."})
         EXPECT_EQ(storedPath("/data/m/", name), "/data/m/" + cubes::platform::withNativeDelimiters(name)) << name;
 }
 
-TEST(StoredName, isShortenedWhereItGoesUpAndDownAgain) {
+TEST(StoredName, isNormalisedWhenItGoesUpAndDownAgain) {
     std::string const native(1, cubes::platform::pathDelimiter());
     EXPECT_EQ(storedPath("/data/m/", "a/../b"), "/data/m/b");
     EXPECT_EQ(storedPath("/data/m/", "a\\b\\..\\c\\.\\d"), "/data/m/a" + native + "c" + native + "d");

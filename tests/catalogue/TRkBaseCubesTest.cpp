@@ -19,7 +19,7 @@ constexpr char const* exists = "Cube already exists";
 constexpr char const* fromMissing = "From cube doesn't exist";
 constexpr char const* toMissing = "To cube doesn't exist";
 
-// Gives the register of another name, so that two catalogues of one database have different cubes.
+// A dictionary with another register, so that two catalogues of one database have different cubes.
 class OtherRegister : public TRkDBDataDictionary {
 public:
     CountedPtr<Rktable::TRkTableProxy> BuildTable(char const*, AnsiString const&) override {
@@ -152,7 +152,7 @@ public:
     short toNr = 99;
 };
 
-TEST_P(CubeTransfer, byNameWithinACatalogueFailsForTheSameCubeAlone) {
+TEST_P(CubeTransfer, byNameWithinACatalogueFailsOnlyForTheSameCube) {
     constexpr ByName table[] = {
         {"Five", "Seven", false, true, 5, 7, "none"},
         {"Five", "Seven", true, true, 5, 7, "none"},
@@ -194,7 +194,7 @@ TEST_P(CubeTransfer, byNameAddsAnUnknownTarget) {
     EXPECT_EQ(rows(), "5|Five\n7|Seven\n8|New\n9|Newer\n");
 }
 
-TEST_P(CubeTransfer, byNameBetweenCataloguesFailsForATargetThatIsNotTheSourcesName) {
+TEST_P(CubeTransfer, byNameBetweenCataloguesFailsForATargetOtherThanTheSourcesName) {
     constexpr ByName table[] = {
         {"Five", "Five", true, true, 5, 5, "none"},
         {"Five", "Five", false, true, 5, 5, "none"},
@@ -230,7 +230,7 @@ TEST_P(CubeTransfer, byNameBetweenCataloguesAddsAnUnknownTargetUnderTheSourcesNu
     EXPECT_EQ(rows(), "5|Five\n7|Seven\n8|New\n");
 }
 
-TEST_P(CubeTransfer, byNameBetweenCataloguesGivesTheTargetCataloguesNumberOfTheSourcesName) {
+TEST_P(CubeTransfer, byNameBetweenCataloguesReturnsTheTargetCataloguesNumberOfTheSourcesName) {
     makeOtherRegister("(2, 'Elsewhere'), (3, 'Five')");
 
     CubeNumbers numbers;
@@ -242,7 +242,7 @@ TEST_P(CubeTransfer, byNameBetweenCataloguesGivesTheTargetCataloguesNumberOfTheS
     EXPECT_EQ(
         cubeErrorOf([&] { catalogue().Copy(elsewhere(), "Elsewhere", "Seven", true, numbers.fromNr, numbers.toNr); }),
         exists);
-    // With a new target the source's own number stays.
+    // With a new target the source's own number is kept.
     EXPECT_TRUE(catalogue().Copy(elsewhere(), "Elsewhere", "New", true, numbers.fromNr, numbers.toNr));
     EXPECT_EQ(numbers.fromNr, 2);
     EXPECT_EQ(numbers.toNr, 8);
@@ -289,7 +289,7 @@ TEST(PlainCatalogue, hasAnEmptyPathForANullDirectory) {
     EXPECT_EQ(catalogue.GetConnection(), getConnectionManagerInstance().CurrentConnection());
 }
 
-TEST(RegisterKey, isShownAsNumberCommaName) {
+TEST(RegisterKey, isPrintedAsNumberCommaName) {
     EXPECT_STREQ(TRkBaseCubes::TKey(3, "Base").AsString().c_str(), "3,Base");
     EXPECT_STREQ(TRkBaseCubes::TKey(-1, nullptr).AsString().c_str(), "-1,");
     TRkBaseCubes::TKey const key(3, "Base");
@@ -307,11 +307,11 @@ struct Coded {
 
 class Base40 : public testing::TestWithParam<Coded> {};
 
-TEST_P(Base40, encodesToTwoCharacters) {
+TEST_P(Base40, encodesNumbersAsTwoCharacters) {
     EXPECT_STREQ(TRkBaseCubes::ShortTo40T(GetParam().number), GetParam().characters);
 }
 
-TEST_P(Base40, decodesWhatItEncodes) {
+TEST_P(Base40, decodesItsOwnOutput) {
     EXPECT_EQ(TRkBaseCubes::cnvrt40TToShort(GetParam().characters, 0, 2), GetParam().number);
 }
 

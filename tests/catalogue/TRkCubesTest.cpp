@@ -74,12 +74,12 @@ TEST_P(CubeKinds, copiesWorkOnTheSameRegisterAndAddNoReservedRows) {
     EXPECT_STREQ(copy.ClassName(), "TRkCubes");
 }
 
-TEST_P(CubeKinds, aDatabaseErrorPassesOutOfTheConstructor) {
+TEST_P(CubeKinds, theConstructorPassesOnADatabaseError) {
     project().project().connection()->Execute("alter table cube rename column name to label");
     EXPECT_THROW(TRkCubes(project().settings()), TRkDatabaseException);
 }
 
-TEST(CubeKindTables, areParallelAndFixed) {
+TEST(CubeKindTables, haveTheSameLengthAndFixedContents) {
     char const* const names[] = {"SkimCube", "SelectedLinkCube", "CordonCube", "ScreenCube", "TransitCube", "PathCube"};
     for (int row = 0; row < 6; ++row) {
         EXPECT_STREQ(TRkCubes::CubeNames[row], names[row]);

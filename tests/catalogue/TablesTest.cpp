@@ -24,7 +24,7 @@ protected:
         if (!IsSkipped() && !HasFatalFailure()) database.emplace(backend());
     }
     void make() const { makeOn(database->url()); }
-    // Name, type, whether null is refused, and the place in the primary key.
+    // Name, type, whether null is refused, and the position in the primary key.
     Rows columns(std::string const& schema, std::string const& name) const {
         if (backend() == Backend::sqlite)
             return database->sql("SELECT name, lower(type), \"notnull\", pk FROM pragma_table_info('" +
@@ -39,7 +39,7 @@ protected:
 };
 CUBES_BOTH_BACKENDS(Definition);
 
-TEST_P(Definition, isMadeAsTold) {
+TEST_P(Definition, createsTheDocumentedTables) {
     make();
     EXPECT_EQ(columns("", "cube"), (Rows{{"cubenr", "smallint", "1", "1"}, {"name", "varchar(128)", "0", "0"}}));
     EXPECT_EQ(columns("public", "cube4data1"),
@@ -56,7 +56,7 @@ TEST_P(Definition, isMadeAsTold) {
             {"usageCounter", "integer", "0", "0"}, {"filename", "varchar(255)", "0", "0"}}));
 }
 
-TEST_P(Definition, neverChangesWhatExists) {
+TEST_P(Definition, neverChangesExistingTables) {
     database->execute("CREATE TABLE " + database->table("", "cube") + " (\"cubenr\" integer, \"name\" text)");
     database->execute("INSERT INTO \"cube\" VALUES (1, 'old')");
     make();
@@ -65,7 +65,7 @@ TEST_P(Definition, neverChangesWhatExists) {
     EXPECT_EQ(columns("public", "cube4data1").size(), 7u);
 }
 
-TEST_P(Definition, isMadeBySeveralProcessesAtOnce) {
+TEST_P(Definition, canBeRunBySeveralProcessesAtOnce) {
     EXPECT_EQ(making.inProcesses(4, database->url()), 4);
     EXPECT_EQ(columns("delta", "cube5data1").size(), 16u);
 }
@@ -76,7 +76,7 @@ TEST_P(Definition, canBeWrittenToByOtherPrograms) {
     EXPECT_EQ(database->sql("SELECT \"name\" FROM \"cube\""), (Rows{{"Übersee"}}));
 }
 
-// How the database would run the statement.
+// The database's plan for the statement.
 class Plan : public Definition {
 protected:
     std::string of(std::string const& schema, std::string const& name, std::string const& keys,

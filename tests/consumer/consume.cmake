@@ -1,6 +1,6 @@
-# Installs the library into a fresh prefix, moves that away, and builds and runs the project
-# against it: with find_package, and with pkg-config. The program is the example of the README, examples/first_matrix.cpp.
-# For another platform there are a toolchain file and an emulator as well.
+# Installs the library into a new prefix, moves that away, and builds and runs the project against it: with
+# find_package, and with pkg-config. The program is the example of README.md, examples/first_matrix.cpp. For another
+# platform, a toolchain file and an emulator are passed as well.
 function(must_run)
   execute_process(COMMAND ${ARGN} COMMAND_ECHO STDOUT COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
@@ -26,7 +26,7 @@ file(MAKE_DIRECTORY ${work})
 must_run(${CMAKE_COMMAND} --install ${cubes_build} --prefix ${work}/elsewhere)
 file(RENAME ${work}/elsewhere ${work}/prefix)
 
-# The route-storage provider lies beside the library.
+# The route-storage provider is installed beside the library.
 file(GLOB_RECURSE provider ${work}/prefix/*/routeprovider64.dll ${work}/prefix/*/vlinterfaceutilities64.dll)
 file(GLOB_RECURSE library ${work}/prefix/*/${library_name})
 list(APPEND provider ${library})
@@ -41,9 +41,9 @@ endif()
 set(toolchain_option)
 set(rpath_option)
 if(toolchain)
-  # What is found beside a program on its platform, this one finds where it was installed.
+  # On its platform a program finds libraries beside it; this one finds them where they were installed.
   set(ENV{WINEPATH} ${work}/prefix/bin)
-  # That file tells where packages are looked for.
+  # The toolchain file determines where packages are searched.
   file(GLOB package_directory ${work}/prefix/*/cmake/cubes)
   set(toolchain_option -D CMAKE_TOOLCHAIN_FILE=${toolchain} -D cubes_DIR=${package_directory})
 endif()
@@ -69,7 +69,7 @@ endif()
 must_run(${compiler} -std=c++20 ${cflags} ${example}.cpp -o ${work}/consumer${suffix} ${libs} ${rpath_option})
 must_print_what_is_expected(${work}/consumer ${work}/project-by-pkg-config)
 
-# The tool runs from where it was installed.
+# The tool runs from its installation directory.
 if(EXISTS ${work}/prefix/bin/cubes${suffix})
   must_run(${emulator} ${work}/prefix/bin/cubes${suffix} --version)
 endif()

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Runs the sessions of README.md, its ```sh blocks, in one shell, and compares what they print with the lines
-behind "# " that follow each command. In a temporary directory, after `cubes demo build/demo`.
+that begin with "# " after each command. In a temporary directory, after `cubes demo build/demo`.
 
 readme_session.py README BIN            fails with a diff when README prints something else
 readme_session.py README BIN --update   writes what the commands print into README
@@ -12,7 +12,7 @@ import subprocess
 import sys
 import tempfile
 
-TOUR = "/tmp/cubes-tour"  # Where README works; the directory of the test stands in for it.
+TOUR = "/tmp/cubes-tour"  # Where README works; the test uses its own directory instead.
 BLOCK = re.compile(r"(?<=^```sh\n).*?(?=^```$)", re.M | re.S)
 END = "\x1e"
 

@@ -17,8 +17,8 @@
 namespace cubes::test {
 namespace {
 
-// Runs `work` in a traced process, which goes on after each stop, and gives its exit code; 99 when it
-// cannot be traced. `stops` counts the breakpoints.
+// Runs `work` in a traced process, which continues after each stop, and returns its exit code; 99 when it cannot be
+// traced. `stops` counts the breakpoints.
 template <class Work>
 int underDebugger(Work const& work, int& stops) {
     pid_t const child = fork();
@@ -49,13 +49,13 @@ int breakOnce() {
 
 }
 
-TEST_F(DebuggerTest, isSeenWhenItIsAttached) {
+TEST_F(DebuggerTest, isDetectedWhenItIsAttached) {
     EXPECT_FALSE(ZebDebug::isDebuggerPresent());
     EXPECT_EQ(underDebugger([] { return ZebDebug::isDebuggerPresent() ? 7 : 1; }, stops_), 7);
     EXPECT_EQ(stops_, 0);
 }
 
-TEST_F(DebuggerTest, stopsTheProcessAtABreak) {
+TEST_F(DebuggerTest, stopsTheProcessAtABreakpoint) {
     EXPECT_EQ(underDebugger(breakOnce, stops_), 7);
     EXPECT_EQ(stops_, 1);
     EXPECT_EQ(breakOnce(), 7) << "without a debugger the process goes on";
@@ -67,7 +67,7 @@ TEST_F(DebuggerTest, doesNotStopTheProcessWhileTheLogIsNotActive) {
     EXPECT_EQ(stops_, 0);
 }
 
-TEST_F(DebuggerTest, doesNotKeepTheLogFromBeingWritten) {
+TEST_F(DebuggerTest, doesNotPreventWritingToTheLog) {
     ZebDebug::setDebugOutput(directory_.file("a.log"));
     auto const write = [] {
         ZebDebug::writeDebug("text");

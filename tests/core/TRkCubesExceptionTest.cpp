@@ -34,11 +34,11 @@ INSTANTIATE_TEST_SUITE_P(codes, OwnErrors,
         OwnText{0x20000005, "Entry already exists in the cube"},
         OwnText{0x20000006, "Matrix already exists in the cube"}, OwnText{0x20000007, "Unknown error"},
         OwnText{0x20000000, "Unknown error"}, OwnText{0x3FFFFFFF, "Unknown error"},
-        // The two top bits are masked away before the code is looked up.
+        // The two top bits are masked out before the code is looked up.
         OwnText{0x60000001, "Cube already exists"}, OwnText{0xA0000002, "From cube doesn't exist"},
         OwnText{0xE0000006, "Matrix already exists in the cube"}));
 
-TEST(TRkCubesException, madeFromACodeHasItsText) {
+TEST(TRkCubesException, createdFromACodeHasItsText) {
     EXPECT_STREQ(Error(Error::ecToCubeMissing).what(), "To cube doesn't exist");
     EXPECT_STREQ(Error(Error::ecToCubeMissing).GetMessageA().c_str(), "To cube doesn't exist");
 }
@@ -52,24 +52,24 @@ TEST(TRkCubesException, codesHaveBit29AndTheirNumbers) {
     EXPECT_EQ(Error::ecMatrixExists, 0x20000006u);
 }
 
-TEST(TRkCubesException, codeZeroTakesTheTextAlone) {
+TEST(TRkCubesException, codeZeroUsesOnlyTheText) {
     EXPECT_STREQ(Error("text", 0).what(), "text");
     EXPECT_STREQ(Error(nullptr, 0).what(), "");
 }
 
-TEST(TRkCubesException, codeZeroWithoutTextLeavesTheMessage) {
+TEST(TRkCubesException, codeZeroWithoutTextKeepsTheMessage) {
     Error error(Error::ecCubeExists);
     error.FormatMessageA(nullptr, 0);
     EXPECT_STREQ(error.what(), "Cube already exists");
 }
 
-TEST(TRkCubesException, allOnesTakesTheThreadsLastSystemError) {
+TEST(TRkCubesException, allOnesUsesTheThreadsLastSystemError) {
     cubes::platform::setLastError(ENOENT);
     Error const error("open", 0xFFFFFFFF);
     EXPECT_EQ(error.what(), "open " + *cubes::platform::errorText(ENOENT));
 }
 
-TEST(TRkCubesException, allOnesWithoutASystemErrorTakesTheTextAlone) {
+TEST(TRkCubesException, allOnesWithoutASystemErrorUsesOnlyTheText) {
     cubes::platform::setLastError(0);
     EXPECT_STREQ(Error("text", 0xFFFFFFFF).what(), "text");
     cubes::platform::setLastError(0);
@@ -81,20 +81,20 @@ TEST(TRkCubesException, aSystemErrorHasTheSystemsText) {
     EXPECT_EQ(Error("save", EACCES).what(), "save " + *cubes::platform::errorText(EACCES));
 }
 
-TEST(TRkCubesException, aNumberTheSystemDoesNotKnowLeavesTheMessage) {
+TEST(TRkCubesException, aNumberUnknownToTheSystemKeepsTheMessage) {
     Error error(Error::ecCubeExists);
     error.FormatMessageA("text", 0x1FFFFFFF);
     EXPECT_STREQ(error.what(), "Cube already exists");
     EXPECT_STREQ(Error("text", 0x1FFFFFFF).what(), "");
 }
 
-TEST(TRkCubesException, codesAreCutTo32Bits) {
+TEST(TRkCubesException, codesAreTruncatedTo32Bits) {
     if (sizeof(unsigned long) < 8) GTEST_SKIP() << "SKIPPED: long has 32 bits here";
     unsigned long const wide = (1ul << 16 << 16) | 0x20000001ul;
     EXPECT_STREQ(Error(nullptr, wide).what(), "Cube already exists");
 }
 
-TEST(TRkCubesException, keepsContextApartFromTheMessage) {
+TEST(TRkCubesException, separatesContextFromTheMessage) {
     Error error("saving", "a.cpp", "save", 12);
     error.Add("entry 1/2/3/4", "b.cpp", "set", 34);
     EXPECT_STREQ(error.what(), "saving");
@@ -119,7 +119,7 @@ TEST(TRkCubesException, copiesMessageAndContext) {
     EXPECT_EQ(assigned.Context().size(), 1u);
 }
 
-TEST(TRkCubesException, isCaughtAsItsBases) {
+TEST(TRkCubesException, isCaughtByItsBaseClasses) {
     EXPECT_THROW(throw Error(Error::ecCubeExists), TRkException);
     EXPECT_THROW(throw Error(Error::ecCubeExists), VclOrStdException);
     EXPECT_THROW(throw Error(Error::ecCubeExists), std::exception);

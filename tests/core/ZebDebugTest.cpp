@@ -55,7 +55,7 @@ std::string formatted(char const* format, std::tm const& time) {
     return {text, std::strftime(text, sizeof text, format, &time)};
 }
 
-// A directory whose path with a delimiter behind it has so many characters.
+// A directory whose path, with a trailing delimiter, has that many characters.
 std::string directoryOfLength(std::string directory, std::size_t length) {
     while (directory.size() + 1 < length) {
         std::size_t const missing = length - 1 - directory.size();
@@ -101,7 +101,7 @@ protected:
     std::string path() const { return directory_.file("debug.log"); }
     std::string log() const { return logIn(path()); }
 
-    // Made before the variable that would lead it elsewhere.
+    // Constructed before the variable that would select another directory.
     TempDir directory_;
     Variable active_{"ZEB.DEBUG", "true"};
     Variable temporary_{Variable::temporaryDirectory, directory_.str()};
@@ -239,7 +239,7 @@ TEST_F(ZebDebugTest, writesTheLastSystemError) {
         "E [time] failed with error 2: [" + noSuchFileSentence() + "]\nE [time] failed with error 536870911: []\n");
 }
 
-TEST_F(ZebDebugTest, keepsTheLastSystemError) {
+TEST_F(ZebDebugTest, preservesTheLastSystemError) {
     for (std::string const& directory : {directory_.str(), directory_.file("none")})
         for (Operation const& operation : operations) {
             temporary_.set(directory);
@@ -287,7 +287,7 @@ TEST_F(ZebDebugTest, staysOpenForACallerThatOpensIt) {
     EXPECT_TRUE(ZebDebug::openStream());
 }
 
-TEST_F(ZebDebugTest, isSharedWithOtherWriters) {
+TEST_F(ZebDebugTest, canBeSharedWithOtherWriters) {
     std::ofstream other(path(), std::ios::app);
     ZebDebug::openStream();
     ZebDebug::writeDebug("one");
@@ -296,7 +296,7 @@ TEST_F(ZebDebugTest, isSharedWithOtherWriters) {
     EXPECT_EQ(log(), "D [time] one\ntwo\nD [time] three\n");
 }
 
-TEST_F(ZebDebugTest, takesADirectoryOf259Characters) {
+TEST_F(ZebDebugTest, usesADirectoryOf259Characters) {
     auto const directory = directoryOfLength(directory_.str(), 259);
     ASSERT_EQ((directory + "/").size(), 259U);
     temporary_.set(directory);
@@ -304,10 +304,10 @@ TEST_F(ZebDebugTest, takesADirectoryOf259Characters) {
     EXPECT_EQ(logIn(directory + "/debug.log"), "D [time] text\n");
 }
 
-TEST_F(ZebDebugTest, takesTheSystemsDirectoryForALongerOne) {
+TEST_F(ZebDebugTest, usesTheSystemsDirectoryInsteadOfALongerOne) {
     auto const directory = directoryOfLength(directory_.str(), 260);
     temporary_.set(directory);
-    // A name of its own: other programs write to that directory, too.
+    // A file of its own: other programs write to that directory, too.
     fs::create_directories(temporaryDirectoryWithoutName());
     std::string const name = "cubes-test-" + std::to_string(platform::processId()) + ".log";
     ZebDebug::setDebugOutput(name);
@@ -327,7 +327,7 @@ TEST_F(ZebDebugTest, readsTheDirectoryWheneverItOpens) {
     EXPECT_EQ(logIn(other.file("debug.log")), "D [time] two\n");
 }
 
-TEST_F(ZebDebugTest, takesAnotherOutput) {
+TEST_F(ZebDebugTest, switchesToAnotherOutput) {
     TempDir const other;
     for (std::string const& name : {std::string("run 7.txt"), other.file("a.log")}) {
         ZebDebug::openStream();
@@ -340,7 +340,7 @@ TEST_F(ZebDebugTest, takesAnotherOutput) {
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(ZebDebugTest, isNotWrittenWhereItCannotBeOpened) {
+TEST_F(ZebDebugTest, isNotWrittenWhenItCannotBeOpened) {
     writeFile(directory_.file("file"), "text");
     fs::create_directory(directory_.file("inner"));
     fs::create_directory(directory_.file("inner/debug.log"));
@@ -357,7 +357,7 @@ TEST_F(ZebDebugTest, isNotWrittenWhereItCannotBeOpened) {
     EXPECT_EQ(log(), "D [time] text\n");
 }
 
-TEST_F(ZebDebugTest, holdsEveryMessageOfSeveralThreads) {
+TEST_F(ZebDebugTest, containsEveryMessageOfSeveralThreads) {
     constexpr int messages = 200;
     auto const message = [](int writer, int number) {
         return std::to_string(writer) + "/" + std::to_string(number) +

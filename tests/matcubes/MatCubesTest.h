@@ -17,7 +17,7 @@
 
 namespace cubes::test {
 
-/// A fresh project of its own on either backend, with matrix cubes in it.
+/// A new project on either backend, with matrix cubes in it.
 class MatCubesTest : public BackendTest {
 protected:
     void SetUp() override {
@@ -31,7 +31,7 @@ protected:
     TRkMatCubes& cubes() { return *cubes_; }
 
     std::string read(std::string const& query) { return joined(project().sql(query)); }
-    /// The entry table as an independent client reads it: "1|1|2|3|4|0|1-1-2-3-4.odm" a line.
+    /// The entry table as an independent client reads it: "1|1|2|3|4|0|1-1-2-3-4.odm" per line.
     std::string rows() {
         return read("select cubenr, purpose, mode, time, \"user\", \"usageCounter\", filename from " + table() +
                     " order by 1, 2, 3, 4, 5");

@@ -1,4 +1,4 @@
-// Several processes on one project at once, each with a connection of its own.
+// Several processes use one project at the same time, each with its own connection.
 
 #include "matcubes/MatCubesTest.h"
 #include "support/ChildTask.h"
@@ -20,7 +20,7 @@ protected:
 
 CUBES_BOTH_BACKENDS(Race);
 
-// Each process works on a project object of its own.
+// Each process uses its own project object.
 ChildTask taskOf(char const* name, void (*work)(int, TRkMatCubes&)) {
     return ChildTask(name, [work](int number, std::string const& root) {
         Project const own = Project::open(root);
@@ -46,7 +46,7 @@ ChildTask const sameEntries = taskOf("same entries", [](int, TRkMatCubes& cubes)
 ChildTask const reservedRows =
     taskOf("reserved rows", [](int, TRkMatCubes& cubes) { TRkCubes const kinds(cubes.Settings()); });
 
-TEST_P(Race, ofOneNameEndsWithOneCube) {
+TEST_P(Race, ofOneNameCreatesOneCube) {
     EXPECT_EQ(run(sameCubes), processes);
     EXPECT_EQ(cubeRows(), "1|Cube0\n2|Cube1\n3|Cube2\n4|Cube3\n5|Cube4\n");
 }
@@ -56,13 +56,13 @@ TEST_P(Race, ofDifferentNamesGivesDifferentNumbers) {
     EXPECT_EQ(read("select count(*), count(distinct cubenr), max(cubenr) from cube"), "20|20|20\n");
 }
 
-TEST_P(Race, ofOneEntryEndsWithOneRow) {
+TEST_P(Race, ofOneEntryCreatesOneRow) {
     EXPECT_EQ(run(sameEntries), processes);
     EXPECT_EQ(read("select count(*), max(\"user\") from " + table()), "5|5\n");
     EXPECT_EQ(cubeRows(), "1|Base\n");
 }
 
-TEST_P(Race, ofReservedRowsEndsWithOneOfEach) {
+TEST_P(Race, ofReservedRowsCreatesOneOfEach) {
     EXPECT_EQ(run(reservedRows), processes);
     EXPECT_EQ(read("select count(*), min(cubenr), max(cubenr) from cube"), "6|-6|-1\n");
 }

@@ -57,7 +57,7 @@ TEST_P(FareCube, keepsItsTypeWhenItIsCopiedAndAssigned) {
     EXPECT_EQ(first(1), 5.0);
 }
 
-TEST_P(FareCube, isInNoRegister) {
+TEST_P(FareCube, isNotInTheRegister) {
     EXPECT_TRUE(fares().Add(0, 0, 0, 0, true));
     EXPECT_TRUE(fares().Add("Anything", 1, 1, 1, 1, false));
     EXPECT_EQ(rows(), "-8|1|1|1|1|0|-8-1-1-1-1.frs\n");
@@ -75,7 +75,7 @@ TEST_P(FareCube, doesNothingAsACube) {
     EXPECT_EQ(first(1), 5.0);
 }
 
-TEST_P(FareCube, isClearedAlone) {
+TEST_P(FareCube, isClearedSeparately) {
     store(1, 5);
     store(2, 6);
     ASSERT_TRUE(cubes().Set("Base", 1, 1, 1, 1, smallMatrix(1), lsNone, false));
@@ -106,18 +106,18 @@ TEST_P(FareCube, worksOnItsEntriesByKeyAndByAnyName) {
     EXPECT_EQ(firstElement(1, 1, 1, 1, 1), 1.0);
 }
 
-TEST_P(FareCube, removesAnEntryInSixWays) {
-    std::function<bool()> const ways[] = {[&] { return fares().Clear(1, 1, 1, 1, false); },
+TEST_P(FareCube, removesAnEntryByEachOfSixFunctions) {
+    std::function<bool()> const removals[] = {[&] { return fares().Clear(1, 1, 1, 1, false); },
         [&] { return fares().Clear("Base", 0, 0, 0, 0, true); }, [&] { return fares().Delete(1, 1, 1, 1, false); },
         [&] { return fares().Delete("Base", 1, 1, 1, 1, false); }, [&] { return fares().Remove(0, 0, 0, 0, true); },
         [&] { return fares().Remove("Base", 1, 1, 1, 1, false); }};
     ASSERT_TRUE(cubes().Add("Base", 1, 1, 1, 1, false));
-    for (auto const& way : ways) {
+    for (auto const& remove : removals) {
         store(1, 5);
-        EXPECT_TRUE(way());
+        EXPECT_TRUE(remove());
         EXPECT_EQ(rows(), "1|1|1|1|1|0|1-1-1-1-1.odm\n");
         EXPECT_EQ(files(), "");
-        EXPECT_FALSE(way());
+        EXPECT_FALSE(remove());
     }
 }
 
@@ -134,7 +134,7 @@ TEST_P(FareCube, copiesAndMovesFares) {
     EXPECT_EQ(cubeRows(), "");
 }
 
-TEST_P(FareCube, refusesAnExistingTargetAsTheFormsByNumberDo) {
+TEST_P(FareCube, refusesAnExistingTargetLikeTheFormsByNumber) {
     store(1, 5);
     store(2, 6);
     std::string const before = rows() + files();
@@ -165,7 +165,7 @@ TEST_P(FareCube, listsFaresWithoutNames) {
     EXPECT_FALSE(fares().Clear());
 }
 
-// Two base-40 digits hold no sign.
+// Two base-40 digits cannot hold a sign.
 TEST_P(FareCube, cannotBeStoredUnderOldFileNames) {
     VersionGuard const version(3);
     EXPECT_EQ(cubeErrorOf([&] { fares().Add(1, 1, 1, 1, false); }),
@@ -173,8 +173,8 @@ TEST_P(FareCube, cannotBeStoredUnderOldFileNames) {
     EXPECT_EQ(rows(), "");
 }
 
-// Nothing is virtual: as matrix cubes the name counts.
-TEST_P(FareCube, isMatrixCubesToWhoKnowsItAsThose) {
+// No function is virtual: through TRkMatCubes the name counts.
+TEST_P(FareCube, usesTheGivenCubeThroughTheBaseClass) {
     TRkMatCubes& known = fares();
     EXPECT_TRUE(known.Add("Base", 1, 1, 1, 1, false));
     EXPECT_EQ(rows(), "1|1|1|1|1|0|1-1-1-1-1.frs\n");

@@ -86,18 +86,18 @@ TEST_P(MatCube, worksOnTheEntriesOfItsCube) {
     EXPECT_EQ(header->Columns(), 3);
 }
 
-TEST_P(MatCube, removesAnEntryInThreeWays) {
-    bool (TRkMatCube::*const ways[])(short, short, short, short, bool)
+TEST_P(MatCube, removesAnEntryByEachOfThreeFunctions) {
+    bool (TRkMatCube::*const functions[])(short, short, short, short, bool)
         const = {&TRkMatCube::Clear, &TRkMatCube::Delete, &TRkMatCube::Remove};
-    for (auto const way : ways) {
+    for (auto const function : functions) {
         ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
-        EXPECT_TRUE((base().*way)(0, 0, 0, 0, true));
+        EXPECT_TRUE((base().*function)(0, 0, 0, 0, true));
         EXPECT_EQ(rows() + files(), "");
-        EXPECT_FALSE((base().*way)(1, 1, 1, 1, false));
+        EXPECT_FALSE((base().*function)(1, 1, 1, 1, false));
     }
 }
 
-TEST_P(MatCube, answersForACubeThatIsNotThere) {
+TEST_P(MatCube, returnsFalseOrNullForAMissingCube) {
     EXPECT_FALSE(base().Check());
     EXPECT_FALSE(base().Check(1, 1, 1, 1, false));
     EXPECT_EQ(base().Get(1, 1, 1, 1, lsRead, false), nullptr);
@@ -110,8 +110,8 @@ TEST_P(MatCube, answersForACubeThatIsNotThere) {
     EXPECT_EQ(list.Count(), 0);
 }
 
-// The empty name is a name like any other, no name is none.
-TEST_P(MatCube, withoutANameIsNoCube) {
+// The empty name is a name like any other; null is not a name.
+TEST_P(MatCube, withoutANameFindsNothing) {
     TRkMatCube nameless(project().settings(), nullptr, true);
     project().execute("insert into cube values (2, '')");
     project().execute(
@@ -120,7 +120,7 @@ TEST_P(MatCube, withoutANameIsNoCube) {
     for (TRkMatCube const& cube : {nameless, TRkMatCube(nameless)}) {
         EXPECT_STREQ(cube.Name(), "");
         EXPECT_FALSE(cube.Add() || cube.Check() || cube.Delete() || cube.Remove());
-        // As for a name that nobody knows.
+        // As for an unknown name.
         EXPECT_TRUE(cube.Clear());
         EXPECT_FALSE(cube.Add(1, 1, 1, 1, false));
         EXPECT_FALSE(cube.Check(1, 1, 1, 1, false) || cube.Clear(1, 1, 1, 1, false) || cube.Delete(1, 1, 1, 1, false));
@@ -176,7 +176,7 @@ TEST_P(MatCube, copiesWithinItself) {
     EXPECT_EQ(first(1), 6.0);
 }
 
-TEST_P(MatCube, refusesAnExistingTargetAsAMatrix) {
+TEST_P(MatCube, refusesAnExistingTargetWithMatrixExists) {
     ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
     ASSERT_TRUE(base().Set(1, 1, 1, 2, smallMatrix(6), lsNone, false));
     std::string const before = rows() + files();
@@ -192,8 +192,8 @@ TEST_P(MatCube, refusesAnExistingTargetAsAMatrix) {
     EXPECT_EQ(first(2), 6.0);
 }
 
-// The matrix cubes below it keep their own rule: one and the same cube by name is refused.
-TEST_P(MatCube, leavesTheFormsByNameAsTheyAre) {
+// The base class keeps its own rule: one and the same cube by name is refused.
+TEST_P(MatCube, doesNotChangeTheFormsByName) {
     ASSERT_TRUE(base().Set(1, 1, 1, 1, smallMatrix(5), lsNone, false));
     EXPECT_THROW(base().TRkMatCubes::Copy("Base", 1, 1, 1, 1, "Base", 1, 1, 1, 2, true, false), TRkCubesException);
     EXPECT_TRUE(base().Move("Base", 1, 1, 1, 1, "Base", 1, 1, 1, 2, false, false));

@@ -1,5 +1,5 @@
-// Four-key matrix cubes: the operations that name a cube, lists, directories, and what storing and removing differ in
-// from other entries.
+// Four-key matrix cubes: operations by name, lists, directories, and how storing and removing differ from other
+// entries.
 
 #include <cubes/database/TRkDBDataDictionary.h>
 #include <cubes/database/TRkDatabaseException.h>
@@ -28,7 +28,7 @@ protected:
 
 CUBES_BOTH_BACKENDS(MatCubes);
 
-TEST_P(MatCubes, knowTheirClassAndTable) {
+TEST_P(MatCubes, returnTheirClassAndTable) {
     EXPECT_EQ(cubes().ClassID(), 0);
     EXPECT_STREQ(cubes().ClassName(), "TRkMatCubes");
     EXPECT_STREQ(TRkMatCubes::FAliasName, "matcube");
@@ -52,7 +52,7 @@ TEST_P(MatCubes, haveTheDirectoryOfTheSettingsOrTheirOwn) {
     EXPECT_STREQ(without.MatrixDirectory().c_str(), "");
 }
 
-TEST_P(MatCubes, leaveAnAddedEntryThatExistsAsItIs) {
+TEST_P(MatCubes, leaveAnExistingEntryUnchangedWhenTheyAddIt) {
     auto entries = cubes().Open();
     cubes().Add(entries, 12, 1, 2, 3, 4, false);
     project().execute("update " + table() + " set \"usageCounter\" = 5, filename = 'mine.odm'");
@@ -89,7 +89,7 @@ private:
     TRkDBDataDictionary& project_;
 };
 
-TEST_P(MatCubes, registerTheCubeOfAnAddedEntryAlsoWithoutAnEntryTable) {
+TEST_P(MatCubes, registerTheCubeOfAnAddedEntryEvenWithoutAnEntryTable) {
     RegisterOnly dictionary(*cubes().DataDictionary());
     TRkGlobalSettings settings;
     settings.Set("RkLib.DataDictionary", &dictionary);
@@ -102,11 +102,11 @@ TEST_P(MatCubes, registerTheCubeOfAnAddedEntryAlsoWithoutAnEntryTable) {
     EXPECT_FALSE(others.Check(1, 1, 1, 1, 1, false));
     TRkAutoListT<TRkMatCubes::TKey> list;
     EXPECT_FALSE(others.Get(list));
-    // Without settings nothing can be registered and nothing added, which is true all the same.
+    // Without settings no cube can be registered and no entry added; the result is true nevertheless.
     EXPECT_TRUE(TRkMatCubes(nullptr, ".odm", true).Add("Base", 1, 1, 1, 1, false));
 }
 
-TEST_P(MatCubes, passADatabaseErrorOnWhenTheyAddByName) {
+TEST_P(MatCubes, passOnADatabaseErrorWhenTheyAddByName) {
     project().project().connection()->Execute("alter table " + table() + " rename column mode to other");
     EXPECT_THROW(cubes().Check(1, 1, 1, 1, 1, false), TRkDatabaseException);
     EXPECT_THROW(cubes().Add("Base", 1, 1, 1, 1, false), TRkDatabaseException);
@@ -162,7 +162,7 @@ TEST_P(MatCubes, listWithoutNamesWhenTheRegisterIsGone) {
     EXPECT_STREQ(list[0]->name.c_str(), "");
 }
 
-TEST_P(MatCubes, fillNamesIntoTheCallersKeys) {
+TEST_P(MatCubes, setNamesInTheCallersKeys) {
     cubes().Add("Base");
     TRkAutoListT<TRkMatCubes::TKey> list;
     list.Add(new TRkMatCubes::TKey(1, 1, 1, 1, 1, false));
@@ -204,7 +204,7 @@ TEST_P(MatCubes, setNothingByNameWithoutARegister) {
     EXPECT_EQ(files().find(".odm"), std::string::npos);
 }
 
-TEST_P(MatCubes, giveAMatrixTheCubesNameAndTheKeyAsItsName) {
+TEST_P(MatCubes, giveAMatrixItsCubesNameAndKeyAsDisplayName) {
     storeBase();
     for (auto* const found : {cubes().Get(1, 1, 1, 1, 1, lsRead, false), cubes().Get(1, 0, 0, 0, 0, lsRead, true),
              cubes().Get("BASE", 0, 0, 0, 0, lsRead, true)}) {
@@ -267,7 +267,7 @@ TEST_P(MatCubes, doNotCopyOntoAFileThatAnotherObjectWrites) {
     EXPECT_EQ(readFile(pathOf("1-1-1-1-2.odm")), before);
 }
 
-TEST_P(MatCubes, writeAnUnchangedMatrixWhoseFileIsGone) {
+TEST_P(MatCubes, writeAnUnchangedMatrixWhoseFileIsMissing) {
     TempDir const elsewhere;
     storeBase();
     auto const source = open(lsUnchanged);
@@ -291,19 +291,19 @@ TEST_P(MatCubes, keepAKindAbove31AndReplaceAnyOther) {
     }
 }
 
-TEST_P(MatCubes, removeAnEntryByTheNameOfItsCubeInThreeWays) {
-    bool (TRkMatCubes::*const ways[])(char const*, short, short, short, short, bool)
+TEST_P(MatCubes, removeAnEntryByNameByEachOfThreeFunctions) {
+    bool (TRkMatCubes::*const functions[])(char const*, short, short, short, short, bool)
         const = {&TRkMatCubes::Clear, &TRkMatCubes::Delete, &TRkMatCubes::Remove};
-    for (auto const way : ways) {
+    for (auto const function : functions) {
         storeBase();
-        EXPECT_FALSE((cubes().*way)("Other", 1, 1, 1, 1, false));
-        EXPECT_TRUE((cubes().*way)("BASE", 0, 0, 0, 0, true));
+        EXPECT_FALSE((cubes().*function)("Other", 1, 1, 1, 1, false));
+        EXPECT_TRUE((cubes().*function)("BASE", 0, 0, 0, 0, true));
         EXPECT_EQ(rows() + files(), "");
-        EXPECT_FALSE((cubes().*way)("Base", 1, 1, 1, 1, false));
+        EXPECT_FALSE((cubes().*function)("Base", 1, 1, 1, 1, false));
     }
 }
 
-TEST_P(MatCubes, removeTheRowOfADirectoryAndLeaveTheDirectory) {
+TEST_P(MatCubes, removeTheRowOfADirectoryAndKeepTheDirectory) {
     cubes().Add("Base", 1, 1, 1, 1, false);
     fs::create_directory(pathOf("1-1-1-1-1.odm"));
     EXPECT_TRUE(cubes().Clear(1, 1, 1, 1, 1, false));
@@ -334,7 +334,7 @@ TEST_P(MatCubes, clearACubeBeforeTheyRemoveItFromTheRegister) {
     EXPECT_FALSE(cubes().Remove("A"));
 }
 
-TEST_P(MatCubes, leaveTheCubeInTheRegisterWithoutAnEntryTable) {
+TEST_P(MatCubes, keepTheCubeInTheRegisterWithoutAnEntryTable) {
     cubes().Add("Base");
     project().project().connection()->Execute("drop table " + table());
     EXPECT_FALSE(cubes().Clear(short(1)));
@@ -356,7 +356,7 @@ TEST_P(MatCubes, checkCubesAndEntries) {
     EXPECT_FALSE(cubes().Check("Other", 1, 1, 1, 1, false));
 }
 
-TEST(MatCubesKeys, giveTheirPartsByIndex) {
+TEST(MatCubesKeys, returnTheirPartsByIndex) {
     TRkMatCubes::TKey const key(12, 1, 2, 3, 4, true);
     int const parts[] = {12, 1, 2, 3, 4};
     for (int i = 0; i < 5; ++i) {
@@ -372,7 +372,7 @@ TEST(MatCubesKeys, giveTheirPartsByIndex) {
     EXPECT_EQ(key.mode, 2);
 }
 
-TEST(MatCubesKeys, areShownWithTheirNameAtTheEnd) {
+TEST(MatCubesKeys, arePrintedWithTheirNameAtTheEnd) {
     TRkMatCubes::TKey key(3, 1, 2, 5, 6, false);
     EXPECT_STREQ(key.AsString().c_str(), "3,1,2,5,6,");
     key.name = "Base";

@@ -1,5 +1,5 @@
-// What the eight forms of copying and moving four-key entries differ in from those of other entries: cubes, their
-// names, counters and the checks that come first.
+// How the eight forms of copying and moving four-key entries differ from those of other entries: cubes, their names,
+// counters and the preceding checks.
 
 #include <array>
 #include <filesystem>
@@ -31,7 +31,7 @@ struct Flags {
 
 constexpr Flags failIfExists = {true, false};
 
-/// A project with the cubes 1 "Base" and 2 "Other", whose entries are named by their user alone.
+/// A project with the cubes 1 "Base" and 2 "Other", whose entries differ only in their user.
 class MatCubesTransfer : public MatCubesTest {
 protected:
     void SetUp() override {
@@ -46,7 +46,7 @@ protected:
     TRkMatCubes& other() { return *other_; }
     bool run(Form const& form, End from, End to, Flags flags = {}) {
         auto const transfer = [&](auto a, auto b) {
-            // Only the user tells the ends apart, also when the parts are counted from zero.
+            // The ends differ only in the user, also when the parts are zero-based.
             short const one = flags.zeroBased ? 0 : 1;
             bool const fails = flags.failIfExists;
             bool const zero = flags.zeroBased;
@@ -60,8 +60,8 @@ protected:
         };
         return form.isByName ? transfer(from.name, to.name) : transfer(from.cubenr, to.cubenr);
     }
-    /// A target whose cube passes the form's check when the target must not exist: by name within a catalogue source
-    /// and target must be two cubes, elsewhere one.
+    /// A target whose cube passes the form's check when the target must not exist: by name within a catalogue, source
+    /// and target must be two cubes, otherwise one.
     static End targetFor(Form const& form, short user) { return end(form.isByName && !form.isBetween ? 2 : 1, user); }
 
     void add(End at) { ASSERT_TRUE(cubes().Add(cubes().Open(), at.cubenr, 1, 1, 1, at.user, false)); }
@@ -82,7 +82,7 @@ protected:
         for (auto const& file : fs::directory_iterator(project().matrixDirectory())) fs::remove_all(file);
     }
     void execute(std::string const& statement) { project().project().connection()->Execute(statement); }
-    /// Everything that a refused transfer leaves as it is.
+    /// Everything that a refused transfer leaves unchanged.
     std::string state() { return rows() + cubeRows() + files(); }
 
 private:
@@ -92,7 +92,7 @@ private:
 
 CUBES_BOTH_BACKENDS(MatCubesTransfer);
 
-TEST_P(MatCubesTransfer, bringsAnEntryToAnotherCubeAndKeepsTheTargetsCounter) {
+TEST_P(MatCubesTransfer, movesOrCopiesToAnotherCubeAndKeepsTheTargetsCounter) {
     for (auto const& form : forms()) {
         SCOPED_TRACE(form.name);
         store(end(1, 1), 5);
@@ -109,8 +109,8 @@ TEST_P(MatCubesTransfer, bringsAnEntryToAnotherCubeAndKeepsTheTargetsCounter) {
     }
 }
 
-// The cubes were checked before the entry was looked for.
-TEST_P(MatCubesTransfer, ofAMissingSourceByNameLeavesTheNewCube) {
+// The cubes are checked before the entry is looked up.
+TEST_P(MatCubesTransfer, ofAMissingSourceByNameKeepsTheNewCube) {
     for (auto const& form : forms()) {
         if (!form.isByName) continue;
         SCOPED_TRACE(form.name);
@@ -121,7 +121,7 @@ TEST_P(MatCubesTransfer, ofAMissingSourceByNameLeavesTheNewCube) {
     }
 }
 
-TEST_P(MatCubesTransfer, byNameWithoutAnEntryTableLeavesTheNewCube) {
+TEST_P(MatCubesTransfer, byNameWithoutAnEntryTableKeepsTheNewCube) {
     for (auto const& form : forms()) {
         if (!form.isByName) continue;
         SCOPED_TRACE(form.name);
@@ -163,7 +163,7 @@ TEST_P(MatCubesTransfer, ontoItselfIsFalseAndLosesNothing) {
     EXPECT_EQ(state(), before);
 }
 
-TEST_P(MatCubesTransfer, raisesZeroBasedKeysOfBothEnds) {
+TEST_P(MatCubesTransfer, shiftsZeroBasedKeysOfBothEnds) {
     for (auto const& form : forms()) {
         SCOPED_TRACE(form.name);
         store(end(1, 1), 1);
@@ -175,7 +175,7 @@ TEST_P(MatCubesTransfer, raisesZeroBasedKeysOfBothEnds) {
     }
 }
 
-TEST_P(MatCubesTransfer, toAKeyThatHasNoSuccessorIsTrueAndMakesNothing) {
+TEST_P(MatCubesTransfer, toAKeyWithoutASuccessorIsTrueAndDoesNothing) {
     store(end(1, 1), 1);
     std::string const before = state();
     for (auto const& form : forms()) {
@@ -207,7 +207,7 @@ TEST_P(MatCubesTransfer, refusesAZeroBasedTarget) {
     }
 }
 
-// Negative numbers count as present, and never as an existing cube.
+// Negative numbers count as present, but never as an existing cube.
 TEST_P(MatCubesTransfer, refusesTheEntryOfANegativeCubeButNotTheCube) {
     for (auto const& form : forms()) {
         if (form.isByName) continue;
@@ -273,7 +273,7 @@ TEST_P(MatCubesTransfer, ofAnUnknownNameIsFalse) {
     EXPECT_EQ(state(), before);
 }
 
-TEST_P(MatCubesTransfer, toANewNameMakesACube) {
+TEST_P(MatCubesTransfer, toANewNameCreatesACube) {
     for (auto const& form : forms()) {
         if (!form.isByName) continue;
         SCOPED_TRACE(form.name);
@@ -285,8 +285,8 @@ TEST_P(MatCubesTransfer, toANewNameMakesACube) {
     }
 }
 
-// Entries may be left of a cube that went out of the register by itself; its number is given anew.
-TEST_P(MatCubesTransfer, refusesAnEntryThatIsLeftOfACubeAndKeepsTheNewCube) {
+// A cube that was removed only from the register may leave entries; its number is used again.
+TEST_P(MatCubesTransfer, refusesAnEntryLeftByARemovedCubeAndKeepsTheNewCube) {
     for (auto const& form : forms()) {
         if (!form.isByName) continue;
         SCOPED_TRACE(form.name);
@@ -301,14 +301,14 @@ TEST_P(MatCubesTransfer, refusesAnEntryThatIsLeftOfACubeAndKeepsTheNewCube) {
     }
 }
 
-TEST_P(MatCubesTransfer, givesTheFileItsOwnExtension) {
+TEST_P(MatCubesTransfer, givesTheFileTheExtensionOfTheTarget) {
     TRkMatCubes fares(project().settings(), ".frs", true);
     store(end(1, 1), 5);
     EXPECT_TRUE(fares.Copy(cubes(), 1, 1, 1, 1, 1, 2, 1, 1, 1, 1, false, false));
     EXPECT_EQ(files(), "1-1-1-1-1.odm\n2-1-1-1-1.frs\n");
 }
 
-// One table for both: the row of an entry that keeps its key is the row of its source.
+// Both share a table: the row of an entry that keeps its key is the row of its source.
 TEST_P(MatCubesTransfer, toAnotherDirectoryUnderTheSameKeyCopiesTheFile) {
     TempDir const elsewhere;
     auto const theirs = entryFamily(Family::fourKeys, project().settings(), elsewhere.str());
@@ -322,8 +322,8 @@ TEST_P(MatCubesTransfer, toAnotherDirectoryUnderTheSameKeyCopiesTheFile) {
     EXPECT_EQ(files() + filesIn(elsewhere.str()), "1-1-1-1-1.odm\n");
 }
 
-// One register serves both: the names of the other catalogue's cubes do not count.
-TEST_P(MatCubesTransfer, takesNamesAndNumbersFromTheRegisterOfTheCatalogueThatIsCalled) {
+// Both share a register: the names of the other catalogue's cubes do not count.
+TEST_P(MatCubesTransfer, usesTheRegisterOfTheCalledCatalogue) {
     TestProject delta(Backend::sqlite);
     TRkMatCubes theirs(delta.settings(), ".odm", true);
     theirs.Add("Theirs");

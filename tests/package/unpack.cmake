@@ -1,4 +1,4 @@
-# Packs the zip, unpacks it elsewhere, and makes the demo project with what came out.
+# Packs the zip, unpacks it elsewhere, and creates the demo project with the unpacked tool.
 cmake_minimum_required(VERSION 3.25)
 file(REMOVE_RECURSE ${work})
 file(MAKE_DIRECTORY ${work}/unpacked)
@@ -14,18 +14,18 @@ foreach(name
     lib/libcubes.dll.a lib/cmake/cubes/cubesConfig.cmake include/cubes/cubes.h
     share/doc/cubes/licences/hdf5.txt share/doc/cubes/licences/gcc-mingw-w64-base.txt)
   if(NOT EXISTS ${top}/${name})
-    message(FATAL_ERROR "the zip holds no ${name}")
+    message(FATAL_ERROR "the zip does not contain ${name}")
   endif()
 endforeach()
 
-# Routes are among the demo's entries: the provider is found where it lies.
+# The demo has routes, so the provider must be found in the unpacked directory.
 execute_process(COMMAND ${run} ${top}/bin/cubes.exe demo city WORKING_DIRECTORY ${work}
-  OUTPUT_VARIABLE told COMMAND_ERROR_IS_FATAL ANY)
+  OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${run} ${top}/bin/cubes.exe list WORKING_DIRECTORY ${work}/city
   OUTPUT_VARIABLE cubes COMMAND_ERROR_IS_FATAL ANY)
-message("${told}\n${cubes}")
+message("${output}\n${cubes}")
 foreach(cube Trips skim routes)
   if(NOT cubes MATCHES "${cube}")
-    message(FATAL_ERROR "the demo made no ${cube}")
+    message(FATAL_ERROR "the demo did not create ${cube}")
   endif()
 endforeach()

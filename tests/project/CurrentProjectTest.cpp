@@ -29,7 +29,7 @@ TEST_F(CurrentProject, isNoneAtFirst) {
     EXPECT_EQ(&getConnectionManagerInstance(), &getConnectionManagerInstance());
 }
 
-TEST_F(CurrentProject, isTheLastOneMadeOpenedOrChosen) {
+TEST_F(CurrentProject, isTheLastOneCreatedOpenedOrChosen) {
     Project one = make("one");
     EXPECT_EQ(current(), one.connection());
     Project two = make("two");
@@ -40,7 +40,7 @@ TEST_F(CurrentProject, isTheLastOneMadeOpenedOrChosen) {
     EXPECT_EQ(current(), again.connection());
 }
 
-TEST_F(CurrentProject, isFollowedByTheOneBeforeThatIsStillAlive) {
+TEST_F(CurrentProject, isFollowedByThePreviousOneThatStillExists) {
     std::optional<Project> one = make("one");
     std::optional<Project> two = make("two");
     std::optional<Project> three = make("three");
@@ -53,7 +53,7 @@ TEST_F(CurrentProject, isFollowedByTheOneBeforeThatIsStillAlive) {
     EXPECT_EQ(current(), nullptr);
 }
 
-TEST_F(CurrentProject, staysCurrentWhenItMoves) {
+TEST_F(CurrentProject, staysCurrentWhenItIsMoved) {
     Project one = make("one");
     auto* const connection = one.connection();
     auto* const settings = one.settings();
@@ -66,7 +66,7 @@ TEST_F(CurrentProject, staysCurrentWhenItMoves) {
     EXPECT_EQ(current(), connection);
 }
 
-TEST_F(CurrentProject, leavesAConnectionAloneThatSomeoneElseMadeCurrent) {
+TEST_F(CurrentProject, doesNotReplaceAConnectionThatAnotherCallerMadeCurrent) {
     Pgaccess::TPgConnection other("sqlite:" + directory.file("other.db"));
     {
         Project const one = make("one");

@@ -26,7 +26,7 @@ using cubes::test::listing;
 using cubes::test::Rows;
 using cubes::test::TempDir;
 
-// What `work` throws, told by its class; "none" when it throws nothing.
+// The class of the exception that `work` throws; "none" when it throws none.
 template <typename Work>
 std::string errorOf(Work const& work) {
     try {
@@ -39,7 +39,7 @@ std::string errorOf(Work const& work) {
     return "none";
 }
 
-// Sets CUBES_DATABASE for a while.
+// Sets CUBES_DATABASE until the end of the block.
 class DatabaseOverride : public cubes::test::Variable {
 public:
     explicit DatabaseOverride(std::string const& url) : Variable("CUBES_DATABASE", url) {}
@@ -69,7 +69,7 @@ protected:
 };
 CUBES_BOTH_BACKENDS(ProjectOver);
 
-TEST_P(ProjectOver, isMadeWithItsTablesAndDirectories) {
+TEST_P(ProjectOver, isCreatedWithItsTablesAndDirectories) {
     Project const project = create("Delta 2030");
     EXPECT_EQ(project.root(), directory.file("Delta 2030"));
     EXPECT_EQ(project.schema(), "delta_2030");
@@ -82,7 +82,7 @@ TEST_P(ProjectOver, isMadeWithItsTablesAndDirectories) {
     EXPECT_EQ(project.settings()->WorkingDirectory().str(), directory.file("Delta 2030/results/"));
 }
 
-TEST_P(ProjectOver, lendsADictionaryThatKnowsItsTables) {
+TEST_P(ProjectOver, providesADictionaryOfItsTables) {
     Project const project = create("delta");
     auto* const dictionary = dynamic_cast<TRkDBDataDictionary*>(project.settings()->Get("RkLib.DataDictionary"));
     ASSERT_NE(dictionary, nullptr);
@@ -95,7 +95,7 @@ TEST_P(ProjectOver, lendsADictionaryThatKnowsItsTables) {
     EXPECT_EQ(tables[1]->GetAliasPropertyWrapper().AsString(), "cube5data1");
 }
 
-TEST_P(ProjectOver, isOpenedAsItWasMade) {
+TEST_P(ProjectOver, isOpenedAsItWasCreated) {
     create("delta").connection()->Execute("INSERT INTO \"cube\" VALUES (1, 'Base')");
     Project const project = Project::open(directory.file("delta/"));
     EXPECT_EQ(project.root(), directory.file("delta"));
@@ -103,7 +103,7 @@ TEST_P(ProjectOver, isOpenedAsItWasMade) {
     EXPECT_EQ(rowsOf("", "cube"), 1u);
 }
 
-TEST_P(ProjectOver, takesASchemaThatNoOtherProjectHas) {
+TEST_P(ProjectOver, usesASchemaThatNoOtherProjectHas) {
     EXPECT_EQ(create("a/delta").schema(), "delta");
     EXPECT_EQ(create("b/delta").schema(), "delta_2");
     EXPECT_EQ(create("c/Delta").schema(), "delta_3");
@@ -112,7 +112,7 @@ TEST_P(ProjectOver, takesASchemaThatNoOtherProjectHas) {
     EXPECT_EQ(rowsOf("delta_3", "cube5data1"), 0u);
 }
 
-TEST_P(ProjectOver, makesTablesThatAreMissingWhenItIsOpened) {
+TEST_P(ProjectOver, createsMissingTablesWhenItIsOpened) {
     create("delta");
     database->execute("DROP TABLE " + database->table("public", "cube4data1"));
     database->execute("INSERT INTO \"cube\" VALUES (1, 'Base')");
@@ -121,7 +121,7 @@ TEST_P(ProjectOver, makesTablesThatAreMissingWhenItIsOpened) {
     EXPECT_EQ(rowsOf("", "cube"), 1u);
 }
 
-TEST_P(ProjectOver, goesOnWithTablesThatOthersMade) {
+TEST_P(ProjectOver, usesTablesThatOtherProgramsCreated) {
     create("delta");
     std::string const table = database->table("public", "cube4data1");
     database->execute("DROP TABLE " + table);
@@ -134,14 +134,14 @@ TEST_P(ProjectOver, goesOnWithTablesThatOthersMade) {
     EXPECT_EQ(cursor.FindField("filename"), nullptr);
 }
 
-TEST_P(ProjectOver, isMadeAndOpenedBySeveralProcessesAtOnce) {
+TEST_P(ProjectOver, isCreatedAndOpenedBySeveralProcessesAtOnce) {
     DatabaseOverride const override(database->url());
     EXPECT_EQ(making.inProcesses(3, directory.str()), 3);
     EXPECT_EQ(opening.inProcesses(3, directory.file("p0")), 3);
     for (char const* const schema : {"p0", "p1", "p2"}) EXPECT_EQ(rowsOf(schema, "cube5data1"), 0u);
 }
 
-TEST_P(ProjectOver, leavesNothingBehindWhenATableCannotBeMade) {
+TEST_P(ProjectOver, leavesNothingBehindWhenATableCannotBeCreated) {
     std::string const table = database->table("public", "cube4data1");
     if (backend() == Backend::postgres)
         database->execute("CREATE VIEW \"cube4data1\" AS SELECT 1");
@@ -186,14 +186,14 @@ TEST_F(DefaultProject, canBeMoved) {
     EXPECT_EQ(project.settings()->MatrixDirectory().str(), directory.file("moved/matrices/"));
 }
 
-TEST_F(DefaultProject, isMadeInADirectoryThatHasOtherFiles) {
+TEST_F(DefaultProject, isCreatedInADirectoryWithOtherFiles) {
     fs::create_directory(directory.file("delta"));
     cubes::test::writeFile(directory.file("delta/notes"), "x");
     Project const project = Project::create(directory.file("delta"));
     EXPECT_EQ(cubes::test::readFile(directory.file("delta/notes")), "x");
 }
 
-TEST_F(DefaultProject, takesItsOptions) {
+TEST_F(DefaultProject, usesItsOptions) {
     ProjectOptions options;
     options.database = "sqlite:sub.db";
     options.matrixDirectory = directory.file("m/n");
@@ -211,7 +211,7 @@ TEST_F(DefaultProject, takesItsOptions) {
     EXPECT_TRUE(fs::is_directory(directory.file("m/n")) && fs::is_directory(directory.file("delta/w/x")));
 }
 
-TEST_F(DefaultProject, tellsTheMatrixFilesHowToLie) {
+TEST_F(DefaultProject, appliesItsStorageRuleToMatrixFiles) {
     ProjectOptions options;
     options.storage = "deflate";
     options.durability = "process";
@@ -223,15 +223,15 @@ TEST_F(DefaultProject, tellsTheMatrixFilesHowToLie) {
     }
 }
 
-TEST_F(DefaultProject, takesTheDatabaseOfTheEnvironmentUnlessItIsToldOne) {
+TEST_F(DefaultProject, usesTheDatabaseOfTheEnvironmentUnlessTheOptionsNameOne) {
     DatabaseOverride const override("sqlite:" + directory.file("env.db"));
-    Project const silent = Project::create(directory.file("silent"));
-    EXPECT_EQ(silent.connection()->Url(), "sqlite:" + directory.file("env.db"));
-    EXPECT_NE(toml("silent").find("env.db"), std::string::npos);
+    Project const byDefault = Project::create(directory.file("default"));
+    EXPECT_EQ(byDefault.connection()->Url(), "sqlite:" + directory.file("env.db"));
+    EXPECT_NE(toml("default").find("env.db"), std::string::npos);
     ProjectOptions options;
     options.database = "sqlite:own.db";
-    EXPECT_EQ(Project::create(directory.file("told"), options).connection()->Url(),
-        "sqlite:" + directory.file("told/own.db"));
+    EXPECT_EQ(Project::create(directory.file("named"), options).connection()->Url(),
+        "sqlite:" + directory.file("named/own.db"));
 }
 
 struct Refusal {
@@ -262,7 +262,7 @@ TEST_F(DefaultProject, isRefusedWithAReasonAndLeavesNothingBehind) {
     EXPECT_EQ(fs::file_size(directory.file("file")), 1u);
 }
 
-TEST_F(DefaultProject, isRefusedWhereAFileOrAProjectIs) {
+TEST_F(DefaultProject, isRefusedIfAFileOrAProjectExists) {
     cubes::test::writeFile(directory.file("file"), "x");
     { Project const project = Project::create(directory.file("delta")); }
     std::string const before = toml("delta");
@@ -274,14 +274,14 @@ TEST_F(DefaultProject, isRefusedWhereAFileOrAProjectIs) {
     EXPECT_EQ(toml("delta"), before);
 }
 
-TEST_F(DefaultProject, cannotBeOpenedWhereThereIsNone) {
+TEST_F(DefaultProject, cannotBeOpenedIfThereIsNone) {
     EXPECT_EQ(errorOf([&] { Project::open(directory.file("none")); }),
         "project: '" + directory.file("none") + "' is not a project: it has no \"cubes.toml\"");
     EXPECT_EQ(errorOf([&] { Project::open(""); }).substr(0, 8), "project:");
     EXPECT_EQ(listing(directory.str()), "");
 }
 
-TEST_F(DefaultProject, doesNotTakeAnEmptyDatabaseForOneThatIsLost) {
+TEST_F(DefaultProject, isNotOpenedOnAnEmptyDatabaseInPlaceOfALostOne) {
     { Project const project = Project::create(directory.file("delta")); }
     fs::remove(directory.file("delta/cubes.db"));
     EXPECT_EQ(errorOf([&] { Project::open(directory.file("delta")); }),
@@ -297,7 +297,7 @@ TEST_F(DefaultProject, isNotCurrentWhenItCannotBeOpened) {
     EXPECT_NE(errorOf([&] { Project::open(directory.file("delta")); }).find("cubes.toml, line 1"), std::string::npos);
 }
 
-TEST(ProjectOnAServer, postgresNeitherStoresNorShowsThePassword) {
+TEST(ProjectOnAServer, postgresNeitherStoresNorPrintsThePassword) {
     cubes::test::requireBackend(Backend::postgres);
     if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;
     cubes::test::TestDatabase const database(Backend::postgres);
@@ -315,7 +315,7 @@ TEST(ProjectOnAServer, postgresNeitherStoresNorShowsThePassword) {
     EXPECT_NE(error.find("no password supplied"), std::string::npos) << error;
 }
 
-TEST(ProjectOnAServer, postgresIsUsedByThoseWhoMayNotMakeTables) {
+TEST(ProjectOnAServer, postgresIsUsedWithoutPermissionToCreateTables) {
     cubes::test::requireBackend(Backend::postgres);
     if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;
     cubes::test::TestDatabase const database(Backend::postgres);
@@ -333,7 +333,7 @@ TEST(ProjectOnAServer, postgresIsUsedByThoseWhoMayNotMakeTables) {
         "database:");
 }
 
-TEST(TestProject, isAProjectOverItsDatabase) {
+TEST(TestProject, isAProjectOnItsDatabase) {
     cubes::test::TestProject project(Backend::sqlite);
     project.execute("INSERT INTO \"cube\" VALUES (1, 'Base')");
     EXPECT_EQ(project.sql("SELECT * FROM \"cube\""), (Rows{{"1", "Base"}}));

@@ -10,7 +10,7 @@ namespace cubes::test {
 
 using Library = Pattern::DynamiclinkLibraryT<Pattern::DllNoUnloadpolicyA>;
 
-/// Sets where providers are looked for, until the end of the object; empty: nowhere in particular.
+/// Sets the search path for providers until it is destroyed; an empty one leaves the default search.
 class ProviderPath : public Variable {
 public:
     explicit ProviderPath(std::string const& directories) : Variable("CUBES_PROVIDER_PATH", directories) {}
@@ -25,11 +25,11 @@ public:
     explicit FakeProvider(std::string const& variant = "full");
     ~FakeProvider();
 
-    /// What was asked of the provider since the last call, a line each.
+    /// The calls of the provider since the last request, one per line.
     std::string calls();
-    /// How many of its objects there are.
+    /// The number of its existing objects.
     int living() const;
-    /// What the header says; null: there is none, "null": the text is null.
+    /// The header's text; null: there is no header, "null": the text is null.
     void setFields(char const* names);
     void setLastError(char const* text);
 

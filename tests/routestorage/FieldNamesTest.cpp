@@ -28,14 +28,14 @@ INSTANTIATE_TEST_SUITE_P(lists, FieldNames,
              "b",
             {"a\x7f"
              "b"}},
-        // An empty name stands between two commas only.
+        // An empty name occurs only between two commas.
         List{"a,,b", {"a", "", "b"}}, List{"a, ,b", {"a", "", "b"}}, List{"a,,,b", {"a", "", "", "b"}},
         List{",a", {"a"}}, List{"a,", {"a"}}, List{",", {}}, List{",,", {""}}, List{"a,, ", {"a", ""}},
-        // What stands in quotation marks is one name.
+        // A quoted text is one name.
         List{"\"a,b\",c", {"a,b", "c"}}, List{"\"a b\" c", {"a b", "c"}}, List{"\" a \"", {" a "}},
         List{"\"a\"\"b\"", {"a\"b"}}, List{"\"\"\"\"", {"\""}}, List{"x\"a b\"y", {"xa by"}},
         List{"a,\"\",b", {"a", "", "b"}}, List{"\"a\" , \"b\"", {"a", "b"}},
-        // A mark that is never closed reaches to the end.
+        // A missing closing mark extends the name to the end.
         List{"a,\"b,c d", {"a", "b,c d"}}, List{"a,\"", {"a", ""}},
         List{"\xc3\xa9t\xc3\xa9,\xff", {"\xc3\xa9t\xc3\xa9", "\xff"}}));
 

@@ -1,5 +1,4 @@
-// The quickest routes of a real network: stored, fetched, and the trips of a real table divided
-// among them.
+// The shortest paths by time of a real network: stored, fetched, and the trips of a real trip table assigned to them.
 
 #include <cubes/matcubes/TRkMatCubes.h>
 #include <cubes/varcubes/TRkSelectedLinkCube.h>
@@ -19,7 +18,7 @@ using namespace VL::Interface;
 namespace cubes::test {
 namespace {
 
-using Ways = std::vector<Network::Way>;
+using Paths = std::vector<Network::Path>;
 using Numbers = std::vector<std::uint32_t>;
 using Cells = std::vector<float>;
 using RouteSet = Reference<VelmoraRouteStorageRouteSetInterface>;
@@ -59,10 +58,10 @@ Cells cellsOf(TRkMatrix const& matrix) {
 }
 
 // By link number: the routes over it, in order.
-std::vector<Numbers> routesByLink(Ways const& ways) {
+std::vector<Numbers> routesByLink(Paths const& paths) {
     std::vector<Numbers> routes;
-    for (std::uint32_t route = 0; route < ways.size(); ++route)
-        for (auto const link : ways[route].links) {
+    for (std::uint32_t route = 0; route < paths.size(); ++route)
+        for (auto const link : paths[route].links) {
             if (link >= routes.size()) routes.resize(link + 1);
             routes[link].push_back(route);
         }
@@ -74,7 +73,7 @@ std::uint32_t busiest(std::vector<Numbers> const& byLink) {
     return static_cast<std::uint32_t>(std::max_element(byLink.begin(), byLink.end(), fewer) - byLink.begin());
 }
 
-// What another program finds in the three files.
+// The content of the three files, as another program reads it.
 constexpr char const* independentSelection = R"(
 import h5py, numpy, sys
 set_file, trips_file, selected_file, link = sys.argv[1:]
@@ -91,13 +90,13 @@ print(len(routes), numpy.array_equal(cells, numpy.where(over, trips, 0)))
 class NetworkRoutes : public RouteCubeTest {
 protected:
     /// Stores the routes of a file elsewhere as 1/2/3/4/5/6.
-    void storeAll(Ways const& ways) {
+    void storeAll(Paths const& paths) {
         TVlRouteStorageRouteSet made(elsewhere.file("made.FDB").c_str());
         ASSERT_EQ(made.open(romCreate, nullptr), 1);
         auto* const set = made.getInterface();
-        for (auto const& way : ways)
-            ASSERT_EQ(set->addRoute({way.origin, way.destination, 1, way.links.data(),
-                          static_cast<std::int64_t>(way.links.size())}),
+        for (auto const& path : paths)
+            ASSERT_EQ(set->addRoute({path.origin, path.destination, 1, path.links.data(),
+                          static_cast<std::int64_t>(path.links.size())}),
                 rrDone);
         ASSERT_EQ(set->commit(), rrDone);
         Reference<RouteStorageCubeData> record(new RouteStorageCubeData);
@@ -111,14 +110,14 @@ protected:
         set->open(romRead, nullptr);
         return set;
     }
-    static Ways waysOf(RouteSet const& set) {
-        Ways ways;
+    static Paths pathsOf(RouteSet const& set) {
+        Paths paths;
         Route route{};
-        while (set->getRoute(static_cast<std::int64_t>(ways.size()), &route) == rrDone)
-            ways.push_back({route.origin, route.destination, {route.links, route.links + route.linkCount}});
-        return ways;
+        while (set->getRoute(static_cast<std::int64_t>(paths.size()), &route) == rrDone)
+            paths.push_back({route.origin, route.destination, {route.links, route.links + route.linkCount}});
+        return paths;
     }
-    /// The trips of the pairs of the routes, by their shares.
+    /// Assigns the trips of the OD pairs to the routes by their shares.
     static Cells divided(Cells const& trips, RouteSet const& set, RouteNumbers const& found) {
         Cells selected(trips.size());
         for (std::int64_t i = 0; i < found.count; ++i) {
@@ -137,26 +136,26 @@ private:
 
 CUBES_BOTH_BACKENDS(NetworkRoutes);
 
-TEST_P(NetworkRoutes, ofChicagoDivideItsTrips) {
+TEST_P(NetworkRoutes, ofChicagoCarryItsTrips) {
     CUBES_REQUIRE_DATA("tntp/ChicagoSketch_net.tntp");
     CUBES_REQUIRE_DATA("tntp/ChicagoSketch_trips.tntp");
     auto const network = Network::parse(readFile(sharedData("tntp/ChicagoSketch_net.tntp")));
-    auto const ways = network.ways(Network::Cost::freeFlowTime);
+    auto const paths = network.shortestPaths(Network::Cost::freeFlowTime);
     auto const trips = tripsIn(readFile(sharedData("tntp/ChicagoSketch_trips.tntp")));
     EXPECT_NEAR(std::accumulate(trips.begin(), trips.end(), 0.0), 1260907.44, 0.01);
 
     TRkMatCubes tables(project().settings(), ".odm", false);
     ASSERT_TRUE(tables.Set("Base", 1, 1, 1, 1, matrixOf(trips), lsNone, false));
-    storeAll(ways);
+    storeAll(paths);
     EXPECT_TRUE(routes().SetParentCubenr(1, 2, 3, 4, 5, 6, tables.CubeNameToNr("Base")));
     EXPECT_TRUE(routes().SetParentPMTURI(1, 2, 3, 4, 5, 6, 1, 1, 1, 1, -1, -1));
 
     auto const set = fetchSet();
     EXPECT_EQ(set->countRoutes(), 149'382);
     EXPECT_EQ(set->countLinks(), 2'620'494);
-    EXPECT_TRUE(waysOf(set) == ways);
+    EXPECT_TRUE(pathsOf(set) == paths);
 
-    auto const byLink = routesByLink(ways);
+    auto const byLink = routesByLink(paths);
     auto const link = busiest(byLink);
     RouteNumbers found{};
     ASSERT_EQ(set->findRoutesOfLink(link, &found), rrDone);
@@ -164,7 +163,7 @@ TEST_P(NetworkRoutes, ofChicagoDivideItsTrips) {
     auto const selected = divided(trips, set, found);
     EXPECT_GT(std::count_if(selected.begin(), selected.end(), [](float cell) { return cell > 0; }), 1000);
     auto rest = trips;
-    for (auto const route : byLink[link]) rest[placeOf(ways[route].origin, ways[route].destination)] = 0;
+    for (auto const route : byLink[link]) rest[placeOf(paths[route].origin, paths[route].destination)] = 0;
     std::transform(rest.begin(), rest.end(), selected.begin(), rest.begin(), std::plus<>());
     EXPECT_TRUE(rest == trips);
 

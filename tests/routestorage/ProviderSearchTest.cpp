@@ -115,7 +115,7 @@ TEST(Loader, leavesTheLibraryLoaded) {
     EXPECT_EQ(before, after);
 }
 
-// The reason that the user is given when the provider is searched in these directories.
+// The reason that is reported when the provider is searched in these directories.
 std::string reasonWith(std::string const& directories) {
     ProviderPath const path(directories);
     try {
@@ -139,7 +139,7 @@ TEST(DllNotLoaded, reportsTheDirectoriesAndTheLoadersMessage) {
     EXPECT_FALSE(reason.ends_with("says: ")) << reason;
 }
 
-TEST(DllNotLoaded, reportsWhyTheFileThatWasFoundIsNoLibrary) {
+TEST(DllNotLoaded, reportsWhyTheFoundFileIsNotALibrary) {
     TempDir const directory;
     std::string const file = directory.file("no-such-library64.dll");
     writeFile(file, "no library");
@@ -148,7 +148,7 @@ TEST(DllNotLoaded, reportsWhyTheFileThatWasFoundIsNoLibrary) {
     EXPECT_EQ(reason.find("No such file"), std::string::npos) << reason;
 }
 
-TEST(DllNotLoaded, reportsALibraryThatIsThereByNow) {
+TEST(DllNotLoaded, reportsALibraryThatCanBeLoadedByNow) {
     ProviderPath const path(fakeDirectory("full"));
     EXPECT_TRUE(DllNotLoaded(provider).Reason().ends_with("; it can be loaded by now"));
 }

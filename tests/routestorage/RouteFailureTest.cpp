@@ -1,4 +1,4 @@
-// Storing routes on a system whose functions are watched and made to fail.
+// Storing routes while system functions are watched and made to fail.
 
 #include <cubes/core/TRkCubesException.h>
 #include <cubes/matrix/TRkMatrixException.h>
@@ -19,7 +19,7 @@ protected:
         writeFile(source_, "some routes");
     }
 
-    // Stores a copy of the source; gives the message of an error in copying.
+    // Stores a copy of the source; returns the message when copying fails.
     std::string storeCopy(CubeDataInterface* data) {
         try {
             store(routes(), 6, data);

@@ -10,7 +10,7 @@
 
 namespace {
 
-TEST(RouteCubes, differInTheirTypeOnly) {
+TEST(RouteCubes, differOnlyInTheirType) {
     EXPECT_EQ(RouteStorageCube::CubeType, -9);
     EXPECT_EQ(RouteStorageDataCube::CubeType, -10);
     EXPECT_EQ(RouteStorageCube::MatrixType, 7);
@@ -28,7 +28,7 @@ TEST(RouteCubes, differInTheirTypeOnly) {
     EXPECT_EQ(data.CubeNumber(), -10);
 }
 
-TEST(RouteNames, joinTheNumbersBehindTheDirectory) {
+TEST(RouteNames, joinTheNumbersAfterTheDirectory) {
     EXPECT_STREQ(RouteStorageCube::MakeFilename(1, 2, 3, 1, 1, 1).c_str(), "RouteStorage_Routes\\1-2-3-1-1-1.");
     EXPECT_STREQ(RouteStorageDataCube::MakeFilename(1, 2, 3, 1, 1, 1).c_str(), "RouteStorage_RouteData\\1-2-3-1-1-1.");
     EXPECT_STREQ(RouteStorageCube::MakeFilename(0, -1, 32767, -32768, 10, 0).c_str(),

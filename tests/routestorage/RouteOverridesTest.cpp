@@ -5,7 +5,7 @@
 namespace cubes::test {
 namespace {
 
-// A cube that notes which of its operations the others call.
+// A cube that records which of its operations the others call.
 template <typename Cube>
 class Noting : public Cube {
 public:
@@ -75,7 +75,7 @@ void expectCalls(Cube& cube) {
     EXPECT_EQ(cube.taken(), "Check ");
 }
 
-TEST_P(RouteOverrides, takeEffectInStoringAndFetching) {
+TEST_P(RouteOverrides, takeEffectWhenStoringAndFetching) {
     Noting<RouteStorageCube> routeSets(project().settings());
     expectCalls(routeSets);
     Noting<RouteStorageDataCube> routeData(project().settings());
@@ -84,7 +84,7 @@ TEST_P(RouteOverrides, takeEffectInStoringAndFetching) {
     EXPECT_EQ(routeData.taken(), "FileName ");
 }
 
-TEST_P(RouteOverrides, takeEffectInWorkingOnChildren) {
+TEST_P(RouteOverrides, takeEffectWhenWorkingOnChildren) {
     Noting<RouteStorageCube> routeSets(project().settings());
     Noting<RouteStorageDataCube> routeData(project().settings());
     store(routeSets, 1);
@@ -103,7 +103,7 @@ TEST_P(RouteOverrides, takeEffectInWorkingOnChildren) {
     EXPECT_EQ(routeData.taken(), "GetPmturis-10 ");
 }
 
-// A cube that keeps its files, and names them, elsewhere.
+// A cube that keeps its files in another directory under other names.
 class Elsewhere : public RouteStorageCube {
 public:
     Elsewhere(TRkGlobalSettings* settings, std::string directory)

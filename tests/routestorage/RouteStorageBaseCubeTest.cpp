@@ -86,7 +86,7 @@ TEST_P(RouteEntries, holdACopyOfTheFileOfTheirData) {
         EXPECT_EQ(rows(), rowOf(kind, "1|2|3|4|5|6", "1-2-3-4-5-6"));
         EXPECT_EQ(readFile(fileOf(kind, "1-2-3-4-5-6")), "some routes");
         EXPECT_EQ(readFile(source), "some routes");
-        // A file that nobody's row names is overwritten.
+        // A file that no row names is overwritten.
         kind.cube.Clear();
         writeFile(fileOf(kind, "1-2-3-4-5-6"), "left over");
         EXPECT_TRUE(store(kind.cube, 6, record.get()));
@@ -113,7 +113,7 @@ TEST_P(RouteEntries, areOnlyRegisteredWhenTheirDataHaveNoFile) {
     }
 }
 
-// Clearing the entry takes the file that the data came with.
+// Clearing the entry removes the file of the data.
 TEST_P(RouteEntries, loseTheirFileWhenTheyAreStoredFromTheirOwnData) {
     EXPECT_TRUE(store(routes(), 6));
     auto const record = fetch(routes(), 6);
@@ -245,7 +245,7 @@ TEST_P(RouteEntries, createNoDirectoryWhenTheyAreNotAdded) {
     }
 }
 
-TEST_P(RouteEntries, mayLieInAnotherDirectory) {
+TEST_P(RouteEntries, mayBeInAnotherDirectory) {
     RouteStorageCube cube(project().settings(), elsewhere.str().c_str());
     EXPECT_TRUE(store(cube, 6));
     EXPECT_EQ(listing(elsewhere.str()), "RouteStorage_Routes\nRouteStorage_Routes/1-2-3-4-5-6.FDB\n");
@@ -385,7 +385,7 @@ protected:
             text += std::to_string(list[i]->cubenr) + "/" + std::to_string(list[i]->iteration) + " ";
         return text;
     }
-    // With an entry of the caller's own in it.
+    // With an entry in it that the caller has added.
     static Keys listInUse(short cubenr) {
         Keys list;
         list.Add(new TRkVarCubes::TKey(cubenr, 9, 9, 9, 9, 9, 9, 0, -1, -1, -1, -1, -1, -1, false));
@@ -425,7 +425,7 @@ TEST_P(RouteParents, areSetInTwoParts) {
     }
 }
 
-// Only the entry of this very cube is changed, in use or not, and nothing but its parent.
+// Only the entry of this cube is changed, in use or not, and only its parent.
 TEST_P(RouteParents, areSetInOneRow) {
     routes().Add(1, 2, 3, 4, 5, 6, 0, -1, -1, -1, -1, -1, -1, false);
     data().Add(1, 2, 3, 4, 5, 6, 0, -1, -1, -1, -1, -1, -1, false);
@@ -504,7 +504,7 @@ TEST_P(RouteChildren, inUseAreSkipped) {
     EXPECT_TRUE(data().Check(1, 2, 3, 4, 5, 12, false));
 }
 
-TEST_P(RouteChildren, canBeListedOfAnyEntryBehindOthers) {
+TEST_P(RouteChildren, canBeListedOfAnyEntryAndAreAppended) {
     routes().incUsage(1, 2, 3, 4, 5, 1);
     Keys list = listInUse(ctRouteData);
     EXPECT_TRUE(routes().GetChildsAll(1, 2, 3, 4, 5, 1, list));
@@ -535,7 +535,7 @@ TEST_P(RouteChildren, ofAnEntryInUseAreNotDeleted) {
     EXPECT_TRUE(data().Check(1, 2, 3, 4, 5, 11, false));
 }
 
-TEST_P(RouteChildren, areNoneOfRouteData) {
+TEST_P(RouteChildren, doNotExistForRouteData) {
     data().Add(1, 2, 3, 4, 5, 20, ctRouteData, 1, 2, 3, 4, 5, 11, false);
     Keys list = listInUse(ctRouteData);
     EXPECT_FALSE(data().GetChilds(1, 2, 3, 4, 5, 11, list));

@@ -10,7 +10,7 @@ using VL::Interface::SettingsInterface;
 namespace cubes::test {
 namespace {
 
-// A storage that lives beyond its last reference, to be looked at.
+// A storage that outlives its last reference, so that it can be inspected.
 class CountedStorage final : public RouteStorageInterface {
 public:
     void addRef() override {
@@ -59,7 +59,7 @@ TEST(RouteStorageCubeData, storesEachPartUnchanged) {
             (record.*part.set)(number);
             EXPECT_EQ((record.*part.get)(), number);
             (record.*part.set)(part.initial);
-            // Each part is a place of its own.
+            // Each part has a variable of its own.
             for (Part const& other : parts) EXPECT_EQ((record.*other.get)(), other.initial);
         }
     }

@@ -7,7 +7,7 @@ namespace {
 
 class FieldMetadata : public RouteCubeTest {
 protected:
-    // The fields of 1/2/3/4/5/6: "name type precision size" a line.
+    // The fields of 1/2/3/4/5/6: "name type precision size" per line.
     std::string fields() {
         Reference<Metadata::Vector<Metadata::Field*>> const list(data().getFieldMetadata(1, 2, 3, 4, 5, 6));
         std::string text;

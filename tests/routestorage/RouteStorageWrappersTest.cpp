@@ -73,7 +73,7 @@ struct LastError {
     int result;
 };
 
-TEST_F(Wrappers, reportByTheLastErrorWhetherOpeningWorked) {
+TEST_F(Wrappers, reportFailureToOpenByTheLastError) {
     TVlRouteStorageRouteSet routeSet(file.c_str());
     TVlRouteStorageDataSet dataSet(file.c_str());
     for (auto const& [text, result] : {LastError{"", 1}, LastError{"the disk is full", 0}, LastError{" ", 0},

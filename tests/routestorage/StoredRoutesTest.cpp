@@ -45,7 +45,7 @@ protected:
         EXPECT_EQ(values.addField({"toll, paid", rftBytes, flags, 2}), rrDone);
         EXPECT_EQ(values.commit(), rrDone);
     }
-    // "1>3: 10 20" a line.
+    // "1>3: 10 20" per line.
     static std::string readRoutes(VelmoraRouteStorageRouteSetInterface& set) {
         set.open(romRead, nullptr);
         if (!lastError().empty()) return lastError();
@@ -118,7 +118,7 @@ TEST_P(StoredRoutes, areCopiedFromAnotherFileWithTheKeyOfTheEntry) {
     EXPECT_TRUE(store(routes(), 6, record.get()));
     EXPECT_EQ(readRoutes(*setOf(routes(), 6)), bothRoutes);
     EXPECT_EQ(stampOf(routeFile(6)), "-9 1 2 3 4 5 6\n");
-    // The record still stands for its own file.
+    // The record still refers to its own file.
     Reference<RouteStorageInterface> const own(record->getRouteStorage());
     EXPECT_EQ(own->getFileName(), elsewhere.file("made.FDB"));
 }
@@ -139,7 +139,7 @@ TEST_P(StoredRoutes, ofZeroBasedKeysReplaceThoseOfTheOneBasedKey) {
     set->open(romExtend, nullptr);
     addRoutes(*set);
     set.reset();
-    // One further than the key, where a key that is counted up twice would lead.
+    // The key plus one, which a key that is shifted twice would become.
     EXPECT_TRUE(routes().SetData(nullptr, 2, 3, 4, 5, 5, 6, 0, -1, -1, -1, -1, -1, -1, false));
     auto const neighbour = pathOf("RouteStorage_Routes/2-3-4-5-5-6.FDB");
     writeFile(neighbour, "of the neighbour");
@@ -239,7 +239,7 @@ TEST_P(StoredRoutes, haveDataWithoutFieldsWhenTheFileIsDamaged) {
     EXPECT_EQ(readFile(dataFile(6)), "no data");
 }
 
-TEST_P(StoredRoutes, areNoRouteData) {
+TEST_P(StoredRoutes, cannotBeReadAsRouteData) {
     store(routes(), 6);
     auto const record = fetch(routes(), 6);
     EXPECT_TRUE(store(data(), 6, record.get()));

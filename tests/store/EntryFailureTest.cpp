@@ -20,7 +20,7 @@
 namespace cubes::test {
 namespace {
 
-/// What a change replaces, which decides what must be undone.
+/// What a change replaces, and thus what must be undone.
 enum class Replaces { nothing, file, fileAndRow };
 
 struct Change {
@@ -54,7 +54,7 @@ protected:
         return filesIn(project().settings()->MatrixDirectory().str()) +
                filesIn(project().settings()->WorkingDirectory().str());
     }
-    /// Every entry with its parent, counter and first element, then all files but those of the database.
+    /// Every entry with its parent, counter and first element, then all files except those of the database.
     std::string state() {
         std::string text;
         for (auto const& entry : store().entries())
@@ -63,9 +63,9 @@ protected:
                     std::to_string(store().get(entry.key).Elements()[0]) + "\n";
         return text + files();
     }
-    /// Lets each step of a change fail in turn, until none is left to fail.
+    /// Makes each step of a change fail in turn, until none is left.
     void failEachStep(Change const& change, int error, FailingSystem::Failure failure);
-    /// Does the change while the n-th step fails; whether one did. Leaves the old state or the new one.
+    /// Runs the change while the n-th step fails; returns whether a step failed. Leaves the old state or the new one.
     bool failsAt(int step, int error, FailingSystem::Failure failure, Change const& change, std::string const& done);
 
     EntryKey const trips_{1, 1, 1, 1, 1};
@@ -136,7 +136,7 @@ TEST_P(EntryFailureTest, leavesTheOldStateWhicheverStepFails) {
 
 TEST_P(EntryFailureTest, leavesTheOldStateOnADiskThatStaysFull) {
     for (auto const& change : changes_)
-        // Two failures, of the commit and of putting the old file back, are more than can be undone.
+        // Two failures, of the commit and of restoring the old file, cannot be undone.
         if (change.replaces != Replaces::fileAndRow) failEachStep(change, ENOSPC, FailingSystem::Failure::stays);
 }
 
@@ -160,8 +160,8 @@ TEST_P(EntryFailureTest, removesAllEntriesOrNoneWhicheverStepFails) {
     }
 }
 
-TEST_P(EntryFailureTest, saysThatTheDiskIsFull) {
-    // The first two steps make the file of locks and the temporary file.
+TEST_P(EntryFailureTest, reportsAFullDisk) {
+    // The first two steps create the lock file and the temporary file.
     for (int step = 1; step <= 3; ++step) {
         FailingSystem const system(step, ENOSPC);
         try {
@@ -174,7 +174,7 @@ TEST_P(EntryFailureTest, saysThatTheDiskIsFull) {
     }
 }
 
-TEST_P(EntryFailureTest, saysThatAChangeIsDoneWhenOnlyTheLastFlushFails) {
+TEST_P(EntryFailureTest, reportsACompletedChangeWhenOnlyTheLastFlushFails) {
     setMatrixStorage(project().matrixDirectory(), {Storage::plain, Durability::full});
     int reported = 0;
     for (int step = 1; step < 20; ++step) {

@@ -31,7 +31,7 @@ TEST(EntryKey, ordersEntriesOfCubesBeforeResultsThenByNumbers) {
     EXPECT_EQ(keys, expected);
 }
 
-TEST(EntryKey, tellsAnEntryOfACubeFromAResultWithUnsetParts) {
+TEST(EntryKey, distinguishesAnEntryOfACubeFromAResultWithUnsetParts) {
     EXPECT_NE(EntryKey(1, 1, 1, 1, 1), EntryKey(1, 1, 1, 1, 1, -1, -1));
 }
 

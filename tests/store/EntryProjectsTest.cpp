@@ -1,4 +1,4 @@
-// Projects that share a database or a directory, and projects that may only be read.
+// Projects that share a database or a directory, and read-only projects.
 
 #include <cubes/store/EntryStore.h>
 
@@ -38,7 +38,7 @@ Project createProject(TestDatabase const& database, std::string const& directory
     return Project::create(directory, options);
 }
 
-/// Another URL for the same database. `link` is the path of a link that is made to a database file.
+/// Another URL of the same database. `link` is the path of a link to be created to a database file.
 std::string otherNameOf(std::string const& url, std::string const& link) {
     constexpr std::string_view sqlite = "sqlite:";
     if (!url.starts_with(sqlite)) return url + (url.find('?') == std::string::npos ? "?" : "&") + "application_name=c";
@@ -46,7 +46,7 @@ std::string otherNameOf(std::string const& url, std::string const& link) {
     return std::string(sqlite) + link;
 }
 
-/// Two projects on one database, which share the entries of cubes and keep their files apart.
+/// Two projects on one database, which share the entries of cubes but not their files.
 class EntryProjectsTest : public BackendTest {
 protected:
     void SetUp() override {
@@ -76,7 +76,7 @@ private:
 
 CUBES_BOTH_BACKENDS(EntryProjectsTest);
 
-TEST_P(EntryProjectsTest, anEntryWhoseFileLiesWithAnotherProjectIsRefused) {
+TEST_P(EntryProjectsTest, anEntryWhoseFileBelongsToAnotherProjectIsRefused) {
     a().put(trips, smallMatrix(1));
     b().put(other, smallMatrix(2));
     auto const before = rows();
@@ -94,7 +94,7 @@ TEST_P(EntryProjectsTest, anEntryWhoseFileLiesWithAnotherProjectIsRefused) {
     EXPECT_FALSE(b().find(skim));
 }
 
-TEST_P(EntryProjectsTest, anEntryOfUnknownDirectoryIsAllowed) {
+TEST_P(EntryProjectsTest, anEntryOfUnknownDirectoryIsAccepted) {
     a().put(trips, smallMatrix(1));
     database().execute("delete from " + database().table("public", "cubes_content"));
     b().put(trips, smallMatrix(2));
@@ -163,8 +163,8 @@ TEST_P(EntryProjectsTest, aMoveWhoseSourceCannotBeRemovedChangesNothing) {
     EXPECT_EQ(a().get(skim).Elements()[0], 1);
 }
 
-// The cube objects record nothing, so what the store recorded before is no longer true.
-TEST_P(EntryProjectsTest, whatACubeObjectStoresBelongsToItsProject) {
+// The cube objects record nothing, so an earlier record of the store is no longer valid.
+TEST_P(EntryProjectsTest, anEntryStoredByACubeObjectBelongsToItsProject) {
     a().put(trips, smallMatrix(1));
     auto opened = Project::open(root("b"));
     TRkMatCubes cubes(opened.settings(), ".odm", true);
@@ -174,7 +174,7 @@ TEST_P(EntryProjectsTest, whatACubeObjectStoresBelongsToItsProject) {
     EXPECT_FALSE(a().find(trips));
 }
 
-TEST_P(EntryProjectsTest, aMatrixOfACubeObjectIsNotTakenForWhatAnotherProjectStored) {
+TEST_P(EntryProjectsTest, aMatrixOfACubeObjectIsNotMistakenForThatOfAnotherProject) {
     auto opened = Project::open(root("b"));
     TRkMatCubes cubes(opened.settings(), ".odm", true);
     ASSERT_TRUE(cubes.Set("Trips", 1, 1, 1, 1, smallMatrix(5), lsRead, false));
@@ -194,7 +194,7 @@ TEST_P(EntryProjectsTest, aProjectCalledPublicKeepsResultsToo) {
     EXPECT_EQ(store.removeAll(EntrySelection{}), 2u);
 }
 
-/// An ordinary user reads a project that he may not write to.
+/// An ordinary user reads a project without permission to write to it.
 ChildTask const readingOnly("reading a project only", [](int, std::string const& root) {
     becomeOrdinaryUser();
     auto project = Project::open(root);

@@ -91,7 +91,7 @@ std::string postgresUrl(std::string const& database) {
 
 namespace {
 
-// By hand: an independent client takes longer to start than most tests take.
+// Through libpq: starting an independent client takes longer than most tests.
 void onServer(std::string const& sql) {
     std::unique_ptr<PGconn, decltype(&PQfinish)> const connection(
         PQconnectdb(postgresUrl("postgres").c_str()), PQfinish);
@@ -113,7 +113,7 @@ TestDatabase::~TestDatabase() {
     try {
         onServer("DROP DATABASE " + name_ + " WITH (FORCE)");
     } catch (std::exception const&) {
-        // The server goes with all its databases when the tests end.
+        // The server is removed with all its databases when the tests end.
     }
 }
 

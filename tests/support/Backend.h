@@ -16,7 +16,7 @@ class Project;
 
 namespace cubes::test {
 
-/// The kinds of database that a project may lie in. What a test claims of one holds for both.
+/// The kinds of database that a project may use. Tests run on both.
 enum class Backend { sqlite, postgres };
 
 std::string backendName(Backend backend);
@@ -26,11 +26,11 @@ inline void PrintTo(Backend backend, std::ostream* out) {
 
 /// Rows as texts, as an independent client (sqlite3 or psql) reads them; null reads "NULL".
 using Rows = std::vector<std::vector<std::string>>;
-/// The same as one text, to compare at a glance: "1|Base" a line.
+/// The same as one text, for comparisons: "1|Base" per line.
 std::string joined(Rows const& rows);
 
-/// A fresh, empty database of its own: an SQLite file in a directory of its own, or a database of
-/// the private PostgreSQL server. Gone at the end.
+/// An empty database of its own: an SQLite file in a temporary directory, or a database of the private PostgreSQL
+/// server. Removed at the end.
 class TestDatabase {
 public:
     /// `options`: of CREATE DATABASE, after the name.
@@ -41,11 +41,11 @@ public:
 
     Backend backend() const { return backend_; }
     std::string const& url() const { return url_; }
-    /// The table as SQL text names it here: "public"."cube4data1" or "public.cube4data1".
+    /// The name of the table in SQL: "public"."cube4data1" or "public.cube4data1".
     std::string table(std::string const& schema, std::string const& name) const;
-    /// Runs SQL in an independent client and gives the rows of its answer. Throws on an error.
+    /// Runs SQL in an independent client and returns the rows of its result. Throws on an error.
     Rows sql(std::string const& text) const;
-    /// The same for statements without an answer.
+    /// The same for statements without a result.
     void execute(std::string const& text) const { sql(text); }
 
 private:
@@ -55,7 +55,7 @@ private:
     std::string url_;
 };
 
-/// A fresh project over such a database.
+/// A new project on such a database.
 class TestProject {
 public:
     explicit TestProject(Backend backend);
@@ -91,18 +91,17 @@ protected:
     Backend backend() const { return GetParam(); }
 };
 
-/// Ends the running test when that backend is not here: skipped, or failed where CI=true.
+/// Ends the running test when that backend is not available: skipped, or failed if CI=true.
 void requireBackend(Backend backend);
 
 /// The URL of a database on the private PostgreSQL server.
 std::string postgresUrl(std::string const& database);
-/// The port on 127.0.0.1 on which the private server asks for passwords.
+/// The port on 127.0.0.1 on which the private server requires passwords.
 std::string postgresPort();
 
 }
 
-/// Makes every TEST_P of the suite a test on each backend, named "Suite.claim/sqlite" and
-/// "Suite.claim/postgres".
+/// Makes every TEST_P of the suite a test on each backend, named "Suite.claim/sqlite" and "Suite.claim/postgres".
 #define CUBES_BOTH_BACKENDS(suite)                                                                                     \
     INSTANTIATE_TEST_SUITE_P(, suite, testing::Values(cubes::test::Backend::sqlite, cubes::test::Backend::postgres),   \
         [](auto const& parameter) { return cubes::test::backendName(parameter.param); })

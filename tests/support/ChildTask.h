@@ -10,7 +10,7 @@ namespace cubes::test {
 /// in the program. Define it at namespace scope, so that each process has it.
 class ChildTask {
 public:
-    /// Takes the number of the process, from 0, and the caller's argument.
+    /// Receives the number of the process, from 0, and the caller's argument.
     using Work = std::function<void(int number, std::string const& argument)>;
 
     ChildTask(std::string name, Work work);
@@ -27,7 +27,7 @@ private:
     Work work_;
 };
 
-/// Ends this process at once, as from outside.
+/// Ends this process at once, as if it were killed.
 [[noreturn]] void killThisProcess();
 /// Ends this process without calling destructors.
 [[noreturn]] void leaveAtOnce(bool isWell);

@@ -23,7 +23,7 @@ inline double firstElementOf(std::unique_ptr<TRkMatrix> const& matrix) {
     return matrix ? matrix->RowAt(0, 8)[0] : -1.0;
 }
 
-/// The message of the error of cubes that the call throws; "none" when it throws nothing.
+/// The message of the cube error that the call throws; "none" when it throws none.
 template <typename Call>
 std::string cubeErrorOf(Call const& call) {
     try {

@@ -23,7 +23,7 @@ auto withKey(EntryFamily::Key const& key, Call const& call) {
     return std::apply(call, numbers);
 }
 
-// Lowers the parts that a caller may count from zero.
+// Lowers the parts that a caller may pass zero-based.
 EntryFamily::Key counted(EntryFamily::Key key, Counting counting) {
     if (isZeroBased(counting)) std::for_each(key.begin() + 1, key.begin() + 5, [](short& part) { --part; });
     return key;
@@ -36,7 +36,7 @@ std::string shown(bool isThere, List const& list) {
     return text;
 }
 
-// The operations that the two families declare alike. Count: the numbers that stand for an entry, with the cube number
+// The operations that the two families declare alike. Count: the numbers that identify an entry, with the cube number
 // in four-key cubes. Whole: cube number and all parts.
 template <typename Cube, std::size_t Count, std::size_t Whole>
 class Bound : public EntryFamily {

@@ -23,10 +23,10 @@ class TRkMatrixHeader;
 
 namespace cubes::test {
 
-/// How the caller counts purpose, mode, time and user.
+/// Whether the caller passes purpose, mode, time and user zero-based.
 enum class Counting { fromOne, fromZero };
 
-/// One of a family's forms of copying and moving.
+/// One of a family's overloads for copying and moving.
 struct Form {
     char const* name;
     bool moves;
@@ -34,12 +34,12 @@ struct Form {
     bool isBetween;
     /// Both cubes are given by name.
     bool isByName;
-    /// What the form throws when the target must not exist but does.
+    /// The error of this form when the target must not exist but does.
     char const* refusal;
 };
 
-/// What four-key cubes and six-key results have in common: operations on the entries of one cube, which differ in
-/// their last key part only. Entry n is 1/1/1/n or 1/1/1/1/1/n.
+/// The operations that four-key cubes and six-key results share: on the entries of one cube, which differ in their last
+/// key part only. Entry n is 1/1/1/n or 1/1/1/1/1/n.
 class EntryFamily {
 public:
     using Table = CountedPtr<Rktable::TRkTableProxy>;
@@ -48,7 +48,7 @@ public:
 
     virtual ~EntryFamily() = default;
 
-    /// The columns of a key, in its order.
+    /// The columns of a key, in their order.
     virtual std::vector<std::string> keyColumns() const = 0;
     virtual Key key(short n, Counting counting = Counting::fromOne) const = 0;
     /// "1-1-1-1-2.odm" for entry 2.
@@ -59,12 +59,11 @@ public:
     /// The matrix type of written files.
     virtual int matrixType() const = 0;
     virtual std::span<Form const> forms() const = 0;
-    /// Copies and moves of a missing source, and of names that lead out of the directory, do nothing. Their result
-    /// differs.
+    /// The result of copying and moving a missing source, or names that lead out of the directory, which do nothing.
     virtual bool resultOfNothingToTransfer() const = 0;
     /// The same catalogue, copied.
     virtual std::unique_ptr<EntryFamily> copied() const = 0;
-    /// Another cube of the same catalogue, where the family has cubes by name; otherwise the same cube.
+    /// Another cube of the same catalogue, if the family has cubes by name; otherwise the same cube.
     virtual std::unique_ptr<EntryFamily> otherCube() const = 0;
 
     virtual void setSchema(std::string const& schema) = 0;
@@ -76,7 +75,7 @@ public:
     virtual bool lookUp(Table const& table, Key const& key, Counting counting = Counting::fromOne) const = 0;
     virtual bool addRow(Table const& table, Key const& key, Counting counting = Counting::fromOne) = 0;
     virtual std::string fileName(Table const& table, Key const& key) const = 0;
-    /// What the list of entries shows, or "false".
+    /// The content of the list of entries, or "false".
     virtual std::string listed() const = 0;
 
     bool add(short n, Counting counting = Counting::fromOne) { return addRow(open(), key(n, counting), counting); }
@@ -89,7 +88,7 @@ public:
 
     /// Clears the entry, adds it and writes its file.
     virtual bool set(short n, TRkMatrix const& matrix, RkLockState lock = lsReadWrite) = 0;
-    /// Writes the entry's file alone.
+    /// Writes only the entry's file.
     virtual bool save(
         TRkMatrix const& matrix, short n, RkLockState lock = lsReadWrite, Counting counting = Counting::fromOne) = 0;
     virtual std::unique_ptr<TRkMatrix> get(short n, RkLockState lock, Counting counting = Counting::fromOne) const = 0;
@@ -99,7 +98,7 @@ public:
 
     /// Adds the entry with a small matrix that begins with this element.
     bool store(short n, float first) { return set(n, smallMatrix(first)); }
-    /// What a later reader finds there; -1 without a matrix.
+    /// The first element that a later reader finds there; -1 without a matrix.
     double first(short n) const { return firstElementOf(get(n, lsRead)); }
 
     virtual bool raise(short n) = 0;
@@ -112,7 +111,7 @@ public:
 
 enum class Family { fourKeys, results };
 
-/// The cube of a family that tests work on: the four-key cube "Base", number 1, or the skim cube.
+/// The cube of a family that tests use: the four-key cube "Base", number 1, or the skim cube.
 std::unique_ptr<EntryFamily> entryFamily(Family family, TRkGlobalSettings* settings, std::string const& directory = {});
 
 struct FamilyOnBackend {
@@ -147,16 +146,16 @@ protected:
     }
     /// The column of the last key part.
     std::string lastColumn() { return "\"" + entries().keyColumns().back() + "\""; }
-    /// The entry table as an independent client reads it: "2|0|1-1-1-1-2.odm" a line for entry 2.
+    /// The entry table as an independent client reads it: "2|0|1-1-1-1-2.odm" per line for entry 2.
     std::string rows();
     /// The line of an entry in rows().
     static std::string row(EntryFamily const& entries, short n, std::string const& counter = "0") {
         return std::to_string(n) + "|" + counter + "|" + entries.fileOf(n) + "\n";
     }
     std::string row(short n, std::string const& counter = "0") { return row(entries(), n, counter); }
-    /// Gives the row of entry `n` another file name.
+    /// Sets another file name in the row of entry `n`.
     void name(short n, std::string const& filename);
-    /// Replaces the entry table by one that has the key columns and these.
+    /// Replaces the entry table by one with the key columns and these.
     void defineTable(std::string const& columns, std::string const& constraint);
 
     std::string files() { return filesIn(entries().directory()); }
@@ -170,7 +169,7 @@ private:
 
 }
 
-/// Makes every TEST_P of a suite over EntriesTest four tests: "Suite.claim/four_keys_sqlite",
+/// Makes four tests of every TEST_P of a suite over EntriesTest: "Suite.claim/four_keys_sqlite",
 /// "Suite.claim/four_keys_postgres", "Suite.claim/results_sqlite" and "Suite.claim/results_postgres".
 #define CUBES_BOTH_FAMILIES(suite)                                                                                     \
     INSTANTIATE_TEST_SUITE_P(, suite,                                                                                  \

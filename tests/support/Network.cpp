@@ -27,24 +27,24 @@ Network Network::parse(std::string const& text) {
     Network network;
     network.zones_ = figure(text, "<NUMBER OF ZONES>");
     network.firstThroughNode_ = figure(text, "<FIRST THRU NODE>");
-    network.roads_.resize(static_cast<std::size_t>(figure(text, "<NUMBER OF NODES>")) + 1);
-    std::uint32_t roads = 0;
+    network.links_.resize(static_cast<std::size_t>(figure(text, "<NUMBER OF NODES>")) + 1);
+    std::uint32_t count = 0;
     std::istringstream lines(text.substr(text.find(end) + end.size()));
     for (std::string line; std::getline(lines, line);) {
         std::istringstream words(line);
         double capacity = 0;
-        Road road{};
-        if (!(words >> road.from >> road.to >> capacity >> road.length >> road.freeFlowTime)) continue;
-        road.number = ++roads;
-        network.roads_.at(static_cast<std::size_t>(road.from)).push_back(road);
+        Link link{};
+        if (!(words >> link.from >> link.to >> capacity >> link.length >> link.freeFlowTime)) continue;
+        link.number = ++count;
+        network.links_.at(static_cast<std::size_t>(link.from)).push_back(link);
     }
     return network;
 }
 
-// Dijkstra's way.
+// Dijkstra's algorithm.
 Network::Tree Network::treeFrom(int zone, Cost cost) const {
     using Reached = std::pair<double, int>;
-    Tree tree{std::vector(roads_.size(), unreachable), std::vector<Road const*>(roads_.size())};
+    Tree tree{std::vector(links_.size(), unreachable), std::vector<Link const*>(links_.size())};
     std::priority_queue<Reached, std::vector<Reached>, std::greater<>> open;
     tree.costs[static_cast<std::size_t>(zone)] = 0;
     open.emplace(0, zone);
@@ -53,13 +53,13 @@ Network::Tree Network::treeFrom(int zone, Cost cost) const {
         open.pop();
         if (reached > tree.costs[static_cast<std::size_t>(node)]) continue;
         if (node != zone && node < firstThroughNode_) continue;
-        for (auto const& road : roads_[static_cast<std::size_t>(node)]) {
-            double const total = reached + (cost == Cost::length ? road.length : road.freeFlowTime);
-            auto const to = static_cast<std::size_t>(road.to);
+        for (auto const& link : links_[static_cast<std::size_t>(node)]) {
+            double const total = reached + (cost == Cost::length ? link.length : link.freeFlowTime);
+            auto const to = static_cast<std::size_t>(link.to);
             if (total >= tree.costs[to]) continue;
             tree.costs[to] = total;
-            tree.roads[to] = &road;
-            open.emplace(total, road.to);
+            tree.lastLinks[to] = &link;
+            open.emplace(total, link.to);
         }
     }
     return tree;
@@ -75,25 +75,25 @@ std::vector<float> Network::skim(Cost cost) const {
     return cells;
 }
 
-std::vector<Network::Way> Network::ways(Cost cost) const {
-    std::vector<Way> all;
+std::vector<Network::Path> Network::shortestPaths(Cost cost) const {
+    std::vector<Path> all;
     for (int origin = 1; origin <= zones_; ++origin) {
         auto const tree = treeFrom(origin, cost);
         for (int destination = 1; destination <= zones_; ++destination)
-            if (destination != origin && tree.roads[static_cast<std::size_t>(destination)])
-                all.push_back(wayTo(destination, tree));
+            if (destination != origin && tree.lastLinks[static_cast<std::size_t>(destination)])
+                all.push_back(pathTo(destination, tree));
     }
     return all;
 }
 
-Network::Way Network::wayTo(int zone, Tree const& tree) {
-    Way way{zone, zone, {}};
-    while (auto const* const road = tree.roads[static_cast<std::size_t>(way.origin)]) {
-        way.links.push_back(road->number);
-        way.origin = road->from;
+Network::Path Network::pathTo(int zone, Tree const& tree) {
+    Path path{zone, zone, {}};
+    while (auto const* const link = tree.lastLinks[static_cast<std::size_t>(path.origin)]) {
+        path.links.push_back(link->number);
+        path.origin = link->from;
     }
-    std::reverse(way.links.begin(), way.links.end());
-    return way;
+    std::reverse(path.links.begin(), path.links.end());
+    return path;
 }
 
 }

@@ -4,7 +4,8 @@
 
 namespace cubes::test {
 
-/// How often this process has the file open. Where the system only tells whether anyone has, 1 stands for it.
+/// How often this process has the file open. If the system only reports whether any process has it open, that counts as
+/// 1.
 int openings(std::string const& path);
 
 }

@@ -11,7 +11,7 @@ struct ProcessResult {
     std::string errors;
 };
 
-/// Runs a program with arguments (found by PATH) and waits for its end.
+/// Runs a program with arguments (found by PATH) and waits until it exits.
 ProcessResult run(std::vector<std::string> const& command);
 
 /// Runs a Python program text with arguments, in the system's Python, which has h5py and numpy.

@@ -5,7 +5,7 @@
 
 namespace cubes::test {
 
-/// Whether a test fails that lacks what it needs, instead of being skipped: on the machines that guard every change.
+/// Whether a test that lacks a prerequisite fails instead of being skipped: on the machines that check every change.
 inline bool everythingIsRequired() {
     char const* const ci = std::getenv("CI");
     return ci && std::string_view(ci) == "true";

@@ -8,12 +8,12 @@
 
 namespace cubes::test {
 
-/// The path of a file of real data ("tntp/SiouxFalls_trips.tntp"); empty when it is not here.
+/// The path of a file of real data ("tntp/SiouxFalls_trips.tntp"); empty when it is not available.
 std::string sharedData(std::string const& name);
 
 }
 
-/// Ends a test whose real data is not here: skipped loudly, failed where it must be there.
+/// Ends a test whose real data is not available: skipped with a message, or failed if it must be available.
 #define CUBES_REQUIRE_DATA(name)                                                                                       \
     if (cubes::test::sharedData(name).empty()) {                                                                       \
         if (cubes::test::everythingIsRequired()) FAIL() << "missing test data: " << (name);                            \

@@ -4,13 +4,13 @@
 
 namespace cubes::test {
 
-/// The system's own words for what can be wrong with a path.
+/// The system's own messages for what can be wrong with a path.
 std::string noSuchFile();
-/// As a sentence, where the system makes it one.
+/// As a sentence, if the system formats it as one.
 std::string noSuchFileSentence();
 std::string noSuchDirectory();
 std::string isADirectory();
-/// And with reading behind the end of a file.
+/// And for reading past the end of a file.
 std::string pastTheEnd();
 
 }

@@ -32,7 +32,7 @@ std::string temporaryDirectoryWithoutName();
 /// A directory on another file system than `directory`; empty where there is none.
 std::string otherFileSystem(std::string const& directory);
 
-/// Another way to a directory, on every platform, as long as the object lives.
+/// Another path to a directory, on every platform, as long as the object lives.
 class DirectoryLink {
 public:
     DirectoryLink(std::string const& directory, std::string link);
@@ -44,20 +44,20 @@ private:
     std::string link_;
 };
 
-/// What can be read without end and is no file; empty where there is no such thing.
+/// A file that can be read without end and is not a regular file; empty if there is none.
 std::string endlessDevice();
 
-/// Makes a symbolic link to a file or directory, or to nothing; false where none can be made.
+/// Makes a symbolic link to a file or directory, or a dangling one; false if links cannot be made.
 bool makeLink(std::string const& target, std::string const& link);
 bool isLink(std::string const& path);
 
-/// The names of all files and directories below `directory`, sorted; to show that nothing is left over.
+/// The names of all files and directories below `directory`, sorted; to show that nothing is left behind.
 std::string listing(std::string const& directory);
-/// The same without the lock file of all writers of matrices, and without what has been set aside for those who
-/// still read it.
+/// The same without the lock file of all writers of matrices, and without files that were renamed because they are
+/// still being read.
 std::string filesIn(std::string const& directory);
 std::string readFile(std::string const& path);
-/// The same of a text, with "\n" for the platform's line ends.
+/// The same for a text, with "\n" in place of the platform's line ends.
 std::string readText(std::string const& path);
 void writeFile(std::string const& path, std::string const& bytes);
 

@@ -4,7 +4,7 @@
 
 namespace cubes::test {
 
-/// A PostgreSQL server of a test's own, which may be stopped and started again.
+/// A PostgreSQL server for a single test, which can be stopped and started again.
 class TestServer {
 public:
     TestServer();
@@ -14,7 +14,7 @@ public:
 
     void stop();
     void start();
-    /// Of the database that every server has.
+    /// The URL of the database that every server has.
     std::string url() const;
     std::string port() const;
 

@@ -6,7 +6,7 @@
 
 namespace cubes::test {
 
-/// Gives a variable of the environment a value, or takes it away, until the end of the block.
+/// Sets or removes an environment variable until the end of the block.
 class Variable {
 public:
     Variable(char const* name, std::optional<std::string> const& value) : name_(name) {
@@ -19,7 +19,7 @@ public:
 
     void set(std::optional<std::string> const& value);
 
-    /// Of the variable that names the user's temporary directory.
+    /// The name of the variable with the user's temporary directory.
     static char const* const temporaryDirectory;
 
 private:

@@ -25,7 +25,7 @@ Statistics figuresOf(int rows, int columns, std::vector<float> const& cells) {
 
 }
 
-TEST(Statistics, areThoseComputedByHand) {
+TEST(Statistics, agreeWithValuesComputedByHand) {
     auto const figures = figuresOf(3, 3, {1, 0, 2.5f, 4, 5, 0, 7, 0.5f, 0});
     EXPECT_EQ(figures.rows, 3);
     EXPECT_EQ(figures.columns, 3);
@@ -43,7 +43,7 @@ TEST(Statistics, areThoseComputedByHand) {
     EXPECT_EQ(figures.negatives, 0);
 }
 
-TEST(Statistics, leaveOutWhatIsNotFiniteAndCountIt) {
+TEST(Statistics, excludeNonFiniteValuesAndCountThem) {
     auto const figures = figuresOf(3, 3, {nan, infinity, 3, -infinity, 2, -1, 0, -0.0f, infinity});
     EXPECT_EQ(figures.total, 4);
     EXPECT_EQ(figures.intrazonal, 2);
@@ -58,7 +58,7 @@ TEST(Statistics, leaveOutWhatIsNotFiniteAndCountIt) {
     EXPECT_EQ(figures.negatives, 2);
 }
 
-TEST(Statistics, haveNoExtremesWithoutAFiniteValue) {
+TEST(Statistics, haveNoMinimumOrMaximumWithoutAFiniteValue) {
     auto const figures = figuresOf(1, 1, {nan});
     EXPECT_EQ(figures.total, 0);
     EXPECT_EQ(figures.intrazonalShare, 0);
@@ -66,7 +66,7 @@ TEST(Statistics, haveNoExtremesWithoutAFiniteValue) {
         EXPECT_TRUE(std::isnan(figure));
 }
 
-TEST(Statistics, ofATableThatIsNotSquareHaveNoIntrazonalShare) {
+TEST(Statistics, ofANonSquareTableHaveNoIntrazonalShare) {
     auto const figures = figuresOf(2, 3, {1, 2, 3, 4, 5, 6});
     EXPECT_EQ(figures.total, 21);
     EXPECT_TRUE(std::isnan(figures.intrazonal));
@@ -74,7 +74,7 @@ TEST(Statistics, ofATableThatIsNotSquareHaveNoIntrazonalShare) {
     EXPECT_EQ(figures.median, 3.5);
 }
 
-TEST(Statistics, askForEveryRowOnceInOrder) {
+TEST(Statistics, readEveryRowOnceInOrder) {
     std::vector<int> asked;
     std::vector<float> const row(2);
     statisticsOf(3, 2, [&](int index) {
@@ -113,7 +113,7 @@ TEST(Statistics, agreeWithNumpy) {
     EXPECT_EQ(figures.median, median);
 }
 
-TEST(Sum, keepsWhatASimpleSumLoses) {
+TEST(Sum, keepsDigitsThatASimpleSumLoses) {
     Sum sum;
     for (double const value : {1.0, 1e100, 1.0, -1e100}) sum.add(value);
     EXPECT_EQ(sum.value(), 2);

@@ -24,23 +24,23 @@ TEST(Text, writesTheShortestTextOfAValue) {
 }
 
 TEST(Text, roundsAValueToSinglePrecisionOnce) {
-    // Rounded to double precision first this text would become the even neighbour 1.
+    // Rounded to double precision first, this text would become the even neighbour 1.
     EXPECT_EQ(cellValue("1.00000005960464477540", 1), 1.00000012f);
 }
 
-TEST(Text, acceptsIntegersFromOneAsZoneNumbers) {
+TEST(Text, acceptsPositiveIntegersAsZoneNumbers) {
     for (auto const* text : {"1", "2147483647", "007", "+5"}) EXPECT_TRUE(isZoneNumber(text)) << text;
     for (auto const* text : {"0", "-1", "1.0", "1e3", "", " 1", "2147483648", "+-1", "++1", "+", "x"})
         EXPECT_FALSE(isZoneNumber(text)) << text;
 }
 
-TEST(Text, comparesWordsIgnoringCase) {
+TEST(Text, comparesWordsIgnoringLetterCase) {
     EXPECT_TRUE(isSameWord("Origin", "ORIGIN"));
     EXPECT_FALSE(isSameWord("Origin", "Origins"));
     EXPECT_FALSE(isSameWord("@", "`"));
 }
 
-TEST(Text, refusesZoneAndLinkNumbersThatAreNone) {
+TEST(Text, rejectsInvalidZoneAndLinkNumbers) {
     EXPECT_EQ(parseZone("12"), 12);
     EXPECT_EQ(parseLink("4294967295"), 4294967295u);
     for (auto const* text : {"0", "-1", "centre", "1.5", ""}) EXPECT_THROW(parseZone(text), Refusal) << text;
@@ -57,7 +57,7 @@ TEST(Text, suggestsTheNearestWordUpToTwoEditsAway) {
     EXPECT_EQ(suggestion("Base", {}), "");
 }
 
-TEST(Text, quotesWordsForTheShellWhereTheyNeedIt) {
+TEST(Text, quotesWordsForTheShellWhenNecessary) {
     EXPECT_EQ(quotedForShell("Base/1/1/1/1"), "Base/1/1/1/1");
     EXPECT_EQ(quotedForShell("my city"), "'my city'");
     EXPECT_EQ(quotedForShell("it's"), "'it'\\''s'");

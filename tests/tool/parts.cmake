@@ -1,5 +1,5 @@
-# cubes_parts_test(NAME SOURCE...): a test program of the parts that the tool's commands are made
-# of. Like the tool itself it is linked with the shared library.
+# cubes_parts_test(NAME SOURCE...): a test program of the tool's internals. Like the tool itself it is linked with the
+# shared library.
 function(cubes_parts_test name)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE cubes_tool_parts cubes_test_support cubes_warnings GTest::gtest_main)

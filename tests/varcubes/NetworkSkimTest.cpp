@@ -1,5 +1,5 @@
-// Skims of real networks: computed, stored, read back, and compared with what an independent
-// program makes of the same network and reads from the same file.
+// Skims of real networks: computed, stored, read back, and compared with an independent program's skims of the same
+// network and its reading of the same file.
 
 #include <numeric>
 
@@ -83,17 +83,17 @@ TEST_P(NetworkSkim, ofChicagoAgreesWithAnotherProgram) {
 }
 
 // From 1 to 2 the path through zone 3 would be the shortest.
-TEST_P(NetworkSkim, leadsThroughNoZoneThatMayNotBePassed) {
+TEST_P(NetworkSkim, usesNoPathThroughAZoneThatMustNotBeCrossed) {
     TempDir const directory;
     auto const file = directory.file("net.tntp");
     writeFile(file,
         "<NUMBER OF ZONES> 3\n<NUMBER OF NODES> 4\n<FIRST THRU NODE> 4\n<END OF METADATA>\n~ header ;\n"
         "1 3 9 1 1 ;\n3 2 9 1 1 ;\n1 4 9 5 2 ;\n4 2 9 5 2 ;\n2 4 9 5 2 ;\n4 1 9 5 2 ;\n4 3 9 1 1 ;\n3 4 9 1 1 ;\n");
     storeAndCompare(file, 3);
-    auto const ways = Network::parse(readFile(file)).ways(Network::Cost::length);
-    ASSERT_EQ(ways.size(), 6u);
-    EXPECT_EQ(ways[0].destination, 2);
-    EXPECT_EQ(ways[0].links, (std::vector<std::uint32_t>{3, 4}));
+    auto const paths = Network::parse(readFile(file)).shortestPaths(Network::Cost::length);
+    ASSERT_EQ(paths.size(), 6u);
+    EXPECT_EQ(paths[0].destination, 2);
+    EXPECT_EQ(paths[0].links, (std::vector<std::uint32_t>{3, 4}));
     std::unique_ptr<TRkMatrix> const lengths(skims().Get(1, 1, 1, 1, 1, 1, lsRead, false));
     EXPECT_EQ(lengths->RowAt(0, 8)[1], 10.0f);
     EXPECT_EQ(lengths->RowAt(0, 8)[2], 1.0f);

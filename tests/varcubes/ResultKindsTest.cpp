@@ -92,7 +92,7 @@ TEST_P(ResultKinds, shareTheTableButNotTheirEntries) {
     EXPECT_EQ(rows(), "");
 }
 
-TEST_P(ResultKinds, takeADirectoryOfTheirOwn) {
+TEST_P(ResultKinds, canHaveADirectoryOfTheirOwn) {
     TempDir const own;
     TRkGlobalSettings* const settings = project().settings();
     EXPECT_TRUE(store(*std::make_unique<TRkCordonCube>(settings, own.str().c_str(), true), 1, 1));
@@ -113,7 +113,7 @@ TEST_P(ResultKinds, areCopiedWithDirectoryAndNumbers) {
     EXPECT_EQ(firstElement(assigned, 1), 1.0);
 }
 
-// Cordon and stop-to-stop cubes take the directory as plain text, the other kinds as a path.
+// Cordon and stop-to-stop cubes use the directory as plain text, the other kinds as a path.
 template <typename Cube, typename Directory>
 constexpr bool takes = std::is_constructible_v<Cube, TRkGlobalSettings*, Directory, bool>;
 
@@ -132,7 +132,7 @@ static_assert(takesNoTextAsFlag<TRkSkimCube> && takesNoTextAsFlag<TRkSelectedLin
               takesNoTextAsFlag<TRkTransitCube> && takesNoTextAsFlag<TRkPathCube> &&
               takesNoTextAsFlag<TRkStop2StopCube>);
 
-// Data that count their references and nothing else.
+// Data that only count their references.
 class CountedData final : public CubeDataInterface {
 public:
     void addRef() override { ++references; }
@@ -153,7 +153,7 @@ public:
     long references = 1;
 };
 
-// Results keep parents through Add alone: attached data and single links are for derived classes.
+// Results have parents only through Add: attached data and single links are for derived classes.
 TEST_P(ResultKinds, keepNoAttachedDataAndChangeNoParent) {
     for (auto const& kind : kinds(project().settings())) {
         SCOPED_TRACE(kind.name);
@@ -211,7 +211,7 @@ private:
 
 CUBES_BOTH_BACKENDS(SelectedLinkCube);
 
-TEST_P(SelectedLinkCube, takesTheFileOfASelectedLinkMatrixAsItIs) {
+TEST_P(SelectedLinkCube, copiesTheFileOfASelectedLinkMatrixUnchanged) {
     std::string const file = elsewhere_.file("links");
     TRkMatrix const matrix = filled(file);
     TRkVarCubes* const cubes[] = {&linkCube(), &screenCube()};
@@ -238,14 +238,14 @@ TEST_P(SelectedLinkCube, flushesTheMatrixBeforeItsFileIsCopied) {
     EXPECT_EQ(firstElement(linkCube(), 1), 6.0);
 }
 
-TEST_P(SelectedLinkCube, namesTheFileByTheShiftedKeyAndAsksNoRow) {
+TEST_P(SelectedLinkCube, namesTheFileByTheShiftedKeyAndReadsNoRow) {
     EXPECT_TRUE(screenCube().SaveMatrix(filled(elsewhere_.file("a")), 0, 0, 0, 0, 1, 1, lsRead, true));
     EXPECT_TRUE(screenCube().SaveMatrix(smallMatrix(1), 0, 0, 0, 0, 1, 2, lsRead, true));
     EXPECT_EQ(files(), "1-1-1-1-1-1.crm\n1-1-1-1-1-2.crm\n");
     EXPECT_EQ(rows(), "");
 }
 
-TEST_P(SelectedLinkCube, doesNothingOntoTheMatrixsOwnFileAndGivesFalse) {
+TEST_P(SelectedLinkCube, doesNothingOntoTheMatrixsOwnFileAndReturnsFalse) {
     ASSERT_TRUE(linkCube().Set(1, 1, 1, 1, 1, 1, filled(elsewhere_.file("a")), lsRead, false));
     std::string const before = readFile(pathOf("1-1-1-1-1-1.slm"));
     for (RkLockState const lock : {lsRead, lsInPlace, lsChanged}) {
@@ -255,7 +255,7 @@ TEST_P(SelectedLinkCube, doesNothingOntoTheMatrixsOwnFileAndGivesFalse) {
     }
 }
 
-// Set clears the entry first, and with it the matrix's own file: flushing brings it back.
+// Set first clears the entry with the matrix's own file; flushing writes it again.
 TEST_P(SelectedLinkCube, losesNothingWhenAnEntrysOwnMatrixIsSetOntoIt) {
     ASSERT_TRUE(linkCube().Set(1, 1, 1, 1, 1, 1, filled(elsewhere_.file("a")), lsRead, false));
     auto const own = open(linkCube(), 1, lsRead);
@@ -263,7 +263,7 @@ TEST_P(SelectedLinkCube, losesNothingWhenAnEntrysOwnMatrixIsSetOntoIt) {
     EXPECT_EQ(firstElement(linkCube(), 1), 5.0);
 }
 
-TEST_P(SelectedLinkCube, storesOtherMatricesAsEveryResultCubeDoes) {
+TEST_P(SelectedLinkCube, storesOtherMatricesLikeEveryResultCube) {
     TRkVarCubes* const cubes[] = {&linkCube(), &screenCube()};
     TRkMatrix withoutFile = filled("");
     for (TRkVarCubes* const cube : cubes) {
@@ -287,8 +287,8 @@ TEST_P(SelectedLinkCube, isFalseWhenTheFileCannotBeCopied) {
     EXPECT_FALSE(linkCube().SaveMatrix(filled(elsewhere_.file("b")), 1, 1, 1, 1, 1, 1, lsRead, false));
 }
 
-// Only these two kinds copy files: in the others the elements are written anew.
-TEST_P(SelectedLinkCube, isTheOnlyKindWithScreenLinesThatCopies) {
+// Only these two kinds copy files: the others write the elements.
+TEST_P(SelectedLinkCube, andScreenLinesAreTheOnlyKindsThatCopy) {
     EXPECT_TRUE(skims().Set(1, 1, 1, 1, 1, 1, filled(elsewhere_.file("a")), lsRead, false));
     EXPECT_EQ(firstElement(skims(), 1), 5.0);
     EXPECT_FALSE(isSelectedLink(*open(skims(), 1, lsRead)));
@@ -304,7 +304,7 @@ ChildTask const savingOntoAnEntry("saving onto an entry", [](int, std::string co
     if (!cube.SaveMatrix(matrix, 1, 1, 1, 1, 1, 1, lsRead, false)) throw std::runtime_error("refused");
 });
 
-TEST_P(SelectedLinkCube, leavesAFileAloneThatAnotherProcessWrites) {
+TEST_P(SelectedLinkCube, doesNotReplaceAFileThatAnotherProcessWrites) {
     ASSERT_TRUE(linkCube().Set(1, 1, 1, 1, 1, 1, filled(elsewhere_.file("a")), lsRead, false));
     std::string const before = readFile(pathOf("1-1-1-1-1-1.slm"));
     auto writing = open(linkCube(), 1, lsReadWrite);

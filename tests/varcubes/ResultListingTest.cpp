@@ -64,7 +64,7 @@ TEST_P(ResultListing, ofACubeHasParentsWithMinusOneForPartsThatAreNotSet) {
     EXPECT_EQ(shownParents(list), "0|-1|-1|-1|-1|-1|-1\n-6|1|-1|3|4|5|6\n");
 }
 
-TEST_P(ResultListing, isSortedWhateverTheTablesOwnOrder) {
+TEST_P(ResultListing, isSortedWhateverTheOrderOfTheTable) {
     execute("drop table " + table());
     execute("create table " + table() +
             " (cubenr smallint, purpose smallint, mode smallint, time smallint, \"user\" smallint, result smallint,"
@@ -102,7 +102,7 @@ TEST_P(ResultListing, ofTheRegisterHasAllCubes) {
     EXPECT_STREQ(list[0]->AsString().c_str(), "-6,PathCube");
 }
 
-TEST_P(ResultListing, ofAllCubesHasTheCubesNameInThePlaceOfTheFileName) {
+TEST_P(ResultListing, ofAllCubesHasTheCubesNameInPlaceOfTheFileName) {
     TRkCubes const cubes(project().settings());
     add(paths(), 7);
     add(skims(), 1);
@@ -169,7 +169,7 @@ TEST_P(ResultListing, ofChildrenNeedsAllSevenPartsToBeEqual) {
 }
 
 // The children can also be found in the list of all free entries: both lists must agree.
-TEST_P(ResultListing, ofChildrenIsWhatTheListOfAllCubesHas) {
+TEST_P(ResultListing, ofChildrenAgreesWithTheListOfAllCubes) {
     short const parents[][7] = {{0, -1, -1, -1, -1, -1, -1}, {-6, -1, -1, -1, -1, -1, -1}, {0, 1, 1, 1, 1, 1, 1},
         {-6, 1, 1, 1, 1, 1, 1}, {-6, 1, -1, 1, -1, 1, 1}, {-6, 0, 0, 0, 0, 0, 0}};
     short iteration = 0;
@@ -177,7 +177,7 @@ TEST_P(ResultListing, ofChildrenIsWhatTheListOfAllCubesHas) {
         for (int times = 0; times < 2; ++times) {
             ++iteration;
             skims().Add(1, 1, 1, 1, 1, iteration, k[0], k[1], k[2], k[3], k[4], k[5], k[6], false);
-            // Once more, so that -1 stands in the row instead of null.
+            // Again with -1 in the row instead of null.
             if (times == 1) skims().Add(1, 1, 1, 1, 1, iteration, k[0], k[1], k[2], k[3], k[4], k[5], k[6], false);
         }
     Keys all;
@@ -197,7 +197,7 @@ TEST_P(ResultListing, ofChildrenIsWhatTheListOfAllCubesHas) {
     }
 }
 
-TEST_P(ResultListing, ofAllCubesAndOfChildrenTakesEveryEntryWhereNoUsersAreCounted) {
+TEST_P(ResultListing, ofAllCubesAndOfChildrenHasEveryEntryIfUsersAreNotCounted) {
     skims().Add(1, 1, 1, 1, 1, 1, -6, 1, 1, 1, 1, 1, 1, false);
     skims().incUsage(1, 1, 1, 1, 1, 1);
     Keys list;
@@ -218,7 +218,7 @@ public:
     CountedPtr<Rktable::TRkTableProxy> Open() const override { throw std::runtime_error("no table today"); }
 };
 
-TEST_P(ResultListing, ofChildrenThatFailsLeavesTheListAsItWas) {
+TEST_P(ResultListing, ofChildrenLeavesTheListUnchangedWhenItFails) {
     Failing const cube(project().settings(), true);
     Keys list = withOneKey();
     EXPECT_THROW(cube.GetPmturis(-1, 1, 1, 1, 1, 1, 1, list), std::runtime_error);
@@ -233,7 +233,7 @@ TEST_P(ResultListing, ofTheRegisterIsFalseAndEmptyWithoutOne) {
     EXPECT_EQ(list.Count(), 0);
 }
 
-TEST_P(ResultListing, ofChildrenKnowsThatMissingColumnsHoldNoParent) {
+TEST_P(ResultListing, ofChildrenIsEmptyWithoutParentColumns) {
     add(skims(), 1);
     execute("alter table " + table() + " rename column parentresult to \"odd\"\"name\"");
     Keys list;

@@ -7,7 +7,7 @@
 namespace cubes::test {
 namespace {
 
-// A cube that notes which of its operations the others call.
+// A cube that records which of its operations the others call.
 class Noting : public TRkVarCubes {
 public:
     using TRkVarCubes::TRkVarCubes;
@@ -69,7 +69,7 @@ public:
     mutable std::vector<std::string> calls;
 };
 
-// A cube to which somebody else adds each new entry a moment before it does.
+// A cube to which another process adds each new entry just before it does.
 class Overtaken : public TRkSkimCube {
 public:
     Overtaken(TRkGlobalSettings* settings, std::function<void()> other)
@@ -114,7 +114,7 @@ TEST_P(ResultOverrides, takeEffectInOtherOperations) {
     EXPECT_EQ(cube.taken(), "Get");
 }
 
-TEST_P(ResultOverrides, areCalledByStoringInAFixedOrder) {
+TEST_P(ResultOverrides, areCalledInAFixedOrderWhenStoring) {
     Noting cube = noting();
     EXPECT_TRUE(store(cube, 1, 1));
     EXPECT_EQ(cube.taken(), "Check Open LookUp Add Open AddRow LookUp createFilename SaveMatrix");
@@ -124,7 +124,7 @@ TEST_P(ResultOverrides, areCalledByStoringInAFixedOrder) {
     EXPECT_EQ(files(), "1-1-1-1-1-1.not\n");
 }
 
-TEST_P(ResultOverrides, showThatAnEntryAddedByAnotherMeanwhileIsAsGood) {
+TEST_P(ResultOverrides, acceptAnEntryThatAnotherProcessAddsMeanwhile) {
     Overtaken cube(project().settings(), [&] {
         project().execute("insert into " + table() +
                           " (cubenr, purpose, mode, time, \"user\", result, iteration, \"usageCounter\", filename)"
@@ -135,8 +135,8 @@ TEST_P(ResultOverrides, showThatAnEntryAddedByAnotherMeanwhileIsAsGood) {
     EXPECT_EQ(parents(), "-6|1|2|3|4|5|6\n");
 }
 
-// A cube under whose hands others add and clear its entry: what they do before it names a new file
-// and after each time it has looked for the row.
+// A cube whose entry is added and cleared by others at two points: before it forms a new file name, and after each
+// look-up of the row.
 class Disturbed : public TRkSkimCube {
 public:
     using Deed = std::function<void()>;
@@ -162,7 +162,7 @@ private:
     mutable std::size_t looks_ = 0;
 };
 
-TEST_P(ResultOverrides, showThatAnEntryClearedByAnotherMeanwhileIsAddedAnew) {
+TEST_P(ResultOverrides, addAnEntryAgainThatAnotherProcessClearsMeanwhile) {
     auto const insert = [&] {
         project().execute("insert into " + table() +
                           " (cubenr, purpose, mode, time, \"user\", result, iteration, \"usageCounter\", filename)"
@@ -192,7 +192,7 @@ TEST_P(ResultOverrides, showThatAnEntryClearedByAnotherMeanwhileIsAddedAnew) {
     }
 }
 
-// A cube that keeps its files in a directory below, whatever directory it was given.
+// A cube that keeps its files in a subdirectory of whatever directory it was given.
 class Below : public TRkSkimCube {
 public:
     using TRkSkimCube::TRkSkimCube;
@@ -213,7 +213,7 @@ TEST_P(ResultOverrides, ofTheMatrixDirectoryPlaceEveryFile) {
     EXPECT_EQ(filesIn(pathOf("below")), "");
 }
 
-// A cube that finds every entry in one and the same file.
+// A cube that returns the same file for every entry.
 class OneFile : public TRkSkimCube {
 public:
     OneFile(TRkGlobalSettings* settings, std::string file) : TRkSkimCube(settings, true), file_(std::move(file)) {}
@@ -224,7 +224,7 @@ private:
     std::string file_;
 };
 
-TEST_P(ResultOverrides, ofTheFileNameAreWhatIsOpened) {
+TEST_P(ResultOverrides, ofTheFileNameDetermineTheOpenedFile) {
     store(skims(), 1, 5);
     add(skims(), 2);
     OneFile const cube(project().settings(), pathOf("1-1-1-1-1-1.skm"));

@@ -1,5 +1,4 @@
-// What copying and moving six-key results differ in from other entries: parents, counters, directories, zero-based
-// keys.
+// How copying and moving six-key results differ from other entries: parents, counters, directories, zero-based keys.
 
 #include <filesystem>
 
@@ -70,15 +69,15 @@ TEST_P(ResultTransfer, overwritesATargetAndClearsItsParent) {
     EXPECT_FALSE(fs::exists(pathOf("1-1-1-1-1-1.skm")));
 }
 
-// The zero-based flag serves the look-up alone, so the target has the key as the caller gave it.
-TEST_P(ResultTransfer, zeroBasedFindsTheSourceOneBasedAndAddsTheTargetAsGiven) {
+// The zero-based flag applies to the look-up only, so the target has the key that the caller passed.
+TEST_P(ResultTransfer, zeroBasedFindsTheSourceOneBasedAndAddsTheTargetAsPassed) {
     store(skims(), 1, 1);
     EXPECT_TRUE(skims().Copy(0, 0, 0, 0, 1, 1, 5, 5, 5, 5, 1, 2, false, true));
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n-1|5|5|5|5|1|2|0|5-5-5-5-1-2.skm\n");
     EXPECT_TRUE(skims().Move(0, 0, 0, 0, 1, 1, 6, 6, 6, 6, 1, 2, false, true));
     EXPECT_EQ(rows(), "-1|5|5|5|5|1|2|0|5-5-5-5-1-2.skm\n-1|6|6|6|6|1|2|0|6-6-6-6-1-2.skm\n");
     EXPECT_EQ(files(), "5-5-5-5-1-2.skm\n6-6-6-6-1-2.skm\n");
-    // failIfExists looks the target up zero-based as well: 5/5/5/5 stands there for 4/4/4/4.
+    // failIfExists looks the target up zero-based as well: 5/5/5/5 is the row for 4/4/4/4.
     EXPECT_EQ(
         cubeErrorOf([&] { skims().Copy(5, 5, 5, 5, 1, 2, 4, 4, 4, 4, 1, 2, true, true); }), "Cube already exists");
 }
@@ -145,7 +144,7 @@ TEST_P(ResultTransfer, betweenCubesTransfersDirectoriesAndIgnoresTheUsageCounter
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|NULL|1-1-1-1-1-1.skm\n-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n");
 }
 
-TEST_P(ResultTransfer, movesADirectoryInPlaceOfAnother) {
+TEST_P(ResultTransfer, replacesADirectoryByAMovedOne) {
     for (short const i : {short(1), short(2)}) {
         add(skims(), i);
         fs::create_directory(pathOf("1-1-1-1-1-" + std::to_string(i) + ".skm"));
@@ -157,7 +156,7 @@ TEST_P(ResultTransfer, movesADirectoryInPlaceOfAnother) {
     EXPECT_FALSE(skims().Check(1, 1, 1, 1, 1, 1, false));
 }
 
-TEST_P(ResultTransfer, ofADirectoryToAFreeKeyCanBeAMoveButNoCopy) {
+TEST_P(ResultTransfer, ofADirectoryToAFreeKeyCanBeAMoveButNotACopy) {
     add(skims(), 1);
     fs::create_directory(pathOf("1-1-1-1-1-1.skm"));
     writeFile(pathOf("1-1-1-1-1-1.skm/a"), "x");
@@ -181,7 +180,7 @@ TEST_P(ResultTransfer, ofADirectoryIntoItselfIsFalseAndKeepsIt) {
     EXPECT_EQ(files(), "outer\nouter/inner\nouter/inner/a\n");
 }
 
-TEST_P(ResultTransfer, betweenCubesRaisesZeroBasedKeysForLookingUpAlone) {
+TEST_P(ResultTransfer, betweenCubesShiftsZeroBasedKeysForTheLookUpOnly) {
     TempDir const elsewhere;
     TRkSkimCube other(project().settings(), elsewhere.str().c_str(), true);
     store(other, 1, 1);

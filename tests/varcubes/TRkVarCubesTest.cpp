@@ -1,4 +1,4 @@
-// Six-key results: parents, schemas, directories, and what adding, storing and removing differ in from other entries.
+// Six-key results: parents, schemas, directories, and how adding, storing and removing differ from other entries.
 
 #include <cubes/database/TRkDBDataDictionary.h>
 #include <cubes/database/TRkDatabaseException.h>
@@ -52,7 +52,7 @@ TEST_P(ResultTable, leavesParentPartsOfMinusOneNullInANewRow) {
     EXPECT_EQ(read("select \"usageCounter\" from " + table()), "0\n");
 }
 
-TEST_P(ResultTable, writesParentPartsOfMinusOneIntoARowThatExists) {
+TEST_P(ResultTable, writesParentPartsOfMinusOneToAnExistingRow) {
     addWithParent(skims(), -6, 1, 2, 3, 4, 5, 6);
     execute("update " + table() + " set \"usageCounter\" = 5, filename = 'mine.skm'");
     EXPECT_TRUE(addWithParent(skims(), -5, 7, -1, 8, -1, -1, 9));
@@ -60,33 +60,33 @@ TEST_P(ResultTable, writesParentPartsOfMinusOneIntoARowThatExists) {
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|mine.skm\n");
 }
 
-TEST_P(ResultTable, findsTheRowThatExistsOfAZeroBasedKeyAndChangesItsParent) {
+TEST_P(ResultTable, findsTheExistingRowOfAZeroBasedKeyAndChangesItsParent) {
     add(skims(), 1);
     EXPECT_TRUE(skims().Add(0, 0, 0, 0, 1, 1, -6, 0, 1, 2, 3, 4, 5, true));
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|0|1-1-1-1-1-1.skm\n");
     EXPECT_EQ(parents(), "-6|0|1|2|3|4|5\n");
 }
 
-TEST_P(ResultTable, leavesTheParentCubeOfARowThatExistsNullForZero) {
+TEST_P(ResultTable, leavesTheParentCubeOfAnExistingRowNullForZero) {
     addWithParent(skims(), -6, 1, 2, 3, 4, 5, 6);
     EXPECT_TRUE(addWithParent(skims(), 0, 7, 8, 9, 10, 11, 12));
     EXPECT_EQ(parents(), "NULL|7|8|9|10|11|12\n");
     EXPECT_EQ(read("select \"usageCounter\" from " + table()), "0\n");
 }
 
-TEST_P(ResultTable, clearsParentAndCounterOfARowThatExistsWithoutAParentKey) {
+TEST_P(ResultTable, clearsParentAndCounterOfAnExistingRowWithoutAParentKey) {
     addWithParent(skims(), -6, 1, 2, 3, 4, 5, 6);
     execute("update " + table() + " set \"usageCounter\" = 5");
     EXPECT_TRUE(addWithParent(skims(), 0, -1, -1, -1, -1, -1, -1));
     EXPECT_EQ(parents(), "NULL|NULL|NULL|NULL|NULL|NULL|NULL\n");
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|1|NULL|1-1-1-1-1-1.skm\n");
-    // The parent cube alone is no parent key.
+    // A parent cube without key parts is not a parent key.
     EXPECT_TRUE(addWithParent(skims(), -6, -1, -1, -1, -1, -1, -1));
     EXPECT_EQ(parents(), "-6|NULL|NULL|NULL|NULL|NULL|NULL\n");
     EXPECT_EQ(read("select \"usageCounter\" from " + table()), "NULL\n");
 }
 
-TEST_P(ResultTable, holdsNoParentWithTheKeyColumnsAlone) {
+TEST_P(ResultTable, storesNoParentWithoutParentColumns) {
     defineTable("");
     EXPECT_TRUE(addWithParent(skims(), -6, 1, 2, 3, 4, 5, 6));
     EXPECT_TRUE(addWithParent(skims(), -6, 1, 2, 3, 4, 5, 6));
@@ -97,7 +97,7 @@ TEST_P(ResultTable, holdsNoParentWithTheKeyColumnsAlone) {
     EXPECT_EQ((*list[0])[1], -1);
 }
 
-TEST_P(ResultTable, keepsTheEntriesOfAnotherKindApart) {
+TEST_P(ResultTable, separatesTheEntriesOfDifferentKinds) {
     store(skims(), 1, 1);
     TRkPathCube paths(project().settings(), true);
     EXPECT_FALSE(paths.Check(1, 1, 1, 1, 1, 1, false));
@@ -182,7 +182,7 @@ TEST_P(ResultSchema, isThatOfTheProject) {
     EXPECT_TRUE(skims().Close(entries));
 }
 
-TEST_P(ResultSchema, keepsProjectsOfOneDatabaseApart) {
+TEST_P(ResultSchema, separatesProjectsOnOneDatabase) {
     auto const other = another("epsilon");
     TRkSkimCube otherSkims(other->settings(), true);
     EXPECT_STREQ(otherSkims.getMatrixSchema().c_str(), "epsilon");
@@ -193,20 +193,20 @@ TEST_P(ResultSchema, keepsProjectsOfOneDatabaseApart) {
     EXPECT_EQ(rows(), "-1|1|1|1|1|1|2|0|1-1-1-1-1-2.skm\n");
 }
 
-TEST_P(ResultSchema, isTheNumberedOneWhereAnotherProjectHasTheName) {
+TEST_P(ResultSchema, hasANumberIfAnotherProjectHasTheName) {
     auto const other = another("delta");
     TRkSkimCube otherSkims(other->settings(), true);
     EXPECT_EQ(otherSkims.getMatrixSchema().str(), other->schema());
     EXPECT_STRNE(otherSkims.getMatrixSchema().c_str(), "delta");
     EXPECT_TRUE(add(otherSkims, 1));
     EXPECT_EQ(rows(), "");
-    // Settings made by hand find it in the file of the project.
+    // Settings made without a project find it in the project's file.
     TRkGlobalSettings byHand({}, other->settings()->WorkingDirectory());
     TRkSkimCube const found(&byHand, true);
     EXPECT_EQ(found.getMatrixSchema().str(), other->schema());
 }
 
-TEST_P(ResultSchema, doesNotDependOnWhereResultsAreKept) {
+TEST_P(ResultSchema, doesNotDependOnTheDirectoryOfResults) {
     TempDir const elsewhere;
     auto const other = another("zeta", elsewhere.file("big"));
     TRkSkimCube otherSkims(other->settings(), true);
@@ -230,7 +230,7 @@ TEST_P(ResultSchema, belongsToTheCubesProjectWhicheverIsCurrent) {
         "1\n3\n");
 }
 
-TEST_P(ResultSchema, isFormedFromTheDirectoryWhereNoProjectIs) {
+TEST_P(ResultSchema, isFormedFromTheDirectoryOutsideOfProjects) {
     TRkGlobalSettings settings({}, TRkFString(directories_.file("My Project 7/")));
     TRkSkimCube cube(&settings, true);
     EXPECT_STREQ(cube.getMatrixSchema().c_str(), "my_project_7");
@@ -241,7 +241,7 @@ TEST_P(ResultSchema, isFormedFromTheDirectoryWhereNoProjectIs) {
     EXPECT_FALSE(TRkSkimCube(nullptr, true).FindMatrixSchema());
 }
 
-TEST_P(ResultSchema, isWorkedOutAgainOnOpeningWhenItWasNotFound) {
+TEST_P(ResultSchema, isDeterminedAgainOnOpeningIfItWasNotFound) {
     TRkSkimCube cube(nullptr, true);
     EXPECT_FALSE(cube.Open());
     cube.Settings(project().settings());
@@ -260,7 +260,7 @@ TEST_P(ResultSchema, opensNoTableWithoutAConnection) {
     EXPECT_STREQ(skims().FileName(1, 1, 1, 1, 1, 1, false).c_str(), "");
 }
 
-// A dictionary that has the project's tables twice, the second time of another schema, or cannot build them.
+// A dictionary that has the project's tables twice, the second time in another schema, or cannot build them.
 class Dictionary : public TRkDBDataDictionary {
 public:
     enum class Outcome { built, notBuilt, error };
@@ -326,8 +326,8 @@ TEST_P(ResultStorage, clearsAnEntryThatExistsAndItsParent) {
     EXPECT_EQ(firstElement(skims(), 1), 7.0);
 }
 
-// The flag goes to the parent cube, and the key to the row as it was handed in.
-TEST_P(ResultStorage, zeroBasedMakesTheFileOfTheShiftedKeyAndTheRowOfTheOther) {
+// The flag is stored as the parent cube, and the row has the key as it was passed.
+TEST_P(ResultStorage, zeroBasedCreatesTheFileOfTheShiftedKeyAndTheRowOfThePassedKey) {
     EXPECT_TRUE(skims().Set(0, 0, 0, 0, 1, 1, smallMatrix(5), lsReadWrite, true));
     EXPECT_EQ(rows(), "-1|0|0|0|0|1|1|0|0-0-0-0-1-1.skm\n");
     EXPECT_EQ(parents(), "1|NULL|NULL|NULL|NULL|NULL|NULL\n");
@@ -342,14 +342,14 @@ TEST_P(ResultStorage, zeroBasedClearsTheEntryOfTheShiftedKey) {
     EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
 }
 
-TEST_P(ResultStorage, writesTheFileAlsoWithoutATable) {
+TEST_P(ResultStorage, writesTheFileEvenWithoutATable) {
     skims().setMatrixSchema("nowhere");
     EXPECT_TRUE(store(skims(), 1, 1));
     EXPECT_EQ(files(), "1-1-1-1-1-1.skm\n");
     EXPECT_EQ(open(skims(), 1, lsRead), nullptr);
 }
 
-TEST_P(ResultStorage, readsTheHeaderAloneOfAnEntryInUse) {
+TEST_P(ResultStorage, readsTheHeaderOfAnEntryInUse) {
     store(skims(), 1, 1);
     ASSERT_TRUE(open(skims(), 1, lsRead));
     skims().incUsage(1, 1, 1, 1, 1, 1);
@@ -369,8 +369,8 @@ TEST_P(ResultStorage, replacesAKindAbove31) {
     EXPECT_EQ(skims().GetHeader(1, 1, 1, 1, 1, 1, false)->Kind(), 2u);
 }
 
-// Bit 4 of the caller's lock asks for work in place; then the matrix must say that it changed.
-TEST_P(ResultStorage, ontoTheMatrixsOwnFileAsksTheLockState) {
+// Bit 4 of the caller's lock requests work in place; then the matrix must report that it changed.
+TEST_P(ResultStorage, ontoTheMatrixsOwnFileChecksTheLockState) {
     struct {
         int opened;
         int lock;
@@ -389,7 +389,7 @@ TEST_P(ResultStorage, ontoTheMatrixsOwnFileAsksTheLockState) {
     }
 }
 
-TEST_P(ResultStorage, knowsItsOwnFileInAnotherSpelling) {
+TEST_P(ResultStorage, recognisesItsOwnFileInAnotherSpelling) {
     store(skims(), 1, 1);
     std::string const spelling = pathOf("./1-1-1-1-1-1.skm");
     TRkMatrix const own(spelling.c_str(), 1, "", true, mkDefault, lsRead, 0);
@@ -399,7 +399,7 @@ TEST_P(ResultStorage, knowsItsOwnFileInAnotherSpelling) {
     EXPECT_EQ(firstElement(skims(), 1), 1.0);
 }
 
-TEST_P(ResultStorage, ontoAnotherFileDoesNotAskTheLockState) {
+TEST_P(ResultStorage, ontoAnotherFileIgnoresTheLockState) {
     store(skims(), 1, 1);
     auto const other = open(skims(), 1, lsUnchanged);
     ASSERT_TRUE(other);
@@ -407,7 +407,7 @@ TEST_P(ResultStorage, ontoAnotherFileDoesNotAskTheLockState) {
     EXPECT_EQ(firstElement(skims(), 2), 1.0);
 }
 
-TEST_P(ResultStorage, turnsAMatrixTypeOfSevenIntoThatOfTheCubeForGood) {
+TEST_P(ResultStorage, changesAMatrixTypeOfSevenToThatOfTheCubePermanently) {
     struct {
         RkCubeTypes cubeType;
         RkMatrixType given;
@@ -426,7 +426,7 @@ TEST_P(ResultStorage, turnsAMatrixTypeOfSevenIntoThatOfTheCubeForGood) {
     }
 }
 
-TEST_P(ResultStorage, leavesTheMatrixTypeAloneWhenNothingIsSaved) {
+TEST_P(ResultStorage, keepsTheMatrixTypeWhenNothingIsSaved) {
     TRkVarCubes cube = plainCube(project().settings(), ctCordon, mtMatrixCube);
     {
         TRkVarCubes other(cube);
@@ -445,7 +445,7 @@ TEST_P(ResultStorage, leavesTheMatrixTypeAloneWhenNothingIsSaved) {
     EXPECT_EQ(typed.type(), mtCordon);
 }
 
-// The cube hands its own kind to the file; the matrix that is opened gets that of the cube's type, if it has one.
+// The file gets the cube's own kind; an opened matrix gets the kind of the cube's type, if it has one.
 TEST_P(ResultStorage, givesAnOpenedMatrixTheKindOfTheCubesType) {
     struct {
         RkCubeTypes cubeType;
@@ -463,8 +463,8 @@ TEST_P(ResultStorage, givesAnOpenedMatrixTheKindOfTheCubesType) {
         }
 }
 
-// A file made without the write bit asks for no lock; in these cubes the lock state becomes 3.
-TEST_P(ResultStorage, ofSelectedLinksAndScreenLinesTakesTheWriteLockWhateverTheCallersState) {
+// A file created without the write bit requests no lock; in these cubes the lock state becomes 3.
+TEST_P(ResultStorage, ofSelectedLinksAndScreenLinesTakesTheWriteLockForAnyLockState) {
     struct {
         RkCubeTypes cubeType;
         bool saved;
@@ -479,7 +479,7 @@ TEST_P(ResultStorage, ofSelectedLinksAndScreenLinesTakesTheWriteLockWhateverTheC
     }
 }
 
-// Raised by 1 it would be no number of 16 bits.
+// 32767 + 1 exceeds the range of 16-bit numbers.
 TEST_P(ResultStorage, hasNoEntryForTheLastZeroBasedNumber) {
     short const last = 32767;
     auto table = skims().Open();
@@ -490,12 +490,12 @@ TEST_P(ResultStorage, hasNoEntryForTheLastZeroBasedNumber) {
     EXPECT_FALSE(skims().SaveMatrix(smallMatrix(1), last, 1, 1, 1, 1, 1, lsRead, true));
     EXPECT_EQ(rows(), "");
     EXPECT_EQ(files(), "");
-    // Result and iteration are never raised.
+    // Result and iteration are never shifted.
     EXPECT_TRUE(skims().Add(0, 0, 0, 0, last, last, 0, -1, -1, -1, -1, -1, -1, true));
     EXPECT_TRUE(skims().Check(1, 1, 1, 1, last, last, false));
 }
 
-TEST_P(ResultStorage, keepsTheOldEntryWhenThePairsCannotHoldANumber) {
+TEST_P(ResultStorage, keepsTheOldEntryWhenABase40NameCannotHoldANumber) {
     ASSERT_TRUE(skims().Set(0, 1, 1, 1, 1, 1, smallMatrix(1), lsRead, false));
     {
         VersionGuard const version(3);
@@ -506,7 +506,7 @@ TEST_P(ResultStorage, keepsTheOldEntryWhenThePairsCannotHoldANumber) {
     EXPECT_EQ(rows(), "-1|0|1|1|1|1|1|0|0-1-1-1-1-1.skm\n");
 }
 
-// Callers give it a matrix that is not bound to the entry's own file.
+// Callers must pass a matrix that is not bound to the entry's own file.
 TEST_P(ResultStorage, ontoTheMatrixsOwnFileInPlaceClearsAndThenRefuses) {
     store(skims(), 1, 1);
     auto const own = open(skims(), 1, lsRead);
@@ -539,7 +539,7 @@ TEST_P(ResultRemoval, ofAWholeCubeDeletesDirectoriesAndRowsWithoutFiles) {
     EXPECT_EQ(files(), "");
 }
 
-TEST_P(ResultRemoval, ofAWholeCubeDeletesTheEntriesOfItsKindAlone) {
+TEST_P(ResultRemoval, ofAWholeCubeDeletesOnlyTheEntriesOfItsKind) {
     TRkPathCube paths(project().settings(), true);
     store(paths, 1, 1);
     using Operation = bool (TRkVarCubes::*)();
@@ -559,7 +559,7 @@ TRkVarCubes::TKey someKey() {
     return {3, 1, 2, 4, 5, 6, 7, 13, 11, 12, 14, 15, 16, 17, true};
 }
 
-TEST(ResultKeys, giveTheirPartsAndThoseOfTheirParentByIndex) {
+TEST(ResultKeys, returnTheirPartsAndThoseOfTheirParentByIndex) {
     TRkVarCubes::TKey const key = someKey();
     int const parts[] = {3, 1, 2, 4, 5, 6, 7};
     for (int i = 0; i < 7; ++i) {
@@ -574,7 +574,7 @@ TEST(ResultKeys, giveTheirPartsAndThoseOfTheirParentByIndex) {
     }
 }
 
-TEST(ResultKeys, keepEachPartUnderItsName) {
+TEST(ResultKeys, storeEachPartUnderItsName) {
     TRkVarCubes::TKey const key = someKey();
     EXPECT_TRUE(key.flag);
     EXPECT_EQ(key.purpose, 1);
@@ -584,14 +584,14 @@ TEST(ResultKeys, keepEachPartUnderItsName) {
     EXPECT_STREQ(key.filename.c_str(), "");
 }
 
-TEST(ResultKeys, areShownWithTheirFileNameAtTheEnd) {
+TEST(ResultKeys, arePrintedWithTheirFileNameAtTheEnd) {
     TRkVarCubes::TKey key(3, 1, 2, 1, 1, 0, 1, 0, -1, -1, -1, -1, -1, -1, false);
     EXPECT_STREQ(key.AsString().c_str(), "3,1,2,1,1,0,1,");
     key.filename = "1-2-1-1-0-1.skm";
     EXPECT_STREQ(key.AsString().c_str(), "3,1,2,1,1,0,1,1-2-1-1-0-1.skm");
 }
 
-TEST(ResultKeys, areCopiedWhole) {
+TEST(ResultKeys, areCopiedCompletely) {
     TRkVarCubes::TKey key = someKey();
     key.filename = "name";
     TRkVarCubes::TKey const copy(key);
@@ -604,7 +604,7 @@ TEST(ResultKeys, areCopiedWhole) {
     }
 }
 
-TEST(ResultKeys, areOrderedByTheirPartsAlone) {
+TEST(ResultKeys, areOrderedOnlyByTheirParts) {
     TRkVarCubes::TKey key = someKey();
     TRkVarCubes::TKey other(3, 1, 2, 4, 5, 6, 7, 0, -1, -1, -1, -1, -1, -1, false);
     other.filename = "other";
@@ -612,7 +612,7 @@ TEST(ResultKeys, areOrderedByTheirPartsAlone) {
     short TRkVarCubes::TKey::*const parts[] = {&TRkVarCubes::TKey::cubenr, &TRkVarCubes::TKey::purpose,
         &TRkVarCubes::TKey::mode, &TRkVarCubes::TKey::time, &TRkVarCubes::TKey::user, &TRkVarCubes::TKey::result,
         &TRkVarCubes::TKey::iteration};
-    // A part decides only when those before it are equal: make the last differ first.
+    // A part decides only if those before it are equal: the last is made to differ first.
     for (int i = 6; i >= 0; --i) {
         other.*parts[i] = 100;
         EXPECT_EQ(TRkVarCubes::TKeySortCompare(&key, &other), -1) << i;

@@ -18,7 +18,7 @@
 
 namespace cubes::test {
 
-/// A fresh project of its own on either backend, with a skim cube in it.
+/// A new project on either backend, with a skim cube in it.
 class VarCubesTest : public BackendTest {
 protected:
     void SetUp() override {
@@ -33,13 +33,13 @@ protected:
 
     void execute(std::string const& statement) { project().project().connection()->Execute(statement); }
     std::string read(std::string const& query) { return joined(project().sql(query)); }
-    /// The entry table as an independent client reads it: "-1|1|2|3|4|5|6|0|1-2-3-4-5-6.skm" a line.
+    /// The entry table as an independent client reads it: "-1|1|2|3|4|5|6|0|1-2-3-4-5-6.skm" per line.
     std::string rows() {
         return read(
             "select cubenr, purpose, mode, time, \"user\", result, iteration, \"usageCounter\", filename from " +
             table() + " order by 1, 2, 3, 4, 5, 6, 7");
     }
-    /// Their parents: "-6|1|2|3|4|5|6" a line.
+    /// The parents: "-6|1|2|3|4|5|6" per line.
     std::string parents() {
         return read("select parentcubenr, parentpurpose, parentmode, parenttime, parentuser, parentresult, "
                     "parentiteration from " +
@@ -56,14 +56,14 @@ protected:
     static bool add(TRkVarCubes& cube, short iteration) {
         return cube.Add(1, 1, 1, 1, 1, iteration, 0, -1, -1, -1, -1, -1, -1, false);
     }
-    /// Stores 1/1/1/1/1/`iteration` with a matrix that is recognised by its first element.
+    /// Stores 1/1/1/1/1/`iteration` with a matrix that is identified by its first element.
     static bool store(TRkVarCubes& cube, short iteration, float first) {
         return cube.Set(1, 1, 1, 1, 1, iteration, smallMatrix(first), lsReadWrite, false);
     }
     static std::unique_ptr<TRkMatrix> open(TRkVarCubes const& cube, short iteration, RkLockState lock) {
         return std::unique_ptr<TRkMatrix>(cube.Get(1, 1, 1, 1, 1, iteration, lock, false));
     }
-    /// What a later reader finds in the file of 1/1/1/1/1/`iteration`, or -1 without a matrix.
+    /// The first element that a later reader finds in the file of 1/1/1/1/1/`iteration`, or -1 without a matrix.
     static double firstElement(TRkVarCubes const& cube, short iteration) {
         return firstElementOf(open(cube, iteration, lsRead));
     }

@@ -165,9 +165,10 @@ public:
     /// The number of entries by the number of their cube or kind; those without entries are omitted.
     std::map<short, std::size_t> counts() const;
 
-    /// Stores a matrix as an entry, atomically: readers find the old matrix or the new one. An entry that exists keeps its row, counter and parent; a new one has no parent unless
-    /// the options say so. Throws notFound for a cube that is not in the register, alreadyExists,
-    /// inUse, locked, otherDirectory, wrongShape for a matrix that is not valid, noSpace, readOnly.
+    /// Stores a matrix as an entry, atomically: readers find the old matrix or the new one. An entry that exists keeps
+    /// its row, counter and parent; a new one has no parent unless the options say so. Throws notFound for a cube that
+    /// is not in the register, alreadyExists, inUse, locked, otherDirectory, wrongShape for a matrix that is not valid,
+    /// noSpace, readOnly.
     void put(EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options = {});
     /// The same for routes and data of routes: `write` writes a temporary file, which then replaces
     /// the entry's file. What `write` throws passes through unchanged.

@@ -37,14 +37,14 @@ protected:
     TPgConnection second{"sqlite:" + directory.file("second.db")};
 };
 
-TEST_F(ConnectionManager, givesWhatThisThreadSet) {
+TEST_F(ConnectionManager, returnsTheConnectionThatThisThreadSet) {
     EXPECT_EQ(current(), nullptr);
     setCurrent(&first);
     inAnotherThread([this] { setCurrent(&second); });
     EXPECT_EQ(current(), &first);
 }
 
-TEST_F(ConnectionManager, givesTheLastOneSetAnywhereToAThreadThatSetNone) {
+TEST_F(ConnectionManager, returnsTheLastOneSetAnywhereToAThreadThatSetNone) {
     setCurrent(&first);
     inAnotherThread([this] { EXPECT_EQ(current(), &first); });
     inAnotherThread([this] { setCurrent(&second); });
@@ -58,7 +58,7 @@ TEST_F(ConnectionManager, nullClearsTheProcessWideConnectionOfThisThread) {
     inAnotherThread([] { EXPECT_EQ(current(), nullptr); });
 }
 
-TEST_F(ConnectionManager, nullTakesNoConnectionAwayFromOtherThreads) {
+TEST_F(ConnectionManager, nullDoesNotClearTheConnectionsOfOtherThreads) {
     setCurrent(&first);
     inAnotherThread([this] { setCurrent(&second); });
     setCurrent(nullptr);
@@ -75,7 +75,7 @@ TEST_F(ConnectionManager, forgetsADestroyedConnectionInEveryThread) {
         setCurrent(&*third);
         inAnotherThread([&] { third.reset(); });
         EXPECT_EQ(current(), nullptr);
-        // A new connection at the same address is another one.
+        // A new connection at the same address is a different one.
         third.emplace("sqlite:" + directory.file("fourth.db"));
         EXPECT_EQ(current(), nullptr);
     });

@@ -25,14 +25,14 @@ bool holds(std::string const& text, std::string const& part) {
 class Connection : public cubes::test::TableTest {};
 CUBES_BOTH_BACKENDS(Connection);
 
-TEST_P(Connection, runsStatementsAndReadsTablesAnew) {
+TEST_P(Connection, runsStatementsAndRereadsTables) {
     EXPECT_EQ(table.FindField("more"), nullptr);
     connection->Execute("ALTER TABLE \"cube\" ADD COLUMN \"more\" integer");
     table.Open();
     EXPECT_NE(table.FindField("more"), nullptr);
 }
 
-TEST_P(Connection, tellsTheStatementThatFailed) {
+TEST_P(Connection, reportsTheFailedStatement) {
     std::string const statement = "UPDATE \"nothing\" SET x = 1";
     try {
         connection->Execute(statement);
@@ -43,7 +43,7 @@ TEST_P(Connection, tellsTheStatementThatFailed) {
     }
 }
 
-TEST_P(Connection, goesOnAfterAnError) {
+TEST_P(Connection, worksAfterAnError) {
     EXPECT_THROW(connection->Execute("nonsense"), TRkDatabaseException);
     connection->Execute("INSERT INTO \"cube\" VALUES (1, 'a', 0)");
     EXPECT_EQ(rows(), (Rows{{"1", "a", "0"}}));
@@ -51,13 +51,13 @@ TEST_P(Connection, goesOnAfterAnError) {
 
 struct BadUrl {
     std::string url;
-    std::string told;
+    std::string expected;
 };
 
 void expectRefused(std::vector<BadUrl> const& cases) {
-    for (auto const& [url, told] : cases) {
+    for (auto const& [url, expected] : cases) {
         std::string const message = messageOf([&url = url] { TPgConnection{url}; });
-        EXPECT_TRUE(holds(message, told)) << url << ": " << message;
+        EXPECT_TRUE(holds(message, expected)) << url << ": " << message;
         EXPECT_FALSE(holds(message, "sesame")) << message;
     }
 }
@@ -90,13 +90,13 @@ TEST(SqliteFile, mustBeADatabase) {
     EXPECT_EQ(cubes::test::readFile(directory.file("text")), std::string(5000, 'x'));
 }
 
-TEST(SqliteFile, isMadeWhenMissingAndLeavesNothingBesideIt) {
+TEST(SqliteFile, isCreatedWhenMissingWithoutOtherFiles) {
     TempDir const directory;
     { TPgConnection connection("sqlite:" + directory.file(cubes::platform::fromUtf8("ü b.db"))); }
     EXPECT_EQ(cubes::test::listing(directory.str()), "ü b.db\n");
 }
 
-// The superuser may write everywhere, so another user tries.
+// The superuser may write everywhere, so the test uses another user.
 cubes::test::ChildTask const readingAndChanging("reading and changing", [](int, std::string const& path) {
     cubes::test::becomeOrdinaryUser();
     TPgConnection connection("sqlite:" + path);
@@ -110,7 +110,7 @@ cubes::test::ChildTask const readingAndChanging("reading and changing", [](int, 
     EXPECT_TRUE(holds(message, "readonly") && holds(message, path)) << message;
 });
 
-TEST(SqliteFile, thatIsReadOnlyIsReadAndRefusesChanges) {
+TEST(SqliteFile, withoutWritePermissionIsReadAndRefusesChanges) {
     if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
     TempDir const directory;
     std::filesystem::permissions(directory.str(), std::filesystem::perms(0755));
@@ -126,7 +126,7 @@ TEST(SqliteFile, thatIsReadOnlyIsReadAndRefusesChanges) {
     EXPECT_EQ(cubes::test::listing(directory.str()), "cubes.db\n");
 }
 
-// A database in the journal mode that we set, in a directory in which only its owner may write.
+// A database in the library's journal mode, in a directory in which only its owner may write.
 class ReadOnlyDirectory {
 public:
     ReadOnlyDirectory() {
@@ -136,7 +136,7 @@ public:
         std::filesystem::permissions(directory.str(), std::filesystem::perms(0755));
         std::filesystem::permissions(path(), std::filesystem::perms(0644));
     }
-    // With characters that mean something where a file is named with parameters.
+    // With characters that have a meaning in URIs.
     std::string path() const { return directory.file("a b%41#c.db"); }
 
     TempDir directory;
@@ -171,7 +171,7 @@ cubes::test::ChildTask const readingWhatIsWritten("reading what is written", [](
     EXPECT_TRUE(holds(message, "this user may not write the directory")) << message;
 });
 
-TEST(SqliteFile, thatOthersWriteIsAnErrorWithoutPermissionToWriteItsDirectory) {
+TEST(SqliteFile, withAnotherWriterIsAnErrorWithoutPermissionToWriteItsDirectory) {
     if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
     ReadOnlyDirectory const place;
     TPgConnection writer("sqlite:" + place.path());
@@ -181,13 +181,14 @@ TEST(SqliteFile, thatOthersWriteIsAnErrorWithoutPermissionToWriteItsDirectory) {
     EXPECT_EQ(readingWhatIsWritten.inProcesses(1, place.path()), 1);
 }
 
-cubes::test::ChildTask const readingWhatIsHalfWritten("reading what is half written", [](int, std::string const& path) {
-    cubes::test::becomeOrdinaryUser();
-    std::string const message = messageOf([&] { TPgConnection("sqlite:" + path); });
-    EXPECT_TRUE(holds(message, "-journal' holds changes of a program that")) << message;
-});
+cubes::test::ChildTask const readingAnUnfinishedTransaction(
+    "reading an unfinished transaction", [](int, std::string const& path) {
+        cubes::test::becomeOrdinaryUser();
+        std::string const message = messageOf([&] { TPgConnection("sqlite:" + path); });
+        EXPECT_TRUE(holds(message, "-journal' holds changes of a program that")) << message;
+    });
 
-// As a program leaves it that was stopped while it wrote, in the mode that needs no shared memory.
+// Left behind by a program that was stopped while writing, in the journal mode without shared memory.
 TEST(SqliteFile, withAJournalIsAnErrorWithoutPermissionToWriteItsDirectory) {
     if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
     ReadOnlyDirectory const place;
@@ -204,11 +205,11 @@ TEST(SqliteFile, withAJournalIsAnErrorWithoutPermissionToWriteItsDirectory) {
         std::filesystem::copy_file(place.path() + suffix, left.file("c.db") + suffix);
         std::filesystem::permissions(left.file("c.db") + suffix, std::filesystem::perms(0644));
     }
-    EXPECT_EQ(readingWhatIsHalfWritten.inProcesses(1, left.file("c.db")), 1);
+    EXPECT_EQ(readingAnUnfinishedTransaction.inProcesses(1, left.file("c.db")), 1);
     writer.Execute("ROLLBACK");
 }
 
-// The file is given away while it is read, as if another program had written to it.
+// The file gets another owner while it is read, as if another program had written to it.
 cubes::test::ChildTask const readingWhatChanges("reading what changes", [](int, std::string const& path) {
     cubes::test::becomeOrdinaryUser();
     TPgConnection connection("sqlite:" + path);
@@ -219,7 +220,7 @@ cubes::test::ChildTask const readingWhatChanges("reading what changes", [](int, 
     EXPECT_EQ(sqlStateOf([&] { findsCube(connection, 5); }), "55006");
 });
 
-TEST(SqliteFile, thatChangesWhileItIsReadWithoutNoticeIsAnError) {
+TEST(SqliteFile, thatChangesUnnoticedWhileItIsReadIsAnError) {
     if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
     ReadOnlyDirectory const place;
     std::string const path = place.path();
@@ -235,7 +236,7 @@ TEST(SqliteFile, thatChangesWhileItIsReadWithoutNoticeIsAnError) {
     EXPECT_EQ(readingWhatChanges.inProcesses(1, path), 1);
 }
 
-TEST(SqliteFile, thatOthersKeepWritingToIsAnErrorAfterAWhile) {
+TEST(SqliteFile, withAPersistentWriterIsAnErrorAfterAWhile) {
     TempDir const directory;
     std::string const url = "sqlite:" + directory.file("cubes.db");
     TPgConnection one(url);
@@ -250,7 +251,7 @@ TEST(SqliteFile, thatOthersKeepWritingToIsAnErrorAfterAWhile) {
     other.Execute("INSERT INTO t VALUES (1)");
 }
 
-TEST(PostgresServer, postgresAsksForTheRightPassword) {
+TEST(PostgresServer, postgresRequiresTheRightPassword) {
     cubes::test::requireBackend(Backend::postgres);
     if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;
     std::string const place = "@127.0.0.1:" + cubes::test::postgresPort() + "/postgres";
@@ -266,7 +267,7 @@ TEST(PostgresServer, postgresAsksForTheRightPassword) {
     });
 }
 
-TEST(PostgresServer, postgresIsReachedThroughThePasswordFile) {
+TEST(PostgresServer, postgresReadsThePasswordFile) {
     cubes::test::requireBackend(Backend::postgres);
     if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;
     TempDir const directory;

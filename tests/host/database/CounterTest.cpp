@@ -22,7 +22,7 @@ TEST_P(Counter, isRaisedByOne) {
     EXPECT_EQ(counters(), "1 1 8 -1 ");
 }
 
-TEST_P(Counter, isLoweredByOneDownToNothing) {
+TEST_P(Counter, isLoweredByOneButNotBelowZero) {
     database->execute("INSERT INTO \"cube\" VALUES (1, 'a', NULL), (2, 'b', 0), (3, 'c', 7), (4, 'd', -2)");
     for (table.First(); !table.GetEof(); table.Next()) EXPECT_TRUE(table.Lower("usageCounter"));
     EXPECT_EQ(counters(), "NULL 0 6 -2 ");
@@ -47,13 +47,13 @@ TEST_P(Counter, staysUnchangedWhenTheRowIsGone) {
     EXPECT_EQ(rows(), Rows());
 }
 
-TEST_P(Counter, isAnErrorWhereThereIsNone) {
+TEST_P(Counter, isAnErrorInATableWithoutOne) {
     database->execute("INSERT INTO \"cube\" VALUES (1, 'a', 1)");
     ASSERT_TRUE(table.Locate("cubenr", 1));
     EXPECT_EQ(sqlStateOf([&] { table.Raise("nothing"); }), "42703");
 }
 
-TEST_P(Counter, hasAGreatestValue) {
+TEST_P(Counter, hasAMaximum) {
     EXPECT_EQ(table.Greatest("cubenr"), std::nullopt);
     database->execute("INSERT INTO \"cube\" VALUES (-3, 'a', NULL), (-7, 'b', NULL)");
     EXPECT_EQ(table.Greatest("cubenr"), -3);

@@ -18,7 +18,7 @@ std::vector<long> numbersUpTo(long last) {
 class Cursor : public cubes::test::TableTest {};
 CUBES_BOTH_BACKENDS(Cursor);
 
-TEST_P(Cursor, standsAtTheEndOfAnEmptyTable) {
+TEST_P(Cursor, isAtTheEndOfAnEmptyTable) {
     EXPECT_TRUE(table.GetEof());
     table.Next();
     table.First();
@@ -37,7 +37,7 @@ TEST_P(Cursor, opensOnTheFirstRow) {
     EXPECT_EQ(table.FieldByName("name")->AsString(), "Base");
 }
 
-TEST_P(Cursor, knowsItsNames) {
+TEST_P(Cursor, returnsItsNames) {
     EXPECT_EQ(table.GetTableName(), "cube");
     EXPECT_EQ(table.GetAliasPropertyWrapper().AsString(), "register");
 }
@@ -95,7 +95,7 @@ TEST_P(CompoundKey, isWalkedUnderAFilter) {
     EXPECT_EQ(keys.back(), 42030);
 }
 
-TEST_P(Cursor, showsOnlyWhatTheFilterLets) {
+TEST_P(Cursor, showsOnlyRowsThatMatchTheFilter) {
     fill(100);
     table.SetFilterSQL("\"cubenr\" > 97");
     EXPECT_EQ(walk(), (std::vector<long>{98, 99, 100}));
@@ -109,12 +109,12 @@ TEST_P(Cursor, showsOnlyWhatTheFilterLets) {
     EXPECT_EQ(walk().size(), 100u);
 }
 
-TEST_P(Cursor, refusesAFilterThatIsNoCondition) {
+TEST_P(Cursor, refusesAnInvalidFilter) {
     table.SetFilterSQL("\"cubenr\" >");
     EXPECT_THROW(table.GetEof(), TRkDatabaseException);
 }
 
-TEST_P(Cursor, writesANewRowAndStandsOnIt) {
+TEST_P(Cursor, isOnTheNewRowAfterPosting) {
     add(7, "New");
     EXPECT_EQ(table.FieldByName("cubenr")->AsInteger(), 7);
     EXPECT_EQ(table.FieldByName("name")->AsString(), "New");
@@ -122,7 +122,7 @@ TEST_P(Cursor, writesANewRowAndStandsOnIt) {
     EXPECT_EQ(rows(), (Rows{{"7", "New", "NULL"}}));
 }
 
-TEST_P(Cursor, goesOnBehindANewRow) {
+TEST_P(Cursor, continuesAfterANewRow) {
     fill(3);
     database->execute("DELETE FROM \"cube\" WHERE \"cubenr\" = 2");
     add(2, "two");
@@ -130,7 +130,7 @@ TEST_P(Cursor, goesOnBehindANewRow) {
     EXPECT_EQ(table.FieldByName("cubenr")->AsInteger(), 3);
 }
 
-TEST_P(Cursor, writesOnlyWhatWasSet) {
+TEST_P(Cursor, writesOnlyTheColumnsThatWereSet) {
     database->execute("INSERT INTO \"cube\" VALUES (1, 'one', 5)");
     ASSERT_TRUE(table.Locate("cubenr", 1));
     table.Edit();
@@ -172,7 +172,7 @@ TEST_P(Cursor, survivesChangesDuringAWalk) {
     EXPECT_EQ(database->sql("SELECT count(*) FROM \"cube\" WHERE \"name\" = 'walked'"), (Rows{{"6"}}));
 }
 
-TEST_P(Cursor, standsOnTheNextRowAfterADeletion) {
+TEST_P(Cursor, isOnTheNextRowAfterADeletion) {
     fill(3);
     ASSERT_TRUE(table.Locate("cubenr", 2));
     table.Delete();
@@ -182,7 +182,7 @@ TEST_P(Cursor, standsOnTheNextRowAfterADeletion) {
     EXPECT_EQ(rows(), (Rows{{"1", "n1", "2"}}));
 }
 
-TEST_P(Cursor, deletesARowThatIsGoneAlready) {
+TEST_P(Cursor, deletesARowThatIsAlreadyGone) {
     fill(2);
     ASSERT_TRUE(table.Locate("cubenr", 1));
     database->execute("DELETE FROM \"cube\" WHERE \"cubenr\" = 1");
@@ -190,7 +190,7 @@ TEST_P(Cursor, deletesARowThatIsGoneAlready) {
     EXPECT_EQ(table.FieldByName("cubenr")->AsInteger(), 2);
 }
 
-TEST_P(Cursor, reportsARowThatATriggerKeeps) {
+TEST_P(Cursor, reportsARowThatATriggerPreserves) {
     fill(1);
     connection->Execute(backend() == Backend::sqlite
                             ? "CREATE TRIGGER keep BEFORE DELETE ON \"cube\" BEGIN SELECT raise(IGNORE); END"
@@ -203,7 +203,7 @@ TEST_P(Cursor, reportsARowThatATriggerKeeps) {
     EXPECT_EQ(table.FieldByName("cubenr")->AsInteger(), 1);
 }
 
-// Only SQLite lets null into a primary key.
+// Only SQLite allows null in a primary key.
 TEST(SqliteCursor, reportsARowThatCannotBeDeletedBecauseItsKeyHoldsNull) {
     cubes::test::TestDatabase const database(Backend::sqlite);
     Pgaccess::TPgConnection connection(database.url());
@@ -216,7 +216,7 @@ TEST(SqliteCursor, reportsARowThatCannotBeDeletedBecauseItsKeyHoldsNull) {
     EXPECT_NE(message.find("the row a=1, b=NULL of table \"t\": its key holds NULL"), std::string::npos) << message;
 }
 
-TEST_P(Cursor, reportsARowThatWentWhileItWasEdited) {
+TEST_P(Cursor, reportsARowThatWasDeletedWhileItWasEdited) {
     fill(1);
     ASSERT_TRUE(table.Locate("cubenr", 1));
     table.Edit();
@@ -233,7 +233,7 @@ TEST_P(Cursor, refusesAKeyThatExists) {
     EXPECT_EQ(rows().size(), 2u);
 }
 
-TEST_P(Cursor, passesOnWhatATriggerRefuses) {
+TEST_P(Cursor, passesOnTheErrorOfATrigger) {
     connection->Execute(backend() == Backend::sqlite
                             ? "CREATE TRIGGER no BEFORE INSERT ON \"cube\" BEGIN SELECT raise(ABORT, 'closed'); END"
                             : "CREATE FUNCTION no() RETURNS trigger LANGUAGE plpgsql AS "
@@ -243,7 +243,7 @@ TEST_P(Cursor, passesOnWhatATriggerRefuses) {
     EXPECT_EQ(sqlStateOf([&] { add(1, "one"); }), "P0001");
 }
 
-TEST_P(Cursor, givesUpAChangeThatIsNotPosted) {
+TEST_P(Cursor, dropsAChangeThatIsNotPosted) {
     fill(2);
     table.First();
     table.Edit();
@@ -255,7 +255,7 @@ TEST_P(Cursor, givesUpAChangeThatIsNotPosted) {
     EXPECT_EQ(rows(), (Rows{{"1", "n1", "2"}, {"2", "n2", "4"}}));
 }
 
-TEST_P(Cursor, refusesWhatItsStateForbids) {
+TEST_P(Cursor, refusesOperationsThatItsStateForbids) {
     EXPECT_EQ(sqlStateOf([&] { table.Post(); }), "24000");
     EXPECT_EQ(sqlStateOf([&] { table.Edit(); }), "24000");
     EXPECT_EQ(sqlStateOf([&] { table.Delete(); }), "24000");

@@ -11,7 +11,7 @@ struct Case {
     char const* shown;
 };
 
-TEST(DatabaseUrl, isShownWithoutPasswords) {
+TEST(DatabaseUrl, isPrintedWithoutPasswords) {
     Case const cases[] = {
         {"sqlite:/a/b.db", "sqlite:/a/b.db"},
         {"sqlite:/a:b@c?password=d", "sqlite:/a:b@c?password=d"},
@@ -33,7 +33,7 @@ TEST(DatabaseUrl, isShownWithoutPasswords) {
     for (auto const& one : cases) EXPECT_EQ(withoutPassword(one.url), one.shown) << one.url;
 }
 
-TEST(DatabaseUrl, isAmbiguousWherePasswordsAreNotEscaped) {
+TEST(DatabaseUrl, isAmbiguousIfPasswordsAreNotEscaped) {
     for (char const* const url : {"postgresql://u:a/b@host/db", "postgresql://u:a@b@host/db"})
         EXPECT_TRUE(isAmbiguous(url)) << url;
     for (char const* const url : {"postgresql://u:a@host/db", "postgresql://u@[::1]:5432/db", "postgresql:///db",

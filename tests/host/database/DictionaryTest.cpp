@@ -44,7 +44,7 @@ TEST_P(Dictionary, buildsACursorThatIsNeitherOpenNorConnected) {
     EXPECT_TRUE(built->GetEof());
 }
 
-TEST_P(Dictionary, givesNothingForWhatIsNotThere) {
+TEST_P(Dictionary, returnsNothingForAMissingTable) {
     EXPECT_FALSE(dictionary.BuildTable(nullptr, AnsiString()));
     EXPECT_FALSE(dictionary.BuildTable("nothing", AnsiString()));
     EXPECT_FALSE(dictionary.BuildTable("", AnsiString()));
@@ -54,13 +54,13 @@ TEST_P(Dictionary, givesNothingForWhatIsNotThere) {
     EXPECT_EQ(aliases(nullptr, "public"), "");
 }
 
-TEST_P(Dictionary, givesNothingWithoutAConnection) {
+TEST_P(Dictionary, returnsNothingWithoutAConnection) {
     getConnectionManagerInstance().SetCurrentConnection(nullptr);
     EXPECT_FALSE(dictionary.BuildTable("cube", AnsiString()));
     EXPECT_EQ(aliases("cube", "public"), "");
 }
 
-TEST_P(Dictionary, findsATableAsSoonAsOthersHaveMadeIt) {
+TEST_P(Dictionary, findsATableAsSoonAsAnotherConnectionHasCreatedIt) {
     EXPECT_EQ(aliases("cube", "delta"), "");
     EXPECT_FALSE(dictionary.BuildTable("cube5data1", AnsiString("delta")));
     makeTable("delta", "cube5data1");
@@ -78,7 +78,7 @@ TEST_P(Dictionary, findsTheDataTablesOfOneSchema) {
     EXPECT_EQ(aliases("cube", "both"), "cube4data1 cube5data1 ");
 }
 
-TEST_P(Dictionary, readsTheTableOfTheSchemaAsked) {
+TEST_P(Dictionary, readsTheTableOfTheRequestedSchema) {
     makeTable("one", "cube4data1");
     makeTable("two", "cube4data1");
     database->execute("INSERT INTO " + database->table("two", "cube4data1") + " VALUES (2)");
@@ -90,7 +90,7 @@ TEST_P(Dictionary, readsTheTableOfTheSchemaAsked) {
     EXPECT_TRUE(tables[0]->Locate("cubenr", 2));
 }
 
-TEST_P(Dictionary, forgetsATableThatAnOperationMissed) {
+TEST_P(Dictionary, forgetsATableThatAnOperationDidNotFind) {
     makeTable("public", "cube4data1");
     Tables tables;
     ASSERT_TRUE(dictionary.BuildDataTables("cube", tables, AnsiString("public")));

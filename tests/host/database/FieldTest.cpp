@@ -24,16 +24,16 @@ TEST_P(Field, isNullOrAnErrorForAnUnknownName) {
     }
 }
 
-TEST_P(Field, isFoundBySingleMatchWithoutLetterCase) {
+TEST_P(Field, isFoundByASingleMatchIgnoringLetterCase) {
     EXPECT_EQ(table.FieldByName("USAGEcounter")->Name(), "usageCounter");
 }
 
-TEST_P(Field, knowsItsDeclaredSize) {
+TEST_P(Field, returnsItsDeclaredSize) {
     EXPECT_EQ(table.FieldByName("name")->Size(), 8);
     EXPECT_EQ(table.FieldByName("cubenr")->Size(), 0);
 }
 
-TEST_P(Field, readsNumbersAndTextsAsEither) {
+TEST_P(Field, readsNumbersAndTextsAsBoth) {
     database->execute("INSERT INTO \"cube\" VALUES (-4, '12 x', NULL)");
     ASSERT_TRUE(table.Locate("cubenr", -4));
     EXPECT_EQ(table.FieldByName("cubenr")->AsString(), "-4");
@@ -50,7 +50,7 @@ TEST_P(Field, cutsATextToItsSizeInCharacters) {
     EXPECT_EQ(rows(), (Rows{{"1", "12345678", "NULL"}, {"2", "äöüÄÖÜß€", "NULL"}, {"3", "12345678", "NULL"}}));
 }
 
-TEST_P(Field, showsWhatWasSetBeforeItIsPosted) {
+TEST_P(Field, showsNewValuesBeforeTheyArePosted) {
     add(1, "one");
     table.Edit();
     table.FieldByName("name")->SetAsString("123456789");
@@ -60,7 +60,7 @@ TEST_P(Field, showsWhatWasSetBeforeItIsPosted) {
     EXPECT_EQ(rows(), (Rows{{"1", "one", "NULL"}}));
 }
 
-TEST_P(Field, canBeMadeNull) {
+TEST_P(Field, canBeSetToNull) {
     database->execute("INSERT INTO \"cube\" VALUES (1, 'one', 5), (2, 'two', 5)");
     ASSERT_TRUE(table.Locate("cubenr", 1));
     table.Edit();
@@ -70,7 +70,7 @@ TEST_P(Field, canBeMadeNull) {
     EXPECT_EQ(rows(), (Rows{{"1", "NULL", "NULL"}, {"2", "two", "5"}}));
 }
 
-TEST_P(Field, takesNumbersAndTextsEachForTheOther) {
+TEST_P(Field, acceptsNumbersAsTextsAndTextsAsNumbers) {
     table.Append();
     table.FieldByName("cubenr")->SetAsString("17");
     table.FieldByName("name")->SetAsInteger(-3);
@@ -78,7 +78,7 @@ TEST_P(Field, takesNumbersAndTextsEachForTheOther) {
     EXPECT_EQ(rows(), (Rows{{"17", "-3", "NULL"}}));
 }
 
-TEST_P(Field, refusesWhatTheColumnCannotHold) {
+TEST_P(Field, refusesValuesThatTheColumnCannotStore) {
     table.Append();
     EXPECT_EQ(sqlStateOf([&] { table.FieldByName("cubenr")->SetAsInteger(32768); }), "22003");
     EXPECT_EQ(sqlStateOf([&] { table.FieldByName("cubenr")->SetAsInteger(-32769); }), "22003");
@@ -88,13 +88,13 @@ TEST_P(Field, refusesWhatTheColumnCannotHold) {
     EXPECT_EQ(rows(), (Rows{{"-32768", "NULL", "NULL"}}));
 }
 
-TEST_P(Field, tellsATextAsItWouldStoreIt) {
+TEST_P(Field, returnsATextAsItWouldStoreIt) {
     EXPECT_EQ(table.FieldByName("name")->Stored("123456789"), "12345678");
     EXPECT_EQ(table.FieldByName("name")->Stored(nullptr), "");
     EXPECT_EQ(table.FieldByName("cubenr")->Stored("123456789"), "123456789");
 }
 
-// The server counts bytes there; no character is cut in two.
+// In such a database the server counts bytes; no character is cut in two.
 TEST(PostgresField, postgresCutsByBytesInADatabaseWithoutAnEncoding) {
     cubes::test::requireBackend(cubes::test::Backend::postgres);
     if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;
@@ -106,7 +106,7 @@ TEST(PostgresField, postgresCutsByBytesInADatabaseWithoutAnEncoding) {
     table.SetConnection(&connection);
     table.Open();
     EXPECT_EQ(table.FieldByName("name")->Stored("1äöüx"), "1äöüx");
-    // Where narrow texts are not UTF-8, each of these bytes is a character.
+    // In narrow encodings other than UTF-8, each of these bytes is a character.
     std::string const cut = std::string("1äöü€").substr(0, cubes::platform::narrowEncoding() == "UTF8" ? 7 : 8);
     EXPECT_EQ(table.FieldByName("name")->Stored("1äöü€"), cut.c_str());
     table.Append();

@@ -15,7 +15,7 @@ using cubes::test::sqlStateOf;
 class Fork : public cubes::test::TableTest {};
 CUBES_BOTH_BACKENDS(Fork);
 
-TEST_P(Fork, leavesTheParentsConnectionAlone) {
+TEST_P(Fork, doesNotAffectTheParentsConnection) {
     fill(2);
     ASSERT_TRUE(table.Locate("cubenr", 1));
     EXPECT_EQ(inProcesses(2,

@@ -35,7 +35,7 @@ TEST_P(LookUp, findsARowByItsKey) {
     EXPECT_EQ(table.FieldByName("cubenr")->AsInteger(), 1);
 }
 
-TEST_P(LookUp, goesOnBehindTheRowFound) {
+TEST_P(LookUp, continuesAfterTheFoundRow) {
     fill(10);
     ASSERT_TRUE(table.Locate("cubenr", 8));
     EXPECT_EQ(walk(), (std::vector<long>{8, 9, 10}));
@@ -56,7 +56,7 @@ TEST_P(LookUp, findsTheFirstRowInTheOrderOfThePrimaryKey) {
     EXPECT_EQ(foundIgnoringCase("x"), -3);
 }
 
-TEST_P(LookUp, matchesNothingWithNull) {
+TEST_P(LookUp, findsNothingForNull) {
     database->execute("INSERT INTO \"cube\" VALUES (1, NULL, NULL)");
     EXPECT_FALSE(table.Locate("name", Value()));
     EXPECT_FALSE(table.Locate("usageCounter", 0));
@@ -64,7 +64,7 @@ TEST_P(LookUp, matchesNothingWithNull) {
     EXPECT_FALSE(table.Locate("cubenr;name", {1, Value()}));
 }
 
-TEST_P(LookUp, findsNoNumberThatTheColumnCannotHold) {
+TEST_P(LookUp, findsNoNumberOutsideTheColumnsRange) {
     fill(1);
     for (long long const number : {32768LL, -32769LL, 65537LL, 4294967297LL, 9223372036854775807LL})
         EXPECT_FALSE(table.Locate("cubenr", number)) << number;
@@ -83,7 +83,7 @@ struct Names {
     char const* asked;
 };
 
-// Whether the platform's narrow encoding has all the letters.
+// Whether the platform's narrow encoding has all these letters.
 bool isNarrow(std::string const& utf8) {
     return cubes::platform::toUtf8(std::string_view(fromUtf8(utf8))) == utf8;
 }
@@ -102,7 +102,7 @@ TEST_P(LookUp, ignoresLetterCaseInAllLanguages) {
     }
 }
 
-TEST_P(LookUp, tellsDifferentNamesApart) {
+TEST_P(LookUp, distinguishesDifferentNames) {
     for (char const* const name : {"Base", "ÜBERSEE", "100%", "a_b"})
         add(static_cast<long>(rows().size()) + 1, fromUtf8(name));
     for (char const* const other : {"Bas", "Base ", "UBERSEE", "ubersee", "10%", "axb", "a%", ""})
@@ -115,7 +115,7 @@ TEST_P(LookUp, findsATextByItsBytesWithoutTheOption) {
     EXPECT_FALSE(table.Locate("name", "base"));
 }
 
-TEST_P(LookUp, needsAsManyValuesAsKeys) {
+TEST_P(LookUp, requiresAsManyValuesAsKeys) {
     EXPECT_THROW(table.Locate("cubenr;name", 1), TRkDatabaseException);
     EXPECT_THROW(table.Locate("cubenr", std::vector<Value>{}), TRkDatabaseException);
     EXPECT_EQ(sqlStateOf([&] { table.Locate("nothing", 1); }), "42703");
@@ -123,7 +123,7 @@ TEST_P(LookUp, needsAsManyValuesAsKeys) {
     EXPECT_EQ(sqlStateOf([&] { table.Locate("cubenr;", {1, 2}); }), "42703");
 }
 
-TEST_P(LookUp, seesWhatOthersHaveWrittenSince) {
+TEST_P(LookUp, findsRowsThatOthersHaveWrittenSince) {
     EXPECT_FALSE(table.Locate("cubenr", 1));
     fill(1);
     EXPECT_TRUE(table.Locate("cubenr", 1));
@@ -132,8 +132,8 @@ TEST_P(LookUp, seesWhatOthersHaveWrittenSince) {
     EXPECT_EQ(table.FieldByName("name")->AsString(), "other");
 }
 
-// Where the database's own lower() knows ASCII only.
-TEST(PostgresDatabase, postgresFoldsAllLettersInADatabaseOfLocaleC) {
+// The database's own lower() knows ASCII only.
+TEST(PostgresDatabase, postgresFoldsAllLettersInADatabaseWithLocaleC) {
     cubes::test::requireBackend(Backend::postgres);
     if (testing::Test::IsSkipped() || testing::Test::HasFatalFailure()) return;
     cubes::test::TestDatabase const plain(Backend::postgres, "TEMPLATE template0 LOCALE 'C'");

@@ -38,12 +38,12 @@ protected:
 INSTANTIATE_TEST_SUITE_P(
     , PreparedStatements, testing::Values(Backend::postgres), [](auto const&) { return "postgres"; });
 
-TEST_P(PreparedStatements, areRemovedFromTheServerOnceTheirTableIsForgotten) {
+TEST_P(PreparedStatements, areRemovedFromTheServerWithTheirTable) {
     for (int i = 0; i < 10; ++i) lookUpInNewTable();
     EXPECT_LE(onServer(), 4);
 }
 
-TEST_P(PreparedStatements, areAFewHoweverLongAWalkIs) {
+TEST_P(PreparedStatements, areFewHoweverLongAWalkIs) {
     connection->Execute("CREATE TABLE pairs (a smallint, b smallint, PRIMARY KEY (a, b))");
     database->execute("INSERT INTO pairs SELECT a, b FROM generate_series(1, 60) a, generate_series(1, a * 7) b");
     Rktable::TRkTableProxy pairs("pairs", "", "pairs");
@@ -60,7 +60,7 @@ TEST_P(PreparedStatements, areAFewHoweverLongAWalkIs) {
     EXPECT_LE(onServer(), 6);
 }
 
-TEST_P(LostServer, isToldOnceAndThenReachedAgain) {
+TEST_P(LostServer, isReportedOnceAndThenReconnected) {
     fill(3);
     ASSERT_TRUE(table.Locate("cubenr", 2));
     loseConnection();
@@ -72,7 +72,7 @@ TEST_P(LostServer, isToldOnceAndThenReachedAgain) {
     EXPECT_EQ(rows().size(), 4u);
 }
 
-TEST_P(LostServer, doesNotBreakAWalk) {
+TEST_P(LostServer, doesNotInterruptAWalk) {
     fill(3000);
     table.First();
     for (int i = 0; i < 100; ++i) table.Next();
@@ -82,7 +82,7 @@ TEST_P(LostServer, doesNotBreakAWalk) {
     EXPECT_EQ(walk().back(), 3000);
 }
 
-TEST_P(LostServer, takesTheTransactionWithIt) {
+TEST_P(LostServer, endsTheTransaction) {
     {
         cubes::database::ExclusiveAccess access(table);
         add(1, "one");
@@ -97,7 +97,7 @@ TEST_P(LostServer, takesTheTransactionWithIt) {
     EXPECT_EQ(rows(), (Rows{{"4", "four", "NULL"}}));
 }
 
-TEST_P(LostServer, takesTheCallersTransactionWithItUntilItIsRolledBack) {
+TEST_P(LostServer, endsTheCallersTransactionUntilItIsRolledBack) {
     connection->Execute("BEGIN");
     add(1, "one");
     loseConnection();

@@ -11,7 +11,7 @@ using cubes::test::Rows;
 using cubes::test::sqlStateOf;
 using Rktable::TRkTableProxy;
 
-// What each process opens for itself.
+// The objects that each process opens for itself.
 struct Opened {
     explicit Opened(std::string const& url) : connection(url) {
         table.SetConnection(&connection);
@@ -21,7 +21,7 @@ struct Opened {
     TRkTableProxy table{"cube", "", "cube"};
 };
 
-// Adds a row under the highest number and one.
+// Adds a row under the highest number plus one.
 void addNext(TRkTableProxy& table, std::string const& name) {
     ExclusiveAccess access(table);
     long const number = table.Greatest("cubenr").value_or(0) + 1;
@@ -57,7 +57,7 @@ ChildTask const nextNumbers("next numbers", [](int process, std::string const& u
 class Race : public cubes::test::TableTest {
 protected:
     int run(ChildTask const& task) {
-        // An open SQLite file must not be carried into another process.
+        // An open SQLite file must not be used in a forked process.
         table.SetConnection(nullptr);
         connection.reset();
         return task.inProcesses(processes, database->url());
@@ -65,18 +65,18 @@ protected:
 };
 CUBES_BOTH_BACKENDS(Race);
 
-TEST_P(Race, losesNoRaiseOfACounter) {
+TEST_P(Race, losesNoIncrementOfACounter) {
     fill(1);
     EXPECT_EQ(run(raises), processes);
     EXPECT_EQ(rows(), (Rows{{"1", "n1", "202"}}));
 }
 
-TEST_P(Race, letsOneOfTwoEqualRowsIn) {
+TEST_P(Race, acceptsOneOfTwoEqualRows) {
     EXPECT_EQ(run(equalRows), processes);
     EXPECT_EQ(rows().size(), 1u);
 }
 
-TEST_P(Race, givesDifferentNumbersToThoseWhoAddExclusively) {
+TEST_P(Race, givesDifferentNumbersUnderExclusiveAccess) {
     EXPECT_EQ(run(nextNumbers), processes);
     EXPECT_EQ(database->sql("SELECT count(*), count(DISTINCT \"name\"), max(\"cubenr\") FROM \"cube\""),
         (Rows{{"80", "80", "80"}}));
@@ -85,7 +85,7 @@ TEST_P(Race, givesDifferentNumbersToThoseWhoAddExclusively) {
 class Exclusive : public cubes::test::TableTest {};
 CUBES_BOTH_BACKENDS(Exclusive);
 
-TEST_P(Exclusive, accessGivesUpWhatIsNotCommitted) {
+TEST_P(Exclusive, accessRollsBackWhatIsNotCommitted) {
     {
         ExclusiveAccess access(table);
         add(1, "one");
@@ -95,7 +95,7 @@ TEST_P(Exclusive, accessGivesUpWhatIsNotCommitted) {
     EXPECT_EQ(rows(), (Rows{{"1", "one", "NULL"}}));
 }
 
-TEST_P(Exclusive, accessDoesNotDisturbReaders) {
+TEST_P(Exclusive, accessDoesNotBlockReaders) {
     fill(1);
     Opened other(database->url());
     ExclusiveAccess access(table);
@@ -106,7 +106,7 @@ TEST_P(Exclusive, accessDoesNotDisturbReaders) {
     EXPECT_TRUE(other.table.Locate("cubenr", 2));
 }
 
-TEST_P(Exclusive, accessNests) {
+TEST_P(Exclusive, accessCanBeNested) {
     ExclusiveAccess access(table);
     add(1, "one");
     {
@@ -157,7 +157,7 @@ TEST_P(Exclusive, accessLocksTheTableInsideTheCallersTransaction) {
     other.connection.Execute("INSERT INTO \"cube\" VALUES (9, 'x', 0)");
 }
 
-TEST_P(Exclusive, accessIsOverAfterAnErrorInside) {
+TEST_P(Exclusive, accessEndsAfterAnErrorInside) {
     add(1, "one");
     {
         ExclusiveAccess access(table);

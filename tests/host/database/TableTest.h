@@ -36,8 +36,7 @@ std::string messageOf(Work const& work) {
     return {};
 }
 
-/// A database with a table "cube" ("cubenr", "name" of 8 characters, "usageCounter"), empty, and
-/// an open cursor on it.
+/// A database with a table "cube" ("cubenr", "name" of 8 characters, "usageCounter"), empty, and an open cursor on it.
 class TableTest : public BackendTest {
 protected:
     void SetUp() override {
@@ -57,7 +56,7 @@ protected:
         table.FieldByName("name")->SetAsString(name.c_str());
         table.Post();
     }
-    /// Rows numbered from 1, written behind the library's back.
+    /// Rows numbered from 1, written without the library's knowledge.
     void fill(int count) {
         std::string const source =
             backend() == Backend::sqlite

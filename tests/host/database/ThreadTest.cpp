@@ -73,7 +73,7 @@ TEST_P(Thread, usesItsOwnCursorOnASharedConnection) {
     EXPECT_EQ(rows().size(), 100u);
 }
 
-TEST_P(Thread, keepsOutOfTransactionsOfOthers) {
+TEST_P(Thread, staysOutsideTheTransactionsOfOthers) {
     int const good = inThreads([this](int thread) {
         withCursor([thread](TRkTableProxy& own) {
             for (int round = 0; round < 10; ++round) {
@@ -91,8 +91,8 @@ TEST_P(Thread, keepsOutOfTransactionsOfOthers) {
     EXPECT_EQ(rows().size(), 40u);
 }
 
-// It moves under all of them, so that an operation may be refused.
-TEST_P(Thread, leavesACursorIntactThatOthersUse) {
+// The cursor moves under all threads, so an operation may be refused.
+TEST_P(Thread, leavesASharedCursorIntact) {
     fill(200);
     std::atomic<int> refused = 0;
     int const good = inThreads([&](int thread) {
@@ -117,7 +117,7 @@ TEST_P(Thread, leavesACursorIntactThatOthersUse) {
     EXPECT_EQ(walk().size(), 200u) << refused << " operations refused";
 }
 
-TEST_P(Thread, readsTheSystemTablesWhileOthersForgetThem) {
+TEST_P(Thread, readsTheSystemTablesWhileOthersDropTheirCache) {
     fill(3);
     int const good = inThreads([this](int thread) {
         for (int round = 0; round < 30; ++round) {

@@ -25,7 +25,7 @@ protected:
         bytes = readFile(good);
     }
 
-    // A damaged file either gives a matrix of the right size or says what is wrong with it.
+    // A damaged file either gives a matrix of the right size or reports the damage.
     void expectNoCrash(std::string const& damaged, std::size_t place) {
         writeFile(file, damaged);
         TRkMatrix const matrix = opened(file);
@@ -74,7 +74,7 @@ TEST_P(EachDamagedStorage, aChangedByteInTheStructureNeverCrashes) {
     }
 }
 
-// A record may hold and yet lead anywhere: whoever writes such a file knows how to compute a checksum.
+// A valid record can contain any places: the author of a malicious file can compute the checksum.
 TEST_P(EachDamagedStorage, aRecordWithWrongPlacesNeverCrashes) {
     namespace hdf5 = cubes::hdf5;
     auto const original = hdf5::findRecord(std::as_bytes(std::span(bytes)));
@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(DamagedFile, EachDamagedStorage,
     testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
     [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
 
-TEST(DamagedFile, whatIsNotARegularFileIsRefusedWithItsNameAndACause) {
+TEST(DamagedFile, aPathThatIsNotARegularFileIsRefusedWithItsNameAndACause) {
     TempDir const directory;
     TRkMatrix const none(nullptr, 1, nullptr, true, mkDefault, lsNone, 0);
     EXPECT_FALSE(none.IsValid());

@@ -9,8 +9,8 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-// The C library's functions under their own names: a program's own definition is found before the
-// library's, by the libraries it uses as well.
+// Functions with the names of C library functions: a program's own definition is found before the library's, also by
+// the libraries that it uses.
 
 namespace {
 
@@ -29,7 +29,7 @@ bool mustFail() {
     return failed;
 }
 
-// Gives what the system said, and remembers that it went well.
+// Returns the system's result, and records a success.
 int settle(int result, char const* step) {
     if (armed && result == 0) settledSteps += (settledSteps.empty() ? "" : " ") + std::string(step);
     return result;
@@ -64,7 +64,7 @@ CUBES_VISIBLE ssize_t write(int file, void const* bytes, size_t count) {
     return mustFail() ? -1 : real(file, bytes, count);
 }
 
-// Nothing waits for the disk: no test here loses its power.
+// Flushes do nothing: no test here loses its power.
 CUBES_VISIBLE int fsync(int file) {
     return mustFail() ? -1 : settle(0, isDirectory(file) ? "flush-directory" : "flush");
 }

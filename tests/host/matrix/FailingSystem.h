@@ -4,23 +4,23 @@
 
 namespace cubes::test {
 
-/// Makes the system fail for this process: while an object lives, the n-th of the calls that change
-/// the disk (write, copy, flush, cut, rename, make a file), counted from 1, fails with `error`, whoever
-/// makes it, HDF5 included. Later ones fail too, as on a disk that stays full, or `once` only.
+/// Makes system calls of this process fail: while an object exists, the n-th of the calls that change the disk (write,
+/// copy, flush, truncate, rename, create a file), counted from 1, fails with `error`, also when HDF5 makes it. Later
+/// ones fail too, as on a disk that stays full, unless `once` is set.
 class FailingSystem {
 public:
     enum class Failure { stays, once };
 
     FailingSystem(int nth, int error, Failure failure = Failure::stays);
-    /// Lets nothing fail and only watches.
+    /// Makes nothing fail and only records.
     FailingSystem() : FailingSystem(0, 0) {}
     ~FailingSystem();
     FailingSystem(FailingSystem const&) = delete;
     FailingSystem& operator=(FailingSystem const&) = delete;
 
-    /// Whether the failure has come.
+    /// Whether a call has failed.
     bool hasFailed() const;
-    /// The flushes and renames that went well, in their order: "flush rename flush-directory".
+    /// The successful flushes and renames, in order: "flush rename flush-directory".
     std::string settled() const;
 };
 

@@ -38,7 +38,7 @@ protected:
     std::string const file = directory.file("a.skm");
 };
 
-// Mounts a small file system in memory for one test; needs the rights for that.
+// Mounts a small file system in memory for one test; requires the permission to mount.
 class SmallDisk {
 public:
     SmallDisk(std::string directory, char const* options) : directory_(std::move(directory)) {
@@ -87,7 +87,7 @@ TEST_P(EachFailure, everyFailingStepLeavesTheOldFileOrTheNewOne) {
         EXPECT_TRUE(!saved || isNew);
         ASSERT_TRUE(save(numbered(80, 80), file));
     }
-    // Making, structure, elements, flush, rename at the least.
+    // At least creation, structure, elements, flush, rename.
     EXPECT_GT(steps, 6);
 }
 
@@ -178,7 +178,7 @@ TEST_P(EachFailure, aKilledProcessLeavesTheOldFileAndATemporaryFile) {
 INSTANTIATE_TEST_SUITE_P(Failure, EachFailure, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
     [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
 
-TEST(Failure, keepsTheSystemsErrorWhateverStepFails) {
+TEST(Failure, preservesTheSystemsErrorWhicheverStepFails) {
     TempDir const directory;
     cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::full});
     TRkMatrix const source = times(90, 90);
@@ -198,7 +198,7 @@ TEST(Failure, keepsTheSystemsErrorWhateverStepFails) {
     EXPECT_GT(steps, 5);
 }
 
-TEST(Failure, aStagedFileKnowsWhetherItReplacedItsTarget) {
+TEST(Failure, aStagedFileReportsWhetherItReplacedItsTarget) {
     TempDir const directory;
     std::string const file = directory.file("a.skm");
     TRkMatrix const matrix = times(9, 9);

@@ -1,4 +1,4 @@
-// Files of the first version of the matrix file, kept as they were written, are read for ever.
+// Files of the first version of the matrix file, stored as they were written, remain readable.
 
 #include "host/matrix/Samples.h"
 
@@ -20,7 +20,7 @@ std::string sampleFile(std::string const& name) {
 
 class EachFirstVersion : public testing::TestWithParam<char const*> {};
 
-TEST_P(EachFirstVersion, isReadWithEverythingInIt) {
+TEST_P(EachFirstVersion, isReadCompletely) {
     std::string const file = sampleFile(GetParam());
     TRkMatrix const matrix = opened(file, 0, 5);
     ASSERT_TRUE(matrix.IsValid()) << matrix.Reason();
@@ -37,7 +37,7 @@ TEST_P(EachFirstVersion, isReadWithEverythingInIt) {
     EXPECT_EQ(matrix::openMatrixFile(file).header.name, "Zürich [1,2]");
 }
 
-TEST_P(EachFirstVersion, isFoundDamagedByItsChecksum) {
+TEST_P(EachFirstVersion, isDetectedAsDamagedByItsChecksum) {
     TempDir const directory;
     std::string bytes = readFile(sampleFile(GetParam()));
     std::string const element("\x00\x00\x28\x41", 4);
@@ -63,11 +63,11 @@ TEST_P(EachFirstVersion, hasNoOrigin) {
 INSTANTIATE_TEST_SUITE_P(FirstVersion, EachFirstVersion, testing::Values("plain.omx", "deflate.omx"),
     [](auto const& name) { return std::string(name.param) == "plain.omx" ? "plain" : "deflate"; });
 
-TEST(FirstVersion, plainFilesAreReadByTheirOwnIndex) {
+TEST(FirstVersion, plainFilesAreReadThroughTheirOwnIndex) {
     EXPECT_TRUE(matrix::findIndex(platform::FileView::open(sampleFile("plain.omx")).bytes()));
 }
 
-TEST(FirstVersion, selectedLinkMatricesAreStillThat) {
+TEST(FirstVersion, selectedLinkMatricesAreRecognised) {
     TRkMatrix const matrix = opened(sampleFile("selected-link.omx"));
     ASSERT_NE(dynamic_cast<TRkVLSelectedLinkMatrix const*>(matrix.Body()), nullptr);
     EXPECT_EQ(matrix.RowAt(1, 8)[2], 2.5f);

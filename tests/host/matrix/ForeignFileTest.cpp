@@ -18,7 +18,7 @@ using namespace cubes::test;
 
 namespace {
 
-// Makes one file with h5py for each program text, "0", "1", ... in the directory.
+// Creates one file with h5py for each program text, "0", "1", ... in the directory.
 void makeAllWithH5py(std::vector<std::string> const& programs, TempDir const& directory) {
     std::string all = "import sys, h5py, zlib, numpy as np\n";
     for (std::size_t i = 0; i < programs.size(); ++i)
@@ -184,7 +184,7 @@ TEST(ForeignFile, zoneNumbersComeFromALookupOfDistinctWholeNumbers) {
     EXPECT_TRUE(opened(directory.file(std::to_string(cases.size()))).Zones().empty());
 }
 
-TEST(ForeignFile, aTableIsChosenByNameWhereThereAreSeveral) {
+TEST(ForeignFile, aTableIsChosenByNameIfThereAreSeveral) {
     TempDir const directory;
     makeAllWithH5py({"f['data/b'] = np.eye(3); f['data/a'] = np.ones((2, 2)); f['data/list'] = [1, 2]\n"
                      "f['data/sub/x'] = np.eye(2); f['lookup/z'] = [1, 2, 3]",
@@ -250,7 +250,7 @@ TEST(OmxFile, writesATableOfAnyNameWithZones) {
     EXPECT_EQ(listing(directory.str()), "a.omx\n");
 }
 
-TEST(OmxFile, keepsTheStateItWasOpenedOn) {
+TEST(OmxFile, keepsTheStateInWhichItWasOpened) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     OmxFile::write(file, "matrix", numbered(3, 3));

@@ -30,7 +30,7 @@ std::string python(std::string const& program, std::string const& file) {
     return result.output;
 }
 
-// 2 rows of 3, with every kind of number that a float can be.
+// 2 rows of 3, with every kind of number that a float can represent.
 TRkMatrix special() {
     using Limits = std::numeric_limits<float>;
     TRkMatrix matrix = TRkMatrix::inMemory(2, 3);
@@ -190,7 +190,7 @@ TEST(PlainStorage, hasTheBytesOfTheDocumentation) {
     EXPECT_EQ(bytes.substr(0x1780, 24), "\x01\0\0\0\x01\0\0\0"
                                         "\xd8\x88\xdd\x5b\x42\x03\x46\xeb\xe4\xbe\xf5\x04\x5f\x47\x96\xd5"s);
     EXPECT_EQ(bytes.substr(0x1798, 264), std::string(264, '\0'));
-    // Size of the file; rows, columns, type, kind, flags, storage, rows of a chunk, length of the name; places.
+    // Size of the file; rows, columns, type, kind, flags, storage, rows per chunk, length of the name; places.
     EXPECT_EQ(bytes.substr(0x18a8, 88), "\x88\x1b\0\0\0\0\0\0"
                                         "\x02\0\0\0\x02\0\0\0\x07\0\0\0\0\0\0\0"
                                         "\0\0\0\0\x01\0\0\0\x02\0\0\0\x0e\0\0\0"

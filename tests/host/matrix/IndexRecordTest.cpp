@@ -1,4 +1,4 @@
-// The index record: its bytes, what makes it hold, and the provenance beside it.
+// The index record: its bytes, its validity, and the provenance beside it.
 
 #include "host/hdf5/IndexRecord.h"
 
@@ -43,7 +43,7 @@ TEST(Id128, isWrittenAndReadAsHexadecimalDigits) {
         EXPECT_FALSE(Id128::parse(wrong)) << wrong;
 }
 
-TEST(ContentHash, isXxh3OfAllBytesHoweverTheyAreCut) {
+TEST(ContentHash, isXxh3OfAllBytesHoweverTheyAreDivided) {
     std::string const text = "a few bytes";
     auto const bytes = std::as_bytes(std::span(text));
     ContentHash whole;
@@ -55,7 +55,7 @@ TEST(ContentHash, isXxh3OfAllBytesHoweverTheyAreCut) {
     EXPECT_EQ(ContentHash().id().text(), "99aa06d3014798d86001c324468d497f");
 }
 
-TEST(IndexRecord, givesBackWhatItWasMadeOf) {
+TEST(IndexRecord, isReadAsItWasWritten) {
     auto const found = findRecord(bytesOf(sample(), 8));
     ASSERT_TRUE(found);
     EXPECT_EQ(found->offset, 8u);
@@ -75,7 +75,7 @@ TEST(IndexRecord, isFoundAtMultiplesOf8InTheFirst8192Bytes) {
     EXPECT_FALSE(findRecord(std::span<std::byte const>()));
 }
 
-TEST(IndexRecord, doesNotHoldWhenAnyByteOfItIsChangedOrMissing) {
+TEST(IndexRecord, isInvalidWhenAnyByteOfItIsChangedOrMissing) {
     auto const good = bytesOf(sample());
     for (std::size_t i = 0; i < good.size(); ++i) {
         auto damaged = good;
@@ -95,13 +95,13 @@ TEST(IndexRecord, keepsTheBeginningOfALongNameInWholeCharacters) {
     }
 }
 
-TEST(IndexRecord, takesAtMost6PartsOfAKey) {
+TEST(IndexRecord, holdsAtMost6PartsOfAKey) {
     IndexRecord record;
     record.stamp.key.assign(7, 1);
     EXPECT_THROW(encode(record), std::length_error);
 }
 
-TEST(IndexRecord, isStampedAnewInItsFile) {
+TEST(IndexRecord, isStampedAgainInItsFile) {
     TempDir const directory;
     auto file = platform::File::createNew(directory.file("a"));
     EXPECT_FALSE(restamp(file, {}));
@@ -116,7 +116,7 @@ TEST(IndexRecord, isStampedAnewInItsFile) {
     EXPECT_EQ(file.size(), 1024u + 16);
 }
 
-TEST(StructureChecksum, leavesOutRecordAndData) {
+TEST(StructureChecksum, excludesRecordAndData) {
     std::vector<std::byte> file(4000);
     std::vector<Extent> const data = {{3000, 100}, {2500, 50}};
     auto const checksum = structureChecksum(file, 8, data);
@@ -133,7 +133,7 @@ TEST(StructureChecksum, leavesOutRecordAndData) {
     }
 }
 
-TEST(StructureChecksum, isMissingWhereDataOverlapOrLieOutside) {
+TEST(StructureChecksum, isMissingWhenDataOverlapOrLeaveTheFile) {
     std::vector<std::byte> const file(4000);
     constexpr std::uint64_t most = ~std::uint64_t{0};
     for (Extent const& wrong :

@@ -66,7 +66,7 @@ TEST_P(EachStorage, keepsReturnedRowsAndWhatWasWrittenToThem) {
     EXPECT_EQ(early[7], -1);
 }
 
-TEST_P(EachStorage, givesAllElementsAndRowsAsSpans) {
+TEST_P(EachStorage, returnsAllElementsAndRowsAsSpans) {
     TRkMatrix const source = times(700, 400);
     ASSERT_TRUE(save(source, file));
     TRkMatrix matrix = opened(file);
@@ -179,7 +179,7 @@ TEST_P(EachStorage, equalMatricesMakeEqualFiles) {
     EXPECT_TRUE(readFile(file) == readFile(directory.file("b.skm")));
 }
 
-// A header of an object has a version, 2, and flags, of which 0x20 tells that times follow.
+// An object header has a version, 2, and flags, of which 0x20 indicates times.
 TEST_P(EachStorage, filesHaveNoTimes) {
     ASSERT_TRUE(save(times(300, 300), file));
     std::string const bytes = readFile(file);
@@ -194,7 +194,7 @@ TEST_P(EachStorage, filesHaveNoTimes) {
 INSTANTIATE_TEST_SUITE_P(MatrixFile, EachStorage, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
     [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
 
-TEST(MatrixFile, nothingAppearsWhenNothingWasWritten) {
+TEST(MatrixFile, nothingIsCreatedWhenNothingWasWritten) {
     TempDir const directory;
     std::string const file = directory.file("a.skm");
     created(file, 3, 3);
@@ -223,7 +223,7 @@ TEST(MatrixFile, releaseClosesTheFileAndRowsReopenIt) {
     EXPECT_THROW(matrix.RowAt(0, 8), TRkMatrixException);
 }
 
-TEST(MatrixFile, movingLeavesAnObjectThatIsNotValidAndSafe) {
+TEST(MatrixFile, movingLeavesASafeObjectThatIsNotValid) {
     TempDir const directory;
     TRkMatrix first = created(directory.file("a.skm"), 2, 2);
     first.RowAt(0, 0)[0] = 1;
@@ -331,7 +331,7 @@ TEST(Matrix, assignmentCopiesElementsAndZonesAndRefusesOtherDimensions) {
     EXPECT_EQ(difference(target, source), "");
 }
 
-TEST(Matrix, givesTheElementOfAnOdPairByZoneNumbers) {
+TEST(Matrix, returnsTheElementOfAnOdPairByZoneNumbers) {
     TRkMatrix matrix = numbered(3, 3);
     matrix.SetZones({1001, 30, 9500});
     EXPECT_EQ(matrix.At(1001, 9500), 2);
@@ -347,7 +347,7 @@ TEST(Matrix, givesTheElementOfAnOdPairByZoneNumbers) {
     EXPECT_EQ(matrix.At(1, 1), 0);
 }
 
-TEST(Matrix, countsZonesFrom1WhereItHasNoZoneNumbers) {
+TEST(Matrix, countsZonesFrom1WithoutZoneNumbers) {
     TRkMatrix const matrix = numbered(2, 3);
     EXPECT_EQ(matrix.At(1, 1), 0);
     EXPECT_EQ(matrix.At(2, 3), 1002);
@@ -356,7 +356,7 @@ TEST(Matrix, countsZonesFrom1WhereItHasNoZoneNumbers) {
     EXPECT_THROW(TRkMatrix().At(1, 1), TRkMatrixException);
 }
 
-TEST(Matrix, saysWhichZonesThereAre) {
+TEST(Matrix, namesTheExistingZonesWhenAZoneIsMissing) {
     auto const reason = [](TRkMatrix const& matrix, int origin, int destination) {
         try {
             return std::to_string(matrix.At(origin, destination));
@@ -377,7 +377,7 @@ TEST(Matrix, saysWhichZonesThereAre) {
         "cannot read OD pair 30, 1 in " + file + ": there is no zone 1; zone numbers run from 30 to 9500");
 }
 
-TEST(Matrix, refusesSpansOfWhatIsNotThere) {
+TEST(Matrix, refusesSpansOutsideTheMatrix) {
     TRkMatrix none;
     EXPECT_THROW(none.Elements(), TRkMatrixException);
     EXPECT_THROW(none.WritableElements(), TRkMatrixException);

@@ -15,10 +15,10 @@ TEST(MatrixStorageRule, isPlainAndFullByDefault) {
 TEST(MatrixStorageRule, appliesToADirectoryHoweverItsPathIsWritten) {
     test::TempDir const directory;
     setMatrixStorage(directory.str() + "/x/", {Storage::deflate, Durability::process});
-    for (char const* way : {"x", "x/", "x//", "./x", "y/../x/"}) {
-        MatrixStorage const rule = matrixStorage(directory.file(way));
-        EXPECT_EQ(rule.storage, Storage::deflate) << way;
-        EXPECT_EQ(rule.durability, Durability::process) << way;
+    for (char const* path : {"x", "x/", "x//", "./x", "y/../x/"}) {
+        MatrixStorage const rule = matrixStorage(directory.file(path));
+        EXPECT_EQ(rule.storage, Storage::deflate) << path;
+        EXPECT_EQ(rule.durability, Durability::process) << path;
     }
     EXPECT_EQ(matrixStorage(directory.str()).storage, Storage::plain);
     EXPECT_EQ(matrixStorage(directory.file("x/y")).storage, Storage::plain);

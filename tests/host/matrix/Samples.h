@@ -17,7 +17,7 @@ TRkMatrix times(int rows, int columns);
 TRkMatrix created(std::string const& file, int rows, int columns, int lock = 0, char const* name = "");
 /// An object opened on a file.
 TRkMatrix opened(std::string const& file, int lock = 0, int kind = 0, char const* name = "");
-/// Saves a matrix as a file; returns whether that succeeded.
+/// Saves a matrix as a file; returns whether it succeeded.
 bool save(TRkMatrix const& matrix, std::string const& file, int lock = 0);
 
 /// The first difference between two matrices, bit by bit; empty when there is none.

@@ -161,7 +161,7 @@ TEST_F(SelectedLinkMatrix, canStayInMemory) {
     EXPECT_EQ(files(), "");
 }
 
-TEST_F(SelectedLinkMatrix, isNotValidWhereNoFileCanBeMade) {
+TEST_F(SelectedLinkMatrix, isNotValidIfNoFileCanBeCreated) {
     TRkMatrix const missing = TRkMatrix::selectedLink(2, 2, directory_.file("missing/a.slm").c_str());
     EXPECT_FALSE(missing.IsValid());
     EXPECT_NE(missing.Reason().find(nativePath("missing/a.slm")), std::string::npos) << missing.Reason();

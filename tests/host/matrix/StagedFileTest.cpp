@@ -1,4 +1,4 @@
-// Files that are complete beside their target before they replace it, and what they say of their origin.
+// Files that are completed beside their target before they replace it, and the origin that they record.
 
 #include "host/matrix/StagedFile.h"
 
@@ -183,7 +183,7 @@ TEST(StagedFile, namesItsTargetWhenItCannotBeWritten) {
     EXPECT_THROW(StagedFile(directory.file("none/a")), std::system_error);
 }
 
-TEST(DirectoryIdentity, isMadeOnceAndKept) {
+TEST(DirectoryIdentity, isCreatedOnceAndKept) {
     TempDir const directory;
     TempDir const other;
     Id128 const id = directoryIdentity(directory.str());
@@ -208,14 +208,14 @@ TEST(DirectoryIdentity, isReadFromAFileOf32Digits) {
     }
 }
 
-TEST(DirectoryIdentity, isUnknownWhereNothingCanBeWritten) {
+TEST(DirectoryIdentity, isUnknownInADirectoryThatCannotBeWrittenTo) {
     TempDir const directory;
     EXPECT_FALSE(directoryIdentity(directory.file("none")).isKnown());
     std::filesystem::create_directory(directory.file("cubes-id"));
     EXPECT_FALSE(directoryIdentity(directory.str()).isKnown());
 }
 
-TEST(DirectoryIdentity, isOneForAllThreadsThatAskAtOnce) {
+TEST(DirectoryIdentity, isTheSameForAllThreadsThatAskAtOnce) {
     TempDir const directory;
     std::vector<Id128> ids(8);
     {
@@ -231,7 +231,7 @@ ChildTask const asking("asking", [](int number, std::string const& directory) {
     writeFile(directory + "/seen-" + std::to_string(number), directoryIdentity(directory + "/matrices").text());
 });
 
-TEST(DirectoryIdentity, isOneForAllProcessesThatAskAtOnce) {
+TEST(DirectoryIdentity, isTheSameForAllProcessesThatAskAtOnce) {
     TempDir const directory;
     std::filesystem::create_directory(directory.file("matrices"));
     ASSERT_EQ(asking.inProcesses(4, directory.str()), 4);

@@ -18,7 +18,7 @@ bool isLocked(TRkMatrix const& matrix) {
     return !matrix.IsValid() && matrix.Reason().find("locked") != std::string::npos;
 }
 
-// What one can try with a file: "open", "create" or "save", with a lock state.
+// What a process can try with a file: "open", "create" or "save", with a lock state.
 TRkMatrix tried(std::string const& action, int lock, std::string const& file) {
     if (action == "open") return opened(file, lock);
     TRkMatrix target = created(file, 3, 3, lock);
@@ -30,10 +30,10 @@ bool is(std::string const& expected, TRkMatrix const& matrix) {
     return expected == "done" ? matrix.IsValid() : isLocked(matrix);
 }
 
-// Told what is expected too: "done open 1 a.skm", "refused open 3 a.skm". A process that could not try ends badly
-// whatever was expected.
-ChildTask const trial("trial", [](int, std::string const& told) {
-    std::istringstream words(told);
+// The argument is the expected result and the attempt: "done open 1 a.skm", "refused open 3 a.skm". A process that
+// could not try exits with an error whatever was expected.
+ChildTask const trial("trial", [](int, std::string const& attempt) {
+    std::istringstream words(attempt);
     std::string expected, action, file;
     int lock = 0;
     std::getline(words >> expected >> action >> lock >> std::ws, file);
@@ -44,7 +44,7 @@ bool isElsewhere(std::string const& expected, std::string const& action, int loc
     return trial.inProcesses(1, expected + " " + action + " " + std::to_string(lock) + " " + file) == 1;
 }
 
-// Told the file. Ends without running destructors, like a process that is killed.
+// The argument is the file. Ends without running destructors, like a killed process.
 ChildTask const holding("holding", [](int, std::string const& file) {
     TRkMatrix const held = opened(file, lsReadWrite);
     bool const isHeld = held.IsValid() && isElsewhere("refused", "open", lsReadWrite, file) &&
@@ -75,7 +75,7 @@ TEST_F(WriteLocks, openingForWritingExcludesOthersThatOpenForWriting) {
     EXPECT_TRUE(isElsewhere("refused", "create", lsReadWrite, file));
 }
 
-TEST_F(WriteLocks, readingIsNeverExcluded) {
+TEST_F(WriteLocks, readingIsNeverBlocked) {
     TRkMatrix const writer = opened(file, lsReadWrite);
     for (int lock : {0, 1, 4, 8}) {
         EXPECT_TRUE(opened(file, lock).IsValid()) << lock;

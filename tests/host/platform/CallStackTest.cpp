@@ -11,7 +11,7 @@ using cubes::platform::demangled;
 namespace {
 
 __attribute__((noinline)) std::size_t framesAtDepth(int depth) {
-    // Read after the call, so that it is not the function's last step.
+    // Read after the call, so that the call is not the function's last instruction.
     std::size_t const volatile frames = depth > 0 ? framesAtDepth(depth - 1) : callStack().size();
     return frames;
 }
@@ -34,7 +34,7 @@ TEST(Demangled, isTheNameInTheSource) {
     for (char const* const name : {"main", "ZSTD_compress", "Z3addii", ""}) EXPECT_EQ(demangled(name), name);
 }
 
-TEST(ClassNames, arePlain) {
+TEST(ClassNames, areUnmangled) {
     EXPECT_STREQ("PlainlyNamed", className(typeid(PlainlyNamed)));
     EXPECT_STREQ("int", className(typeid(int)));
 }

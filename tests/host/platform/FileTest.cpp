@@ -30,7 +30,7 @@ std::string textOf(std::span<std::byte const> bytes) {
 
 }
 
-TEST(File, readsAndWritesAtAnyPlace) {
+TEST(File, readsAndWritesAtAnyOffset) {
     TempDir const directory;
     File file = File::createNew(directory.file("a"));
     file.writeAt(4, bytesOf("five"));
@@ -83,14 +83,14 @@ TEST(FileView, keepsTheStateOfARemovedFile) {
         EXPECT_EQ(textOf(view.bytes()), "old");
         EXPECT_FALSE(discardFile(directory.file("a")));
     }
-    // What had to be kept for the view goes when a file is replaced.
+    // A file that was kept for the view is removed with the next replacement.
     writeFile(directory.file("b"), "old");
     writeFile(directory.file("c"), "new");
     EXPECT_TRUE(renameFile(directory.file("c"), directory.file("b")));
     EXPECT_EQ(listing(directory.str()), "b\n");
 }
 
-TEST(ByteLock, excludesOthersFromItsByteAlone) {
+TEST(ByteLock, excludesOthersFromItsByteOnly) {
     TempDir const directory;
     std::string const file = directory.file("lock");
     constexpr std::uint64_t farthest = ~std::uint64_t{0} >> 1;

@@ -137,7 +137,7 @@ TEST(Files, needNotExistForAnAbsolutePath) {
     EXPECT_EQ((fs::current_path() / "a").string(), platform::absolutePath("a"));
 }
 
-TEST(Files, areTheSameDirectoryByAnyNameOfIt) {
+TEST(Files, areTheSameDirectoryUnderAnyOfItsNames) {
     TempDir const directory;
     fs::create_directory(directory.file("a"));
     fs::create_directory(directory.file("b"));
@@ -147,7 +147,7 @@ TEST(Files, areTheSameDirectoryByAnyNameOfIt) {
     EXPECT_FALSE(platform::isSameDirectory("", ""));
 }
 
-TEST(Files, areRenamedOverFilesAndNotOverDirectories) {
+TEST(Files, areRenamedOverFilesButNotOverDirectories) {
     TempDir const directory;
     writeFile(directory.file("a"), "new");
     writeFile(directory.file("b"), "old");
@@ -204,7 +204,7 @@ TEST(CopyContent, namesTheMissingSource) {
     }
 }
 
-TEST(CopyContent, sharesNothingThatIsChangedLater) {
+TEST(CopyContent, sharesNoLaterChanges) {
     TempDir const directory;
     writeFile(directory.file("source"), "old content");
     File target = File::createNew(directory.file("target"));

@@ -33,18 +33,18 @@ TEST(NarrowText, isCutBetweenCharacters) {
     EXPECT_EQ(firstCharacters("", 3), "");
 }
 
-TEST(NarrowText, ofFourBytesForACharacterIsCutBetweenCharacters) {
+TEST(NarrowText, withCharactersOfFourBytesIsCutBetweenCharacters) {
     if (narrowEncoding() != "UTF8") GTEST_SKIP() << "SKIPPED: the narrow encoding has no such characters";
     EXPECT_EQ(firstCharacters("€𐐀x", 2), "€𐐀");
 }
 
-TEST(NarrowText, hasNoLookAlikesOfCharactersThatItLacks) {
+TEST(NarrowText, replacesMissingCharactersAndNotBySimilarOnes) {
     std::string const expected = narrowEncoding() == "UTF8" ? "Ā" : "?";
     EXPECT_EQ(fromUtf8("Ā"), expected);
     EXPECT_EQ(toNarrow(L"Ā"), expected);
 }
 
-TEST(NarrowText, isMadeOfWideText) {
+TEST(NarrowText, isConvertedFromWideText) {
     EXPECT_EQ(toNarrow(L"usageCounter"), "usageCounter");
     EXPECT_EQ(toNarrow(L"ä€"), fromUtf8("ä€"));
     EXPECT_EQ(toNarrow(L""), "");

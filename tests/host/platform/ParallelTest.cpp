@@ -8,7 +8,7 @@
 
 using namespace cubes::platform;
 
-TEST(Parallel, doesEverythingOnceAndPassesTheFirstFailureOn) {
+TEST(Parallel, runsEveryPieceOnceAndPassesOnTheFirstFailure) {
     std::vector<std::atomic<int>> done(1000);
     inParallel(done.size(), [&] { return [&](std::size_t i) { ++done[i]; }; });
     for (auto const& times : done) EXPECT_EQ(times, 1);

@@ -24,7 +24,7 @@ using cubes::test::writeFile;
 
 namespace {
 
-/// Another program's handle of a file, which shares nothing unless told otherwise.
+/// Another program's handle of a file, which shares nothing by default.
 class Foreign {
 public:
     explicit Foreign(std::string const& path, DWORD share = 0)
@@ -53,7 +53,7 @@ std::string failureOf(Work const& work) {
     }
 }
 
-/// The target's content is written anew, beside it and then in its place.
+/// Writes new content beside the target and replaces it.
 void publish(std::string const& target, std::string const& content) {
     platform::TemporaryFile file(target);
     file.file().writeAt(0, std::as_bytes(std::span(content.data(), content.size())));
@@ -66,7 +66,7 @@ bool canBeTaken(std::string const& path) {
 
 ChildTask const taking("taking", [](int, std::string const& path) { leaveAtOnce(canBeTaken(path)); });
 
-// Apart from the other, so that a process that cannot even try does not pass for one that was refused.
+// A separate result, so that a process that could not try does not count as refused.
 ChildTask const beingRefused("being refused", [](int, std::string const& path) { leaveAtOnce(!canBeTaken(path)); });
 
 ChildTask const takingAndEnding("taking and ending", [](int, std::string const& path) {
@@ -76,7 +76,7 @@ ChildTask const takingAndEnding("taking and ending", [](int, std::string const& 
 
 }
 
-TEST(WindowsErrors, endInTheSystemsLineEnd) {
+TEST(WindowsErrors, endWithTheSystemsLineEnd) {
     for (std::uint32_t const code : {2u, 3u, 5u, 32u, 112u}) {
         auto const text = platform::errorText(code);
         ASSERT_TRUE(text) << code;
@@ -87,14 +87,14 @@ TEST(WindowsErrors, endInTheSystemsLineEnd) {
     }
 }
 
-TEST(WindowsErrors, areToldByTheirNumberAcrossOtherCalls) {
+TEST(WindowsErrors, areReportedByTheirNumberAcrossOtherCalls) {
     SetLastError(ERROR_DISK_FULL);
     EXPECT_EQ(platform::lastError(), 112u);
     EXPECT_EQ(TRkCubesException("Copy", 0xFFFFFFFF).what(), "Copy " + *platform::errorText(112));
 }
 
-// The C library's copy, which getenv reads, does not change with the system's.
-TEST(WindowsEnvironment, isTheSystemsAtEachCall) {
+// The C library's copy, which getenv reads, does not follow the system's.
+TEST(WindowsEnvironment, isReadFromTheSystemAtEachCall) {
     constexpr char const* name = "CUBES_TEST_SYSTEM_ENVIRONMENT";
     EXPECT_FALSE(platform::environment(name));
     for (std::string const& value : {std::string("true"), std::string(5000, 'x')}) {
@@ -124,14 +124,14 @@ TEST(WindowsFile, thatIsInUseIsRefusedWithItsNameAndTheReason) {
     EXPECT_EQ(readFile(directory.file("a")), "new");
 }
 
-TEST(WindowsFile, thatIsInUseStaysWhereItIs) {
+TEST(WindowsFile, inUseCannotBeMoved) {
     TempDir const directory;
     writeFile(directory.file("a"), "a");
     writeFile(directory.file("b"), "b");
     std::filesystem::create_directory(directory.file("d"));
     writeFile(directory.file("d/inner"), "inner");
     {
-        // As most programs open what they read.
+        // Opened with the sharing of most programs.
         Foreign const user(directory.file("b"), FILE_SHARE_READ | FILE_SHARE_WRITE);
         Foreign const other(directory.file("d/inner"), FILE_SHARE_READ | FILE_SHARE_WRITE);
         EXPECT_FALSE(platform::copyFile(directory.file("a"), directory.file("b")));
@@ -146,7 +146,7 @@ TEST(WindowsFile, thatIsInUseStaysWhereItIs) {
     EXPECT_EQ(listing(directory.str()), "a\nb\nc\n");
 }
 
-TEST(WindowsFile, isReplacedUnderItsReadersWhoKeepWhatTheyRead) {
+TEST(WindowsFile, isReplacedWhileReadersKeepTheOldContent) {
     TempDir const directory;
     writeFile(directory.file("a"), "one");
     {
@@ -190,8 +190,8 @@ TEST(WindowsFile, mayHaveALongPath) {
     EXPECT_EQ(listing(directory.str()), "");
 }
 
-// The system's names of devices, in whatever directory.
-TEST(WindowsFile, isNoDevice) {
+// The system's device names, in any directory.
+TEST(WindowsFile, cannotBeADevice) {
     TempDir const directory;
     for (char const* name : {"NUL", "nul", "CON", "COM1", "LPT1", "AUX", "PRN"}) {
         std::string const path = directory.file(name);
@@ -205,7 +205,7 @@ TEST(WindowsFile, isNoDevice) {
     EXPECT_EQ(listing(directory.str()), "");
 }
 
-TEST(WindowsFile, keepsItsContentWhenADeviceIsToTakeItsCopy) {
+TEST(WindowsFile, keepsItsContentWhenItIsCopiedToADevice) {
     TempDir const directory;
     writeFile(directory.file("a"), "a");
     EXPECT_FALSE(platform::copyFile(directory.file("a"), directory.file("NUL")));
@@ -214,7 +214,7 @@ TEST(WindowsFile, keepsItsContentWhenADeviceIsToTakeItsCopy) {
     EXPECT_EQ(listing(directory.str()), "a\n");
 }
 
-TEST(WindowsLock, isSeenByAnotherProcessAndEndsWithItsOwn) {
+TEST(WindowsLock, isVisibleToAnotherProcessAndEndsWithItsOwn) {
     TempDir const directory;
     std::string const file = directory.file("lock");
     {

@@ -23,7 +23,7 @@ struct Pair {
     std::string second;
 };
 
-/// A code page that has these letters, as those of western Europe have.
+/// Whether the code page has these letters, as those of western Europe do.
 #define CUBES_REQUIRE_LETTERS(letters)                                                                                 \
     if (platform::toUtf8(std::string_view(platform::fromUtf8(letters))) != (letters))                                  \
     GTEST_SKIP() << "SKIPPED: the code page has not got " << (letters)
@@ -40,7 +40,7 @@ TEST(WindowsPaths, areTheSameInAnyLetterCaseAndWithEitherDelimiter) {
         EXPECT_FALSE(platform::isSamePath(first, second)) << first << " " << second;
 }
 
-TEST(WindowsPaths, lieInADirectory) {
+TEST(WindowsPaths, areInADirectory) {
     Pair const paths[] = {{R"(C:\data\a.skm)", R"(C:\data)"}, {R"(C:\a.skm)", R"(C:\)"}, {R"(data\a.skm)", "data"},
         {"data/a.skm", "data"}, {R"(\\server\share\b\a.skm)", R"(\\server\share\b)"}, {"a.skm", "."}};
     for (auto const& [path, directory] : paths) EXPECT_EQ(platform::directoryOf(path), directory) << path;
@@ -78,23 +78,23 @@ TEST(WindowsPaths, nameTheFileInAnyLetterCaseAndWithEitherDelimiter) {
     EXPECT_EQ(platform::File::openForReading(directory.str() + "/data\\A.skm").size(), 1u);
 }
 
-TEST(WindowsPaths, areTheSameByWhateverDriveLeadsToThem) {
+TEST(WindowsPaths, areTheSameOnWhateverDriveNamesThem) {
     TempDir const directory;
     std::filesystem::create_directory(directory.file("inner"));
     if (!DefineDosDeviceW(0, L"S:", std::filesystem::path(directory.str()).c_str()))
-        GTEST_SKIP() << "SKIPPED: no drive can be made of a directory";
+        GTEST_SKIP() << "SKIPPED: a directory cannot be mapped to a drive";
     bool const isInside = platform::overlap("S:\\inner", directory.str());
     bool const isNewInside = platform::overlap(directory.str(), "S:\\inner\\new");
     bool const isElsewhere = platform::overlap("S:\\inner", directory.file("other"));
     bool const isKnown = platform::withoutLinks("S:\\inner") == platform::withoutLinks(directory.file("inner"));
     DefineDosDeviceW(DDD_REMOVE_DEFINITION, L"S:", nullptr);
     EXPECT_FALSE(isElsewhere);
-    if (!isKnown) GTEST_SKIP() << "SKIPPED: Wine does not tell what a drive stands for";
+    if (!isKnown) GTEST_SKIP() << "SKIPPED: Wine does not report the target of a drive";
     EXPECT_TRUE(isInside);
     EXPECT_TRUE(isNewInside);
 }
 
-TEST(WindowsPaths, mayHaveTheLettersOfTheCodePage) {
+TEST(WindowsPaths, mayContainLettersOfTheCodePage) {
     CUBES_REQUIRE_LETTERS("Zürich ÄÖ ß.skm");
     TempDir const directory;
     std::string const name = directory.file(platform::fromUtf8("Zürich ÄÖ ß.skm"));
@@ -107,7 +107,7 @@ TEST(WindowsPaths, mayHaveTheLettersOfTheCodePage) {
     EXPECT_EQ(platform::toUtf8(platform::fromUtf8("é")), "é");
 }
 
-TEST(WindowsPaths, areNotMistakenForOthersThatLookAlike) {
+TEST(WindowsPaths, areNotMistakenForSimilarOnes) {
     if (platform::narrowEncoding() == "UTF8") GTEST_SKIP() << "SKIPPED: the code page has all letters";
     EXPECT_EQ(platform::fromPath(L"\u0100\uFF21.skm"), "??.skm");
     TempDir const directory;

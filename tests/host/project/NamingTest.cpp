@@ -21,7 +21,7 @@ struct Case {
     char const* name;
 };
 
-TEST(SchemaName, isMadeOfTheLastComponent) {
+TEST(SchemaName, isFormedFromTheLastComponent) {
     Case const cases[] = {
         {"/data/delta", "delta"},
         {"/data/delta/", "delta"},
@@ -37,7 +37,7 @@ TEST(SchemaName, isMadeOfTheLastComponent) {
     for (auto const& [directory, name] : cases) EXPECT_EQ(schemaName(directory), name) << directory;
 }
 
-TEST(SchemaName, takesAPrefix) {
+TEST(SchemaName, acceptsAPrefix) {
     EXPECT_EQ(schemaName("/data/delta", "City"), "city_delta");
     EXPECT_EQ(schemaName("/data/delta", "1"), "_1_delta");
     EXPECT_EQ(schemaName("/data/1", "x"), "x_1");
@@ -48,7 +48,7 @@ TEST(SchemaName, hasAtMost63Bytes) {
     EXPECT_EQ(schemaName(("/1" + std::string(100, 'x')).c_str()), "_1" + std::string(61, 'x'));
 }
 
-TEST(SchemaName, cannotBeMadeOfNothing) {
+TEST(SchemaName, cannotBeFormedFromAnEmptyName) {
     for (char const* const directory : {"", "/", "\\", "//\\"})
         EXPECT_THROW(schemaName(directory), TRkException) << directory;
     EXPECT_THROW(schemaName("", "x"), TRkException);
@@ -58,7 +58,7 @@ std::string projectDirectory(std::string const& directory) {
     return ProjectPathHelpers::getProjectDirectory(AnsiString(directory)).c_str();
 }
 
-TEST(ProjectDirectory, isTheNearestWithAProjectFile) {
+TEST(ProjectDirectory, isTheNearestOneWithAProjectFile) {
     TempDir const directory;
     std::filesystem::create_directories(directory.file("outer/inner/results/deep"));
     cubes::test::writeFile(directory.file("outer/cubes.toml"), "");

@@ -1,5 +1,5 @@
-#include "host/platform/NarrowText.h"
 #include "host/project/ProjectFile.h"
+#include "host/platform/NarrowText.h"
 #include "support/TempDir.h"
 
 #include <cubes/project/TRkProjectException.h>
@@ -35,7 +35,7 @@ std::string whyRefused(std::string const& text) {
     return "not refused";
 }
 
-TEST(ProjectFile, saysWhatAProjectIs) {
+TEST(ProjectFile, describesAProject) {
     TempDir const directory;
     auto const file = read(directory, "# a comment\n"
                                       "database = 'postgresql://server/db'\n"
@@ -53,7 +53,7 @@ TEST(ProjectFile, saysWhatAProjectIs) {
     EXPECT_EQ(file.schema, "delta_2");
 }
 
-TEST(ProjectFile, maySayNothing) {
+TEST(ProjectFile, mayBeEmpty) {
     TempDir const directory;
     auto const file = read(directory, "");
     EXPECT_EQ(file.database, "sqlite:cubes.db");
@@ -69,7 +69,7 @@ struct Refusal {
     char const* reason;
 };
 
-TEST(ProjectFile, isRefusedWithItsLineWhenItMakesNoSense) {
+TEST(ProjectFile, isRefusedWithItsLineWhenItIsInvalid) {
     Refusal const refusals[] = {
         {"database = 5", ", line 1: 'database' must be a text"},
         {"\n\ndatabase = ''", ", line 3: 'database' must not be empty"},

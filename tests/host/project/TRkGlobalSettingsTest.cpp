@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST(GlobalSettings, keepObjectsUnderKeysWithoutOwningThem) {
+TEST(GlobalSettings, storeObjectsUnderKeysWithoutOwningThem) {
     TRkObject one;
     TRkObject two;
     TRkGlobalSettings settings;
@@ -30,7 +30,7 @@ TEST(GlobalSettings, ignoreANullKey) {
     EXPECT_EQ(settings.Get(""), nullptr);
 }
 
-TEST(GlobalSettings, giveTheDirectoriesAsTheyWereGiven) {
+TEST(GlobalSettings, returnTheDirectoriesUnchanged) {
     TRkGlobalSettings const settings("/a/b", "/c/d/");
     EXPECT_EQ(settings.MatrixDirectory().str(), "/a/b");
     EXPECT_EQ(settings.WorkingDirectory().str(), "/c/d/");

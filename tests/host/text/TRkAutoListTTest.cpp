@@ -6,7 +6,7 @@
 
 namespace {
 
-// An item that counts how many of its kind are alive.
+// An item that counts its existing objects.
 struct Item {
     Item(int place, std::string text) : order(place), label(std::move(text)) { ++alive; }
     Item(Item const& other) : order(other.order), label(other.label) { ++alive; }

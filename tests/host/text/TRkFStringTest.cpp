@@ -124,7 +124,7 @@ TEST(TRkFString, existsAsAFileOrDirectory) {
     EXPECT_FALSE(TRkFString().Exists(""));
 }
 
-TEST(TRkFString, looksForANameInsideItsDirectoryPart) {
+TEST(TRkFString, searchesANameInItsDirectoryPart) {
     TempDir const directory;
     makeTree(directory);
     TRkFString const file(directory.file("tree/a.skm"));
@@ -135,16 +135,16 @@ TEST(TRkFString, looksForANameInsideItsDirectoryPart) {
     EXPECT_TRUE(TRkFString::Directory(directory.file("tree")).Exists("a.skm"));
 }
 
-TEST(TRkFString, makesAllMissingLevelsOfADirectory) {
+TEST(TRkFString, createsAllMissingLevelsOfADirectory) {
     TempDir const directory;
     TRkFString const root = TRkFString::Directory(directory.str());
     EXPECT_TRUE(root.MkDir("a/b/c"));
-    EXPECT_TRUE(root.MkDir("a/b/c")) << "an existing directory is no failure";
+    EXPECT_TRUE(root.MkDir("a/b/c")) << "an existing directory is not a failure";
     EXPECT_TRUE(TRkFString::Directory(directory.file("d/e")).MkDir());
     EXPECT_EQ("a\na/b\na/b/c\nd\nd/e\n", listing(directory.str()));
 }
 
-TEST(TRkFString, makesNoDirectoryWhereAFileIs) {
+TEST(TRkFString, createsNoDirectoryInPlaceOfAFile) {
     TempDir const directory;
     writeFile(directory.file("a"), "A");
     EXPECT_FALSE(TRkFString(directory.file("a")).MkDir());
@@ -166,7 +166,7 @@ TEST(TRkFString, removesADirectoryWithContentOnRequestOnly) {
     EXPECT_FALSE(root.RmDir(true, "tree")) << "it is gone";
 }
 
-TEST(TRkFString, removesNoFileAsADirectory) {
+TEST(TRkFString, doesNotRemoveAFileAsADirectory) {
     TempDir const directory;
     makeTree(directory);
     EXPECT_FALSE(TRkFString(directory.file("tree/a.skm")).RmDir(true));

@@ -22,7 +22,7 @@ protected:
         good = readFile(file);
     }
 
-    // Damage is told with the file's name, or it touched nothing that counts.
+    // Damage is reported with the file's name, unless it is in bytes that have no effect.
     bool isRefused(std::string const& damaged, std::size_t place) const {
         writeFile(file, damaged);
         auto const set = routeSet(file, romRead);
@@ -50,7 +50,7 @@ TEST_F(DamagedRouteFile, cutShortAnywhereIsRefused) {
     for (std::size_t const length : lengths) EXPECT_TRUE(isRefused(good.substr(0, length), length)) << length;
 }
 
-TEST_F(DamagedRouteFile, withAByteChangedIsRefusedUnlessItMeansNothing) {
+TEST_F(DamagedRouteFile, withAChangedByteIsRefusedUnlessItHasNoEffect) {
     int refused = 0;
     int changed = 0;
     for (std::size_t place = 0; place < good.size(); place += 23, ++changed) {
@@ -62,7 +62,7 @@ TEST_F(DamagedRouteFile, withAByteChangedIsRefusedUnlessItMeansNothing) {
     EXPECT_GT(refused, 20);
 }
 
-TEST_F(DamagedRouteFile, withABlockOfZerosOrNoiseIsRefusedUnlessItMeansNothing) {
+TEST_F(DamagedRouteFile, withABlockOfZerosOrNoiseIsRefusedUnlessItHasNoEffect) {
     std::mt19937 random(9);
     for (std::size_t place = 0; place + 64 < good.size(); place += 151) {
         std::string damaged = good;
@@ -71,11 +71,11 @@ TEST_F(DamagedRouteFile, withABlockOfZerosOrNoiseIsRefusedUnlessItMeansNothing) 
     }
 }
 
-TEST_F(DamagedRouteFile, withSomethingBehindItIsRead) {
+TEST_F(DamagedRouteFile, withBytesAfterItsEndIsRead) {
     EXPECT_FALSE(isRefused(good + std::string(1000, 'x'), good.size()));
 }
 
-TEST_F(DamagedRouteFile, canBeCreatedAnewButNotExtended) {
+TEST_F(DamagedRouteFile, canBeReplacedButNotExtended) {
     writeFile(file, good.substr(0, good.size() / 2));
     std::string const bytes = readFile(file);
     auto const set = routeSet(file, romExtend);

@@ -9,7 +9,7 @@ using namespace cubes::test;
 
 namespace {
 
-// Route files as another program may write them, each changed by a piece of program text.
+// Route files that another program may write, each changed by a piece of Python.
 std::string const writeProgram = R"(
 import sys, h5py, numpy as np
 for path, change in zip(sys.argv[1::2], sys.argv[2::2]):
@@ -73,7 +73,7 @@ void expectReason(std::string const& file, std::string const& reason) {
 Foreign const refused[] = {
     {"ofAnotherKind", "f.attrs['format'] = np.bytes_('cubes route data')",
         "it holds cubes route data, not cubes routes"},
-    {"ofNoKind", "del f.attrs['format']", "it holds something else, not cubes routes"},
+    {"withoutKind", "del f.attrs['format']", "it holds something else, not cubes routes"},
     {"ofALaterVersion", "f.attrs['version'] = 2", "its version 2 is unknown"},
     {"withoutKey", "del f.attrs['key']", "cannot find the attribute key"},
     {"withAShortKey", "f.attrs['key'] = [1, 2]", "the attribute key has another size"},
@@ -91,16 +91,16 @@ Foreign const refused[] = {
     {"withRealLinks", "replace('links', [10, 10, 20, 20], 'f4')", "links has numbers of another type"},
     {"withTextLinks", "replace('links', [b'a', b'b'], 'S1')", "links has numbers of another type"},
     {"withFewOrigins", "replace('origins', [1], 'i4')", "destinations has another size"},
-    {"withAShareThatIsNoNumber", "replace('shares', [1, float('nan'), 1], 'f4')", "a share is not a finite number"},
+    {"withAShareThatIsNotANumber", "replace('shares', [1, float('nan'), 1], 'f4')", "a share is not a finite number"},
     {"withFewShares", "replace('shares', [1], 'f4')", "shares has another size"},
     {"withFewOffsets", "replace('offsets', [0, 4], 'u8')", "offsets does not fit"},
-    {"withNoOffsets", "replace('offsets', [], 'u8')", "offsets does not fit"},
+    {"withoutOffsets", "replace('offsets', [], 'u8')", "offsets does not fit"},
     {"withOffsetsPastTheEnd", "replace('offsets', [0, 1, 2**60, 4], 'u8')", "offsets does not fit"},
-    {"withFallingOffsets", "replace('offsets', [0, 3, 1, 4], 'u8')", "offsets does not fit"},
+    {"withDescendingOffsets", "replace('offsets', [0, 3, 1, 4], 'u8')", "offsets does not fit"},
     {"withOffsetsFromOne", "replace('offsets', [1, 1, 3, 4], 'u8')", "offsets does not fit"},
     {"withAnIndexOfUnknownRoutes", "replace('by_link/routes', [0, 1, 1, 3], 'u4')", "by_link does not fit"},
     {"withAnIndexInDisorder", "replace('by_link/links', [20, 10], 'u4')", "by_link does not fit"},
-    {"withAFallingIndex", "replace('by_link/routes', [1, 0, 1, 2], 'u4')", "by_link does not fit"},
+    {"withADescendingIndex", "replace('by_link/routes', [1, 0, 1, 2], 'u4')", "by_link does not fit"},
     {"withEmptyLists", "replace('by_link/offsets', [0, 0, 4], 'u8')", "by_link does not fit"},
     {"withAnIndexTooShort", "replace('by_pair/routes', [0, 1], 'u4')", "by_pair does not fit"},
     {"withOtherPairs", "replace('by_pair/destinations', [2, 4, 5], 'i4')", "by_pair does not fit"},
@@ -144,7 +144,7 @@ TEST(AnotherProgram, mayWriteRouteFiles) {
         {"plain", "", ""},
         {"withLinksOfTheOtherByteOrder", "replace('links', [10, 10, 20, 20], '>u2')", ""},
         {"withSharesOfTheOtherByteOrder", "replace('shares', [1, 1, 1], '>f4')", ""},
-        {"withMore", "f.create_dataset('notes', data=[1, 2])", ""},
+        {"withAnotherDataset", "f.create_dataset('notes', data=[1, 2])", ""},
     };
     TempDir const directory;
     writeAll(writeProgram, directory, welcome);
@@ -157,7 +157,7 @@ TEST(AnotherProgram, mayWriteRouteFiles) {
     }
 }
 
-TEST(AnotherProgram, mayHaveWrittenSomethingElse) {
+TEST(AnotherProgram, mayHaveWrittenAFileOfAnotherKind) {
     TempDir const directory;
     std::string const file = directory.file("routes.FDB");
     struct {
@@ -180,7 +180,7 @@ TEST(AnotherProgram, mayHaveWrittenSomethingElse) {
     }
 }
 
-TEST(AnotherProgram, isNotWaitedFor) {
+TEST(AnotherProgram, doesNotBlockReading) {
     TempDir const directory;
     std::string const device = endlessDevice();
     struct {
@@ -198,7 +198,7 @@ TEST(AnotherProgram, isNotWaitedFor) {
     }
 }
 
-TEST(TheOtherKind, isNotTakenForRouteData) {
+TEST(TheOtherKind, isNotReadAsRouteData) {
     TempDir const directory;
     std::string const file = directory.file("routes.FDB");
     store(file, smallSet());
@@ -214,7 +214,7 @@ TEST(ForeignDataFile, isRefusedWithAReason) {
         {"withoutAName", "del f['fields/0004'].attrs['name']", "cannot find the attribute name"},
         {"withANameTwice", "f['fields/0004'].attrs['name'] = np.bytes_('cost')", "a field cost exists already"},
         {"withAnEmptyName", "f['fields/0004'].attrs['name'] = np.bytes_('')", "the field has no name"},
-        {"withATruthOfTwo", "f['fields/0000'][1] = 2", "the boolean field tolled has values besides 0 and 1"},
+        {"withABooleanOfTwo", "f['fields/0000'][1] = 2", "the boolean field tolled has values besides 0 and 1"},
         {"withFewValues",
             "a = dict(f['fields/0004'].attrs)\ndel f['fields/0004']\nf['fields/0004'] = np.zeros(2, 'f4')\n"
             "f['fields/0004'].attrs.update(a)",

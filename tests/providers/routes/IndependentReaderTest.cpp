@@ -8,19 +8,19 @@ using namespace cubes::test;
 
 namespace {
 
-// All that is in a file, in one line each.
+// The whole content of a file, one line per object.
 constexpr char const* listProgram = R"(
 import sys, h5py
 def show(value):
     return value.tolist() if hasattr(value, 'tolist') else value
 with h5py.File(sys.argv[1], 'r') as f:
-    def tell(name, item):
+    def describe(name, item):
         for key in sorted(item.attrs):
             print(f'{name}@{key}', show(item.attrs[key]))
         if isinstance(item, h5py.Dataset):
             print(name, item.dtype.str, f'{item.size} bytes' if name == 'cubes_index' else item[:].tolist())
-    tell('/', f)
-    f.visititems(tell)
+    describe('/', f)
+    f.visititems(describe)
 )";
 
 std::string listed(std::string const& file) {
@@ -62,7 +62,7 @@ shares <f4 [0.75, 1.0, 1.0, 0.25]
 )");
 }
 
-TEST_F(IndependentReader, findsWideLinks) {
+TEST_F(IndependentReader, findsLinkNumbersOf32Bits) {
     store(file, {{1, 2, {65536, 4294967295}, 1}});
     std::string const all = listed(file);
     EXPECT_NE(all.find("\nlinks <u4 [65536, 4294967295]\n"), std::string::npos) << all;
@@ -105,7 +105,7 @@ TEST_F(IndependentReader, findsEmptyFilesToo) {
     EXPECT_NE(listed(file).find("b'cubes route data'"), std::string::npos) << listed(file);
 }
 
-// The sixth bit of a header's flags says whether it has times.
+// The sixth bit of a header's flags indicates whether it has times.
 TEST_F(IndependentReader, findsNoTimeInAnyHeader) {
     store(file, smallSet());
     std::string const bytes = readFile(file);
@@ -145,7 +145,7 @@ std::vector<std::byte> bytesOfHex(std::string const& hex) {
     return bytes;
 }
 
-// What the program prints for a file of that kind whose place and provenance are unknown.
+// The program's output for a file of that kind without known place and provenance.
 void expectRecord(std::string const& file, int holds, std::string const& routes = std::string(32, '0')) {
     auto const result = runPython(contentProgram, {file});
     ASSERT_EQ(result.exitCode, 0) << result.errors;

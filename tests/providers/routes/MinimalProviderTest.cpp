@@ -9,7 +9,7 @@ using namespace VL::Interface;
 
 namespace {
 
-// What another provider must offer, and nothing else.
+// The operations that another provider must implement, and no others.
 
 class Settings final : public SettingsInterface {
 public:
@@ -46,7 +46,7 @@ public:
     AdditionalDataHeaderInterface* getAdditionalDataHeader() override { return nullptr; }
 };
 
-// The place of a virtual operation among its class's slots, as this compiler counts.
+// The index of a virtual operation in its class's table, as this compiler numbers it.
 template <typename Operation>
 std::ptrdiff_t slot(Operation operation) {
     struct Pointer {
@@ -59,7 +59,7 @@ std::ptrdiff_t slot(Operation operation) {
 
 }
 
-TEST(MinimalProvider, isAProviderThatSaysWhatItDoesNotOffer) {
+TEST(MinimalProvider, isAProviderThatReportsMissingOperations) {
     Settings settings;
     EXPECT_EQ(settings.release(), 0);
     RouteSet set;
@@ -75,7 +75,7 @@ TEST(MinimalProvider, isAProviderThatSaysWhatItDoesNotOffer) {
     EXPECT_EQ(set.findRoutesOfLink(1, &found), rrNotOffered);
 }
 
-TEST(MinimalProvider, mayLeaveOutRouteDataToo) {
+TEST(MinimalProvider, mayOmitRouteDataToo) {
     DataSet set;
     Header header;
     RouteField field{};

@@ -45,18 +45,18 @@ protected:
 
 }
 
-TEST_F(ProviderLibrary, bearsTheFixedFileNames) {
+TEST_F(ProviderLibrary, hasTheFixedFileNames) {
     EXPECT_EQ(std::filesystem::path(ROUTE_PROVIDER).filename(), "routeprovider64.dll");
     EXPECT_EQ(std::filesystem::path(UTILITIES).filename(), VLINTERFACEUTILITIES_DLL_NAME);
     EXPECT_EQ(std::filesystem::path(UTILITIES).parent_path(), std::filesystem::path(ROUTE_PROVIDER).parent_path());
 }
 
-TEST_F(ProviderLibrary, exportsNothingElseOfItsOwn) {
+TEST_F(ProviderLibrary, exportsOnlyTheFixedNames) {
     char const* const inner = "_ZN5cubes6routes8RouteSet8addRouteERKN2VL9Interface5RouteE";
     EXPECT_EQ(cubes::platform::findSymbol(library(ROUTE_PROVIDER), inner), nullptr);
 }
 
-TEST_F(ProviderLibrary, storesAndReadsAcrossTheBorder) {
+TEST_F(ProviderLibrary, storesAndReadsThroughItsExports) {
     auto* const set = createRouteSet(file.c_str());
     ASSERT_NE(set, nullptr);
     EXPECT_EQ(set->getFileName(), file);
@@ -74,13 +74,13 @@ TEST_F(ProviderLibrary, storesAndReadsAcrossTheBorder) {
     set->release();
 }
 
-TEST_F(ProviderLibrary, anObjectThatIsOnlyReleasedIsGone) {
+TEST_F(ProviderLibrary, anObjectThatIsOnlyReleasedIsDeleted) {
     EXPECT_EQ(createRouteSet(file.c_str())->release(), -1);
     EXPECT_EQ(createDataSet(file.c_str())->release(), -1);
     EXPECT_EQ(createSettings(file.c_str())->release(), -1);
 }
 
-TEST_F(ProviderLibrary, anObjectLivesUntilTheLastReferenceIsGivenUp) {
+TEST_F(ProviderLibrary, anObjectLivesUntilTheLastReferenceIsReleased) {
     auto* const set = createRouteSet(file.c_str());
     set->addRef();
     set->addRef();
@@ -89,7 +89,7 @@ TEST_F(ProviderLibrary, anObjectLivesUntilTheLastReferenceIsGivenUp) {
     EXPECT_EQ(set->release(), 0);
 }
 
-TEST_F(ProviderLibrary, theHeaderIsGivenUpWithOneRelease) {
+TEST_F(ProviderLibrary, theHeaderIsDeletedByOneRelease) {
     auto* const set = createDataSet(file.c_str());
     set->open(romCreate, nullptr);
     AdditionalDataHeaderInterface* const header = set->getAdditionalDataHeader();
@@ -99,7 +99,7 @@ TEST_F(ProviderLibrary, theHeaderIsGivenUpWithOneRelease) {
     EXPECT_EQ(header->release(), -1);
 }
 
-TEST_F(ProviderLibrary, referencesAndTheFileNameLeaveTheLastErrorAsItIs) {
+TEST_F(ProviderLibrary, referencesAndTheFileNameLeaveTheLastErrorUnchanged) {
     auto* const set = createRouteSet(file.c_str());
     SettingsInterface* const settings = createSettings(file.c_str());
     set->open(romRead, settings);

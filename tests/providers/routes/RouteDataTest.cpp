@@ -47,7 +47,7 @@ TEST_F(RouteDataTest, fieldsOfAllTypesAreReadAsTheyWereStored) {
     EXPECT_EQ(valuesOf<double>(*set, "cost", rftDouble), (std::vector<double>{0.1, 1e300, -2}));
 }
 
-TEST_F(RouteDataTest, theValuesOfARouteComeInTheOrderOfTheFields) {
+TEST_F(RouteDataTest, theValuesOfARouteAreInTheOrderOfTheFields) {
     storeFields(file);
     auto const set = dataSet(file, romRead);
     std::vector<double> values(6);
@@ -57,7 +57,7 @@ TEST_F(RouteDataTest, theValuesOfARouteComeInTheOrderOfTheFields) {
     EXPECT_EQ(values[1], 255);
 }
 
-TEST_F(RouteDataTest, fieldsComeInTheOrderOfAddingAndAbsentOnesAreNoError) {
+TEST_F(RouteDataTest, fieldsAreInTheOrderOfAddingAndAbsentOnesAreNotErrors) {
     storeFields(file);
     auto const set = dataSet(file, romRead);
     RouteField field{};
@@ -123,7 +123,7 @@ TEST_F(RouteDataTest, fieldsWithoutValuesAreFields) {
     EXPECT_EQ(set->getRouteValues(0, &value), rrAbsent);
 }
 
-TEST_F(RouteDataTest, extendingAddsFieldsToThoseThatAreThere) {
+TEST_F(RouteDataTest, extendingAddsFieldsToTheExistingOnes) {
     storeFields(file);
     {
         auto const set = dataSet(file, romExtend);
@@ -133,7 +133,7 @@ TEST_F(RouteDataTest, extendingAddsFieldsToThoseThatAreThere) {
     EXPECT_EQ(namesOf(*dataSet(file, romRead)), "tolled,class,stops,number,time,cost,delay");
 }
 
-TEST_F(RouteDataTest, whatIsNoFieldIsRefusedAndChangesNothing) {
+TEST_F(RouteDataTest, anInvalidFieldIsRefusedAndChangesNothing) {
     storeFields(file);
     float const values[] = {1, 2, 3};
     std::uint8_t const truths[] = {0, 1, 2};

@@ -47,17 +47,17 @@ TEST_F(RouteFileFailure, everyFailingStepLeavesTheOldFileOrTheNewOne) {
         }
         EXPECT_EQ(result, failed ? rrFailed : rrDone) << steps;
         EXPECT_EQ(error, failed ? "cannot write " + file + ": No space left on device" : "");
-        // Only the directory's flush comes after the new file has taken its place.
+        // Only the directory's flush comes after the replacement.
         expectOldOrNew(5, failed && steps < 4);
         EXPECT_EQ(set->countRoutes(), 5);
         EXPECT_EQ(set->commit(), rrDone);
         expectOldOrNew(5, false);
     }
-    // Making, writing, flushing, renaming, flushing the directory.
+    // Creating, writing, flushing, renaming, flushing the directory.
     EXPECT_EQ(steps, 6);
 }
 
-TEST_F(RouteFileFailure, aFileThatCanNotBeMadeKeepsTheOldOneAndTheObjectClosed) {
+TEST_F(RouteFileFailure, aFileThatCannotBeCreatedKeepsTheOldOneAndTheObjectClosed) {
     for (int step = 1; step <= 4; ++step) {
         auto const set = routeSet(file);
         {
@@ -70,7 +70,7 @@ TEST_F(RouteFileFailure, aFileThatCanNotBeMadeKeepsTheOldOneAndTheObjectClosed) 
     }
 }
 
-TEST_F(RouteFileFailure, aKeyThatCanNotBeChangedLeavesTheFile) {
+TEST_F(RouteFileFailure, aKeyThatCannotBeChangedLeavesTheFile) {
     std::string const bytes = readFile(file);
     auto const set = routeSet(file, romExtend);
     for (int step = 1; step <= 4; ++step) {

@@ -9,7 +9,7 @@ using namespace cubes::test;
 
 namespace {
 
-// Some routes a pair, some pairs without, few links, in no order.
+// Some OD pairs have routes and others none; there are few links, in no order.
 std::vector<SampleRoute> randomSet(unsigned seed, std::size_t count, std::uint32_t firstLink) {
     std::mt19937 random(seed);
     std::vector<SampleRoute> routes(count);
@@ -50,7 +50,7 @@ void expectSameAnswers(
 
 }
 
-TEST(RouteIndex, answersAsASearchThroughAllRoutesDoes) {
+TEST(RouteIndex, givesTheResultsOfASearchThroughAllRoutes) {
     TempDir const directory;
     std::string const file = directory.file("routes.FDB");
     for (std::uint32_t const firstLink : {1u, 65520u, 4000000000u}) {
@@ -60,7 +60,7 @@ TEST(RouteIndex, answersAsASearchThroughAllRoutesDoes) {
     }
 }
 
-TEST(RouteIndex, isMadeAnewAfterExtending) {
+TEST(RouteIndex, isRebuiltAfterExtending) {
     TempDir const directory;
     std::string const file = directory.file("routes.FDB");
     auto routes = randomSet(5, 200, 1);

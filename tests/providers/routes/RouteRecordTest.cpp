@@ -41,7 +41,7 @@ protected:
 
 }
 
-TEST_F(RouteRecord, saysWhatTheFileHoldsAndNothingThatIsUnknown) {
+TEST_F(RouteRecord, describesTheFileAndOmitsUnknownValues) {
     store(file, smallSet());
     IndexRecord record = recordOf(file);
     EXPECT_EQ(record.holds, IndexRecord::Holds::routes);
@@ -56,7 +56,7 @@ TEST_F(RouteRecord, saysWhatTheFileHoldsAndNothingThatIsUnknown) {
     EXPECT_EQ(record.details, IndexRecord{}.details);
 }
 
-TEST_F(RouteRecord, hasTheSameContentIdForTheSameRoutesInTheSameOrderOnly) {
+TEST_F(RouteRecord, hasTheSameContentIdOnlyForTheSameRoutesInTheSameOrder) {
     std::vector<SampleRoute> const routes = {{1, 2, {3, 4}, 0.5f}, {1, 2, {}, 0.5f}};
     Id128 const id = contentOf(file, routes);
     EXPECT_EQ(contentOf(file, routes), id);
@@ -71,7 +71,7 @@ TEST_F(RouteRecord, hasTheDocumentedContentId) {
     EXPECT_EQ(contentOf(file, smallSet()).text(), "9e6059d60dced4300f4f70bf353a04bb");
 }
 
-TEST_F(RouteRecord, hasTheSameContentIdForTheSameFieldsOnly) {
+TEST_F(RouteRecord, hasTheSameContentIdOnlyForTheSameFields) {
     auto const idOfField = [&](char const* name, RouteFieldType type, std::vector<std::uint8_t> const& values) {
         auto const set = dataSet(file, romCreate);
         EXPECT_EQ(set->addField(field(name, type, values)), rrDone);

@@ -72,7 +72,7 @@ TEST_F(RouteSetTest, routesAreFoundByPairOriginAndLink) {
     EXPECT_EQ(ofLink(*set, 15), Numbers({3}));
 }
 
-TEST_F(RouteSetTest, whatIsNotThereIsAbsentAndNoError) {
+TEST_F(RouteSetTest, absentRoutesAreNotErrors) {
     store(file, smallSet());
     auto const set = routeSet(file, romRead);
     EXPECT_EQ(ofPair(*set, 3, 1), Numbers());
@@ -88,12 +88,12 @@ TEST_F(RouteSetTest, whatIsNotThereIsAbsentAndNoError) {
     EXPECT_EQ(lastError(), "");
 }
 
-TEST_F(RouteSetTest, aRouteOverALinkTwiceIsFoundOnce) {
+TEST_F(RouteSetTest, aRouteThatUsesALinkTwiceIsFoundOnce) {
     store(file, {{1, 2, {5, 6, 5}, 1}, {1, 3, {5}, 1}});
     EXPECT_EQ(ofLink(*routeSet(file, romRead), 5), Numbers({0, 1}));
 }
 
-TEST_F(RouteSetTest, anEmptySetAnswersWithNothing) {
+TEST_F(RouteSetTest, anEmptySetHasNoRoutes) {
     routeSet(file, romCreate);
     EXPECT_EQ(lastError(), "");
     for (auto const mode : {romRead, romExtend}) {
@@ -106,7 +106,7 @@ TEST_F(RouteSetTest, anEmptySetAnswersWithNothing) {
     }
 }
 
-TEST_F(RouteSetTest, whatWasAddedIsSeenAtOnceAndStoredByCommit) {
+TEST_F(RouteSetTest, addedRoutesAreVisibleAtOnceAndStoredByCommit) {
     auto const set = routeSet(file, romCreate);
     add(*set, {1, 2, {5}, 1});
     EXPECT_EQ(ofLink(*set, 5), Numbers({0}));
@@ -118,7 +118,7 @@ TEST_F(RouteSetTest, whatWasAddedIsSeenAtOnceAndStoredByCommit) {
     EXPECT_EQ(set->countRoutes(), 2);
 }
 
-TEST_F(RouteSetTest, extendingKeepsWhatIsThere) {
+TEST_F(RouteSetTest, extendingKeepsTheExistingRoutes) {
     store(file, smallSet());
     auto const set = routeSet(file, romExtend);
     add(*set, {3, 1, {30, 10}, 1});
@@ -130,7 +130,7 @@ TEST_F(RouteSetTest, extendingKeepsWhatIsThere) {
     EXPECT_EQ(ofLink(*again, 10), Numbers({0, 1, 4}));
 }
 
-TEST_F(RouteSetTest, creatingReplacesWhatIsThereAndOpeningAgainForgetsWhatWasAdded) {
+TEST_F(RouteSetTest, creatingReplacesTheFileAndReopeningDropsUncommittedRoutes) {
     store(file, smallSet());
     auto const set = routeSet(file, romCreate);
     EXPECT_EQ(routeSet(file, romRead)->countRoutes(), 0);
@@ -151,7 +151,7 @@ TEST_F(RouteSetTest, aRouteOfTheSetItselfMayBeAddedAgain) {
     EXPECT_EQ(set->countLinks(), 11000);
 }
 
-TEST_F(RouteSetTest, whatIsNoRouteIsRefusedAndChangesNothing) {
+TEST_F(RouteSetTest, anInvalidRouteIsRefusedAndChangesNothing) {
     std::uint32_t const links[] = {1};
     struct {
         Route route;
@@ -183,7 +183,7 @@ TEST_F(RouteSetTest, nothingIsAddedWhileReading) {
     EXPECT_EQ(routesOf(*set), smallSet());
 }
 
-TEST_F(RouteSetTest, nothingIsAnsweredBeforeOpening) {
+TEST_F(RouteSetTest, nothingCanBeReadBeforeOpening) {
     auto const set = routeSet(file);
     RouteNumbers found{};
     Route route{};
@@ -199,7 +199,7 @@ TEST_F(RouteSetTest, nothingIsAnsweredBeforeOpening) {
     EXPECT_EQ(listing(directory.str()), "");
 }
 
-TEST_F(RouteSetTest, theLowByteOfTheModeDecides) {
+TEST_F(RouteSetTest, onlyTheLowByteOfTheModeCounts) {
     auto const set = routeSet(file);
     set->open(257, nullptr);
     EXPECT_EQ(lastError(), "");

@@ -37,7 +37,7 @@ TEST_F(RouteStampTest, isWrittenWithANewFile) {
     EXPECT_EQ(stampOf(file), (Stamp{-9, Key{1, 2, 3, 4, 5, 6}}));
 }
 
-TEST_F(RouteStampTest, isEmptyWhenNothingWasSaid) {
+TEST_F(RouteStampTest, isEmptyWhenNothingWasSet) {
     routeSet(file, romCreate);
     EXPECT_EQ(stampOf(file), (Stamp{0, noKey}));
 }
@@ -77,7 +77,7 @@ TEST_F(RouteStampTest, staysInAFileThatIsReadOrNotOpen) {
     EXPECT_EQ(readFile(file), bytes);
 }
 
-TEST_F(RouteStampTest, isKeptFromTheFileWhereNothingElseWasSaid) {
+TEST_F(RouteStampTest, keepsTheFilesValuesWhenNoneWereSet) {
     {
         auto const set = routeSet(file);
         set->setCubeType(-9);
@@ -91,7 +91,7 @@ TEST_F(RouteStampTest, isKeptFromTheFileWhereNothingElseWasSaid) {
     EXPECT_EQ(stampOf(file), (Stamp{-8, Key{1, 2, 3, 4, 5, 6}}));
 }
 
-TEST_F(RouteStampTest, ofAFileThatIsGoneCanNotBeChanged) {
+TEST_F(RouteStampTest, ofAMissingFileCannotBeChanged) {
     auto const set = routeSet(file, romCreate);
     std::filesystem::remove(file);
     set->setCubeType(-9);

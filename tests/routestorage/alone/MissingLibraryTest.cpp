@@ -39,14 +39,14 @@ private:
     TempDir directory_;
 };
 
-TEST(MissingProvider, isToldByEveryWrapper) {
+TEST(MissingProvider, isReportedByEveryWrapper) {
     ProviderPath const nowhere("");
     EXPECT_EQ(failureOf([] { TVlSettings("a.FDB"); }), noProvider);
     EXPECT_EQ(failureOf([] { TVlRouteStorageRouteSet("a.FDB"); }), noProvider);
     EXPECT_EQ(failureOf([] { TVlRouteStorageDataSet("a.FDB"); }), noProvider);
 }
 
-// What is found first stays until the process ends, so each of these has one of its own.
+// A library that was found once stays loaded until the process ends, so each of these has a process of its own.
 
 ChildTask const finding("finding", [](int, std::string const&) {
     ProviderPath const nowhere("");
@@ -64,7 +64,7 @@ ChildTask const askingUntilTheyAreThere("asking until they are there", [](int, s
     EXPECT_STREQ(TLastError::getInstance()->VlGetLastError(), "the disk is full");
 });
 
-// Told a file beside half a provider.
+// The argument is the path of a file in a directory with only one of the provider's libraries.
 ChildTask const openingWithout("opening without them", [](int, std::string const& file) {
     ProviderPath const path(std::filesystem::path(file).parent_path().string());
     TVlRouteStorageRouteSet routeSet(file.c_str());
@@ -83,7 +83,7 @@ ChildTask const askingSilentOnes("asking silent ones", [](int, std::string const
     EXPECT_EQ(TLastError::getInstance()->VlGetLastError(), nullptr);
 });
 
-// Told the variant.
+// The argument is the variant.
 ChildTask const asking("asking", [](int, std::string const& variant) {
     FakeProvider fake(variant);
     fake.setLastError(variant.c_str());
@@ -94,20 +94,20 @@ TEST(MissingProvider, isFoundOnceItIsThere) {
     EXPECT_EQ(finding.inProcesses(1), 1);
 }
 
-TEST(MissingUtilities, areToldAtEachCallUntilTheyAreThere) {
+TEST(MissingUtilities, areReportedAtEachCallUntilTheyExist) {
     EXPECT_EQ(askingUntilTheyAreThere.inProcesses(1), 1);
 }
 
-TEST(MissingUtilities, areToldByOpening) {
+TEST(MissingUtilities, areReportedByOpening) {
     HalfAProvider const half;
     EXPECT_EQ(openingWithout.inProcesses(1, half.file()), 1);
 }
 
-TEST(SilentUtilities, countAsNoError) {
+TEST(SilentUtilities, reportNoError) {
     EXPECT_EQ(askingSilentOnes.inProcesses(1), 1);
 }
 
-TEST(UtilitiesWithUnderscores, areAsked) {
+TEST(UtilitiesWithUnderscores, areCalled) {
     for (char const* const variant : {"full", "leading", "trailing"})
         EXPECT_EQ(asking.inProcesses(1, variant), 1) << variant;
 }

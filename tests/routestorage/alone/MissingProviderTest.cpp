@@ -32,7 +32,7 @@ TEST_P(RoutesWithoutProvider, areNotStored) {
 TEST_P(RoutesWithoutProvider, areNotFetched) {
     add(routes(), 1);
     add(data(), 1);
-    // Without a file nobody asks the provider.
+    // Without a file the provider is not called.
     EXPECT_EQ(routes().GetData(1, 1, 1, 1, 1, 1, false), nullptr);
     EXPECT_EQ(data().getFieldMetadata(1, 1, 1, 1, 1, 1)->release(), 0);
     writeFile(pathOf("RouteStorage_Routes/1-1-1-1-1-1.FDB"), "some routes");
@@ -42,7 +42,7 @@ TEST_P(RoutesWithoutProvider, areNotFetched) {
     expectMissing([&] { data().getFieldMetadata(1, 1, 1, 1, 1, 1); });
 }
 
-TEST_P(RoutesWithoutProvider, areCopiedAndClearedAllTheSame) {
+TEST_P(RoutesWithoutProvider, areCopiedAndClearedNevertheless) {
     add(routes(), 1);
     writeFile(pathOf("RouteStorage_Routes/1-1-1-1-1-1.FDB"), "some routes");
     EXPECT_TRUE(routes().Copy(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, true, false));

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the fake libraries export: EXPORTED makes it visible, NAMED(name) puts it between
-// EXPORT_PREFIX and EXPORT_SUFFIX.
+// The exports of the fake libraries: EXPORTED makes a symbol visible, NAMED(name) puts its name between EXPORT_PREFIX
+// and EXPORT_SUFFIX.
 
 #ifdef _WIN32
 #define EXPORTED __declspec(dllexport)

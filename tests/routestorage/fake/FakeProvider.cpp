@@ -1,5 +1,5 @@
-// A route-storage provider that notes what is asked of it, counts what it has made, and stores nothing.
-// Its factories are exported under names that the build chooses.
+// A route-storage provider that records its calls, counts its objects, and stores nothing. The build chooses the names
+// under which its factories are exported.
 
 #include "Exported.h"
 
@@ -33,7 +33,7 @@ std::string bareName(char const* path) {
     return text.substr(text.find_last_of("\\/") + 1);
 }
 
-// A factory's object has no reference; the release that brings the count below 1 frees it.
+// A factory's object has no reference; the release that brings the count below 1 deletes it.
 template <typename Interface>
 class Counted : public Interface {
 public:

@@ -1,4 +1,4 @@
-// Tells the last error that a test has set. It is asked under a name that the build chooses.
+// Returns the last error that a test has set. The build chooses the exported name.
 
 #include "Exported.h"
 

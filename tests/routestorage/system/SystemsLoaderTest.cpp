@@ -1,4 +1,4 @@
-// A program in which only the system's loader finds a provider: its run path leads to one.
+// A program in which only the system's loader finds a provider: its run path contains one.
 
 #include <gtest/gtest.h>
 
@@ -14,13 +14,13 @@ bool isExported(char const* name) {
     return Library(provider).getProcedure(name, procedure);
 }
 
-TEST(SystemsLoader, isAskedWhereNobodyElseKnowsAProvider) {
+TEST(SystemsLoader, isUsedWhenNoOtherDirectoryHasAProvider) {
     ProviderPath const nowhere("");
     EXPECT_TRUE(isExported("CreateSettingsInterface"));
     EXPECT_TRUE(isExported("FakeLiving"));
 }
 
-TEST(SystemsLoader, isAskedLast) {
+TEST(SystemsLoader, isUsedLast) {
     ProviderPath const path(fakeDirectory("without"));
     EXPECT_FALSE(isExported("CreateSettingsInterface"));
     EXPECT_TRUE(isExported("FakeLiving"));

@@ -12,7 +12,7 @@ namespace cubes::test {
 
 ChildTask::ChildTask(std::string name, Work work) : name_(std::move(name)), work_(std::move(work)) {}
 
-// A forked process has the work already.
+// A forked process already has the task.
 int ChildTask::inProcesses(int count, std::string const& argument) const {
     return test::inProcesses(count, [&](int number) { run(number, argument); });
 }

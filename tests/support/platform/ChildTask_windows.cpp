@@ -41,7 +41,7 @@ std::string variable(char const* name) {
     return value ? value : "";
 }
 
-/// Holds processes until the last one has started.
+/// Blocks processes until the last one has started.
 class Gate {
 public:
     explicit Gate(std::string const& name)
@@ -83,7 +83,7 @@ public:
         std::string const name = variable(nameVariable);
         if (name.empty()) return;
         auto const wanted = tasks().find(name);
-        // Its test would start this program again, and so on without end.
+        // Its test would start this program again, endlessly.
         if (wanted == tasks().end()) std::fprintf(stderr, "no child-process task is named '%s'\n", name.c_str());
         leaveAtOnce(wanted != tasks().end() && runTask(*wanted->second) == 0);
     }
@@ -94,7 +94,7 @@ std::string ownPath() {
     return {path, GetModuleFileNameA(nullptr, path, MAX_PATH)};
 }
 
-// A process that was itself started for a task runs no test, but its filter names one.
+// A process that was started for a task runs no test, but its filter names one.
 std::string currentTest() {
     auto const* const test = testing::UnitTest::GetInstance()->current_test_info();
     return test ? std::string(test->test_suite_name()) + "." + test->name() : testing::GTEST_FLAG(filter);

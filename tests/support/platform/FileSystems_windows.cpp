@@ -6,7 +6,7 @@
 
 namespace cubes::test {
 
-// Under Wine all of the system below is one drive; its memory is a file system of its own there too.
+// Under Wine the whole Linux file system is one drive; its memory file system is a separate file system there too.
 std::string otherFileSystem(std::string const&) {
     constexpr char const* memory = "Z:\\dev\\shm";
     return std::filesystem::is_directory(memory) ? memory : "";
@@ -16,7 +16,7 @@ std::string endlessDevice() {
     return {};
 }
 
-// Wine makes none, and shows those of the system below as what they lead to.
+// Wine creates none, and presents those of Linux as their targets.
 bool makeLink(std::string const&, std::string const&) {
     return false;
 }
@@ -35,12 +35,12 @@ DirectoryLink::DirectoryLink(std::string const& directory, std::string link) : l
     if (run({"ln", "-s", directory, link_}).exitCode != 0) throw std::runtime_error("no link " + link_);
 }
 
-// A program of Wine takes it for a directory, and would empty that and remove nothing.
+// A Wine program takes it for a directory, and would empty that and remove nothing.
 DirectoryLink::~DirectoryLink() {
     try {
         run({"rm", link_});
     } catch (std::exception const&) {
-        // It stays then.
+        // The target is kept then.
     }
 }
 

@@ -6,7 +6,7 @@
 
 namespace cubes::test {
 
-// Who wants a file for himself alone is refused while it is open.
+// Opening a file without sharing fails while it is open.
 int openings(std::string const& path) {
     HANDLE const alone = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     if (alone != INVALID_HANDLE_VALUE) {

@@ -4,7 +4,7 @@
 
 namespace cubes::test {
 
-/// How the private PostgreSQL server of that directory is reached: by its socket, or else by the network.
+/// The host by which the private PostgreSQL server of that directory is reached: its socket or a network address.
 std::string serverHost(std::string const& directory);
 
 }

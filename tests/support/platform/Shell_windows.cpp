@@ -25,7 +25,7 @@ void start(std::string command) {
     if (process.hThread) CloseHandle(process.hThread);
 }
 
-// What Wine starts of the system below cannot be waited for: it tells of its end by a file.
+// A Linux process that Wine starts cannot be waited for: it creates a file when it ends.
 int statusIn(std::string const& path) {
     auto const end = std::chrono::steady_clock::now() + longestLine;
     while (!std::filesystem::exists(path)) {
@@ -37,7 +37,7 @@ int statusIn(std::string const& path) {
 
 }
 
-// "Z:\tmp\a" is "/tmp/a" for the system that Wine runs on; quoted in JSON it is "Z:\\tmp\\a".
+// "Z:\tmp\a" is "/tmp/a" on the Linux system under Wine; quoted in JSON it is "Z:\\tmp\\a".
 std::string withPathsOfTheShell(std::string text) {
     for (std::size_t at = text.find("Z:"); at != std::string::npos; at = text.find("Z:", at)) {
         if (at + 2 < text.size() && text[at + 2] != '\\' && text[at + 2] != '/') {

@@ -6,12 +6,12 @@
 
 namespace cubes::test {
 
-// Wine's words are not those of Windows.
+// Wine's messages are not those of Windows.
 std::string noSuchFile() {
     return std::system_category().message(ERROR_FILE_NOT_FOUND);
 }
 
-// The C++ library leaves the full stop out.
+// The C++ library omits the full stop.
 std::string noSuchFileSentence() {
     return noSuchFile() + ".";
 }

@@ -7,7 +7,7 @@
 
 namespace cubes::test {
 
-// A file that is read-only is so for everybody; but not for the superuser of the system below Wine.
+// A read-only file is read-only for all users, except for the superuser of the Linux system under Wine.
 bool canBeOrdinaryUser() {
     TempDir const directory;
     std::string const file = directory.file("file");

@@ -4,7 +4,7 @@ namespace cubes::test {
 
 char const* const Variable::temporaryDirectory = "TMP";
 
-// An empty value takes the variable away.
+// An empty value removes the variable.
 void Variable::set(std::optional<std::string> const& value) {
     _putenv_s(name_, value.value_or("").c_str());
 }

@@ -7,7 +7,7 @@ namespace cubes::tool {
 
 namespace {
 
-// Smaller than the standard city, for quick tests.
+// Smaller than the standard city, for fast tests.
 City const& smallCity() {
     static City const city = makeCity({.seed = 1, .zones = 60});
     return city;
@@ -23,7 +23,7 @@ double weightedMean(TripTable const& values, TripTable const& weights) {
     return sum / weight;
 }
 
-// Calls with every purpose, mode and period.
+// Calls the function with every purpose, mode and period.
 template <typename Function>
 void forEachTable(City const& city, Function function) {
     for (int purpose = 0; purpose < static_cast<int>(city.purposes.size()); ++purpose)
@@ -36,7 +36,7 @@ Statistics figuresOf(TripTable const& table) {
     return statisticsOf(table.rows, table.columns, [&](int row) { return table.row(row); });
 }
 
-// Mean trips a pair at distances from `least` to below `most`.
+// The mean number of trips per OD pair at distances from `least` to below `most`.
 double tripsAPair(TripTable const& trips, TripTable const& distance, float least, float most) {
     double sum = 0;
     int pairs = 0;
@@ -66,11 +66,11 @@ TEST(City, hasATableForEveryPurposeModeAndPeriod) {
     });
 }
 
-TEST(City, holdsItsMargins) {
+TEST(City, matchesItsTripEnds) {
     EXPECT_LT(largestMarginError(smallCity()), 1e-6);
 }
 
-TEST(City, showsAMarginThatDoesNotHold) {
+TEST(City, detectsTripEndsThatDoNotMatch) {
     City city = makeCity({.seed = 3, .zones = 20});
     EXPECT_LT(largestMarginError(city), 1e-6);
     city.tripTables[0].at(2, 5) += static_cast<float>(city.margins(0, 0).origins[2]) * 0.01f;
@@ -88,7 +88,7 @@ TEST(City, isTheSameForTheSameSeed) {
     EXPECT_NE(first.trips(1, 2, 0).cells, other.trips(1, 2, 0).cells);
 }
 
-TEST(City, hasTripsAndSkimsOfFiniteSize) {
+TEST(City, hasFiniteTripsAndSkims) {
     auto const& city = smallCity();
     forEachTable(city, [&](int purpose, int mode, int period) {
         for (auto const* table :
@@ -100,7 +100,7 @@ TEST(City, hasTripsAndSkimsOfFiniteSize) {
     });
 }
 
-TEST(City, staysInTheZoneNowAndThen) {
+TEST(City, hasIntrazonalTrips) {
     auto const& city = smallCity();
     forEachTable(city, [&](int purpose, int mode, int period) {
         auto const share = figuresOf(city.trips(purpose, mode, period)).intrazonalShare;
@@ -108,7 +108,7 @@ TEST(City, staysInTheZoneNowAndThen) {
     });
 }
 
-TEST(City, travelsLessTheFartherItIs) {
+TEST(City, hasFewerTripsOverLongerDistances) {
     auto const& city = smallCity();
     forEachTable(city, [&](int purpose, int mode, int period) {
         auto const& trips = city.trips(purpose, mode, period);
@@ -122,14 +122,14 @@ TEST(City, travelsLessTheFartherItIs) {
     });
 }
 
-TEST(City, ridesBikesLessFarThanCars) {
+TEST(City, hasShorterTripsByBikeThanByCar) {
     auto const& city = smallCity();
     for (int purpose = 0; purpose < 4; ++purpose)
         EXPECT_LT(weightedMean(city.distance(2, 0), city.trips(purpose, 2, 0)),
             weightedMean(city.distance(0, 0), city.trips(purpose, 0, 0)));
 }
 
-TEST(City, hasTwoHundredZonesAndHoldsItsMarginsThere) {
+TEST(City, hasTwoHundredZonesThatMatchTheirTripEnds) {
     auto const city = makeCity();
     EXPECT_EQ(city.zones.size(), 200u);
     EXPECT_LT(largestMarginError(city), 1e-6);

@@ -28,7 +28,7 @@ void expectMargins(SquareTable const& trips, Margins const& margins) {
 
 }
 
-TEST(Gravity, sharesOutInProportionWhereNothingDeters) {
+TEST(Gravity, distributesTripsInProportionWithoutDeterrence) {
     auto const trips = distribute({{30, 70}, {40, 60}}, tableOf(2, {1, 1, 1, 1}));
     EXPECT_NEAR(trips.at(0, 0), 12, 1e-9);
     EXPECT_NEAR(trips.at(0, 1), 18, 1e-9);
@@ -36,15 +36,15 @@ TEST(Gravity, sharesOutInProportionWhereNothingDeters) {
     EXPECT_NEAR(trips.at(1, 1), 42, 1e-9);
 }
 
-// With equal margins of 100 and deterrence f on, g off the diagonal, trips are 100 f / (f + g).
-TEST(Gravity, isTheSolutionComputedByHand) {
+// With equal trip ends of 100 and deterrence f on the diagonal and g elsewhere, trips are 100 f / (f + g).
+TEST(Gravity, agreesWithTheSolutionComputedByHand) {
     auto const trips = distribute({{100, 100}, {100, 100}}, tableOf(2, {3, 1, 1, 3}));
     EXPECT_NEAR(trips.at(0, 0), 75, 1e-4);
     EXPECT_NEAR(trips.at(1, 0), 25, 1e-4);
 }
 
-// The margins change, the ratio of the cross products does not: it belongs to the deterrence.
-TEST(Gravity, holdsTheMarginsAndTheCrossRatio) {
+// Balancing changes the margins but not the cross-product ratio, which the deterrence determines.
+TEST(Gravity, matchesTheTripEndsAndTheCrossProductRatio) {
     Margins const margins{{10, 250}, {200, 60}};
     auto const trips = distribute(margins, tableOf(2, {5, 1, 2, 3}));
     expectMargins(trips, margins);
@@ -59,15 +59,15 @@ TEST(Gravity, leavesZonesWithoutTripsEmpty) {
     EXPECT_EQ(trips.at(1, 2), 0);
 }
 
-TEST(Gravity, refusesMarginsOfDifferentTotals) {
+TEST(Gravity, refusesTripEndsWithDifferentTotals) {
     EXPECT_THROW(distribute({{1, 2}, {3, 4}}, tableOf(2, {1, 1, 1, 1})), std::invalid_argument);
 }
 
-TEST(Gravity, givesUpWhereTripsAreDeterredFromWhereTheyMustGo) {
+TEST(Gravity, failsWhenDeterrenceExcludesRequiredTrips) {
     EXPECT_THROW(distribute({{10, 11}, {11, 10}}, tableOf(2, {1, 1e-300, 1e-300, 1})), std::runtime_error);
 }
 
-TEST(Deterrence, growsWithEase) {
+TEST(Deterrence, increasesWithAccessibility) {
     auto const deterrence = deterrenceOf(Purpose::work, tableOf(2, {-1, -2, -3, 0}));
     EXPECT_DOUBLE_EQ(deterrence.at(0, 0), std::exp(-1.1));
     EXPECT_LT(deterrence.at(1, 0), deterrence.at(0, 1));
@@ -85,13 +85,13 @@ TEST(Demand, hasTheSameTotalOnBothSides) {
         }
 }
 
-TEST(Demand, runsToWorkInTheMorningAndBackInTheEvening) {
+TEST(Demand, goesToWorkInTheMorningAndBackInTheEvening) {
     std::vector<Zone> const zones = {{1, Area::centre, {}, 100, 3000, 1, 1}, {2, Area::town, {}, 2000, 100, 1, 1}};
     auto const morning = marginsOf(Purpose::work, Period::morning, zones);
     auto const evening = marginsOf(Purpose::work, Period::evening, zones);
     EXPECT_GT(morning.destinations[0], morning.origins[0]);
     EXPECT_GT(evening.origins[0], evening.destinations[0]);
-    // 0.45 trips a resident, of which 0.75 go out in the morning; 0.03 of all come back from work.
+    // 0.45 trips per resident, 0.75 of which go out in the morning; 0.03 of all return from work.
     EXPECT_DOUBLE_EQ(morning.origins[1], 0.75 * 0.45 * 2000 + 0.03 * 0.45 * 2100 * 100 / 3100);
 }
 
@@ -103,7 +103,7 @@ SquareTable all(double value) {
 
 }
 
-TEST(ModeChoice, isTheLogitComputedByHand) {
+TEST(ModeChoice, agreesWithTheLogitComputedByHand) {
     auto const choice = chooseModes(Purpose::work, {all(20), all(30), all(25)}, {all(5), all(6), all(4)});
     double const car = std::exp(-0.06 * 20 - 0.03 * 5);
     double const transit = std::exp(0.1 - 0.06 * 30);

@@ -15,7 +15,7 @@ TripTable table(std::vector<float> cells) {
     return made;
 }
 
-// Three zones in a line, 10 km from one to the next. The diagonal is the way within a zone.
+// Three zones in a line, 10 km apart. The diagonal is the distance within a zone.
 TripTable const distance = table({2, 10, 20, 10, 2, 10, 20, 10, 2});
 TripTable const trips = table({1, 2, 3, 4, 5, 6, 7, 8, 9});
 
@@ -24,19 +24,19 @@ struct Case {
     std::vector<float> passing;
 };
 
-TEST(SelectedLink, isPassedByThePairsWhoseShortWayLeadsOverIt) {
+TEST(SelectedLink, carriesTheOdPairsWhoseShortestPathUsesIt) {
     Case const cases[] = {
         {{0, 1}, {0, 2, 3, 0, 0, 0, 0, 0, 0}},
         {{1, 2}, {0, 0, 3, 0, 0, 6, 0, 0, 0}},
         {{2, 1}, {0, 0, 0, 0, 0, 0, 7, 8, 0}},
-        // The link from end to end is as short as the way over the middle.
+        // The link between the end zones is as short as the path through the middle.
         {{0, 2}, {0, 0, 3, 0, 0, 0, 0, 0, 0}},
     };
     for (auto const& [link, passing] : cases)
         EXPECT_EQ(tripsOver(link, trips, distance).cells, passing) << link.from << " " << link.to;
 }
 
-TEST(SelectedLink, isPassedByWaysThatAreATwentiethLonger) {
+TEST(SelectedLink, carriesPathsUpToFivePerCentLonger) {
     for (auto const& [direct, expected] : {std::pair{20.0f, 3.0f}, {19.1f, 3.0f}, {19.0f, 0.0f}}) {
         TripTable shorter = distance;
         shorter.cells[2] = direct;
@@ -44,7 +44,7 @@ TEST(SelectedLink, isPassedByWaysThatAreATwentiethLonger) {
     }
 }
 
-TEST(SelectedLink, ofTheCityAreSubsetsOfItsTrips) {
+TEST(SelectedLink, ofTheCityCarrySubsetsOfItsTrips) {
     City const city = makeCity({.seed = 1, .zones = 60});
     for (int purpose = 0; purpose < static_cast<int>(city.purposes.size()); ++purpose) {
         auto const& all = city.trips(purpose, 0, 0).cells;

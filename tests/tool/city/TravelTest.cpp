@@ -20,32 +20,32 @@ std::vector<Zone> line() {
 
 }
 
-TEST(Distances, areTheCrowsTimesADetour) {
+TEST(Distances, areStraightLinesTimesADetourFactor) {
     auto const car = distancesBy(Mode::car, line());
     EXPECT_DOUBLE_EQ(car.at(0, 1), 5);
     EXPECT_DOUBLE_EQ(car.at(2, 0), 12.5);
     EXPECT_DOUBLE_EQ(distancesBy(Mode::bike, line()).at(0, 2), 12);
 }
 
-TEST(Distances, withinAZoneAreHalfTheWayToTheNearest) {
+TEST(Distances, withinAZoneAreHalfTheDistanceToTheNearestZone) {
     auto const car = distancesBy(Mode::car, line());
     EXPECT_DOUBLE_EQ(car.at(0, 0), 2.5);
     EXPECT_DOUBLE_EQ(car.at(1, 1), 2.5);
     EXPECT_DOUBLE_EQ(car.at(2, 2), 3.75);
 }
 
-TEST(Times, areThoseComputedByHand) {
+TEST(Times, agreeWithValuesComputedByHand) {
     auto const times = [](Mode mode, Period period) {
         return timesBy(mode, period, line(), distancesBy(mode, line()));
     };
-    // 5 km at the mean of 26 and 42 km/h, delayed by 0.5 x the mean of 1 and 0.7, and 2 minutes of parking.
+    // 5 km at the mean of 26 and 42 km/h, delayed by 0.5 times the mean of 1 and 0.7, plus 2 minutes of parking.
     EXPECT_DOUBLE_EQ(times(Mode::car, Period::morning).at(0, 1), 60 * 5 / 34.0 * 1.425 + 2);
     EXPECT_DOUBLE_EQ(times(Mode::car, Period::morning).at(1, 0), 60 * 5 / 34.0 * 1.425 + 6);
     EXPECT_DOUBLE_EQ(times(Mode::transit, Period::midday).at(0, 2), 4 + 8 + 60 * 13.5 / 28 + 9);
     EXPECT_DOUBLE_EQ(times(Mode::bike, Period::evening).at(0, 1), 1 + 60 * 4.8 / 15);
 }
 
-TEST(Times, ofCarsAreLongerInTheRush) {
+TEST(Times, ofCarsAreLongerInThePeak) {
     auto const distances = distancesBy(Mode::car, line());
     auto const morning = timesBy(Mode::car, Period::morning, line(), distances);
     auto const midday = timesBy(Mode::car, Period::midday, line(), distances);

@@ -25,7 +25,7 @@ double fromMiddle(Zone const& zone) {
 }
 
 TEST(Random, isTheSameOnEveryPlatform) {
-    // The ten-thousandth number of this engine is fixed by the C++ standard for its default seed.
+    // The C++ standard fixes the ten-thousandth number of this engine for its default seed.
     Random random(5489);
     for (int i = 1; i < 10'000; ++i) random.share();
     EXPECT_EQ(random.share(), static_cast<double>(9981545732273789042ull >> 11) * 0x1p-53);
@@ -39,7 +39,7 @@ TEST(Layout, hasACentreSuburbsAndTowns) {
     for (std::size_t i = 0; i < zones.size(); ++i) EXPECT_EQ(zones[i].number, static_cast<int>(i) + 1);
 }
 
-TEST(Layout, isDenseInTheMiddle) {
+TEST(Layout, isDenseInTheCentre) {
     struct Ring {
         double inner;
         double outer;

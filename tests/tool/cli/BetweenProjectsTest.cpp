@@ -1,5 +1,4 @@
-// Copies and moves from one project to another: of the other backend, of the same database, of the
-// same directory.
+// Copies and moves between projects: on the other backend, on the same database, in the same directory.
 
 #include "ToolSession.h"
 
@@ -29,7 +28,7 @@ protected:
     }
     std::string output(std::string const& line) const { return session->run(line).output; }
 
-    /// Zone numbers and the bits of all cells, as another reader finds them.
+    /// Zone numbers and the bits of all cells, as another reader sees them.
     std::string content(std::string const& file) const {
         auto const read =
             runPython("import h5py, sys\nf = h5py.File(sys.argv[1], 'r')\n"
@@ -47,7 +46,7 @@ CUBES_BOTH_BACKENDS(BetweenProjects);
 struct Road {
     char const* there;
     char const* file;
-    /// The directory of its files in either project.
+    /// The directory of files in both projects.
     char const* directory;
     char const* back;
     char const* fileBack;
@@ -59,7 +58,7 @@ constexpr Road roads[] = {
     {"skim/1/1/1/1/1/0", "1-1-1-1-1-0.skm", "results", "skim/1/1/1/1/2/0", "1-1-1-1-2-0.skm"},
 };
 
-TEST_P(BetweenProjects, everyCellGoesThereAndBack) {
+TEST_P(BetweenProjects, everyCellIsCopiedThereAndBack) {
     succeeds("cubes init other");
     for (Road const& road : roads) {
         SCOPED_TRACE(road.there);
@@ -94,7 +93,7 @@ TEST_P(BetweenProjects, aMoveLeavesNothingBehind) {
         "    -8  fare        1\n");
 }
 
-TEST_P(BetweenProjects, namesOfCubesAreThoseOfEachProject) {
+TEST_P(BetweenProjects, namesOfCubesBelongToEachProject) {
     succeeds("cubes init other");
     succeeds("cubes add First --project other && cubes import trips.csv Base/1/1/1/1 --project other");
     succeeds("cubes copy Base/1/1/1/1 Base/1/1/1/1 --from-project other");
@@ -103,7 +102,7 @@ TEST_P(BetweenProjects, namesOfCubesAreThoseOfEachProject) {
     EXPECT_EQ(output("cubes copy First/1/1/1/1 Base/1/1/1/2 --from-project other; echo $?"), "1\n");
 }
 
-TEST_P(BetweenProjects, ofOneDatabaseTheEntryOfTheOtherProjectStays) {
+TEST_P(BetweenProjects, onOneDatabaseTheEntryOfTheOtherProjectIsKept) {
     succeeds("cubes init other --database \"$DATABASE\" && cubes import trips.csv Own/1/1/1/1");
     succeeds("cubes import trips.csv Base/1/1/1/1 --project other");
     auto const before = session->state();
@@ -123,14 +122,14 @@ TEST_P(BetweenProjects, ofOneDatabaseTheEntryOfTheOtherProjectStays) {
     EXPECT_EQ(content("matrices/2-1-1-1-2.odm"), there);
 }
 
-TEST_P(BetweenProjects, ofOneDatabaseInitReportsTheSharedEntries) {
+TEST_P(BetweenProjects, onOneDatabaseInitReportsTheSharedEntries) {
     EXPECT_EQ(session->run("cubes init none --database \"$DATABASE\"").errors, "");
     succeeds("cubes import trips.csv Base/1/1/1/1 && cubes import trips.csv fare/1/1/1/1");
     EXPECT_EQ(session->run("cubes init other --database \"$DATABASE\"").errors,
         "cubes: note: the database holds 2 entries of cubes from other projects; they are shared\n");
 }
 
-TEST_P(BetweenProjects, ofOneDirectoryNothingIsCopied) {
+TEST_P(BetweenProjects, inOneDirectoryNothingIsCopied) {
     succeeds("cubes init other && cubes import trips.csv Base/1/1/1/1");
     succeeds("sed -i 's|^matrix_directory.*|matrix_directory = \"../matrices\"|' other/cubes.toml");
     auto const before = session->state();
@@ -143,7 +142,7 @@ TEST_P(BetweenProjects, ofOneDirectoryNothingIsCopied) {
     EXPECT_EQ(session->state(), before);
 }
 
-TEST_P(BetweenProjects, aFileCutShortIsToldAndNothingChanges) {
+TEST_P(BetweenProjects, aTruncatedFileIsReportedAndNothingChanges) {
     succeeds("cubes init other && cubes import trips.csv Base/1/1/1/1 --project other");
     fs::resize_file(session->file("other/matrices/1-1-1-1-1.odm"), 100);
     auto const before = session->state();

@@ -1,5 +1,4 @@
-// One project for two platforms: what the tool of one has made, the tool of the other opens, reads,
-// and goes on with.
+// One project on two platforms: the tool of one opens, reads and extends what the tool of the other has created.
 
 #include "ToolSession.h"
 
@@ -34,14 +33,14 @@ void requireLinuxTool() {
                     "vlinterfaceutilities";
 }
 
-/// The line with that tool for "cubes", in the project's directory.
+/// The line with that tool in place of "cubes", run in the project's directory.
 std::string with(std::string const& tool, std::string line) {
     for (auto at = line.find("cubes "); at != std::string::npos; at = line.find("cubes ", at + tool.size()))
         line.replace(at, 5, tool);
     return "cd delta && " + line;
 }
 
-/// A trip table, routes and data of routes, as any other program might write them.
+/// A trip table, routes and route data, as another program might write them.
 void writeSources(ToolSession const& session) {
     session.write("delta/trips.csv", ",10,20,30\n10,0,1.5,2\n20,3,0,0.1\n30,1e7,5,0\n");
     session.write("delta/routes.csv",
@@ -50,7 +49,7 @@ void writeSources(ToolSession const& session) {
     session.write("delta/data.csv", "route,length:float,tolled:boolean\n0,5.5,1\n1,7.25,0\n2,0.1,0\n");
 }
 
-// Everything that a project may hold, one command a line.
+// Commands that create one of everything that a project can hold, one per line.
 constexpr std::array making = {
     "cubes import trips.csv 'Base \xC3\xBC/1/1/1/1'",
     "cubes import trips.csv fare/1/1/1/1",
@@ -63,7 +62,7 @@ constexpr std::array making = {
     "cubes use fare/1/1/1/1 +1",
 };
 
-// What is asked of it.
+// Commands that read it.
 constexpr std::array reading = {
     "cubes list",
     "cubes entries",
@@ -83,7 +82,7 @@ constexpr std::array reading = {
     "cubes routes export routedata/1/1/1/1/1/1 out.csv && cat out.csv",
 };
 
-// How the other one goes on. Copies hold the same content, and their own key in the index record.
+// Commands with which the other tool continues. Copies have the same content, and their own key in the index record.
 constexpr std::array goingOn = {
     "cubes copy 1/1/1/1/1 1/1/1/1/2",
     "cubes export 1/1/1/1/1 out.csv && cubes export 1/1/1/1/2 copy.csv && cmp out.csv copy.csv",
@@ -96,7 +95,7 @@ constexpr std::array goingOn = {
     "cubes remove fare/1/1/1/1",
 };
 
-// All that another reader finds in the files.
+// Everything that an independent reader finds in the files.
 constexpr char const* contentOfAll = R"(
 import glob, h5py, sys
 def tell(name, item):
@@ -123,14 +122,14 @@ protected:
     Backend backend() const { return std::get<Backend>(GetParam()); }
     Direction direction() const { return std::get<Direction>(GetParam()); }
 
-    /// An SQLite database lies in the project's directory, as it does where nothing is said.
+    /// By default an SQLite database is in the project's directory.
     std::string init(std::string const& tool) const {
         std::string const database = backend() == Backend::postgres ? " --database \"$DATABASE\"" : "";
         return tool + " init delta --storage " + std::get<char const*>(GetParam()) + database;
     }
     void make(ToolSession const& session, std::string const& tool) const {
         succeeds(session, init(tool));
-        // Equal matrices make equal files in directories of one identity.
+        // Equal matrices make equal files in directories with the same identity.
         for (auto const* directory : {"matrices", "results"})
             session.write("delta/" + std::string(directory) + "/cubes-id", "0123456789abcdef0123456789abcdef\n");
         writeSources(session);
@@ -206,7 +205,7 @@ INSTANTIATE_TEST_SUITE_P(, CrossPlatform, combined(directions), nameOf);
 class SameProject : public CrossPlatform {};
 INSTANTIATE_TEST_SUITE_P(, SameProject, combined({directions.front()}), nameOf);
 
-TEST_P(CrossPlatform, readsWhatTheOtherHasMadeAndChangesNothing) {
+TEST_P(CrossPlatform, isReadByTheOtherToolAndNotChanged) {
     auto const [name, maker, other] = direction();
     make(*session_, maker);
     auto const asMade = read(*session_, maker);
@@ -219,7 +218,7 @@ TEST_P(CrossPlatform, readsWhatTheOtherHasMadeAndChangesNothing) {
     EXPECT_EQ(rows(*session_), rowsAsMade);
 }
 
-TEST_P(CrossPlatform, goesOnWithWhatTheOtherHasMade) {
+TEST_P(CrossPlatform, isExtendedByTheOtherTool) {
     auto const [name, maker, other] = direction();
     make(*session_, maker);
     for (auto const* line : goingOn) succeeds(*session_, with(other, line));
@@ -237,13 +236,13 @@ TEST_P(CrossPlatform, goesOnWithWhatTheOtherHasMade) {
     EXPECT_NE(found.find("[10000000.0, 5.0, 0.0]"), std::string::npos) << found;
 }
 
-TEST_P(SameProject, isMadeByBoth) {
+TEST_P(SameProject, isCreatedByBothTools) {
     auto const [name, maker, other] = direction();
     ToolSession const theirs(backend());
     make(*session_, maker);
     make(theirs, other);
     EXPECT_EQ(listing(theirs.directory()), listing(session_->directory()));
-    // Files of routes tell when they were made.
+    // Route files record the time of their creation.
     EXPECT_EQ(bytesOf(theirs, matrices), bytesOf(*session_, matrices));
     EXPECT_EQ(rows(theirs), rows(*session_));
     EXPECT_EQ(read(theirs, other), read(*session_, maker));

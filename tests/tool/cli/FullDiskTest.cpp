@@ -1,5 +1,5 @@
-// A small disk of its own, seen by one shell only, that fills up. Where none may be mounted, files
-// that may not grow take its place.
+// A small disk that only one shell sees, and that fills up. If none can be mounted, a limit on the size of files
+// replaces it.
 
 #include "ToolSession.h"
 
@@ -19,18 +19,18 @@ protected:
         mayMount_ = session_->run("unshare --mount mount -t tmpfs none .").exitCode == 0;
     }
 
-    /// Runs the lines with a small disk in a directory.
+    /// Runs the lines with a small disk mounted on a directory.
     ProcessResult runWithDisk(std::string const& where, std::string const& lines) const {
         if (!mayMount_) return runWithLimit("256", lines);
         session_->write("lines.sh", "mount -t tmpfs -o size=256k none " + where + "\n" + lines);
         return session_->run("unshare --mount sh lines.sh");
     }
-    /// Runs the lines with a full disk in the working directory.
+    /// Runs the lines with a full disk as the working directory.
     ProcessResult runWithFullDisk(std::string const& lines) const {
         if (!mayMount_) return runWithLimit("0", lines);
         return runWithDisk(". && cd .", "head -c 10M /dev/zero > filler 2>/dev/null\n" + lines + "rm filler\n");
     }
-    /// Small files of routes and their data, and a large one that no compression makes small.
+    /// Small files of routes and their data, and a large one that is hard to compress.
     void writeRoutes() const {
         session_->run("mkdir -p results");
         std::string const header = "origin,destination,route,sequence,link,share\n";
@@ -54,7 +54,7 @@ protected:
 
 private:
     ProcessResult runWithLimit(std::string const& kibibytes, std::string const& lines) const {
-        // Results and messages go through pipes: they are caught in files.
+        // Results and messages are redirected to files, so that they do not need the disk.
         session_->write("lines.sh",
             "{ { trap '' XFSZ; ulimit -f " + kibibytes + "\n" + lines + "\n} 2>&1 1>&3 | cat >&2; } 3>&1 | cat\n");
         return session_->run("bash lines.sh");
@@ -63,7 +63,7 @@ private:
 
 CUBES_BOTH_BACKENDS(FullDisk);
 
-TEST_P(FullDisk, leavesTheOldMatrixAndNoNewEntry) {
+TEST_P(FullDisk, keepsTheOldMatrixAndAddsNoEntry) {
     session_->makeProject();
     session_->write("small.csv", ",1,2\n1,1,2\n2,3,4\n");
     session_->run("/usr/bin/python3 -c \"n = range(1, 401)\nprint(',' + ','.join(map(str, n)))\n"
@@ -83,8 +83,8 @@ cubes list
     expectReason(result.errors);
 }
 
-// The disk holds a file of this size once.
-TEST_P(FullDisk, leavesNothingOfACopyAndLetsAMoveBe) {
+// The disk has room for one file of this size.
+TEST_P(FullDisk, leavesNothingOfACopyAndDoesNotPreventAMove) {
     if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
     session_->makeProject();
     session_->run("/usr/bin/python3 -c \"n = range(1, 191)\nprint(',' + ','.join(map(str, n)))\n"
@@ -121,8 +121,8 @@ cat disk/*
     EXPECT_NE(result.errors.find("disk/out.omx"), std::string::npos) << result.errors;
 }
 
-// In the place of one entry there is a file that no row tells of: it stays too.
-TEST_P(FullDisk, leavesTheOldRoutesAndNoNewEntry) {
+// A file without a row is in the place of one entry: it is kept as well.
+TEST_P(FullDisk, keepsTheOldRoutesAndAddsNoEntry) {
     session_->makeProject();
     writeRoutes();
     auto const result = runWithDisk("results", R"(
@@ -144,7 +144,7 @@ cubes list
     expectReason(result.errors);
 }
 
-TEST_P(FullDisk, hasNoRoomForEvenASmallFileOfRoutes) {
+TEST_P(FullDisk, hasNoRoomEvenForASmallRouteFile) {
     if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
     session_->makeProject();
     writeRoutes();

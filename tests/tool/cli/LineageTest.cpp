@@ -1,4 +1,4 @@
-// What the tool makes of rows that another program wrote, and of transfers that fail.
+// Lineage in rows that another program wrote, and after transfers that fail.
 
 #include "ToolSession.h"
 
@@ -26,16 +26,16 @@ protected:
         succeeds(cubes("parent skim/1/1/1/1/1/3 skim/1/1/1/1/1/2"));
     }
 
-    static std::string cubes(std::string const& words) { return "cubes " + words + " --project delta"; }
+    static std::string cubes(std::string const& arguments) { return "cubes " + arguments + " --project delta"; }
     void succeeds(std::string const& line) const {
         auto const result = session_->run(line);
         ASSERT_EQ(result.exitCode, 0) << line << "\n" << result.errors;
     }
-    std::string output(std::string const& words) const { return session_->run(cubes(words)).output; }
-    std::string errors(std::string const& words) const { return session_->run(cubes(words)).errors; }
-    int exitCode(std::string const& words) const { return session_->run(cubes(words)).exitCode; }
+    std::string output(std::string const& arguments) const { return session_->run(cubes(arguments)).output; }
+    std::string errors(std::string const& arguments) const { return session_->run(cubes(arguments)).errors; }
+    int exitCode(std::string const& arguments) const { return session_->run(cubes(arguments)).exitCode; }
     std::string file(std::string const& name) const { return session_->file("delta/results/" + name); }
-    /// Gives the skim of that iteration a parent by hand.
+    /// Sets the parent of the skim of that iteration directly in the database.
     void setParent(int iteration, std::string const& assignments) const {
         session_->database().execute("update " + session_->database().table("delta", "cube5data1") + " set " +
                                      assignments + " where iteration = " + std::to_string(iteration));
@@ -49,12 +49,12 @@ CUBES_BOTH_BACKENDS(LineageSession);
 constexpr char const* parentOne = "parentcubenr = -1, parentpurpose = 1, parentmode = 1, parenttime = 1, "
                                   "parentuser = 1, parentresult = 1, parentiteration = ";
 
-TEST_P(LineageSession, isShownFromTheOldestAncestor) {
+TEST_P(LineageSession, isPrintedFromTheOldestAncestor) {
     EXPECT_EQ(output("tree skim/1/1/1/1/1/2"), "  Base/1/1/1/1\n    skim/1/1/1/1/1/1\n*     skim/1/1/1/1/1/2\n"
                                                "        skim/1/1/1/1/1/3\n");
 }
 
-TEST_P(LineageSession, endsWhereRowsLeadInACircle) {
+TEST_P(LineageSession, endsAtACycle) {
     setParent(1, parentOne + std::string("3"));
     EXPECT_EQ(output("tree skim/1/1/1/1/1/2"), "  skim/1/1/1/1/1/3\n    skim/1/1/1/1/1/1\n*     skim/1/1/1/1/1/2\n");
     setParent(2, parentOne + std::string("2"));
@@ -64,7 +64,7 @@ TEST_P(LineageSession, endsWhereRowsLeadInACircle) {
     EXPECT_EQ(exitCode("parent skim/1/1/1/1/1/3 skim/1/1/1/1/1/1"), 1);
 }
 
-TEST_P(LineageSession, tellsOfParentsThatAreNoEntries) {
+TEST_P(LineageSession, reportsParentsThatAreNotEntries) {
     struct {
         char const* assignments;
         char const* parent;
@@ -85,7 +85,7 @@ TEST_P(LineageSession, tellsOfParentsThatAreNoEntries) {
     }
 }
 
-TEST_P(LineageSession, findsTheChildrenOfACubeThatIsGone) {
+TEST_P(LineageSession, findsTheChildrenOfARemovedCube) {
     EXPECT_NE(
         errors("remove Base").find("results that still have an entry of Base as their parent: 1\n"), std::string::npos);
     EXPECT_EQ(output("tree 1/1/1/1/1"), "* 1/1/1/1/1  (missing)\n    skim/1/1/1/1/1/1\n      skim/1/1/1/1/1/2\n"
@@ -94,7 +94,7 @@ TEST_P(LineageSession, findsTheChildrenOfACubeThatIsGone) {
     EXPECT_EQ(exitCode("tree 2/1/1/1/1"), 1);
 }
 
-TEST_P(LineageSession, isDrawnWithNamesAsTheyAre) {
+TEST_P(LineageSession, isPrintedWithUnchangedNames) {
     std::string const name = R"(a "b" \c ü)";
     succeeds(cubes("import m.csv '" + name + "/1/1/1/1'"));
     succeeds(cubes("parent skim/1/1/1/1/1/1 '" + name + "/1/1/1/1'"));
@@ -102,7 +102,7 @@ TEST_P(LineageSession, isDrawnWithNamesAsTheyAre) {
         std::string::npos);
 }
 
-TEST_P(LineageSession, namesCubesByNumberWhereTheirNamesWouldBeReadAsOthers) {
+TEST_P(LineageSession, namesCubesByNumberWhenTheirNamesAreAmbiguous) {
     int number = 60;
     for (char const* const name : {"skim/1/1", "2030", "fare"})
         session_->database().execute(
@@ -115,7 +115,7 @@ TEST_P(LineageSession, namesCubesByNumberWhereTheirNamesWouldBeReadAsOthers) {
         EXPECT_EQ(session_->run("cubes add --project delta -- " + std::string(name)).exitCode, 1) << name;
 }
 
-TEST_P(LineageSession, stayWithAResultThatMovesAndNotWithACopy) {
+TEST_P(LineageSession, isKeptByAMovedResultAndNotByACopy) {
     succeeds(cubes("move skim/1/1/1/1/1/1 transit/1/1/1/1/1/1"));
     EXPECT_EQ(output("tree transit/1/1/1/1/1/1"), "  Base/1/1/1/1\n*   transit/1/1/1/1/1/1\n");
     succeeds(cubes("copy transit/1/1/1/1/1/1 skim/1/1/1/1/1/3"));
@@ -124,8 +124,8 @@ TEST_P(LineageSession, stayWithAResultThatMovesAndNotWithACopy) {
     EXPECT_EQ(output("tree skim/1/1/1/1/1/2"), "* skim/1/1/1/1/1/2\n");
 }
 
-// What a copy cannot read or place is a directory here.
-TEST_P(LineageSession, isAsBeforeWhenATransferFails) {
+// A directory in place of a file makes a copy fail.
+TEST_P(LineageSession, isUnchangedWhenATransferFails) {
     std::filesystem::remove(file("1-1-1-1-1-1.skm"));
     std::filesystem::create_directory(file("1-1-1-1-1-1.skm"));
     writeFile(file("1-1-1-1-1-9.skm"), "of nobody");
@@ -140,8 +140,8 @@ TEST_P(LineageSession, isAsBeforeWhenATransferFails) {
     EXPECT_NE(found.find("1-1-1-1-1-1.skm"), std::string::npos) << found;
 }
 
-// Each matrix is large enough for the two to meet.
-TEST_P(LineageSession, isWholeWhenTwoCopyToOnePlaceAtOnce) {
+// Each matrix is large enough for the two processes to overlap.
+TEST_P(LineageSession, isConsistentWhenTwoProcessesCopyToOneEntry) {
     session_->run("/usr/bin/python3 -c \"n = range(1, 301)\nprint(',' + ','.join(map(str, n)))\n"
                   "for i in n: print(i, *n, sep=',')\" > large.csv");
     succeeds(cubes("import large.csv Large/1/1/1/1"));
@@ -153,7 +153,7 @@ TEST_P(LineageSession, isWholeWhenTwoCopyToOnePlaceAtOnce) {
     }
 }
 
-TEST_P(LineageSession, ofCubesIsNotClearedTwiceByTwo) {
+TEST_P(LineageSession, ofACubeIsNotClearedTwiceByTwoProcesses) {
     for (int entry = 1; entry <= 20; ++entry) succeeds(cubes("copy Base/1/1/1/1 Much/1/1/1/" + std::to_string(entry)));
     auto const clearing = cubes("clear Much --json") + " 2>&1";
     auto const both = session_->run("{ " + clearing + " > a & " + clearing + " > b & wait; cat a b; }").output;
@@ -173,12 +173,12 @@ TEST_P(LineageSession, isRemovedAsAWhole) {
     EXPECT_EQ(exitCode("remove Base --with-children"), 2);
 }
 
-TEST_P(LineageSession, countsUsersOnDemand) {
+TEST_P(LineageSession, printsTheUsageCounterAndProtectsEntriesInUse) {
     EXPECT_EQ(output("use skim/1/1/1/1/1/1"), "entry  skim/1/1/1/1/1/1\nusers  0\n");
     succeeds(cubes("use skim/1/1/1/1/1/1 +1"));
     EXPECT_EQ(output("use skim/1/1/1/1/1/1"), "entry  skim/1/1/1/1/1/1\nusers  1\n");
     EXPECT_NE(errors("remove skim/1/1/1/1/1/1").find("skim/1/1/1/1/1/1 is in use; try again later"), std::string::npos);
-    // In use it can be copied as a result, and not be read.
+    // An entry in use can be copied as a result, but not read.
     succeeds(cubes("copy skim/1/1/1/1/1/1 path/1/1/1/1/1/1"));
     EXPECT_EQ(exitCode("copy skim/1/1/1/1/1/1 Base/2/1/1/1"), 1);
 }

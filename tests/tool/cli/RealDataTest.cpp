@@ -1,4 +1,4 @@
-// Real trip tables through the tool: into a cube, to other formats and back, cell for cell.
+// Real trip tables in the tool: imported into a cube, and exported to other formats and back without a changed cell.
 
 #include "ToolSession.h"
 #include "support/SharedData.h"
@@ -25,7 +25,7 @@ protected:
 
     nlohmann::json json(std::string const& line) const { return nlohmann::json::parse(session->run(line).output); }
 
-    /// What another reader of the format makes of a matrix file.
+    /// The content of a matrix file, as another reader of the format prints it.
     std::string asReadByH5py(std::string const& file, std::string const& expression) const {
         auto const result = runPython("import h5py, numpy, sys\nf = h5py.File(sys.argv[1], 'r')\n"
                                       "cells = f['data/matrix'][:]\nzones = f['lookup/zone'][:].tolist()\nprint(" +
@@ -39,7 +39,7 @@ protected:
 
 CUBES_BOTH_BACKENDS(RealData);
 
-TEST_P(RealData, ofSiouxFallsSurvivesEveryFormat) {
+TEST_P(RealData, ofSiouxFallsIsPreservedByEveryFormat) {
     CUBES_REQUIRE_DATA("tntp/SiouxFalls_trips.tntp");
     succeeds("cubes import \"$DATA/tntp/SiouxFalls_trips.tntp\" Base/1/1/1/1");
     auto const shown = json("cubes show Base/1/1/1/1 --json");
@@ -59,7 +59,7 @@ TEST_P(RealData, ofSiouxFallsSurvivesEveryFormat) {
         EXPECT_EQ(asReadByH5py(copy, everything), first) << copy;
 }
 
-TEST_P(RealData, ofChicagoHasTheTotalThatIsPublished) {
+TEST_P(RealData, ofChicagoHasThePublishedTotal) {
     CUBES_REQUIRE_DATA("tntp/ChicagoSketch_trips.tntp");
     succeeds("cubes import \"$DATA/tntp/ChicagoSketch_trips.tntp\" Base/1/1/1/1");
     auto const shown = json("cubes show Base/1/1/1/1 --json");

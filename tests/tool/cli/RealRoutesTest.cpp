@@ -1,5 +1,5 @@
-// The quickest routes of a real network through the tool, and the trips of a real table over its
-// busiest link.
+// The shortest paths by time of a real network in the tool, and a select link analysis of its busiest link with a real
+// trip table.
 
 #include "ToolSession.h"
 #include "support/Network.h"
@@ -13,40 +13,40 @@
 namespace {
 
 using namespace cubes::test;
-using Ways = std::vector<Network::Way>;
+using Paths = std::vector<Network::Path>;
 
-// Every way takes all trips of its zones. Lines and columns stand as another program might write them.
-std::string csvOf(Ways const& ways) {
+// Every path has all trips of its OD pair. Rows and columns are in an unusual order.
+std::string csvOf(Paths const& paths) {
     std::string text = "origin,destination,link,sequence,route,share\n";
-    for (auto const& way : ways)
-        for (auto place = way.links.size(); place-- > 0;)
-            text += std::to_string(way.origin) + "," + std::to_string(way.destination) + "," +
-                    std::to_string(way.links[place]) + "," + std::to_string(place) + ",1,1\n";
+    for (auto const& path : paths)
+        for (auto place = path.links.size(); place-- > 0;)
+            text += std::to_string(path.origin) + "," + std::to_string(path.destination) + "," +
+                    std::to_string(path.links[place]) + "," + std::to_string(place) + ",1,1\n";
     return text;
 }
 
-Ways waysIn(std::string const& network) {
-    return Network::parse(readFile(sharedData(network))).ways(Network::Cost::freeFlowTime);
+Paths shortestPathsIn(std::string const& network) {
+    return Network::parse(readFile(sharedData(network))).shortestPaths(Network::Cost::freeFlowTime);
 }
 
-std::uint32_t busiestLink(Ways const& ways) {
+std::uint32_t busiestLink(Paths const& paths) {
     std::map<std::uint32_t, int> routes;
-    for (auto const& way : ways)
-        for (auto const link : way.links) ++routes[link];
+    for (auto const& path : paths)
+        for (auto const link : path.links) ++routes[link];
     auto const fewer = [](auto const& a, auto const& b) { return a.second < b.second; };
     return std::max_element(routes.begin(), routes.end(), fewer)->first;
 }
 
-// Divides the trips anew, from the routes and the trips as they came to the tool, and compares with
-// what the tool has stored.
+// Computes the select link result independently, from the routes and trips as they were imported, and compares it with
+// the tool's.
 constexpr char const* independentSelection = R"(
 import csv, h5py, numpy, re, sys
 routes_csv, trips_tntp, link, set_file, selected_file = sys.argv[1:]
-ways = {}
+paths = {}
 for row in csv.DictReader(open(routes_csv)):
-    way = ways.setdefault((int(row['origin']), int(row['destination'])), {})
-    way[int(row['sequence'])] = int(row['link'])
-ways = {pair: [way[i] for i in sorted(way)] for pair, way in ways.items()}
+    path = paths.setdefault((int(row['origin']), int(row['destination'])), {})
+    path[int(row['sequence'])] = int(row['link'])
+paths = {pair: [path[i] for i in sorted(path)] for pair, path in paths.items()}
 
 text = open(trips_tntp).read()
 zones = int(re.search('<NUMBER OF ZONES> *([0-9]+)', text).group(1))
@@ -57,8 +57,8 @@ for block in text.split('Origin')[1:]:
         trips[int(origin) - 1, int(destination) - 1] = float(value)
 
 selected, rest = numpy.zeros_like(trips), trips.copy()
-for (origin, destination), way in ways.items():
-    if int(link) in way:
+for (origin, destination), path in paths.items():
+    if int(link) in path:
         selected[origin - 1, destination - 1] = trips[origin - 1, destination - 1]
         rest[origin - 1, destination - 1] = 0
 
@@ -66,7 +66,7 @@ with h5py.File(set_file) as f:
     ends = zip(f['origins'][:].tolist(), f['destinations'][:].tolist())
     offsets, links = f['offsets'][:].tolist(), f['links'][:].tolist()
     kept = {pair: links[offsets[i]:offsets[i + 1]] for i, pair in enumerate(ends)}
-    print('routes', len(kept), kept == ways, set(f['shares'][:].tolist()), f.attrs['cube_type'], *f.attrs['key'])
+    print('routes', len(kept), kept == paths, set(f['shares'][:].tolist()), f.attrs['cube_type'], *f.attrs['key'])
 with h5py.File(selected_file) as f:
     cells = f['data/matrix'][:]
     print('selected', numpy.array_equal(cells, selected), f['lookup/zone'][:].tolist() == list(range(1, zones + 1)))
@@ -95,12 +95,12 @@ protected:
 
 CUBES_BOTH_BACKENDS(RealRoutes);
 
-TEST_P(RealRoutes, ofSiouxFallsDivideItsTrips) {
+TEST_P(RealRoutes, ofSiouxFallsGiveTheRightSelectLinkResult) {
     CUBES_REQUIRE_DATA("tntp/SiouxFalls_net.tntp");
     CUBES_REQUIRE_DATA("tntp/SiouxFalls_trips.tntp");
-    auto const ways = waysIn("tntp/SiouxFalls_net.tntp");
-    session->write("routes.csv", csvOf(ways));
-    auto const link = std::to_string(busiestLink(ways));
+    auto const paths = shortestPathsIn("tntp/SiouxFalls_net.tntp");
+    session->write("routes.csv", csvOf(paths));
+    auto const link = std::to_string(busiestLink(paths));
 
     output("cubes import \"$DATA/tntp/SiouxFalls_trips.tntp\" Base/1/1/1/1");
     auto const imported = json("cubes routes import routes.csv routes/1/1/1/1/1/1");
@@ -125,14 +125,14 @@ TEST_P(RealRoutes, ofSiouxFallsDivideItsTrips) {
         output("cubes tree Base/1/1/1/1"), "* Base/1/1/1/1\n    routes/1/1/1/1/1/1\n      selectedlink/1/1/1/1/1/1\n");
 }
 
-TEST_P(RealRoutes, ofSiouxFallsSurviveExport) {
+TEST_P(RealRoutes, ofSiouxFallsArePreservedByExport) {
     CUBES_REQUIRE_DATA("tntp/SiouxFalls_net.tntp");
-    auto const ways = waysIn("tntp/SiouxFalls_net.tntp");
-    session->write("routes.csv", csvOf(ways));
+    auto const paths = shortestPathsIn("tntp/SiouxFalls_net.tntp");
+    session->write("routes.csv", csvOf(paths));
     output("cubes routes import routes.csv routes/1/1/1/1/1/1 && cubes routes export routes/1/1/1/1/1/1 again.csv");
     output("cubes routes import again.csv routes/1/1/1/1/1/1 && cubes routes export routes/1/1/1/1/1/1 twice.csv");
     EXPECT_EQ(session->read("twice.csv"), session->read("again.csv"));
-    auto const& last = ways.back();
+    auto const& last = paths.back();
     std::vector<std::uint32_t> const links = json("cubes routes show routes/1/1/1/1/1/1 --od " +
                                                   std::to_string(last.origin) + " " + std::to_string(last.destination))
                                                  .at(0)

@@ -1,4 +1,4 @@
-// Results on their way out of the tool: their bytes, and what becomes of them when nobody takes them.
+// The tool's output: its bytes, and the behaviour when nobody reads it.
 
 #include "ToolSession.h"
 
@@ -17,7 +17,7 @@ protected:
     ToolSession const session{Backend::sqlite};
 };
 
-TEST_F(Results, endQuietlyWhenTheirReaderGoesAway) {
+TEST_F(Results, endWithoutAMessageWhenTheirReaderExits) {
     session.write("reader.py", R"(
 import os, subprocess, sys
 for restored in (True, False):
@@ -25,9 +25,9 @@ for restored in (True, False):
     os.close(reading)
     tool = subprocess.run(["cubes", "entries"], stdout=writing, stderr=subprocess.PIPE, restore_signals=restored)
     os.close(writing)
-    sys.stdout.buffer.write(b"said: " + tool.stderr + b"\n")
+    sys.stdout.buffer.write(b"errors: " + tool.stderr + b"\n")
 )");
-    EXPECT_EQ(session.run("/usr/bin/python3 reader.py").output, "said: \nsaid: \n");
+    EXPECT_EQ(session.run("/usr/bin/python3 reader.py").output, "errors: \nerrors: \n");
 }
 
 TEST_F(Results, haveTheSameLineEndsOnEverySystem) {
@@ -38,7 +38,7 @@ TEST_F(Results, haveTheSameLineEndsOnEverySystem) {
     }
 }
 
-TEST_F(Results, areMissedWhenTheyCannotBeWritten) {
+TEST_F(Results, causeAnErrorWhenTheyCannotBeWritten) {
     auto const result = session.run("cubes entries >/dev/full");
     EXPECT_EQ(result.exitCode, 3);
     EXPECT_EQ(result.errors, "cubes: cannot list the entries: standard output: No space left on device\n");

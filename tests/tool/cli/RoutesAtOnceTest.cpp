@@ -1,4 +1,4 @@
-// Two store routes in one place at once, and one of them fails.
+// Two processes store routes in one entry at the same time, and one of them fails.
 
 #include "ToolSession.h"
 
@@ -30,7 +30,7 @@ protected:
 
     ProcessResult run(std::string const& line) const { return session_->run(line); }
 
-    /// Runs both at once and gives their exit codes, a line each.
+    /// Runs both at the same time and returns their exit codes, one per line.
     std::string codesOf(std::string const& first, std::string const& second) const {
         return run("{ { " + first + "; echo $? >a; } >first 2>&1 & { " + second +
                    "; echo $? >b; } >second 2>&1 & wait; cat a b; }")
@@ -42,29 +42,29 @@ protected:
 
 CUBES_BOTH_BACKENDS(RoutesAtOnce);
 
-// One of those that fail is refused before it has begun, the other when it has added the entry's row.
+// One failing process is refused before it starts, the other after it has added the entry's row.
 constexpr char const* failing[] = {
     "cubes routes import bad.csv ",
     "CUBES_PROVIDER_PATH=$PWD/broken cubes routes import good.csv ",
 };
 
-TEST_P(RoutesAtOnce, leaveWhatTheOtherHasStoredOrNothing) {
+TEST_P(RoutesAtOnce, areThoseOfTheOtherProcessOrNone) {
     int iteration = 0;
     for (char const* const command : failing)
         for (int round = 1; round <= 4; ++round) {
             auto const entry = "routes/1/1/1/1/1/" + std::to_string(++iteration);
             auto const codes = codesOf("cubes routes import good.csv " + entry, command + entry);
             auto const shown = run("cubes routes show " + entry);
-            auto const said = codes + session_->read("first") + session_->read("second") + shown.errors;
+            auto const messages = codes + session_->read("first") + session_->read("second") + shown.errors;
             if (codes == "0\n3\n") {
                 EXPECT_NE(shown.output.find("routes         " + std::to_string(routes) + "\n"), std::string::npos)
-                    << said;
+                    << messages;
                 continue;
             }
-            // Both hold the file's lock in turn: whoever finds it held gives up.
-            EXPECT_EQ(codes, "3\n3\n") << said;
-            EXPECT_NE(session_->read("first").find("locked"), std::string::npos) << said;
-            EXPECT_EQ(shown.exitCode, 1) << said;
+            // Each holds the file's lock in turn: the other one fails.
+            EXPECT_EQ(codes, "3\n3\n") << messages;
+            EXPECT_NE(session_->read("first").find("locked"), std::string::npos) << messages;
+            EXPECT_EQ(shown.exitCode, 1) << messages;
             EXPECT_EQ(session_->state().find("1-1-1-1-1-" + std::to_string(iteration) + ".FDB"), std::string::npos);
         }
     EXPECT_EQ(run("cubes entries").output.find("missing"), std::string::npos);

@@ -1,4 +1,4 @@
-// Who watches: a terminal sees how far a long work is, a pipe or a file does not.
+// Progress is printed on a terminal, and not to a pipe or a file.
 
 #include "ToolSession.h"
 
@@ -14,7 +14,7 @@ protected:
         session.run("cubes import t.csv Base/1/1/1/1");
     }
 
-    /// What a line of the shell writes on a terminal.
+    /// What a line of the shell prints on a terminal.
     std::string onTerminal(std::string const& line) const {
         session.write("terminal.py", R"(
 import os, pty, sys
@@ -33,12 +33,12 @@ except OSError:
     ToolSession const session{Backend::sqlite};
 };
 
-TEST_F(Terminal, seesProgress) {
+TEST_F(Terminal, showsProgress) {
     EXPECT_NE(onTerminal("cubes entries >listing").find("listing: 100 %"), std::string::npos);
     EXPECT_NE(session.read("listing").find("Base/1/1/1/1"), std::string::npos);
 }
 
-TEST_F(Terminal, seesNothingOfProgressWhenMessagesGoElsewhere) {
+TEST_F(Terminal, showsNoProgressWhenMessagesAreRedirected) {
     EXPECT_EQ(onTerminal("cubes entries >listing 2>messages"), "");
     EXPECT_EQ(session.read("messages"), "");
     EXPECT_EQ(session.run("cubes entries").errors, "");

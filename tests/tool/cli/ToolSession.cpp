@@ -36,7 +36,7 @@ std::string textOf(Rows const& rows) {
     return text;
 }
 
-// Of files that may be told by their bytes; a database file changes when it is only opened.
+// Of files that are compared by their bytes; a database file changes when it is only opened.
 std::string contentOf(fs::path const& file) {
     auto const kind = file.extension();
     return fs::is_regular_file(file) && (kind == ".odm" || kind == ".toml") ? readFile(file.string()) : "";

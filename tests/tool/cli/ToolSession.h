@@ -8,28 +8,27 @@
 
 namespace cubes::test {
 
-/// A working directory and an empty database, in which the built tool is called as users call it.
+/// A working directory and an empty database, in which the built tool is run as users run it.
 class ToolSession {
 public:
     explicit ToolSession(Backend backend);
 
-    /// Runs a line of the shell in the working directory. "cubes" is the tool, $DATABASE the
-    /// database's URL, $DATA the directory of real data, $SERVER_PORT the port where the server
-    /// asks for passwords, $AS_ANYBODY what takes the rights of the superuser from a command.
+    /// Runs a line of the shell in the working directory. "cubes" is the tool, $DATABASE the database's URL, $DATA the
+    /// directory of real data, $SERVER_PORT the port on which the server requires passwords, $AS_ANYBODY the prefix
+    /// that runs a command without the superuser's rights.
     ProcessResult run(std::string const& line) const;
-    /// The same, and shown as a transcript shows it: results, then messages headed by "! ", then
-    /// the exit code in brackets unless it is 0. What differs from run to run is named <DIR> and
-    /// <DATABASE>.
+    /// The same, printed as in a transcript: results, then messages prefixed by "! ", then the exit code in brackets
+    /// unless it is 0. Parts that differ from run to run are replaced by <DIR> and <DATABASE>.
     std::string shown(std::string const& line) const;
 
-    /// Makes the project in the working directory.
+    /// Creates the project in the working directory.
     void makeProject() const;
     void write(std::string const& name, std::string const& text) const { writeFile(directory_.file(name), text); }
     std::string read(std::string const& name) const { return readFile(directory_.file(name)); }
     std::string directory() const { return directory_.str(); }
     std::string file(std::string const& name) const { return directory_.file(name); }
     TestDatabase const& database() const { return database_; }
-    /// All that may not change when a command fails: the files and the rows.
+    /// Everything that must not change when a command fails: the files and the rows.
     std::string state() const;
 
 private:

@@ -1,5 +1,5 @@
-// Sessions with the tool, written down as a user sees them: a line headed by "$ " is a command,
-// what follows is what it prints, see ToolSession::shown. Lines headed by "#" are remarks.
+// Sessions with the tool as a user sees them: a line that begins with "$ " is a command, followed by its output, see
+// ToolSession::shown. Lines that begin with "#" are comments.
 
 #include "ToolSession.h"
 
@@ -23,7 +23,7 @@ bool isRemark(std::string const& line) {
     return line.starts_with("#");
 }
 
-/// The transcript with what the tool prints now in place of what it printed then.
+/// The transcript with the current output of the tool.
 std::string played(std::string const& transcript, ToolSession const& session) {
     std::istringstream lines(transcript);
     std::string text;
@@ -42,7 +42,7 @@ protected:
     void SetUp() override { requireBackend(std::get<Backend>(GetParam())); }
 };
 
-TEST_P(Transcript, isWhatTheToolPrints) {
+TEST_P(Transcript, agreesWithTheToolsOutput) {
     auto const& [name, backend] = GetParam();
     auto const path = fs::path(CUBES_TRANSCRIPTS) / (name + ".txt");
     auto const written = readFile(path.string());

@@ -26,7 +26,7 @@ inline std::string nameOf(testing::TestParamInfo<BadFile> const& info) {
     return info.param.name;
 }
 
-/// The message with which `read` refuses a file of this content; empty when it is read.
+/// The message with which `read` refuses a file of this content; empty when it is accepted.
 template <typename Read>
 std::string refusalOf(std::string const& fileName, std::string const& content, Read const& read) {
     test::TempDir const directory;
@@ -40,7 +40,7 @@ std::string refusalOf(std::string const& fileName, std::string const& content, R
     }
 }
 
-/// The same of a trip table.
+/// The same for a trip table.
 inline std::string refusal(std::string const& fileName, std::string const& content) {
     return refusalOf(fileName, content, [](std::string const& path) { readTripTable(path); });
 }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view names[] = {"zone", "jobs"};
 
-// "zone jobs" a line, each with its number in the file.
+// "zone jobs" per line, each with its line number in the file.
 std::string readColumns(std::string const& text) {
     std::string result;
     ProgressCallback const nobody;
@@ -36,7 +36,7 @@ TEST(CsvColumns, areFoundByNameInAnyOrderAndLetterCase) {
     EXPECT_EQ(readColumns("jobs,zone\n20,1\n30,2\n"), "2: 1 20\n3: 2 30\n");
 }
 
-TEST(CsvColumns, areReadToTheEndAndNoFurther) {
+TEST(CsvColumns, areReadUpToTheLastLine) {
     EXPECT_EQ(readColumns("zone,jobs"), "");
     EXPECT_EQ(readColumns("zone,jobs\n1,"), "2: 1 \n");
     std::string const text = "zone,jobs\n1,2\n";
@@ -48,7 +48,7 @@ TEST(CsvColumns, areReadToTheEndAndNoFurther) {
     EXPECT_FALSE(columns.next());
 }
 
-TEST(CsvColumns, tellWhatHeaderTheyExpect) {
+TEST(CsvColumns, nameTheExpectedHeader) {
     EXPECT_EQ(errorOf(""), "it is empty, expected the header zone,jobs");
     EXPECT_EQ(errorOf("\n \n"), "it is empty, expected the header zone,jobs");
     for (std::string const header : {"zone", "zone,zone", "zone,jobs,", "zone,jobs,jobs", "zone,job", "1,2"})

@@ -31,7 +31,7 @@ std::string zoneError(std::string const& found) {
 
 class GoodCsv : public testing::TestWithParam<GoodFile> {};
 
-TEST_P(GoodCsv, isRead) {
+TEST_P(GoodCsv, isAccepted) {
     auto const trips = readContent("trips.csv", GetParam().content);
     EXPECT_EQ(trips.rows, 2);
     EXPECT_EQ(trips.columns, 2);
@@ -130,19 +130,19 @@ INSTANTIATE_TEST_SUITE_P(WideForm, BadCsv,
         BadFile{"noValue", "zone,1,2\n1,0,\n", "line 2: found nothing, expected a number"}),
     nameOf);
 
-TEST(CsvReader, takesNegativeValues) {
+TEST(CsvReader, acceptsNegativeValues) {
     auto const trips = readContent("t.csv", "origin,destination,value\n1,2,-0.5\n2,1,-inf\n");
     EXPECT_EQ(trips.at(0, 1), -0.5f);
     EXPECT_EQ(trips.at(1, 0), -std::numeric_limits<float>::infinity());
 }
 
-TEST(CsvReader, takesValuesThatAreNoFiniteNumbers) {
+TEST(CsvReader, acceptsInfiniteValuesAndNaN) {
     auto const trips = readContent("t.csv", "zone,1,2\n1,nan,inf\n2,NaN,Infinity\n");
     EXPECT_TRUE(std::isnan(trips.at(0, 0)) && std::isnan(trips.at(1, 0)));
     EXPECT_TRUE(std::isinf(trips.at(0, 1)) && std::isinf(trips.at(1, 1)));
 }
 
-TEST(CsvReader, takesAValueTooSmallForACellAsZero) {
+TEST(CsvReader, readsAValueTooSmallForACellAsZero) {
     EXPECT_EQ(readContent("t.csv", "zone,1\n1,1e-60\n").cells, Cells{0});
 }
 
@@ -175,7 +175,7 @@ std::vector<std::uint32_t> bitsOf(std::vector<float> const& cells) {
     return bits;
 }
 
-// Every bit pattern that no reader refuses can turn up.
+// Every bit pattern that no reader refuses may occur.
 std::vector<float> anyCells(std::size_t count) {
     std::mt19937 random(7);
     std::vector<float> cells = {0.0f, -0.0f, 0.1f, 1e-45f, std::numeric_limits<float>::max(),
@@ -201,7 +201,7 @@ std::string refusalToWrite(TripTable const& table) {
 
 }
 
-TEST(CsvWriter, listsPairsThatAreNotZeroAndEveryZone) {
+TEST(CsvWriter, writesNonZeroOdPairsAndEveryZone) {
     EXPECT_EQ(written(tableOf({3, 11}, {0, 2.5f, 100, 0}), CsvForm::longForm),
         "origin,destination,value\n3,3,0\n3,11,2.5\n11,3,100\n11,11,0\n");
 }
@@ -210,11 +210,11 @@ TEST(CsvWriter, writesZonesInTheFirstRowAndColumn) {
     EXPECT_EQ(written(tableOf({3, 11}, {0, 2.5f, 100, 0.1f}), CsvForm::wide), "zone,3,11\n3,0,2.5\n11,100,0.1\n");
 }
 
-TEST(CsvWriter, numbersZonesThatHaveNoNumbers) {
+TEST(CsvWriter, numbersZonesWithoutNumbers) {
     EXPECT_EQ(written(tableOf({}, {1, 2, 3, 4}), CsvForm::wide), "zone,1,2\n1,1,2\n2,3,4\n");
 }
 
-TEST(CsvWriter, givesBackIdenticalCells) {
+TEST(CsvWriter, preservesAllCells) {
     auto const table = tableOf({1, 2, 3, 5, 8, 13, 21, 34, 55, 89}, anyCells(100));
     for (auto const form : {CsvForm::longForm, CsvForm::wide}) {
         auto const back = readContent("t.csv", written(table, form));
@@ -223,7 +223,7 @@ TEST(CsvWriter, givesBackIdenticalCells) {
     }
 }
 
-TEST(CsvWriter, givesBackNotANumber) {
+TEST(CsvWriter, preservesNaN) {
     auto const notANumber = std::numeric_limits<float>::quiet_NaN();
     for (auto const form : {CsvForm::longForm, CsvForm::wide}) {
         auto const back = readContent("t.csv", written(tableOf({}, {notANumber, -notANumber, 0, 1}), form));
@@ -233,12 +233,12 @@ TEST(CsvWriter, givesBackNotANumber) {
     }
 }
 
-TEST(CsvWriter, keepsEmptyTablesWhole) {
+TEST(CsvWriter, preservesEmptyTables) {
     auto const back = readContent("t.csv", written(tableOf({4, 9}, {0, 0, 0, 0}), CsvForm::longForm));
     EXPECT_EQ(back.zones, (std::vector<std::int32_t>{4, 9}));
 }
 
-TEST(CsvWriter, refusesATableThatIsNotSquare) {
+TEST(CsvWriter, refusesANonSquareTable) {
     TripTable table;
     table.rows = 2;
     table.columns = 3;
@@ -247,11 +247,11 @@ TEST(CsvWriter, refusesATableThatIsNotSquare) {
         ".csv holds square matrices only, and this one has 2 rows and 3 columns; export it to an .omx file");
 }
 
-TEST(CsvWriter, refusesAZoneNumberThatOccursTwice) {
+TEST(CsvWriter, refusesADuplicateZoneNumber) {
     EXPECT_EQ(refusalToWrite(tableOf({5, 5}, {1, 2, 3, 4})), "the matrix has zone number 5 twice");
 }
 
-TEST(CsvWriter, tellsHowFarItIs) {
+TEST(CsvWriter, reportsProgress) {
     test::TempDir const directory;
     std::vector<double> shares;
     writeTripTable(directory.file("t.csv"), tableOf({}, std::vector<float>(400)), "", CsvForm::wide,

@@ -47,7 +47,7 @@ std::string writeMessage(std::string const& path) {
 
 }
 
-TEST(Formats, areToldByTheExtensionWhateverItsCase) {
+TEST(Formats, areSelectedByTheExtensionInAnyLetterCase) {
     test::TempDir const directory;
     test::writeFile(directory.file("a.CSV"), "zone,1\n1,4\n");
     test::writeFile(directory.file("b.Tntp"), "<END OF METADATA>\nOrigin 1\n1 : 4;");
@@ -55,30 +55,30 @@ TEST(Formats, areToldByTheExtensionWhateverItsCase) {
     EXPECT_EQ(readTripTable(directory.file("b.Tntp")).cells, one().cells);
 }
 
-TEST(Formats, refusesOtherExtensionsAndNamesTheKnown) {
+TEST(Formats, refuseOtherExtensionsAndNameTheKnownOnes) {
     for (auto const& message : {readMessage("a.xlsx"), writeMessage("a.xlsx")})
         EXPECT_EQ(message, "'.xlsx' is not a format; expected one of .omx, .csv, .tntp");
     EXPECT_EQ(readMessage("dir.csv/trips"), "the file name has no extension; expected one of .omx, .csv, .tntp");
 }
 
-TEST(Formats, refusesToWriteTntpAndSaysWhy) {
+TEST(Formats, refuseToWriteTntpAndStateTheReason) {
     test::TempDir const directory;
     EXPECT_EQ(writeMessage(directory.file("a.tntp")),
         ".tntp files can be imported only; export to .omx or .csv, which keep every value");
     EXPECT_EQ(test::listing(directory.str()), "");
 }
 
-TEST(Formats, refusesATableNameWhereThereAreNone) {
+TEST(Formats, refuseATableNameForFormatsWithoutTables) {
     EXPECT_EQ(readMessage("a.csv", "AM"), "it holds one table without a name; leave out --table");
     EXPECT_EQ(readMessage("a.tntp", "AM"), "it holds one table without a name; leave out --table");
 }
 
-TEST(Formats, nameAFileThatIsMissing) {
+TEST(Formats, reportAMissingFile) {
     EXPECT_EQ(readMessage("/no/such/file.csv"), "No such file or directory");
     EXPECT_EQ(readMessage("/no/such/file.tntp"), "No such file or directory");
 }
 
-TEST(Formats, nameADirectoryWhereAFileShouldBe) {
+TEST(Formats, reportADirectoryInPlaceOfAFile) {
     test::TempDir const directory;
     auto const path = directory.file("trips.csv");
     fs::create_directory(path);
@@ -87,7 +87,7 @@ TEST(Formats, nameADirectoryWhereAFileShouldBe) {
     EXPECT_EQ(test::listing(directory.str()), "trips.csv\n");
 }
 
-TEST(Formats, nameADirectoryThatIsMissing) {
+TEST(Formats, reportAMissingDirectory) {
     EXPECT_EQ(writeMessage("/no/such/file.csv"), "No such file or directory");
 }
 
@@ -99,7 +99,7 @@ TEST(Formats, replaceAnOldFile) {
     EXPECT_EQ(test::listing(directory.str()), "t.csv\n");
 }
 
-TEST(Formats, keepTheOldFileWhenWritingStops) {
+TEST(Formats, keepTheOldFileWhenWritingFails) {
     test::TempDir const directory;
     test::writeFile(directory.file("t.csv"), "old");
     auto const stop = [](double) { throw FormatError("stopped"); };
@@ -108,7 +108,7 @@ TEST(Formats, keepTheOldFileWhenWritingStops) {
     EXPECT_EQ(test::listing(directory.str()), "t.csv\n");
 }
 
-TEST(Formats, writeOverNoDevice) {
+TEST(Formats, doNotOverwriteADevice) {
     test::TempDir const directory;
     auto const device = test::endlessDevice();
     if (device.empty() || !test::makeLink(device, directory.file("t.csv")))
@@ -138,7 +138,7 @@ TripTable square() {
     return table;
 }
 
-// A file that h5py writes: tables of 2 x 2 under the given names, with the values 1, 2, 3, 4.
+// A file that h5py writes: tables of 2 x 2 with the given names and the values 1, 2, 3, 4.
 void writeForeign(std::string const& path, std::vector<std::string> names) {
     names.insert(names.begin(), path);
     auto const result = test::runPython("import sys, h5py, numpy\n"
@@ -154,7 +154,7 @@ void writeForeign(std::string const& path, std::vector<std::string> names) {
 
 }
 
-TEST(Omx, givesBackATableWithItsZonesInTheirOrder) {
+TEST(Omx, preservesATableWithItsZonesInOrder) {
     test::TempDir const directory;
     writeTripTable(directory.file("t.omx"), square(), "AM");
     auto const back = readTripTable(directory.file("t.omx"), "AM");
@@ -163,7 +163,7 @@ TEST(Omx, givesBackATableWithItsZonesInTheirOrder) {
     EXPECT_EQ(test::listing(directory.str()), "t.omx\n");
 }
 
-TEST(Omx, givesBackATableThatIsNotSquare) {
+TEST(Omx, preservesANonSquareTable) {
     test::TempDir const directory;
     writeTripTable(directory.file("t.OMX"), rectangle(), "AM");
     auto const back = readTripTable(directory.file("t.OMX"));
@@ -173,7 +173,7 @@ TEST(Omx, givesBackATableThatIsNotSquare) {
     EXPECT_EQ(back.cells, rectangle().cells);
 }
 
-TEST(Omx, isReadByOthers) {
+TEST(Omx, isReadByOtherPrograms) {
     test::TempDir const directory;
     writeTripTable(directory.file("t.omx"), square(), "AM");
     auto const result =
@@ -184,13 +184,13 @@ TEST(Omx, isReadByOthers) {
     EXPECT_EQ(result.output, "['AM'] [1.0, -2.0] [11, 3]\n") << result.errors;
 }
 
-TEST(Omx, takesTheOnlyTableWithoutBeingTold) {
+TEST(Omx, readsTheOnlyTableByDefault) {
     test::TempDir const directory;
     writeForeign(directory.file("t.omx"), {"car"});
     EXPECT_EQ(readTripTable(directory.file("t.omx")).cells, (Cells{1, 2, 3, 4}));
 }
 
-TEST(Omx, takesTheTableThatIsChosen) {
+TEST(Omx, readsTheChosenTable) {
     test::TempDir const directory;
     writeForeign(directory.file("t.omx"), {"car", "bike"});
     EXPECT_EQ(readTripTable(directory.file("t.omx"), "bike").cells, (Cells{2, 3, 4, 5}));
@@ -212,7 +212,7 @@ TEST(Omx, refusesAFileWithoutTables) {
     EXPECT_EQ(readMessage(path, "car"), "it holds no table");
 }
 
-TEST(Omx, refusesATableWhoseValuesWereDamaged) {
+TEST(Omx, refusesATableWithDamagedValues) {
     test::TempDir const directory;
     auto const path = directory.file("t.omx");
     writeTripTable(path, square(), "AM");
@@ -225,7 +225,7 @@ TEST(Omx, refusesATableWhoseValuesWereDamaged) {
     EXPECT_EQ(readMessage(path), "table 'AM' is damaged: its values do not match its checksum");
 }
 
-TEST(Omx, refusesWhatIsNoFileOfThisFormatAndNamesIt) {
+TEST(Omx, refusesFilesOfOtherFormatsAndNamesThem) {
     test::TempDir const directory;
     test::writeFile(directory.file("text.omx"), "origin,destination,value\n");
     test::writeFile(directory.file("empty.omx"), "");
@@ -241,14 +241,14 @@ TEST(Omx, refusesWhatIsNoFileOfThisFormatAndNamesIt) {
     }
 }
 
-TEST(Omx, refusesADirectoryToWriteTo) {
+TEST(Omx, refusesADirectoryAsTarget) {
     test::TempDir const directory;
     std::filesystem::create_directory(directory.file("t.omx"));
     EXPECT_THROW(writeTripTable(directory.file("t.omx"), square(), "AM"), TRkMatrixException);
     EXPECT_EQ(test::listing(directory.str()), "t.omx\n");
 }
 
-TEST(Omx, refusesAFileThatIsCutOffAnywhere) {
+TEST(Omx, refusesAFileThatIsTruncatedAnywhere) {
     test::TempDir const directory;
     auto const path = directory.file("t.omx");
     writeTripTable(path, square(), "AM");
@@ -259,7 +259,7 @@ TEST(Omx, refusesAFileThatIsCutOffAnywhere) {
     }
 }
 
-TEST(Omx, givesTheTablesOfARealFile) {
+TEST(Omx, readsTheTablesOfARealFile) {
     CUBES_REQUIRE_DATA("omx/example.omx");
     auto const path = test::sharedData("omx/example.omx");
     EXPECT_EQ(readMessage(path),
@@ -281,7 +281,7 @@ TEST(Omx, givesTheTablesOfARealFile) {
     EXPECT_EQ(times.zones[484], zone);
 }
 
-TEST(Omx, comesThroughCsvIdentical) {
+TEST(Omx, isPreservedByCsv) {
     CUBES_REQUIRE_DATA("omx/example.omx");
     test::TempDir const directory;
     auto const times = readTripTable(test::sharedData("omx/example.omx"), "TWT");

@@ -6,7 +6,7 @@ namespace cubes::tool {
 
 namespace {
 
-// Characters that mean something to one of the formats, digits, and a few that never do.
+// Characters with a meaning in one of the formats, digits, and a few others.
 std::string const alphabet = "0123456789+-.eE,;:\"<>~\t\r\n naninf\xEF\xBB\xBF" + std::string(1, '\0');
 
 class Mutations {
@@ -50,7 +50,7 @@ struct Outcomes {
     int refused = 0;
 };
 
-// Reads the mutated files; whatever else than a table or a FormatError comes out fails the test.
+// Reads the mutated files; any result other than a table or a FormatError fails the test.
 Outcomes readMutations(std::string const& fileName, std::string const& good) {
     test::TempDir const directory;
     auto const path = directory.file(fileName);
@@ -74,19 +74,19 @@ Outcomes readMutations(std::string const& fileName, std::string const& good) {
 
 }
 
-TEST(Mutations, ofALongCsvAreReadOrRefused) {
+TEST(Mutations, ofALongCsvAreAcceptedOrRefused) {
     auto const outcomes = readMutations("t.csv", "origin,destination,value\n1,2,3.5\n2,1,0.25\n\"3\",3,1e3\n");
     EXPECT_GT(outcomes.read, 10);
     EXPECT_GT(outcomes.refused, 10);
 }
 
-TEST(Mutations, ofAWideCsvAreReadOrRefused) {
+TEST(Mutations, ofAWideCsvAreAcceptedOrRefused) {
     auto const outcomes = readMutations("t.csv", "zone,1,2,3\n1,0,3.5,7\n2,\"0.25\",1,1\n3,0,0,1e3\n");
     EXPECT_GT(outcomes.read, 10);
     EXPECT_GT(outcomes.refused, 10);
 }
 
-TEST(Mutations, ofTntpAreReadOrRefused) {
+TEST(Mutations, ofTntpAreAcceptedOrRefused) {
     auto const outcomes = readMutations("t.tntp", "<NUMBER OF ZONES> 3\n<TOTAL OD FLOW> 6.25\n<END OF METADATA>\n\n"
                                                   "~ by hand\nOrigin 1\n 1 : 0.5; 2 : 1.75;\nOrigin 3\n 2 : 4;\n");
     EXPECT_GT(outcomes.read, 10);

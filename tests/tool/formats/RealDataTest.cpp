@@ -34,7 +34,7 @@ protected:
     std::string path() const { return test::sharedData(file()); }
 };
 
-TEST_P(RealTntp, hasItsZonesAndTotalsWithoutAWarning) {
+TEST_P(RealTntp, hasItsZonesAndTotalWithoutAWarning) {
     CUBES_REQUIRE_DATA(file());
     auto const trips = readTripTable(path());
     auto const figures = statisticsOfTable(trips);
@@ -47,7 +47,7 @@ TEST_P(RealTntp, hasItsZonesAndTotalsWithoutAWarning) {
     EXPECT_EQ(trips.warnings, std::vector<std::string>{});
 }
 
-TEST_P(RealTntp, isIdenticalAfterCsvInBothForms) {
+TEST_P(RealTntp, isPreservedByCsvInBothForms) {
     CUBES_REQUIRE_DATA(file());
     test::TempDir const directory;
     auto const trips = readTripTable(path());

@@ -16,74 +16,74 @@ std::string const header = "<NUMBER OF ZONES> 2\n<TOTAL OD FLOW> 10\n<END OF MET
 
 }
 
-TEST(TntpReader, putsTheItemsWhereTheyBelong) {
+TEST(TntpReader, assignsTheItemsToTheirCells) {
     auto const trips = read(header + "Origin 1\n 1 : 1.5; 2 : 2;\nOrigin 2\n 1 : 6.5;\n");
     EXPECT_EQ(trips.zones, (Zones{1, 2}));
     EXPECT_EQ(trips.cells, (Cells{1.5f, 2, 6.5f, 0}));
     EXPECT_EQ(trips.warnings, Warnings{});
 }
 
-TEST(TntpReader, takesBlanksTabsAndLineEndsAnywhere) {
+TEST(TntpReader, acceptsBlanksTabsAndLineEndsAnywhere) {
     auto const trips =
         read(" <number of zones>\t2\r\n\r\n<END OF METADATA>\r\nORIGIN\t1\r\n1\t:\r\n1.5\n;2:2;origin\n2 1\t: 6.5 ;");
     EXPECT_EQ(trips.cells, (Cells{1.5f, 2, 6.5f, 0}));
 }
 
-TEST(TntpReader, passesOverComments) {
+TEST(TntpReader, skipsComments) {
     auto const trips = read("~ made by hand\n<NUMBER OF ZONES> 2 ~ two\n<END OF METADATA>\n"
                             "~ Origin 9\nOrigin 1 ~ the first\n 1 : ~ 7;\n 1.5; 2 : 2; ~ 3 : 4;");
     EXPECT_EQ(trips.cells, (Cells{1.5f, 2, 0, 0}));
 }
 
-TEST(TntpReader, ignoresHeaderLinesItDoesNotKnow) {
+TEST(TntpReader, ignoresUnknownHeaderLines) {
     EXPECT_EQ(read("<AUTHOR> nobody > somebody\n<END OF METADATA>\nOrigin 1\n1 : 3;").cells, Cells{3});
 }
 
-TEST(TntpReader, takesTheHeadersZonesWhenAllAreAmongThem) {
+TEST(TntpReader, usesTheHeadersZonesWhenTheyIncludeAllZones) {
     auto const trips = read("<NUMBER OF ZONES> 3\n<END OF METADATA>\nOrigin 3\n1 : 4;");
     EXPECT_EQ(trips.zones, (Zones{1, 2, 3}));
     EXPECT_EQ(trips.cells, (Cells{0, 0, 0, 0, 0, 0, 4, 0, 0}));
     EXPECT_EQ(trips.warnings, Warnings{"the header gives 3 zones, but 2 occur in the file"});
 }
 
-TEST(TntpReader, takesTheZonesThatOccurWhenOneIsBeyondTheHeader) {
+TEST(TntpReader, usesTheZonesOfTheItemsWhenOneExceedsTheHeader) {
     auto const trips = read("<NUMBER OF ZONES> 2\n<END OF METADATA>\nOrigin 70\n5 : 4;\nOrigin 1\n");
     EXPECT_EQ(trips.zones, (Zones{1, 5, 70}));
     EXPECT_EQ(trips.at(2, 1), 4);
     EXPECT_EQ(trips.warnings, Warnings{"the header gives 2 zones, but 3 occur in the file"});
 }
 
-TEST(TntpReader, takesTheZonesThatOccurWithoutAWarningWhenTheyAreAsManyAsTold) {
+TEST(TntpReader, usesTheZonesOfTheItemsWithoutAWarningWhenTheirNumberAgrees) {
     auto const trips = read("<NUMBER OF ZONES> 2\n<END OF METADATA>\nOrigin 101\n205 : 4;");
     EXPECT_EQ(trips.zones, (Zones{101, 205}));
     EXPECT_EQ(trips.warnings, Warnings{});
 }
 
-TEST(TntpReader, believesNoFantasticNumberOfZones) {
+TEST(TntpReader, ignoresAnImpossibleNumberOfZones) {
     auto const trips = read("<NUMBER OF ZONES> 2000000000\n<END OF METADATA>\nOrigin 1\n2 : 4;");
     EXPECT_EQ(trips.zones, (Zones{1, 2}));
     EXPECT_EQ(trips.warnings, Warnings{"the header gives 2000000000 zones, but 2 occur in the file"});
 }
 
-TEST(TntpReader, warnsOfATotalThatTheCellsDoNotAddUpTo) {
+TEST(TntpReader, warnsOfATotalThatDisagreesWithTheCells) {
     auto const trips = read(header + "Origin 1\n2 : 9;\nOrigin 2\n");
     EXPECT_EQ(trips.warnings, Warnings{"the header gives a total of 10, but the cells add up to 9"});
 }
 
-TEST(TntpReader, allowsTheTotalToBeRounded) {
+TEST(TntpReader, acceptsARoundedTotal) {
     struct Case {
-        char const* told;
+        char const* total;
         bool agrees;
     };
-    for (auto const& [told, agrees] : {Case{"10.26", true}, Case{"10.3", true}, Case{"10", true}, Case{"10.1", false},
+    for (auto const& [total, agrees] : {Case{"10.26", true}, Case{"10.3", true}, Case{"10", true}, Case{"10.1", false},
              Case{"10.27", false}, Case{"11", false}, Case{"1.026e1", true}})
-        EXPECT_EQ(
-            read(std::string("<TOTAL OD FLOW> ") + told + "\n<END OF METADATA>\nOrigin 1\n1 : 10.26;").warnings.empty(),
+        EXPECT_EQ(read(std::string("<TOTAL OD FLOW> ") + total + "\n<END OF METADATA>\nOrigin 1\n1 : 10.26;")
+                      .warnings.empty(),
             agrees)
-            << told;
+            << total;
 }
 
-TEST(TntpReader, tellsHowFarItIs) {
+TEST(TntpReader, reportsProgress) {
     test::TempDir const directory;
     std::string content = "<END OF METADATA>\nOrigin 1\n";
     for (int zone = 1; zone <= 1000; ++zone) content += std::to_string(zone) + " : 1;\n";

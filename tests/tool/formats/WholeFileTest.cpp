@@ -21,7 +21,7 @@ TripTable thousandCells() {
     return table;
 }
 
-// As on a disk with so much room: what is written beyond it fails.
+// Simulates a disk with that much room: writing more fails.
 void limitFilesTo(rlim_t bytes) {
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit const limit{bytes, bytes};

@@ -29,7 +29,7 @@ std::string written(std::vector<RouteValues> const& fields) {
     return test::readFile(directory.file("data.csv"));
 }
 
-// "length double: 1.5 2.5" a field.
+// "length double: 1.5 2.5" per field.
 std::string textOf(std::vector<RouteValues> const& fields) {
     std::string text;
     for (auto const& field : fields) {
@@ -52,7 +52,7 @@ void PrintTo(GoodFile const& file, std::ostream* stream) {
 
 constexpr char const* typeError = "expected NAME:TYPE with the type boolean, bytes, smalint, integer, float or double";
 
-/// A type with its outermost values, and values that it does not hold.
+/// A type with its smallest and largest values, and values outside its range.
 struct TypeCase {
     char const* name;
     RouteFieldType type;
@@ -68,7 +68,7 @@ void PrintTo(TypeCase const& type, std::ostream* stream) {
 
 class GoodRouteDataCsv : public testing::TestWithParam<GoodFile> {};
 
-TEST_P(GoodRouteDataCsv, isRead) {
+TEST_P(GoodRouteDataCsv, isAccepted) {
     EXPECT_EQ(textOf(readData(GetParam().content)), GetParam().fields);
 }
 
@@ -137,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(Lines, BadRouteDataCsv,
 
 class RouteDataType : public testing::TestWithParam<TypeCase> {};
 
-TEST_P(RouteDataType, holdsItsValuesAndNoOthers) {
+TEST_P(RouteDataType, acceptsItsValuesAndNoOthers) {
     std::string const head = std::string("route,a:") + GetParam().name + "\n0,";
     for (auto const& value : GetParam().good) {
         auto const fields = readData(head + value + "\n");
@@ -174,7 +174,7 @@ TEST(RouteDataCsv, isWrittenWithTypesAndRoutesFromZero) {
     EXPECT_EQ(written({{"empty", rftFloat, {}}}), "route,empty:float\n");
 }
 
-TEST(RouteDataCsv, givesBackNamesThatNeedQuotes) {
+TEST(RouteDataCsv, preservesNamesThatNeedQuotes) {
     for (std::string const name : {"toll, paid", "\"", "a\"b", "\"\"", "a:b", "time ", "toll"}) {
         auto const text = written({{name, rftBytes, {7}}});
         auto const fields = readData(text);
@@ -185,7 +185,7 @@ TEST(RouteDataCsv, givesBackNamesThatNeedQuotes) {
     EXPECT_EQ(written({{"toll, \"paid\"", rftBytes, {7}}}), "route,\"toll, \"\"paid\"\":bytes\"\n0,7\n");
 }
 
-TEST(RouteDataCsv, givesBackIdenticalValues) {
+TEST(RouteDataCsv, preservesAllValues) {
     std::mt19937_64 random(5);
     RouteValues wide{"wide", rftDouble, {0.0, -0.0}};
     RouteValues narrow{"narrow", rftFloat, {0.0, -0.0}};
@@ -205,7 +205,7 @@ TEST(RouteDataCsv, givesBackIdenticalValues) {
     EXPECT_TRUE(std::signbit(back[1].values[1]));
 }
 
-TEST(RouteDataCsv, tellsHowFarItIs) {
+TEST(RouteDataCsv, reportsProgress) {
     test::TempDir const directory;
     std::vector<double> shares;
     ProgressCallback const noted = [&](double share) { shares.push_back(share); };

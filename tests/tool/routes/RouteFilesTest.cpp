@@ -34,7 +34,7 @@ protected:
 
 }
 
-TEST_F(RouteFiles, giveBackRoutesByPairAndLink) {
+TEST_F(RouteFiles, returnRoutesByOdPairAndLink) {
     RouteList routes;
     routes.begin(1, 3, 0.75f);
     routes.addLink(10);
@@ -59,7 +59,7 @@ TEST_F(RouteFiles, giveBackRoutesByPairAndLink) {
     EXPECT_EQ(set.overLink(11), std::vector<std::size_t>());
 }
 
-TEST_F(RouteFiles, giveBackTheOutermostValuesOfEachType) {
+TEST_F(RouteFiles, preserveTheExtremeValuesOfEachType) {
     std::vector<RouteValues> const fields = {{"tolled", rftBoolean, {0, 1}}, {"class", rftBytes, {0, 255}},
         {"stops", rftSmallint, {-32768, 32767}}, {"number", rftInteger, {-2147483648.0, 2147483647}},
         {"time", rftFloat, {-0.5, 3.4028234663852886e38}}, {"cost", rftDouble, {0.1, -1.7976931348623157e308}}};
@@ -73,7 +73,7 @@ TEST_F(RouteFiles, giveBackTheOutermostValuesOfEachType) {
     }
 }
 
-TEST_F(RouteFiles, ofNothingAreEmpty) {
+TEST_F(RouteFiles, withoutRoutesAreEmpty) {
     writeRouteSet(file, key, {});
     EXPECT_EQ(RouteSetFile(file).size(), 0u);
     EXPECT_EQ(RouteSetFile(file).overLink(1), std::vector<std::size_t>());
@@ -81,7 +81,7 @@ TEST_F(RouteFiles, ofNothingAreEmpty) {
     EXPECT_TRUE(readRouteData(file).empty());
 }
 
-TEST_F(RouteFiles, takeThePlaceOfThoseThatAreThere) {
+TEST_F(RouteFiles, replaceExistingOnes) {
     RouteList routes;
     routes.begin(1, 2, 1);
     writeRouteSet(file, key, routes);
@@ -90,7 +90,7 @@ TEST_F(RouteFiles, takeThePlaceOfThoseThatAreThere) {
     EXPECT_EQ(test::listing(directory.str()), "a.FDB\n");
 }
 
-TEST_F(RouteFiles, thatCannotBeReadOrWrittenTellWhy) {
+TEST_F(RouteFiles, reportWhyTheyCannotBeReadOrWritten) {
     auto const readSet = [&] { RouteSetFile const set(file); };
     auto const readData = [&] { readRouteData(file); };
     EXPECT_EQ(failure(readSet), "cannot open " + file + ": " + test::noSuchFile());
@@ -103,7 +103,7 @@ TEST_F(RouteFiles, thatCannotBeReadOrWrittenTellWhy) {
     EXPECT_NE(failure([&] { writeRouteData(nowhere, key, {}); }).find(nowhere), std::string::npos);
 }
 
-TEST_F(RouteFiles, ofOneSortAreNotReadAsTheOther) {
+TEST_F(RouteFiles, ofOneKindAreNotReadAsTheOther) {
     writeRouteData(file, key, {{"a", rftFloat, {1}}});
     EXPECT_NE(failure([&] { RouteSetFile const set(file); }), "");
     writeRouteSet(file, key, {});
@@ -117,8 +117,8 @@ TEST_F(RouteFiles, refuseWhatTheProviderRefuses) {
 
 namespace {
 
-/// Between each two of three zones two routes: a quarter of the trips over links 1 and 2 (and in a
-/// circle over 1 again), three quarters over 3 and, from zone 1 only, 1. Within a zone: no links.
+/// Two routes between each two of three zones: a quarter of the trips over links 1 and 2 (and 1 again, in a loop),
+/// three quarters over 3 and, from zone 1 only, 1. Within a zone: no links.
 RouteList routesBetween(std::int32_t first, std::int32_t second, std::int32_t third) {
     RouteList routes;
     std::int32_t const zones[] = {first, second, third};
@@ -170,31 +170,31 @@ Cells const overThree = {0, 6, 12, 24, 0, 48, 0, 75, 0};
 
 }
 
-TEST_F(SelectLink, takesTheSharesWhoseRoutesLeadOverIt) {
+TEST_F(SelectLink, addsTheSharesOfTheRoutesOverTheLink) {
     auto const routes = routesBetween(1, 2, 3);
     EXPECT_EQ(selected(routes, 2, tripsOf({1, 2, 3})), overTwo);
     EXPECT_EQ(selected(routes, 3, tripsOf({1, 2, 3})), overThree);
 }
 
-TEST_F(SelectLink, countsARouteOnceThatPassesTwice) {
+TEST_F(SelectLink, countsARouteThatUsesTheLinkTwiceOnce) {
     EXPECT_EQ(selected(routesBetween(1, 2, 3), 1, tripsOf({1, 2, 3})), overOne);
 }
 
-TEST_F(SelectLink, knowsZonesByTheirNumbersInAnyOrder) {
+TEST_F(SelectLink, findsZonesByTheirNumbersInAnyOrder) {
     EXPECT_EQ(selected(routesBetween(70, 5, 11), 1, tripsOf({70, 5, 11})), overOne);
     EXPECT_EQ(selected(routesBetween(2, 3, 1), 1, tripsOf({2, 3, 1})), overOne);
 }
 
-TEST_F(SelectLink, knowsZonesByTheirPositionsWhereThereAreNoNumbers) {
+TEST_F(SelectLink, findsZonesByTheirPositionsWithoutZoneNumbers) {
     EXPECT_EQ(selected(routesBetween(1, 2, 3), 1, tripsOf({})), overOne);
 }
 
-TEST_F(SelectLink, selectsNothingOfALinkWithoutRoutes) {
+TEST_F(SelectLink, isEmptyForALinkWithoutRoutes) {
     EXPECT_EQ(selected(routesBetween(1, 2, 3), 4, tripsOf({1, 2, 3})), Cells(9));
     EXPECT_EQ(selected({}, 1, tripsOf({1, 2, 3})), Cells(9));
 }
 
-TEST_F(SelectLink, leavesPairsAloneWhoseTripsAreNoFiniteNumbers) {
+TEST_F(SelectLink, skipsOdPairsWithInfiniteTripsOrNaN) {
     auto trips = tripsOf({1, 2, 3});
     trips.at(0, 0) = std::numeric_limits<float>::quiet_NaN();
     trips.at(1, 1) = std::numeric_limits<float>::infinity();
@@ -204,7 +204,7 @@ TEST_F(SelectLink, leavesPairsAloneWhoseTripsAreNoFiniteNumbers) {
     EXPECT_EQ(selected(routesBetween(1, 2, 3), 1, trips), cells);
 }
 
-TEST_F(SelectLink, refusesARouteToAZoneThatTheTripsHaveNot) {
+TEST_F(SelectLink, refusesARouteToAZoneThatTheTripTableDoesNotHave) {
     EXPECT_EQ(refusal(routesBetween(1, 2, 4), tripsOf({1, 2, 3})),
         "the trips have no zone 4, which a route begins or ends in");
     EXPECT_EQ(
@@ -215,7 +215,7 @@ TEST_F(SelectLink, refusesARouteToAZoneThatTheTripsHaveNot) {
         refusal(routesBetween(0, 1, 2), tripsOf({})), "the trips have no zone 0, which a route begins or ends in");
 }
 
-TEST_F(SelectLink, refusesTripsThatAreNotSquare) {
+TEST_F(SelectLink, refusesANonSquareTripTable) {
     TripTable trips;
     trips.rows = 2;
     trips.columns = 3;

@@ -26,7 +26,7 @@ std::string written(RouteList const& routes, ProgressCallback const& progress = 
     return test::readFile(directory.file("routes.csv"));
 }
 
-// "1>3 0.75: 10 20" a route.
+// "1>3 0.75: 10 20" per route.
 std::string textOf(RouteList const& routes) {
     std::string text;
     for (std::size_t i = 0; i < routes.size(); ++i) {
@@ -69,7 +69,7 @@ constexpr char const* secondFirst = "1>3 0.25: 15\n1>3 0.75: 10 20\n";
 
 class GoodRoutesCsv : public testing::TestWithParam<GoodFile> {};
 
-TEST_P(GoodRoutesCsv, isRead) {
+TEST_P(GoodRoutesCsv, isAccepted) {
     EXPECT_EQ(textOf(readRoutes(GetParam().content)), GetParam().routes);
 }
 
@@ -185,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(Routes, BadRoutesCsv,
             "line 4: found a route without links a second time, after line 2"}),
     nameOf);
 
-TEST(RoutesCsv, thatIsMissingOrADirectoryIsRefused) {
+TEST(RoutesCsv, isRefusedWhenItIsMissingOrADirectory) {
     test::TempDir const directory;
     for (std::string const& path : {directory.file("none.csv"), directory.str()}) {
         try {
@@ -212,11 +212,11 @@ TEST(RoutesCsv, isWrittenWithRoutesAndSequencesFromOne) {
                                "2,2,1,,,0.1\n");
 }
 
-TEST(RoutesCsv, ofNoRoutesIsAHeader) {
+TEST(RoutesCsv, withoutRoutesIsAHeader) {
     EXPECT_EQ(written({}), header);
 }
 
-TEST(RoutesCsv, givesBackIdenticalRoutes) {
+TEST(RoutesCsv, preservesAllRoutes) {
     std::mt19937 random(11);
     RouteList routes;
     for (std::int32_t origin = 1; origin <= 20; ++origin)
@@ -232,7 +232,7 @@ TEST(RoutesCsv, givesBackIdenticalRoutes) {
     EXPECT_EQ(written(readRoutes(text)), text);
 }
 
-TEST(RoutesCsv, tellsHowFarItIs) {
+TEST(RoutesCsv, reportsProgress) {
     RouteList routes;
     for (std::int32_t zone = 1; zone <= 20000; ++zone) add(routes, zone, 1, 1, {1, 2, 3});
     std::vector<double> shares;
