@@ -3,6 +3,7 @@
 #include "catalogue/EntryTable.h"
 #include "catalogue/Tables.h"
 #include "host/database/Transaction.h"
+#include "host/platform/NarrowText.h"
 
 #include <algorithm>
 #include <limits>
@@ -20,6 +21,12 @@ std::optional<short> nextNumber(Rktable::TRkTableProxy& table) {
     return static_cast<short>(greatest + 1);
 }
 
+std::size_t charactersIn(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count) text.remove_prefix(platform::firstCharacters(text, 1).size());
+    return count;
+}
+
 }
 
 bool Register::locate(short cubenr) const {
@@ -31,6 +38,17 @@ bool Register::locate(char const* name) const {
     std::string const stored = table_->FieldByName(nameColumn)->Stored(name).str();
     return falseWithoutTable(
         [&] { return table_->Locate(nameColumn, stored, Rktable::LocateOptions::ignoringCase()); });
+}
+
+std::string Register::excess(std::string const& name) const {
+    auto const* const column = table_->FieldByName(nameColumn);
+    if (column->Stored(name.c_str()).str() == name.c_str()) return {};
+    auto const most = static_cast<std::size_t>(column->Size());
+    auto const characters = charactersIn(name);
+    // A database without an encoding counts bytes.
+    bool const countsBytes = characters <= most;
+    return "the name has " + std::to_string(countsBytes ? name.size() : characters) +
+           (countsBytes ? " bytes" : " characters") + ", at most " + std::to_string(most) + " are stored";
 }
 
 std::optional<TRkString> Register::name(short cubenr) {

@@ -5,6 +5,7 @@
 #include <cubes/text/TRkString.h>
 
 #include <optional>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -25,6 +26,10 @@ public:
     /// and without regard to letter case; null is never found.
     bool locate(short cubenr) const;
     bool locate(char const* name) const;
+
+    /// Why a name does not fit into its column: "the name has 130 characters, at most 128 are stored"; empty for one
+    /// that fits. REQUIRES: there is a table.
+    std::string excess(std::string const& name) const;
 
     /// Nothing for an unknown cube. Each name is looked up once, however many entries need it.
     std::optional<TRkString> name(short cubenr);

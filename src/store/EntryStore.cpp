@@ -180,10 +180,12 @@ std::optional<CubeInfo> EntryStore::findCube(std::string_view nameOrNumber) cons
     if (auto const* const kind = findKind(nameOrNumber)) return infoOf(*kind);
     return reporting({"look up cube \"" + std::string(nameOrNumber) + "\"", {}}, [&]() -> std::optional<CubeInfo> {
         auto cubes = tables_->cubes();
-        for (auto const& number : {numberOf(nameOrNumber), cubes.number(std::string(nameOrNumber).c_str())}) {
+        std::string const name(nameOrNumber);
+        auto const named = cubes.excess(name).empty() ? cubes.number(name.c_str()) : std::nullopt;
+        for (auto const& number : {numberOf(nameOrNumber), named}) {
             if (!number) continue;
             if (auto const* const kind = findKind(*number)) return infoOf(*kind);
-            if (auto const name = cubes.name(*number)) return CubeInfo{*number, name->str()};
+            if (auto const known = cubes.name(*number)) return CubeInfo{*number, known->str()};
         }
         return std::nullopt;
     });
@@ -192,7 +194,9 @@ std::optional<CubeInfo> EntryStore::findCube(std::string_view nameOrNumber) cons
 short EntryStore::addCube(std::string const& name) {
     Task const task{"add cube \"" + name + "\"", {}};
     return reporting(task, [&] {
-        auto const number = tables_->cubes().add(name.c_str());
+        auto const cubes = tables_->cubes();
+        if (auto const excess = cubes.excess(name); !excess.empty()) task.fail(Reason::invalidKey, excess);
+        auto const number = cubes.add(name.c_str());
         if (!number) task.fail(Reason::database, "all cube numbers are in use");
         if (findKind(*number))
             task.fail(Reason::invalidKey, "the name is reserved for " + infoOf(*findKind(*number)).name);

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "host/platform/NarrowText.h"
 #include "support/Backend.h"
 
 namespace cubes::test {
@@ -234,6 +235,31 @@ TEST_P(EntryStoreTest, refusesTextsThatAreNoEntryAndAddsNoCube) {
     for (auto const& [text, reason] : cases)
         EXPECT_EQ(reasonOf([&, text = text] { store().parse(text); }), reason) << text;
     EXPECT_EQ(store().cubes().size(), 1u);
+}
+
+// The fixed classes cut such a name, so that two names become one cube.
+TEST_P(EntryStoreTest, refusesNamesOfCubesThatAreTooLongToBeStored) {
+    std::string const longest(128, 'n');
+    auto const number = store().addCube(longest);
+    EXPECT_EQ(store().findCube(longest).value().number, number);
+    EXPECT_FALSE(store().findCube(longest + "2"));
+    EXPECT_EQ(reasonOf([&] { store().parse(longest + "2/1/1/1/1"); }), "notFound");
+    try {
+        store().addCube(longest + "xy");
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (StoreError const& error) {
+        EXPECT_STREQ(nameOf(error.reason()), "invalidKey");
+        EXPECT_EQ(error.cause(), "the name has 130 characters, at most 128 are stored");
+    }
+    EXPECT_EQ(store().cubes().size(), 2u);
+}
+
+TEST_P(EntryStoreTest, countsTheCharactersOfANameNotItsBytes) {
+    std::string umlauts;
+    for (int i = 0; i < 128; ++i) umlauts += platform::fromUtf8("\xC3\xA4");
+    auto const number = store().addCube(umlauts);
+    EXPECT_EQ(store().findCube(umlauts).value().number, number);
+    EXPECT_EQ(reasonOf([&] { store().addCube(umlauts + "x"); }), "invalidKey");
 }
 
 TEST_P(EntryStoreTest, storesANewEntryAsOneRowAndOneFile) {

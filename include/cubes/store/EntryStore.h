@@ -143,10 +143,11 @@ public:
     /// The fares and the kinds of results that every project has.
     static std::vector<CubeInfo> kinds();
     /// The cube or kind of a word, of a number in digits if it is registered, or of a name, in this
-    /// order; nothing when there is none.
+    /// order; nothing when there is none, and for a name that is longer than the register's column.
     std::optional<CubeInfo> findCube(std::string_view nameOrNumber) const;
     /// Registers a cube and returns its number; of a registered cube, that of the register. Throws
-    /// invalidKey for a name that the register reserves for a kind.
+    /// invalidKey for a name that the register reserves for a kind, and for one that is longer than
+    /// the register's column, of 128 characters.
     short addCube(std::string const& name);
     /// Removes a cube from the register with all its entries, and returns how many those were. Throws
     /// notFound, invalidKey for the fares and kinds of results, inUse or otherDirectory when an entry
