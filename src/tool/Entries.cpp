@@ -97,8 +97,8 @@ bool isListedBefore(EntryKey const& a, EntryKey const& b) {
     return std::pair(placeOf(a.cube()), a) < std::pair(placeOf(b.cube()), b);
 }
 
-void refuseUse(EntryInfo const& entry) {
-    if (entry.users != 0) throw Refusal(entry.text + " is in use; try again later");
+void refuseUse(EntryInfo const& entry, std::string const& called) {
+    if (entry.users != 0) throw Refusal(called + " is in use; try again later");
 }
 
 Entries::Entries(Surroundings const& surroundings, std::vector<std::string> const& words)
@@ -147,7 +147,7 @@ EntryInfo Entries::find(std::string const& word) const {
 
 EntryInfo Entries::findReadable(std::string const& word) const {
     auto found = find(word);
-    if (found.key.isResult()) refuseUse(found);
+    if (found.key.isResult()) refuseUse(found, "it");
     return found;
 }
 

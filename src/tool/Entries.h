@@ -61,7 +61,7 @@ private:
     Project project_;
 };
 
-/// Throws Refusal for an entry in use.
-void refuseUse(EntryInfo const& entry);
+/// Throws Refusal for an entry in use. `called`: what the message calls it.
+void refuseUse(EntryInfo const& entry, std::string const& called);
 
 }

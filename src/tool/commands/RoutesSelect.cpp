@@ -34,7 +34,9 @@ public:
             throw Refusal("RESULT must be a result that holds a matrix, such as selectedlink/1/1/1/1/1/1");
         Entries const entries(surroundings);
         auto const routes = entries.find(entry_);
-        auto const trips = tableOf(entries.store().get(entries.findReadable(trips_).key));
+        auto const tripsEntry = entries.find(trips_);
+        if (tripsEntry.key.isResult()) refuseUse(tripsEntry, tripsEntry.text);
+        auto const trips = tableOf(entries.store().get(tripsEntry.key));
         RouteSetFile const set(findRoutes(entry_, entries).file);
         auto const matrix = matrixOf(tripsOverLink(set, link, trips));
         auto const stored = entries.write(

@@ -49,8 +49,8 @@ private:
         auto const from = source.find(from_);
         bool const isOfOne = &source == &target;
         bool const isRead = !isOfOne || !resultKindOf(to_);
-        if (from.key.isResult() && isRead) refuseUse(from);
-        // A file that makes no sense stays where it is.
+        if (from.key.isResult() && isRead) refuseUse(from, from.text);
+        // A damaged file is not stored in another project.
         auto const kind = resultKindOf(from.text);
         if (!isOfOne && !(kind && kind->holdsRoutes)) source.store().get(from.key);
         auto const to = target.write(to_, [&](EntryKey const& key) {
