@@ -91,7 +91,7 @@ Handle createIn(Bytes& bytes) {
 Handle openIn(Bytes& bytes, Bytes existing) {
     Handle const access = accessTo(bytes);
     check(H5Pset_file_image(access.get(), existing.data(), existing.size()), "read the file into memory");
-    return Handle(H5Fopen(memoryName, H5F_ACC_RDWR, access.get()), H5Fclose, "open it as HDF5");
+    return hdf5::openedFile(H5Fopen(memoryName, H5F_ACC_RDWR, access.get()));
 }
 
 // A file that is created or changed in memory, so that HDF5 never writes to a full disk.

@@ -26,7 +26,7 @@ void CreatedPaths::makeDirectory(std::string const& path) {
     // Another process may have created it meanwhile.
     if (platform::isDirectory(path)) return;
     throw TRkProjectException(
-        "the directory '" + path + "' cannot be made: " + (error ? error.message() : "a file of that name exists"),
+        "creating the directory '" + path + "' failed: " + (error ? error.message() : "a file of that name exists"),
         path);
 }
 

@@ -1,12 +1,18 @@
 #include "tool/Errors.h"
 
+#include "host/platform/TemporaryFile.h"
+
 #include <cubes/core/TRkCubesException.h>
+#include <cubes/matrix/TRkMatrixException.h>
 #include <cubes/routestorage/DynamiclinkLibraryT.h>
 #include <cubes/store/StoreError.h>
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
+#include <vector>
 
 namespace cubes::tool {
 
@@ -33,7 +39,44 @@ void print(char const* severity, std::string const& message) {
     fmt::print(stderr, "cubes: {}{}\n", severity, message);
 }
 
-// Of a file that is not there the disk is to blame, of an entry or cube the command.
+// How errors of files begin; longer texts come first.
+constexpr std::string_view actions[] = {"cannot put in place ", "cannot read past the end of ", "cannot copy to ",
+    "cannot read ", "cannot open ", "cannot create ", "cannot examine ", "cannot write ", "cannot flush ",
+    "cannot map ", "cannot lock "};
+
+// The message begins with "cannot" already: "cannot open /d/a.odm: Permission denied" is
+// "/d/a.odm: Permission denied". A temporary file is called by its target.
+std::string withoutAction(std::string text) {
+    for (auto const action : actions) {
+        if (!text.starts_with(action)) continue;
+        text.erase(0, action.size());
+        auto const end = std::min(text.find(": "), text.size());
+        return platform::targetOfTemporary(text.substr(0, end)) + text.substr(end);
+    }
+    return text;
+}
+
+// The reason in "cannot write matrix file FILE: reason".
+std::string reasonIn(std::string const& text, std::string const& file) {
+    auto const at = file.empty() || !text.starts_with("cannot ") ? std::string::npos : text.find(file + ": ");
+    return withoutAction(at == std::string::npos ? text : text.substr(at + file.size() + 2));
+}
+
+/// Why something failed, and the file and entry that the message must name.
+struct Cause {
+    std::string text;
+    std::vector<std::string> names;
+};
+
+Cause causeIn(std::exception const& error) {
+    if (auto const* const ofStore = dynamic_cast<StoreError const*>(&error))
+        return {reasonIn(ofStore->cause(), ofStore->file()), {ofStore->file(), ofStore->entry()}};
+    if (auto const* const ofMatrix = dynamic_cast<TRkMatrixException const*>(&error))
+        return {reasonIn(error.what(), ofMatrix->File()), {ofMatrix->File()}};
+    return {withoutAction(error.what()), {}};
+}
+
+// A missing file is a failure. A missing entry or cube was named wrongly on the command line.
 bool isRefusal(StoreError const& error) {
     switch (error.reason()) {
     case Reason::alreadyExists:
@@ -63,13 +106,12 @@ ExitCode exitCodeOf(std::exception const& error) {
 std::string causeOf(std::exception const& error, std::string const& task) {
     if (auto const* const noProvider = dynamic_cast<DllNotLoaded const*>(&error))
         return "no route provider: " + noProvider->Reason();
-    auto const* const ofStore = dynamic_cast<StoreError const*>(&error);
-    if (!ofStore) return error.what();
-    std::string text = ofStore->cause();
-    // It says what could not be done to which file.
-    if (text.starts_with("cannot ")) return text;
-    for (auto const& name : {ofStore->file(), ofStore->entry()})
-        if (text.find(name) == std::string::npos && task.find(name) == std::string::npos) text = name + ": " + text;
+    auto [text, names] = causeIn(error);
+    for (auto const& name : names) {
+        bool const isInTask = task.find(name) != std::string::npos;
+        if (isInTask && text.starts_with(name + ": ")) text.erase(0, name.size() + 2);
+        if (!isInTask && text.find(name) == std::string::npos) text = name + ": " + text;
+    }
     return text;
 }
 

@@ -47,8 +47,8 @@ enum class ExitCode : int {
 /// The exit code that the tool ends with after this error.
 ExitCode exitCodeOf(std::exception const& error);
 
-/// Why a task failed: the error's own text, or of a StoreError the cause with the entry and file that neither
-/// the task nor the cause names.
+/// Why a task failed, to be printed after "cannot TASK: ": the error's text without what a lower layer could not do,
+/// and with the entry and file of the error unless they are named already.
 std::string causeOf(std::exception const& error, std::string const& task);
 
 /// Print a message to standard error, one line each, with the tool's name in front.

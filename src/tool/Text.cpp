@@ -28,7 +28,8 @@ bool isControl(char c) {
 
 // The beginning of the text, safe to print on a terminal.
 std::string shown(std::string_view text) {
-    std::string result(text.substr(0, mostShown));
+    std::string result(platform::firstCharacters(text, mostShown));
+    bool const isCut = result.size() < text.size();
     std::ranges::replace_if(result, isControl, '?');
     return text.size() > mostShown ? result + "..." : result;
 }

@@ -251,8 +251,10 @@ TEST_F(DefaultProject, isRefusedWithAReasonAndLeavesNothingBehind) {
         {"directory", {"sqlite:.", {}, {}, {}, {}}, "database: SQLite database '"},
         {"missing", {"sqlite:x/y.db", {}, {}, {}, {}}, "database: SQLite database '"},
         {"not one", {"sqlite:" + directory.file("file"), {}, {}, {}, {}}, "database: SQLite database '"},
-        {"matrices", {{}, directory.file("file"), {}, {}, {}}, "project: the directory '" + directory.file("file")},
-        {"results", {{}, {}, directory.file("file/x"), {}, {}}, "project: the directory '" + directory.file("file")},
+        {"matrices", {{}, directory.file("file"), {}, {}, {}},
+            "project: creating the directory '" + directory.file("file")},
+        {"results", {{}, {}, directory.file("file/x"), {}, {}},
+            "project: creating the directory '" + directory.file("file")},
     };
     for (auto const& one : refusals) {
         std::string const error = errorOf([&] { Project::create(place, one.options); });

@@ -26,6 +26,18 @@ std::string innermostReason() {
     return reason.empty() ? reason : " (" + reason + ")";
 }
 
+/// How HDF5's reason begins when it cannot open a file, and what that means.
+struct OpeningFailure {
+    std::string_view reason;
+    char const* meaning;
+};
+
+constexpr OpeningFailure openingFailures[] = {
+    {" (file signature not found", "it is not an HDF5 file"},
+    {" (truncated file", "it is cut off"},
+    {" (cannot read past the end", "it is cut off"},
+};
+
 void requireOwn(hid_t parent, std::string const& name) {
     H5L_info_t link{};
     check(H5Lget_info(parent, name.c_str(), &link, H5P_DEFAULT), "find " + name);
@@ -142,7 +154,8 @@ Session::~Session() {
     H5Eset_auto2(H5E_DEFAULT, print_, printTo_);
 }
 
-Error::Error(std::string_view action) : std::runtime_error("cannot " + std::string(action) + innermostReason()) {}
+Error::Error(std::string_view action)
+    : std::runtime_error("HDF5 could not " + std::string(action) + innermostReason()) {}
 
 Handle::Handle(hid_t id, Close closer, std::string_view action) : id_(check(id, action)), close_(closer) {}
 
@@ -176,7 +189,15 @@ Handle fileAccess() {
 Handle openFile(platform::File file) {
     std::string const path = file.path();
     Handle const access = accessTo({&file});
-    return Handle(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose, "open it as HDF5");
+    return openedFile(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.get()));
+}
+
+Handle openedFile(hid_t id) {
+    if (id >= 0) return Handle(id, H5Fclose, "open it");
+    std::string const reason = innermostReason();
+    for (auto const& known : openingFailures)
+        if (reason.starts_with(known.reason)) throw std::runtime_error(known.meaning);
+    throw std::runtime_error("HDF5 could not open it" + reason);
 }
 
 Handle untimedProperties(hid_t classOfProperties) {

@@ -40,7 +40,7 @@ public:
     using Close = herr_t (*)(hid_t);
 
     Handle() = default;
-    /// Throws Error ("cannot `action`") for the identifier of a failed call.
+    /// Throws Error ("HDF5 could not `action`") for the identifier of a failed call.
     Handle(hid_t id, Close closer, std::string_view action);
     Handle(Handle&& other) noexcept : id_(std::exchange(other.id_, H5I_INVALID_HID)), close_(other.close_) {}
     Handle& operator=(Handle&& other) noexcept;
@@ -67,6 +67,8 @@ Status check(Status status, std::string_view action) {
 /// Opens a file for reading through `file`: on every system it can be replaced and removed meanwhile, errors have the
 /// system's messages, and closing it closes everything opened in it.
 Handle openFile(platform::File file);
+/// Owns the file that H5Fopen returned. Throws std::runtime_error when it failed: "it is not an HDF5 file".
+Handle openedFile(hid_t id);
 /// Access without HDF5's own locks: files are replaced atomically.
 Handle fileAccess();
 

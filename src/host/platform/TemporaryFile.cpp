@@ -44,6 +44,14 @@ bool isTemporaryName(std::string_view name) {
     return name.starts_with('.') && name.ends_with(suffix);
 }
 
+std::string targetOfTemporary(std::string const& path) {
+    constexpr std::size_t dotAndDigits = 17;
+    auto const file = toPath(path);
+    std::string const name = fromPath(file.filename());
+    if (!isTemporaryName(name) || name.size() <= 1 + dotAndDigits + suffix.size()) return path;
+    return fromPath(file.parent_path() / toPath(name.substr(1, name.size() - 1 - dotAndDigits - suffix.size())));
+}
+
 void commitFile(std::string const& file, std::string const& target) {
     flushFile(file);
     rename(file, target);

@@ -14,6 +14,9 @@ std::string temporaryPath(std::string const& target);
 /// interrupted one.
 bool isTemporaryName(std::string_view name);
 
+/// The target of a temporary path; any other path unchanged. (Of a very long name only the beginning is known.)
+std::string targetOfTemporary(std::string const& path);
+
 /// Atomically replaces the target, which need not exist, by a complete and closed file beside it, and survives a power
 /// failure. Throws std::system_error; the target is then the old or the new file.
 void commitFile(std::string const& file, std::string const& target);

@@ -72,7 +72,8 @@ private:
 std::string contentOf(std::string const& directory) {
     std::string const path = projectFilePath(directory);
     std::ifstream stream(platform::toPath(path), std::ios::binary);
-    if (!stream || !platform::isRegularFile(path)) throw TRkProjectException(path + " cannot be read", directory);
+    if (!stream || !platform::isRegularFile(path))
+        throw TRkProjectException(path + " is not a readable file", directory);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
@@ -159,7 +160,8 @@ void writeProjectFile(ProjectFile const& file, std::string const& directory) {
         temporary.file().flush();
         temporary.publish();
     } catch (std::system_error const& error) {
-        throw TRkProjectException(projectFilePath(directory) + " cannot be written: " + error.what(), directory);
+        throw TRkProjectException(
+            "writing " + projectFilePath(directory) + " failed: " + error.code().message(), directory);
     }
 }
 

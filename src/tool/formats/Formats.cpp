@@ -3,6 +3,7 @@
 #include "tool/Errors.h"
 #include "tool/Paths.h"
 #include "tool/Text.h"
+#include "tool/formats/WholeFile.h"
 
 #include <cubes/matrix/OmxFile.h>
 
@@ -57,7 +58,7 @@ struct Target {
 };
 
 void refuseTableName(Source const& source) {
-    if (source.table) throw FormatError("it holds one table without a name; leave out --table");
+    if (source.table) throw FormatError("it holds one table without a name; omit --table");
 }
 
 TripTable readCsvSource(Source const& source) {
@@ -79,6 +80,7 @@ void writeCsvTarget(Target const& target) {
 }
 
 void writeOmxTarget(Target const& target) {
+    requireWritablePath(target.path);
     OmxFile::write(target.path, target.table, matrixOf(target.trips));
 }
 

@@ -27,14 +27,18 @@ std::string temporaryBeside(std::string const& path) {
     return fmt::format("{}.{:08x}{:08x}.part", path, random(), random());
 }
 
-// Replacing a directory, a device or a pipe is never intended.
-void requireRegularOrNew(std::string const& path) {
-    std::error_code ignored;
-    auto const status = fs::status(toPath(path), ignored);
-    if (fs::is_directory(status)) throw FormatError("it is a directory");
-    if (fs::exists(status) && !fs::is_regular_file(status)) throw FormatError("it is not a regular file");
 }
 
+// Replacing a directory, a device or a pipe is never intended.
+void requireWritablePath(std::string const& path) {
+    std::error_code ignored;
+    auto const file = toPath(path);
+    auto const directory = file.parent_path();
+    if (!directory.empty() && !fs::is_directory(directory, ignored))
+        throw FormatError(fmt::format("there is no directory {}", toText(directory)));
+    auto const status = fs::status(file, ignored);
+    if (fs::is_directory(status)) throw FormatError("it is a directory");
+    if (fs::exists(status) && !fs::is_regular_file(status)) throw FormatError("it is not a regular file");
 }
 
 std::string readWholeFile(std::string const& path) {
@@ -51,11 +55,12 @@ std::string readWholeFile(std::string const& path) {
     while (stream.read(block, sizeof block) || stream.gcount() > 0)
         bytes.append(block, static_cast<std::size_t>(stream.gcount()));
     if (stream.bad()) fail();
+    if (bytes.find('\0') != std::string::npos) throw FormatError("it is not a text file: it holds zero bytes");
     return bytes;
 }
 
 NewFile::NewFile(std::string path) : path_(std::move(path)), temporary_(temporaryBeside(path_)) {
-    requireRegularOrNew(path_);
+    requireWritablePath(path_);
     errno = 0;
     stream_.open(toPath(temporary_), std::ios::binary);
     if (!stream_) fail();

@@ -17,8 +17,11 @@ using namespace VL::Interface;
 using VL::InterfaceUtilities::TLastError;
 
 [[noreturn]] void fail(std::string const& path) {
-    char const* const reason = TLastError::getInstance()->VlGetLastError();
-    throw Failure(reason && *reason ? reason : fmt::format("{}: the route provider gives no reason", path));
+    char const* const text = TLastError::getInstance()->VlGetLastError();
+    std::string const reason = text && *text ? text : fmt::format("{}: the route provider gives no reason", path);
+    // "cannot open FILE: reason" without what could not be done.
+    auto const file = reason.find(path + ": ");
+    throw Failure(file == std::string::npos ? reason : reason.substr(file));
 }
 
 // Returns whether something was found.
@@ -149,7 +152,7 @@ public:
     int operator[](std::int32_t zone) const {
         auto const found = places_.find(zone);
         if (found == places_.end())
-            throw Failure(fmt::format("the trips have no zone {}, which a route begins or ends in", zone));
+            throw Failure(fmt::format("the matrix of the trips has no zone {}, where a route begins or ends", zone));
         return found->second;
     }
 

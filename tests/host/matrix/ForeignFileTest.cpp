@@ -212,7 +212,7 @@ TEST(ForeignFile, aFileWithoutAMatrixIsRefusedWithTheCause) {
     };
     std::vector<Case> const cases = {
         Case{"", "no table under /data"},
-        Case{"f['data'] = np.eye(3)", "cannot open data (not a group)"},
+        Case{"f['data'] = np.eye(3)", "HDF5 could not open data (not a group)"},
         Case{"f['data/t'] = np.ones(3)", "no table under /data"},
         Case{"f['data/t'] = np.ones((2, 2, 2))", "no table under /data"},
         Case{"f['data/t'] = np.array([[b'a', b'b']])", "not numbers"},
@@ -284,8 +284,8 @@ TEST(OmxFile, namesAFileThatCannotBeOpenedWithTheCause) {
         char const* name;
         std::string reason;
     };
-    for (auto const& [name, reason] : {Case{"none", noSuchFile()}, Case{"empty", "is empty"}, Case{"text", "as HDF5"},
-             Case{"directory", "directory"}}) {
+    for (auto const& [name, reason] : {Case{"none", noSuchFile()}, Case{"empty", "is empty"},
+             Case{"text", "not an HDF5 file"}, Case{"directory", "directory"}}) {
         std::string const file = directory.file(name);
         EXPECT_NE(reasonOf(file).find(reason), std::string::npos) << reasonOf(file);
         try {

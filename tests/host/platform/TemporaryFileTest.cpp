@@ -47,6 +47,14 @@ TEST(TemporaryFile, isRecognisedByItsName) {
         EXPECT_FALSE(isTemporaryName(name)) << name;
 }
 
+TEST(TemporaryFile, hasItsTargetInItsName) {
+    auto const target = cubes::test::nativePath("/d/a.skm");
+    EXPECT_EQ(targetOfTemporary(temporaryPath(target)), target);
+    EXPECT_EQ(targetOfTemporary(temporaryPath("a.skm")), "a.skm");
+    for (auto const* const other : {"a.skm", ".cubes-tmp", ".a.cubes-tmp", ""})
+        EXPECT_EQ(targetOfTemporary(other), other);
+}
+
 TEST(TemporaryFile, hasANewNameEachTime) {
     std::set<std::string> names;
     for (int i = 0; i < 1000; ++i) names.insert(temporaryPath("directory/a.skm"));

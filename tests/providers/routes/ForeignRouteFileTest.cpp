@@ -75,15 +75,15 @@ Foreign const refused[] = {
         "it holds cubes route data, not cubes routes"},
     {"withoutKind", "del f.attrs['format']", "it holds something else, not cubes routes"},
     {"ofALaterVersion", "f.attrs['version'] = 2", "its version 2 is unknown"},
-    {"withoutKey", "del f.attrs['key']", "cannot find the attribute key"},
+    {"withoutKey", "del f.attrs['key']", "HDF5 could not find the attribute key"},
     {"withAShortKey", "f.attrs['key'] = [1, 2]", "the attribute key has another size"},
     {"withATextForAKey", "f.attrs['key'] = 'abc'", "the attribute key has another type"},
     {"withANumberForAFormat", "f.attrs['format'] = 1", "the attribute format is not a text of fixed length"},
     {"withAFlexibleText", "f.attrs['format'] = 'cubes routes'", "the attribute format is not a text of fixed length"},
-    {"withoutLinks", "del f['links']", "cannot find links"},
-    {"withoutIndex", "del f['by_link']", "cannot find by_link"},
-    {"withAGroupForLinks", "del f['links']\nf.create_group('links')", "cannot open links"},
-    {"withADatasetForAGroup", "del f['by_pair']\nput('by_pair', [1], 'i4')", "cannot open by_pair"},
+    {"withoutLinks", "del f['links']", "HDF5 could not find links"},
+    {"withoutIndex", "del f['by_link']", "HDF5 could not find by_link"},
+    {"withAGroupForLinks", "del f['links']\nf.create_group('links')", "HDF5 could not open links"},
+    {"withADatasetForAGroup", "del f['by_pair']\nput('by_pair', [1], 'i4')", "HDF5 could not open by_pair"},
     {"withATable", "replace('links', [[10, 10], [20, 20]], 'u4')", "links is not a list"},
     {"withASingleNumber", "replace('links', 10, 'u4')", "links is not a list"},
     {"withSignedLinks", "replace('links', [10, 10, 20, 20], 'i4')", "links has numbers of another type"},
@@ -164,11 +164,11 @@ TEST(AnotherProgram, mayHaveWrittenAFileOfAnotherKind) {
         std::string bytes;
         char const* reason;
     } const others[] = {
-        {"", "cannot open it as HDF5"},
-        {"origin,destination\n", "cannot open it as HDF5"},
-        {std::string(100000, '\0'), "cannot open it as HDF5"},
-        {"\x89HDF\r\n\x1a\n", "cannot open it as HDF5"},
-        {"SQLite format 3" + std::string(1000, '\0'), "cannot open it as HDF5"},
+        {"", "it is not an HDF5 file"},
+        {"origin,destination\n", "it is not an HDF5 file"},
+        {std::string(100000, '\0'), "it is not an HDF5 file"},
+        {"\x89HDF\r\n\x1a\n", "it is not an HDF5 file"},
+        {"SQLite format 3" + std::string(1000, '\0'), "it is not an HDF5 file"},
     };
     for (auto const& other : others) {
         writeFile(file, other.bytes);
@@ -208,10 +208,10 @@ TEST(TheOtherKind, isNotReadAsRouteData) {
 
 TEST(ForeignDataFile, isRefusedWithAReason) {
     Foreign const changes[] = {
-        {"withoutFields", "del f['fields']", "cannot find fields"},
+        {"withoutFields", "del f['fields']", "HDF5 could not find fields"},
         {"ofAnUnknownType", "f['fields/0004'].attrs['type'] = 6", "unknown field type 6"},
         {"ofAnotherType", "f['fields/0004'].attrs['type'] = 3", "0004 has numbers of another type"},
-        {"withoutAName", "del f['fields/0004'].attrs['name']", "cannot find the attribute name"},
+        {"withoutAName", "del f['fields/0004'].attrs['name']", "HDF5 could not find the attribute name"},
         {"withANameTwice", "f['fields/0004'].attrs['name'] = np.bytes_('cost')", "a field cost exists already"},
         {"withAnEmptyName", "f['fields/0004'].attrs['name'] = np.bytes_('')", "the field has no name"},
         {"withABooleanOfTwo", "f['fields/0000'][1] = 2", "the boolean field tolled has values besides 0 and 1"},

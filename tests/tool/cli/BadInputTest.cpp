@@ -38,6 +38,8 @@ std::vector<WrittenFile> const badFiles = {
     {"twice.tntp", "<NUMBER OF ZONES> 2\n<END OF METADATA>\nOrigin 1\n 1 : 5; 1 : 6;\n"},
     {"empty.omx", ""},
     {"text.omx", "no HDF5 at all"},
+    {"binary.csv", std::string("\x1f\x8b\x08\0\0\0", 6)},
+    {"binary.tntp", std::string("\x1f\x8b\x08\0\0\0", 6)},
     {"trips.xls", "what is this"},
 };
 
@@ -45,6 +47,12 @@ std::vector<WrittenFile> const badFiles = {
 std::vector<Case> const fileCases = {
     {"no file", "cubes import none.csv New/1/1/1/1", 3, {"import none.csv into New/1/1/1/1: No such file"}},
     {"a directory", "cubes import folder.csv New/1/1/1/1", 3, {"folder.csv", "directory"}},
+    {"no omx", "cubes import none.omx New/1/1/1/1", 3, {"import none.omx into New/1/1/1/1: No such file"}},
+    {"a directory as omx", "cubes import folder.omx New/1/1/1/1", 3, {"into New/1/1/1/1: Is a directory"}},
+    {"bytes as csv", "cubes import binary.csv New/1/1/1/1", 3, {"into New/1/1/1/1: it is not a text file"}},
+    {"bytes as tntp", "cubes import binary.tntp New/1/1/1/1", 3, {"into New/1/1/1/1: it is not a text file"}},
+    {"text as routes", "cubes routes import text.csv routes/1/1/1/1/1/1", 3, {"text.csv", "line 1"}},
+    {"bytes as routes", "cubes routes import binary.csv routes/1/1/1/1/1/1", 3, {"it is not a text file"}},
     {"an empty csv", "cubes import empty.csv New/1/1/1/1", 3, {"empty.csv", "empty"}},
     {"text in place of a number", "cubes import text.csv New/1/1/1/1", 3, {"text.csv", "line 3", "'abc'"}},
     {"a missing value", "cubes import short.csv New/1/1/1/1", 3, {"short.csv", "line 2"}},
@@ -56,9 +64,9 @@ std::vector<Case> const fileCases = {
     {"a truncated tntp", "cubes import truncated.tntp New/1/1/1/1", 3, {"truncated.tntp"}},
     {"text in a tntp", "cubes import text.tntp New/1/1/1/1", 3, {"text.tntp", "line 4", "few"}},
     {"a cell twice in a tntp", "cubes import twice.tntp New/1/1/1/1", 3, {"twice.tntp", "line 4"}},
-    {"an empty omx", "cubes import empty.omx New/1/1/1/1", 3, {"empty.omx"}},
-    {"not HDF5", "cubes import text.omx New/1/1/1/1", 3, {"text.omx"}},
-    {"a truncated omx", "cubes import truncated.omx New/1/1/1/1", 3, {"truncated.omx"}},
+    {"an empty omx", "cubes import empty.omx New/1/1/1/1", 3, {"into New/1/1/1/1: it is empty"}},
+    {"not HDF5", "cubes import text.omx New/1/1/1/1", 3, {"into New/1/1/1/1: it is not an HDF5 file"}},
+    {"a truncated omx", "cubes import truncated.omx New/1/1/1/1", 3, {"into New/1/1/1/1: it is cut off"}},
     {"the wrong shape", "cubes import cube.omx New/1/1/1/1", 3, {"cube.omx"}},
     {"a table that is not there", "cubes import two.omx New/1/1/1/1 --table c", 3, {"two.omx", "c"}},
     {"tables to choose from", "cubes import two.omx New/1/1/1/1", 3, {"two.omx", "--table: a, b"}},
@@ -79,7 +87,11 @@ std::vector<Case> const projectCases = {
     {"a cell of a file cut short", "cubes cell Base/1/1/1/4 1 1", 3, {"1-1-1-1-4.odm"}},
     {"an export of an unknown key", "cubes export Base/9/1/1/1 out.csv", 1, {"has no entry 9/1/1/1"}},
     {"an export onto a directory", "cubes export Base/1/1/1/1 folder.csv", 3, {"folder.csv", "directory"}},
-    {"an export into no directory", "cubes export Base/1/1/1/1 none/out.csv", 3, {"none/out.csv", "No such file"}},
+    {"an export into no directory", "cubes export Base/1/1/1/1 none/out.csv", 3,
+        {"to none/out.csv: there is no directory none"}},
+    {"an omx into no directory", "cubes export Base/1/1/1/1 none/out.omx", 3,
+        {"to none/out.omx: there is no directory none"}},
+    {"an omx onto a directory", "cubes export Base/1/1/1/1 folder.omx", 3, {"to folder.omx: it is a directory"}},
     {"an export to an unknown format", "cubes export Base/1/1/1/1 out.xls", 3, {"out.xls", ".csv", ".omx"}},
     {"an export of a file cut short", "cubes export Base/1/1/1/4 out.csv", 3, {"1-1-1-1-4.odm"}},
     {"a missing zone", "cubes cell Base/1/1/1/1 3 1", 1, {"there is no zone 3"}},
@@ -129,11 +141,20 @@ std::vector<Case> const unwritableCases = {
     {"a move", "$AS_ANYBODY cubes move Base/1/1/1/1 Base/1/1/1/9", 3, {"1-1-1-1-9.odm", "Permission denied"}},
 };
 
+std::size_t countOf(std::string const& word, std::string const& text) {
+    std::size_t count = 0;
+    for (auto at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) ++count;
+    return count;
+}
+
 void makeBadFiles(ToolSession const& session) {
     for (auto const& file : badFiles) session.write(file.name, file.content);
     fs::create_directory(session.file("folder.csv"));
-    session.write("secret.csv", "origin,destination,value\n1,1,1\n");
-    fs::permissions(session.file("secret.csv"), fs::perms::none);
+    fs::create_directory(session.file("folder.omx"));
+    for (auto const* const name : {"secret.csv", "secret.omx"}) {
+        session.write(name, "origin,destination,value\n1,1,1\n");
+        fs::permissions(session.file(name), fs::perms::none);
+    }
     auto const made = runPython(R"(
 import h5py, sys
 def file(name, **tables):
@@ -228,7 +249,9 @@ TEST_P(BadFile, withoutReadPermissionIsReported) {
     if (session->run("$AS_ANYBODY cat secret.csv").exitCode == 0)
         GTEST_SKIP() << "SKIPPED: this user may read every file";
     refuse({{"an unreadable file", "$AS_ANYBODY cubes import secret.csv New/1/1/1/1", 3,
-        {"secret.csv", "Permission denied"}}});
+                {"into New/1/1/1/1: Permission denied"}},
+        {"an unreadable omx", "$AS_ANYBODY cubes import secret.omx New/1/1/1/1", 3,
+            {"into New/1/1/1/1: Permission denied"}}});
 }
 
 // On this port the server requires passwords.

@@ -69,8 +69,8 @@ TEST(Formats, refuseToWriteTntpAndStateTheReason) {
 }
 
 TEST(Formats, refuseATableNameForFormatsWithoutTables) {
-    EXPECT_EQ(readMessage("a.csv", "AM"), "it holds one table without a name; leave out --table");
-    EXPECT_EQ(readMessage("a.tntp", "AM"), "it holds one table without a name; leave out --table");
+    EXPECT_EQ(readMessage("a.csv", "AM"), "it holds one table without a name; omit --table");
+    EXPECT_EQ(readMessage("a.tntp", "AM"), "it holds one table without a name; omit --table");
 }
 
 TEST(Formats, reportAMissingFile) {
@@ -88,7 +88,8 @@ TEST(Formats, reportADirectoryInPlaceOfAFile) {
 }
 
 TEST(Formats, reportAMissingDirectory) {
-    EXPECT_EQ(writeMessage("/no/such/file.csv"), "No such file or directory");
+    EXPECT_EQ(writeMessage("/no/such/file.csv"), "there is no directory /no/such");
+    EXPECT_EQ(writeMessage("/no/such/file.omx"), "there is no directory /no/such");
 }
 
 TEST(Formats, replaceAnOldFile) {
@@ -244,7 +245,7 @@ TEST(Omx, refusesFilesOfOtherFormatsAndNamesThem) {
 TEST(Omx, refusesADirectoryAsTarget) {
     test::TempDir const directory;
     std::filesystem::create_directory(directory.file("t.omx"));
-    EXPECT_THROW(writeTripTable(directory.file("t.omx"), square(), "AM"), TRkMatrixException);
+    EXPECT_THROW(writeTripTable(directory.file("t.omx"), square(), "AM"), FormatError);
     EXPECT_EQ(test::listing(directory.str()), "t.omx\n");
 }
 

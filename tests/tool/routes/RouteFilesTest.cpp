@@ -93,11 +93,11 @@ TEST_F(RouteFiles, replaceExistingOnes) {
 TEST_F(RouteFiles, reportWhyTheyCannotBeReadOrWritten) {
     auto const readSet = [&] { RouteSetFile const set(file); };
     auto const readData = [&] { readRouteData(file); };
-    EXPECT_EQ(failure(readSet), "cannot open " + file + ": " + test::noSuchFile());
-    EXPECT_EQ(failure(readData), "cannot open " + file + ": " + test::noSuchFile());
+    EXPECT_EQ(failure(readSet), file + ": " + test::noSuchFile());
+    EXPECT_EQ(failure(readData), file + ": " + test::noSuchFile());
     test::writeFile(file, "no routes");
-    EXPECT_TRUE(failure(readSet).starts_with("cannot open " + file + ": ")) << failure(readSet);
-    EXPECT_TRUE(failure(readData).starts_with("cannot open " + file + ": ")) << failure(readData);
+    EXPECT_TRUE(failure(readSet).starts_with(file + ": ")) << failure(readSet);
+    EXPECT_TRUE(failure(readData).starts_with(file + ": ")) << failure(readData);
     auto const nowhere = directory.file("none/a.FDB");
     EXPECT_NE(failure([&] { writeRouteSet(nowhere, key, {}); }).find(nowhere), std::string::npos);
     EXPECT_NE(failure([&] { writeRouteData(nowhere, key, {}); }).find(nowhere), std::string::npos);
@@ -206,13 +206,13 @@ TEST_F(SelectLink, skipsOdPairsWithInfiniteTripsOrNaN) {
 
 TEST_F(SelectLink, refusesARouteToAZoneThatTheTripTableDoesNotHave) {
     EXPECT_EQ(refusal(routesBetween(1, 2, 4), tripsOf({1, 2, 3})),
-        "the trips have no zone 4, which a route begins or ends in");
-    EXPECT_EQ(
-        refusal(routesBetween(1, 2, 4), tripsOf({})), "the trips have no zone 4, which a route begins or ends in");
+        "the matrix of the trips has no zone 4, where a route begins or ends");
+    EXPECT_EQ(refusal(routesBetween(1, 2, 4), tripsOf({})),
+        "the matrix of the trips has no zone 4, where a route begins or ends");
     EXPECT_EQ(refusal(routesBetween(1, 2, 3), tripsOf({1, 2, 4})),
-        "the trips have no zone 3, which a route begins or ends in");
-    EXPECT_EQ(
-        refusal(routesBetween(0, 1, 2), tripsOf({})), "the trips have no zone 0, which a route begins or ends in");
+        "the matrix of the trips has no zone 3, where a route begins or ends");
+    EXPECT_EQ(refusal(routesBetween(0, 1, 2), tripsOf({})),
+        "the matrix of the trips has no zone 0, where a route begins or ends");
 }
 
 TEST_F(SelectLink, refusesANonSquareTripTable) {
