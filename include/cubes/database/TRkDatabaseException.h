@@ -5,7 +5,7 @@
 
 #include <string>
 
-/// An error of the database layer: the operation, the database, and the database's reason.
+/// An error of the database layer: the database and its reason. The statement is not in the message.
 class CUBES_API TRkDatabaseException : public TRkException {
 public:
     /// `sqlState`: the five-character code of SQL, empty when there is none. `statement`: the SQL

@@ -214,6 +214,9 @@ protected:
         EXPECT_EQ(result.output, "");
         EXPECT_TRUE(result.errors.starts_with("cubes: cannot ")) << result.errors;
         auto const errors = withPathsOfTheShell(result.errors);
+        EXPECT_EQ(countOf("cannot", errors), 1u) << errors;
+        for (auto const* const sql : {"SELECT", "INSERT", "UPDATE", "DELETE", "BEGIN", "PRAGMA"})
+            EXPECT_EQ(countOf(sql, errors), 0u) << errors;
         for (auto const& part : bad.parts) EXPECT_NE(errors.find(part), std::string::npos) << errors;
     }
 

@@ -17,7 +17,7 @@ namespace {
 void requireReadable(std::string const& url) {
     if (isAmbiguous(url))
         throw TRkDatabaseException("the database URL '" + withoutPassword(url) +
-                                       "' cannot be read: \"/\" and \"@\" in a password are written %2F and %40",
+                                       "' is not valid: \"/\" and \"@\" in a password are written %2F and %40",
             sqlstate::cannotConnect);
     char* reason = nullptr;
     PQconninfoOption* const options = PQconninfoParse(url.c_str(), &reason);
@@ -26,7 +26,7 @@ void requireReadable(std::string const& url) {
     if (!options) {
         std::string const shown = withoutPassword(url);
         throw TRkDatabaseException(
-            "the database URL '" + shown + "' cannot be read" + (shown == url ? ": " + detail : std::string()),
+            "the database URL '" + shown + "' is not valid" + (shown == url ? ": " + detail : std::string()),
             sqlstate::cannotConnect);
     }
     PQconninfoFree(options);
@@ -36,6 +36,13 @@ void ignoreNotice(void* /*context*/, PGresult const* /*notice*/) {}
 
 std::string textOf(char const* text) {
     return text ? text : "";
+}
+
+// The server's reason and what to do about it. That a database is read-only is put in terms of the statement.
+std::string explained(std::string const& reason, std::string const& sqlState) {
+    if (sqlState == sqlstate::readOnly) return "it is read-only; ask its owner for permission to write";
+    if (sqlState == sqlstate::missingRight) return reason + "; ask the owner of the database for this right";
+    return sqlState == sqlstate::locked ? reason + "; try again later" : reason;
 }
 
 }
@@ -59,7 +66,7 @@ Handle::Handle(std::string const& url) {
     connection_ = PQconnectdbParams(keys, values, 1);
     if (PQstatus(connection_) != CONNECTION_OK) {
         TRkDatabaseException const error(
-            where() + " cannot be reached: " + trimmed(PQerrorMessage(connection_)), sqlstate::cannotConnect);
+            where() + ": " + trimmed(PQerrorMessage(connection_)), sqlstate::cannotConnect);
         PQfinish(connection_);
         throw error;
     }
@@ -94,8 +101,8 @@ TRkDatabaseException Handle::failure(pg_result const* result, std::string const&
     if (reason.empty()) reason = trimmed(PQerrorMessage(connection_));
     std::string const detail = textOf(PQresultErrorField(result, PG_DIAG_MESSAGE_DETAIL));
     if (!detail.empty()) reason += " (" + detail + ")";
-    return {where() + ": " + reason + ", in: " + statement, textOf(PQresultErrorField(result, PG_DIAG_SQLSTATE)),
-        statement};
+    std::string const sqlState = textOf(PQresultErrorField(result, PG_DIAG_SQLSTATE));
+    return {where() + ": " + explained(reason, sqlState), sqlState, statement};
 }
 
 Result Handle::checked(pg_result* raw, std::string const& statement) const {

@@ -80,7 +80,11 @@ std::string reason(int code, sqlite3* database) {
     if (code == SQLITE_BUSY_SNAPSHOT)
         return "another connection has changed it since this transaction began to read; roll back and try again";
     if ((code & 0xFF) == SQLITE_BUSY)
-        return "another connection has been writing to it for more than " + std::to_string(longestWait.count()) + " ms";
+        return "another connection has been writing to it for more than " + std::to_string(longestWait.count()) +
+               " ms; try again later";
+    if ((code & 0xFF) == SQLITE_READONLY)
+        return "it is read-only; to change it, get permission to write the file and its directory";
+    if ((code & 0xFF) == SQLITE_CORRUPT) return "it is damaged; restore it from a backup";
     return platform::fromUtf8(sqlite3_errmsg(database));
 }
 
@@ -88,7 +92,7 @@ std::string whyNotOpened(std::string const& path, std::string const& reason) {
     if (platform::isDirectory(path)) return "it is a directory";
     auto const directory = platform::fromPath(platform::toPath(platform::absolutePath(path)).parent_path());
     if (!platform::isDirectory(directory)) return "the directory '" + directory + "' does not exist";
-    return reason;
+    return reason + "; check that it exists and that you may read it";
 }
 
 void lowerCase(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
@@ -157,7 +161,7 @@ Handle::Handle(std::string path) : path_(std::move(path)) {
             prepareForUse();
         } catch (TRkDatabaseException const& error) {
             if (!needsToWrite(error) || !platform::exists(path_)) throw;
-            openUnchanging(error.what());
+            openUnchanging();
         }
     } catch (...) {
         sqlite3_close_v2(database_);
@@ -170,20 +174,18 @@ void Handle::open(std::string const& name, int flags) {
         sqlite3_open_v2(name.c_str(), &database_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     if (code != SQLITE_OK)
         throw TRkDatabaseException(
-            "SQLite database '" + path_ + "' cannot be opened: " + whyNotOpened(path_, reason(code, database_)),
-            sqlStateOf(code));
+            "SQLite database '" + path_ + "': " + whyNotOpened(path_, reason(code, database_)), sqlStateOf(code));
 }
 
 // Without its log, the file holds everything as long as nobody writes to it, which is checked
 // after each statement.
-void Handle::openUnchanging(std::string const& reason) {
+void Handle::openUnchanging() {
     unchanged_ = stateOf(path_);
     if (!unchanged_->log.empty())
-        throw TRkDatabaseException("SQLite database '" + path_ + "' cannot be read: '" + unchanged_->log +
+        throw TRkDatabaseException("SQLite database '" + path_ + "': '" + unchanged_->log +
                                        "' holds changes of a program that is writing, or was stopped while it wrote, "
                                        "and this user may not write the directory; try again later or as a user who "
-                                       "may (" +
-                                       reason + ")",
+                                       "may",
             sqlstate::readOnly);
     sqlite3_close_v2(std::exchange(database_, nullptr));
     open(immutableUri(path_), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
@@ -193,8 +195,8 @@ void Handle::openUnchanging(std::string const& reason) {
 void Handle::requireUnchanged() const {
     if (!unchanged_ || stateOf(path_) == *unchanged_) return;
     throw TRkDatabaseException("SQLite database '" + path_ +
-                                   "' cannot be read any more: another program has changed it, and this user may not "
-                                   "write its directory; open it again",
+                                   "': another program has changed it, and this user may not write its directory; open "
+                                   "it again",
         sqlstate::fileChanged);
 }
 
@@ -222,8 +224,7 @@ void Handle::prepareForUse() const {
 
 TRkDatabaseException Handle::failure(std::string const& statement) const {
     int const code = sqlite3_extended_errcode(database_);
-    std::string message = "SQLite database '" + path_ + "': " + reason(code, database_);
-    if (!statement.empty()) message += ", in: " + statement;
+    std::string const message = "SQLite database '" + path_ + "': " + reason(code, database_);
     bool const noTable = std::string_view(sqlite3_errmsg(database_)).starts_with("no such table");
     return {message, noTable ? sqlstate::missingTable : sqlStateOf(code), statement};
 }

@@ -52,7 +52,7 @@ public:
 
 private:
     void open(std::string const& name, int flags);
-    void openUnchanging(std::string const& reason);
+    void openUnchanging();
     void prepareForUse() const;
 
     std::string path_;
