@@ -214,12 +214,18 @@ void EntryWriting::recordFile(EntryKey const& key, std::string const& file) cons
     }
 }
 
+void EntryWriting::requireDirectory(Task const& task, std::string const& directory) {
+    if (!platform::isDirectory(directory))
+        task.fail(Reason::notFound, "the directory " + directory + " is missing; restore it or create it", directory);
+}
+
 void EntryWriting::store(Task const& task, EntryKey const& key, Change const& change, Write const& write) const {
     requireStorable(task, key);
     auto const existing = find(key);
     std::string const target = targetOf(task, key, existing);
     if (existing) requireReplaceable(task, *existing, change.exists);
     if (kindOf(key.cube()).holdsRoutes) platform::createDirectories(platform::directoryOf(target));
+    requireDirectory(task, platform::directoryOf(target));
     std::optional<WriteLock> source;
     if (change.movedFrom) {
         if (platform::isSamePath(change.movedFrom->file, target))

@@ -110,6 +110,7 @@ private:
     void requireStorable(Task const& task, EntryKey const& key) const;
     void requireCube(Task const& task, EntryKey const& key) const;
     void requireReplaceable(Task const& task, EntryInfo const& existing, OnExisting exists) const;
+    static void requireDirectory(Task const& task, std::string const& directory);
     void requireOwn(Task const& task, EntryKey const& key) const;
     void requireOwn(Task const& task, EntryKey const& key, Rows& contents) const;
     bool isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded) const;

@@ -239,6 +239,34 @@ TEST_P(BadInput, withoutWritePermissionIsReportedAndChangesNothing) {
     if (isWritable) GTEST_SKIP() << "SKIPPED: this user may write to every directory";
 }
 
+// The lock file of the directory is what is opened first.
+TEST_P(BadInput, withoutTheDirectoryOfTheFilesNamesIt) {
+    fs::remove_all(session->file("matrices"));
+    fs::remove_all(session->file("results"));
+    std::string const matrices = "the directory " + session->file("matrices") + " is missing; restore it or create it";
+    refuse({{"a new cube", "cubes import good.csv New/1/1/1/1", 3, {matrices}},
+        {"an entry", "cubes import good.csv Base/1/1/1/1", 3, {matrices}},
+        {"a result", "cubes import good.csv skim/1/1/1/1/1/1", 3, {"results is missing; restore it or create it"}}});
+}
+
+// Commands that write to the database.
+constexpr char const* writingCommands[] = {"add New", "import good.csv New/1/1/1/1", "import good.csv Base/1/1/1/9",
+    "copy Base/1/1/1/1 Base/1/1/1/9", "move Base/1/1/1/1 Base/1/1/1/9", "remove Base/1/1/1/1", "use Base/1/1/1/1 +1",
+    "clear Base"};
+
+TEST_P(BadInput, namesADatabaseThatIsReadOnly) {
+    bool const isFile = backend() == Backend::sqlite;
+    auto const url = session->database().url();
+    auto const file = isFile ? url.substr(url.find(':') + 1) : std::string();
+    if (isFile) fs::permissions(file, fs::perms::owner_write, fs::perm_options::remove);
+    if (isFile && session->run("$AS_ANYBODY sh -c ': >> \"$1\"' - '" + file + "'").exitCode == 0)
+        GTEST_SKIP() << "SKIPPED: whoever runs this may write every file";
+    std::string const prefix = isFile ? "$AS_ANYBODY cubes " : "PGOPTIONS='-c default_transaction_read_only=on' cubes ";
+    for (std::string const command : writingCommands)
+        refuse({{command.c_str(), (prefix + command).c_str(), 3, {file, "it is read-only; "}}});
+    if (isFile) fs::permissions(file, fs::perms::owner_write, fs::perm_options::add);
+}
+
 // Files are read before any database: one database is enough.
 class BadFile : public BadInput {};
 INSTANTIATE_TEST_SUITE_P(
