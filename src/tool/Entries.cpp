@@ -38,6 +38,18 @@ std::size_t placeOf(short cube) {
     return found == kinds.end() ? 0 : static_cast<std::size_t>(found - kinds.begin()) + 1;
 }
 
+// Stands for any cube in a usage message.
+CubeInfo const anyCube{.name = "CUBE"};
+
+std::ptrdiff_t partsOf(CubeInfo const& cube) {
+    return cube.holdsResults ? partsOfResults : partsOfCubes;
+}
+
+// How entries are written.
+std::string formOf(CubeInfo const& cube) {
+    return cube.name + "/purpose/mode/time/user" + (cube.holdsResults ? "/result/iteration" : "");
+}
+
 std::ptrdiff_t slashesIn(std::string const& word) {
     return std::count(word.begin(), word.end(), '/');
 }
@@ -46,6 +58,18 @@ std::ptrdiff_t slashesIn(std::string const& word) {
 std::string cubeIn(std::string word) {
     for (int i = 0; i < partsOfCubes; ++i) word.resize(word.rfind('/'));
     return word;
+}
+
+// Names that differ in their digits are meant to differ: "Plan 2030" and "Plan 2040".
+std::string withoutDigits(std::string text) {
+    std::erase_if(text, [](char c) { return c >= '0' && c <= '9'; });
+    return text;
+}
+
+// "AM" and "PM" are no typos of each other.
+std::size_t editsOfATypo(std::string const& name) {
+    constexpr std::size_t shortest = 4;
+    return name.size() < shortest ? 0 : 1;
 }
 
 // False also without a project.
@@ -65,15 +89,13 @@ bool isEntry(std::string const& word) {
 
 void requireEntry(std::string const& word, Surroundings const& surroundings) {
     auto const kind = kindInFrontOf(word);
-    bool const isResult = kind && kind->holdsResults;
-    auto const parts = isResult ? partsOfResults : partsOfCubes;
+    auto const parts = kind ? partsOf(*kind) : partsOfCubes;
     if (!kind && word.starts_with('/') && slashesIn(word) == parts) throw UsageError("the name of the cube is empty");
     if (kind ? slashesIn(word) == parts : slashesIn(word) >= parts) return;
     if (slashesIn(word) == 0 && isCube(word, surroundings))
         throw UsageError(fmt::format("\"{}\" is a {}; list its entries with: cubes entries {}", word,
             kind ? "kind" : "cube", quotedForShell(word)));
-    throw UsageError(fmt::format("\"{}\" is not an entry; expected {}/purpose/mode/time/user{}", word,
-        kind ? kind->name : "CUBE", isResult ? "/result/iteration" : ""));
+    throw UsageError(fmt::format("\"{}\" is not an entry; expected {}", word, formOf(kind ? *kind : anyCube)));
 }
 
 std::optional<CubeInfo> resultKindOf(std::string const& word) {
@@ -151,6 +173,23 @@ EntryInfo Entries::findReadable(std::string const& word) const {
     return found;
 }
 
+std::string Entries::alternativeTo(std::string const& word) const {
+    auto const front = word.substr(0, word.find('/'));
+    std::vector<std::string> kinds;
+    for (auto const& kind : EntryStore::kinds()) {
+        bool const hasItsParts = slashesIn(word) == partsOf(kind);
+        if (isSameWord(front, kind.name) && !hasItsParts) return formOf(kind);
+        if (hasItsParts) kinds.push_back(kind.name);
+    }
+    if (auto const kind = nearestTo(front, kinds, editsOfATypo(front))) return *kind + word.substr(front.size());
+    auto const name = cubeIn(word);
+    std::vector<std::string> names;
+    for (auto const& known : store().cubes())
+        if (!isSameWord(withoutDigits(known.name), withoutDigits(name))) names.push_back(known.name);
+    auto const near = nearestTo(name, names, editsOfATypo(name));
+    return near ? *near + word.substr(name.size()) : std::string();
+}
+
 std::optional<short> Entries::addMissingCube(std::string const& word) const {
     try {
         store().parse(word);
@@ -162,6 +201,12 @@ std::optional<short> Entries::addMissingCube(std::string const& word) const {
     if (isNumber(name)) throw Refusal("there is no cube " + name + hintFor(name));
     requireCubeName(name);
     return store().addCube(name);
+}
+
+void Entries::noteNewCube(std::string const& word) const {
+    auto const alternative = alternativeTo(word);
+    if (alternative.empty()) return;
+    printNote(fmt::format("added the cube \"{}\"; did you mean {}?", cubeIn(word), alternative));
 }
 
 void Entries::removeIfEmpty(short cube) const noexcept {
@@ -179,6 +224,7 @@ EntryInfo Entries::write(std::string const& word, std::function<void(EntryKey co
         auto const entry = key(word);
         cube(std::to_string(entry.cube()));
         action(entry);
+        if (added) noteNewCube(word);
         return find(word);
     } catch (StoreError const& error) {
         // Who holds the lock is storing into the cube.

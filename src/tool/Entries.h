@@ -50,12 +50,16 @@ public:
     EntryInfo findReadable(std::string const& word) const;
 
     /// Runs `action`, which stores the entry that a word stands for, and returns the entry. A cube of a
-    /// new name is added, and removed again when that fails.
+    /// new name is added, and removed again when that fails. Prints a note when the name resembles that of a kind or
+    /// another cube.
     EntryInfo write(std::string const& word, std::function<void(EntryKey const&)> const& action) const;
 
 private:
     std::string hintFor(std::string const& cube) const;
     std::optional<short> addMissingCube(std::string const& word) const;
+    /// The entry that may have been meant when a word names one of a new cube; empty when no name is near.
+    std::string alternativeTo(std::string const& word) const;
+    void noteNewCube(std::string const& word) const;
     void removeIfEmpty(short cube) const noexcept;
 
     Project project_;

@@ -31,7 +31,7 @@ std::string shown(std::string_view text) {
     std::string result(platform::firstCharacters(text, mostShown));
     bool const isCut = result.size() < text.size();
     std::ranges::replace_if(result, isControl, '?');
-    return text.size() > mostShown ? result + "..." : result;
+    return isCut ? result + "..." : result;
 }
 
 enum class Reading { done, notANumber, outOfRange };
@@ -85,20 +85,22 @@ auto parsed(char const* what, std::string const& text, Read const& read) {
     }
 }
 
-// The Levenshtein distance, ignoring the case of ASCII letters.
+// The Levenshtein distance with swaps of neighbours, ignoring the case of ASCII letters.
 std::size_t editsBetween(std::string_view first, std::string_view second) {
-    std::vector<std::size_t> edits(second.size() + 1);
-    std::iota(edits.begin(), edits.end(), 0u);
-    for (std::size_t i = 0; i < first.size(); ++i) {
-        std::size_t diagonal = edits[0]++;
-        for (std::size_t j = 0; j < second.size(); ++j) {
-            auto const replaced =
-                diagonal + (platform::asciiLower(first[i]) == platform::asciiLower(second[j]) ? 0 : 1);
-            diagonal = edits[j + 1];
-            edits[j + 1] = std::min({edits[j] + 1, diagonal + 1, replaced});
+    auto const areSame = [&](std::size_t i, std::size_t j) {
+        return platform::asciiLower(first[i]) == platform::asciiLower(second[j]);
+    };
+    std::vector<std::vector<std::size_t>> edits(first.size() + 1, std::vector<std::size_t>(second.size() + 1));
+    for (std::size_t i = 0; i <= first.size(); ++i) edits[i][0] = i;
+    std::iota(edits[0].begin(), edits[0].end(), 0u);
+    for (std::size_t i = 1; i <= first.size(); ++i)
+        for (std::size_t j = 1; j <= second.size(); ++j) {
+            std::size_t const replaced = edits[i - 1][j - 1] + (areSame(i - 1, j - 1) ? 0 : 1);
+            edits[i][j] = std::min({edits[i - 1][j] + 1, edits[i][j - 1] + 1, replaced});
+            bool const areSwapped = i > 1 && j > 1 && areSame(i - 1, j - 2) && areSame(i - 2, j - 1);
+            if (areSwapped) edits[i][j] = std::min(edits[i][j], edits[i - 2][j - 2] + 1);
         }
-    }
-    return edits.back();
+    return edits.back().back();
 }
 
 }
@@ -199,12 +201,18 @@ std::string quotedForShell(std::string const& word) {
     return text + "'";
 }
 
-std::string suggestion(std::string_view unknown, std::span<std::string const> known) {
+std::optional<std::string> nearestTo(
+    std::string_view unknown, std::span<std::string const> known, std::size_t mostEdits) {
     auto const edits = [&](std::string const& word) { return editsBetween(unknown, word); };
     auto const nearest = std::ranges::min_element(known, {}, edits);
+    bool const isNear = nearest != known.end() && edits(*nearest) <= mostEdits;
+    return isNear ? std::optional(*nearest) : std::nullopt;
+}
+
+std::string suggestion(std::string_view unknown, std::span<std::string const> known) {
     // A word of which nothing would be left is not near.
-    bool const isNear = nearest != known.end() && edits(*nearest) <= std::min(mostEdits, unknown.size() / 2);
-    return isNear ? fmt::format("; did you mean {}?", *nearest) : std::string();
+    auto const near = nearestTo(unknown, known, std::min(mostEdits, unknown.size() / 2));
+    return near ? fmt::format("; did you mean {}?", *near) : std::string();
 }
 
 }

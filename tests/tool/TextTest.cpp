@@ -57,6 +57,15 @@ TEST(Text, suggestsTheNearestWordUpToTwoEditsAway) {
     EXPECT_EQ(suggestion("Base", {}), "");
 }
 
+TEST(Text, findsTheNearestWordWithinANumberOfEdits) {
+    std::vector<std::string> const known = {"Base", "skim"};
+    for (auto const* const near : {"SKIM", "skm", "skims", "skin", "ksim", "skmi"})
+        EXPECT_EQ(nearestTo(near, known, 1), "skim") << near;
+    for (auto const* const far : {"sk", "fare", "skimmed", ""}) EXPECT_FALSE(nearestTo(far, known, 1)) << far;
+    EXPECT_EQ(nearestTo("base", known, 0), "Base");
+    EXPECT_FALSE(nearestTo("bse", known, 0));
+}
+
 TEST(Text, quotesWordsForTheShellWhenNecessary) {
     EXPECT_EQ(quotedForShell("Base/1/1/1/1"), "Base/1/1/1/1");
     EXPECT_EQ(quotedForShell("my city"), "'my city'");
