@@ -36,7 +36,7 @@ double meanOf(TripTable const& table) {
     return std::round(figuresOf(table).mean * 10) / 10;
 }
 
-/// A line that begins with `head` and goes on with a figure for every period.
+/// Adds a line: `head`, then a figure for each period.
 template <typename Figure>
 void addLine(Table& table, City const& city, std::vector<Json> head, Figure figure) {
     for (int period = 0; period < count(city.periods); ++period) head.emplace_back(figure(period));
@@ -51,7 +51,7 @@ void addSkims(Table& table, City const& city, char const* figure, Skim skim) {
             [&](int period) { return meanOf((city.*skim)(mode, period)); });
 }
 
-// A line a purpose and mode with the trips of each period, and a line a mode with the mean distances and times.
+// One line per purpose and mode with the trips of each period, and one per mode with the mean distances and times.
 Table overview(City const& city) {
     std::vector<Column> columns = {{"", "cube"}, {"", "figure"}, {"", "purpose"}, {"", "mode"}};
     for (auto const& period : city.periods) columns.push_back({"", period});
@@ -65,7 +65,7 @@ Table overview(City const& city) {
     return table;
 }
 
-// A line a matrix.
+// One line per matrix.
 Table listed(std::vector<CityMatrix> const& matrices) {
     Table table({{"entry", "entry"}, {"purpose", "purpose"}, {"mode", "mode"}, {"period", "period"}, {"total", "total"},
         {"mean", "mean"}});
@@ -77,13 +77,44 @@ Table listed(std::vector<CityMatrix> const& matrices) {
     return table;
 }
 
-void storeAll(Entries const& entries, std::vector<CityMatrix> const& matrices) {
+/// Removes the entries of a demo that failed. The database may outlive the project: it may hold other projects.
+class StoredEntries {
+public:
+    explicit StoredEntries(EntryStore& store) : store_(store), hadCube_(store.findCube(tripsCube)) {}
+    ~StoredEntries() {
+        try {
+            if (!isComplete_) removeAll();
+        } catch (std::exception const&) {
+            // The error that led here is the one to report.
+        }
+    }
+    StoredEntries(StoredEntries const&) = delete;
+    StoredEntries& operator=(StoredEntries const&) = delete;
+
+    void add(EntryKey const& key) { keys_.push_back(key); }
+    void complete() noexcept { isComplete_ = true; }
+
+private:
+    void removeAll() const {
+        store_.removeAll(keys_);
+        auto const cube = store_.findCube(tripsCube);
+        if (!hadCube_ && cube && !store_.counts().contains(cube->number)) store_.removeCube(cube->number);
+    }
+
+    EntryStore& store_;
+    bool hadCube_;
+    std::vector<EntryKey> keys_;
+    bool isComplete_ = false;
+};
+
+void storeAll(Entries const& entries, std::vector<CityMatrix> const& matrices, StoredEntries& stored) {
     Progress progress("storing");
     for (std::size_t i = 0; i < matrices.size(); ++i) {
-        PutOptions options;
+        PutOptions options{.exists = OnExisting::fail};
         if (auto const& parent = matrices[i].parent) options.parent = entries.key(*parent);
-        entries.write(matrices[i].entry,
+        auto const entry = entries.write(matrices[i].entry,
             [&](EntryKey const& key) { entries.store().put(key, matrixOf(*matrices[i].table), options); });
+        stored.add(entry.key);
         progress.reached(i + 1, matrices.size());
     }
 }
@@ -98,6 +129,17 @@ void check(Entries const& entries, std::vector<CityMatrix> const& matrices) {
             throw Failure(fmt::format("{} was read back with other values than stored", entry.text));
         progress.reached(i + 1, matrices.size());
     }
+}
+
+// Returns the number of routes.
+std::size_t storeAndCheck(Entries const& entries, City const& city, std::vector<CityMatrix> const& matrices) {
+    StoredEntries stored(entries.store());
+    storeAll(entries, matrices, stored);
+    check(entries, matrices);
+    for (auto const* const routes : {cityRoutes, cityRouteData}) stored.add(entries.key(routes));
+    auto const count = storeRoutes(city, entries);
+    stored.complete();
+    return count;
 }
 
 double checkedImbalance(City const& city) {
@@ -123,11 +165,23 @@ public:
     void run(Surroundings const& surroundings, Output& output) override {
         auto const city = makeCity();
         double const imbalance = checkedImbalance(city);
+        auto const before = pathsOfProject(directory_, options_);
+        auto project = createProject(directory_, options_);
+        try {
+            fill(std::move(project), city, imbalance, surroundings, output);
+        } catch (...) {
+            removeNewPaths(directory_, options_, before);
+            throw;
+        }
+    }
+
+private:
+    // The project is closed at the end, so that its files can be removed.
+    void fill(
+        Project project, City const& city, double imbalance, Surroundings const& surroundings, Output& output) const {
         auto const matrices = matricesOf(city);
-        Entries const entries(createProject(directory_, options_));
-        storeAll(entries, matrices);
-        check(entries, matrices);
-        auto const routes = storeRoutes(city, entries);
+        Entries const entries(std::move(project));
+        auto const routes = storeAndCheck(entries, city, matrices);
         show(city, matrices, routes, imbalance, entries.project().root(), output);
         if (output.form() == Form::json) return;
         output.add("\n" + overview(city).asText());
@@ -136,7 +190,6 @@ public:
         output.add(fmt::format(checked, tolerance) + nextCommands(surroundings.program, city));
     }
 
-private:
     static std::string lineageOf(std::string const& word, Entries const& entries) {
         return asText(tool::lineageOf(entries.key(word), entries.store()));
     }

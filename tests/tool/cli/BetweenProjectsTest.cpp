@@ -58,6 +58,20 @@ constexpr Road roads[] = {
     {"skim/1/1/1/1/1/0", "1-1-1-1-1-0.skm", "results", "skim/1/1/1/1/2/0", "1-1-1-1-2-0.skm"},
 };
 
+// The demo cannot have its entries where the database holds them for another project.
+TEST_P(BetweenProjects, aDemoThatFailsLeavesNothingInASharedDatabase) {
+    succeeds("cubes import trips.csv Trips/2/1/1/1");
+    auto const before = session->state();
+    succeeds("mkdir city && echo text > city/notes");
+    auto const result = session->run("cubes demo city --database \"$DATABASE\"");
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(result.errors.find("cannot create a demo in city: Trips/2/1/1/1 already exists"), std::string::npos)
+        << result.errors;
+    EXPECT_EQ(output("ls -A city"), "notes\n");
+    succeeds("rm -r city");
+    EXPECT_EQ(session->state(), before);
+}
+
 TEST_P(BetweenProjects, everyCellIsCopiedThereAndBack) {
     succeeds("cubes init other");
     for (Road const& road : roads) {

@@ -168,6 +168,19 @@ ls -A results/RouteStorage_Routes
     expectReason(result.errors);
 }
 
+// What the directory held before stays.
+TEST_P(FullDisk, leavesNothingOfADemo) {
+    auto const result = runWithDisk(". && cd .", R"(
+mkdir mine && echo text > mine/notes
+cubes demo mine; echo $?
+cubes demo other/city; echo $?
+ls -A mine
+ls -d other
+)");
+    EXPECT_EQ(result.output, "3\n3\nnotes\n");
+    EXPECT_NE(result.errors.find("cannot create a demo in mine: "), std::string::npos) << result.errors;
+}
+
 TEST_P(FullDisk, leavesNothingOfANewProject) {
     auto const result = runWithFullDisk(R"(
 cubes init city; echo $?
