@@ -1,4 +1,5 @@
 #include "tool/Command.h"
+#include "tool/Errors.h"
 #include "tool/Progress.h"
 #include "tool/Projects.h"
 #include "tool/commands/Routes.h"
@@ -46,6 +47,17 @@ private:
         facts.add("links", "links", routes.linkCount());
         store(directory, facts, output,
             [&](std::string const& path, RouteKey const& key) { writeRouteSet(path, key, routes); });
+        warnOfTrips(routes);
+    }
+
+    // A file of routes may hold the trips of a route in place of its share.
+    static void warnOfTrips(RouteList const& routes) {
+        constexpr float mostByRounding = 1.0001f;
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < routes.size(); ++i) count += routes[i].share > mostByRounding ? 1 : 0;
+        if (count > 0)
+            printWarning(
+                fmt::format("routes with a share above 1: {}; routes select multiplies trips by these values", count));
     }
 
     void storeData(std::string const& directory, Output& output) const {

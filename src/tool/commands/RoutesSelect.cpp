@@ -42,6 +42,7 @@ public:
         auto const stored = entries.write(
             result_, [&](EntryKey const& key) { entries.store().put(key, matrix, {.parent = routes.key}); });
         show(stored, statisticsOf(matrix), output);
+        if (set.overLink(link).empty()) printNote(fmt::format("no route uses link {}", link));
     }
 
 private:

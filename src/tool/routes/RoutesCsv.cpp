@@ -34,13 +34,19 @@ struct Line {
     auto routeKey() const { return std::tie(origin, destination, route); }
 };
 
+float shareOf(std::string_view text, std::size_t line) {
+    auto const value = finiteFloat(text, line);
+    if (value < 0) unexpected(line, text, "a share of at least 0");
+    return value;
+}
+
 Line lineOf(CsvColumns const& columns) {
     auto const number = columns.line();
     Line line{};
     line.origin = zoneNumber(columns[origin], number);
     line.destination = zoneNumber(columns[destination], number);
     line.route = wholeNumber(columns[route], number);
-    line.share = finiteFloat(columns[share], number);
+    line.share = shareOf(columns[share], number);
     line.number = static_cast<std::uint32_t>(number);
     line.hasLink = !columns[link].empty() || !columns[sequence].empty();
     if (!line.hasLink) return line;

@@ -106,8 +106,7 @@ INSTANTIATE_TEST_SUITE_P(RoutesCsv, GoodRoutesCsv,
         GoodFile{"largestNumbers", header + "2147483647,2147483647,1,1,4294967295,3.4028235e38\n",
             "2147483647>2147483647 3.4028235e+38: 4294967295\n"},
         GoodFile{"smallestNumbers", header + "1,1,0,0,0,0\n", "1>1 0: 0\n"},
-        GoodFile{
-            "sharesThatAreTripsOrNegative", header + "1,2,1,1,5,1234.5\n1,2,2,1,6,-1\n", "1>2 1234.5: 5\n1>2 -1: 6\n"},
+        GoodFile{"sharesThatAreTrips", header + "1,2,1,1,5,1234.5\n1,2,2,1,6,2\n", "1>2 1234.5: 5\n1>2 2: 6\n"},
         GoodFile{"shareTooSmallForAFloat", header + "1,2,1,1,5,1e-60\n", "1>2 0: 5\n"}),
     [](auto const& test) { return test.param.name; });
 
@@ -159,6 +158,8 @@ INSTANTIATE_TEST_SUITE_P(Numbers, BadRoutesCsv,
             "line 2: found nothing, expected a whole number from 0 to 4294967295"},
         BadFile{"shareMissing", header + "1,3,1,1,10,\n", "line 2: found nothing, expected a number"},
         BadFile{"shareInWords", header + "1,3,1,1,10,half\n", "line 2: found 'half', expected a number"},
+        BadFile{"shareNegative", header + "1,3,1,1,10,0.5\n1,3,2,1,11,-0.5\n",
+            "line 3: found '-0.5', expected a share of at least 0"},
         BadFile{"shareNotFinite", header + "1,3,1,1,10,inf\n", "line 2: found 'inf', expected a number"},
         BadFile{"shareNotANumber", header + "1,3,1,1,10,nan\n", "line 2: found 'nan', expected a number"},
         BadFile{"shareTooLarge", header + "1,3,1,1,10,1e39\n",
