@@ -54,7 +54,7 @@ std::ptrdiff_t slashesIn(std::string const& word) {
     return std::count(word.begin(), word.end(), '/');
 }
 
-// What stands in front of the four parts of an entry of a cube.
+// The name or number of the cube in the text of one of its entries.
 std::string cubeIn(std::string word) {
     for (int i = 0; i < partsOfCubes; ++i) word.resize(word.rfind('/'));
     return word;
@@ -227,7 +227,7 @@ EntryInfo Entries::write(std::string const& word, std::function<void(EntryKey co
         if (added) noteNewCube(word);
         return find(word);
     } catch (StoreError const& error) {
-        // Who holds the lock is storing into the cube.
+        // The holder of the lock is storing an entry of the cube.
         if (added && error.reason() != Reason::locked) removeIfEmpty(*added);
         throw;
     } catch (...) {

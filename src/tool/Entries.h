@@ -28,8 +28,8 @@ bool isKind(CubeInfo const& cube);
 /// Sorts entries as lists show them: those of cubes, then kind by kind, then fares.
 bool isListedBefore(EntryKey const& a, EntryKey const& b);
 
-/// A project and the entries that the words of a command line name in it. What is named and not there
-/// is a Refusal that says how to find it.
+/// A project and the entries that the words of a command line name in it. Throws Refusal with a hint for cubes and
+/// entries that do not exist.
 class Entries {
 public:
     /// The project that the command line names. Throws UsageError, before the project is opened, for
@@ -43,7 +43,7 @@ public:
     CubeInfo cube(std::string const& word) const;
     /// The cube's name, or its number where the name would not be read as that of the cube.
     std::string nameOf(CubeInfo const& cube) const;
-    /// The key that a word stands for; the entry need not be there.
+    /// The key that a word stands for; the entry need not exist.
     EntryKey key(std::string const& word) const;
     EntryInfo find(std::string const& word) const;
     /// The same for an entry that is to be read: a result in use is refused.

@@ -20,10 +20,10 @@ struct Branch {
 };
 
 /// The entry's line of ancestors, from the oldest, and everything derived from the entry. Each entry
-/// appears once, so that rows that lead in a circle end. Throws Failure for a lineage too deep.
+/// appears once, also when parents form a circle. Throws Failure for a lineage too deep.
 Branch lineageOf(EntryKey const& entry, EntryStore const& store);
 
-/// One line an entry, each under the one it was derived from.
+/// One line per entry, indented below its parent.
 std::string asText(Branch const& root);
 /// A graph for Graphviz.
 std::string asDot(Branch const& root);

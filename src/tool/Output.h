@@ -29,7 +29,7 @@ class Table {
 public:
     explicit Table(std::vector<Column> columns);
 
-    /// REQUIRES: one value a column.
+    /// REQUIRES: one value per column.
     void add(std::vector<Json> row);
 
     /// Empty without rows.
@@ -76,8 +76,8 @@ public:
     void show(Json const& value);
     void add(std::string const& text) { text_ += text; }
 
-    /// Prints everything to standard output. Throws Failure when that fails; a reader that has closed the
-    /// pipe, as `head` does, is no failure.
+    /// Prints everything to standard output. Throws Failure when that fails; a reader that closed the
+    /// pipe, as `head` does, is not an error.
     void write() const;
 
 private:
