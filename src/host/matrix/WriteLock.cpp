@@ -11,6 +11,7 @@
 #include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 
 namespace cubes::matrix {
 
@@ -25,8 +26,15 @@ std::string keyOf(std::string const& path) {
     return platform::foldCase(platform::fromPath(directory / file.filename()));
 }
 
-std::string lockFileBeside(std::string const& path) {
-    return platform::fromPath(platform::fromRoot(platform::toPath(path)).parent_path() / lockName);
+// The lock on a byte of the lock file; nothing when somebody else holds it. Users know the directory, not the lock
+// file.
+std::optional<platform::ByteLock> tryLock(std::string const& path, std::uint64_t position) {
+    auto const directory = platform::fromRoot(platform::toPath(path)).parent_path();
+    try {
+        return platform::ByteLock::tryTake(platform::fromPath(directory / lockName), position);
+    } catch (std::system_error const& error) {
+        throw std::system_error(error.code(), "cannot write " + platform::fromPath(directory));
+    }
 }
 
 // File positions are signed numbers. Programs of different encodings agree on a name in UTF-8.
@@ -73,7 +81,7 @@ WriteLock::WriteLock(std::string const& path, Purpose purpose) : key_(keyOf(path
         throw LockRefused(path);
     }
     if (!held_) {
-        auto lock = platform::ByteLock::tryTake(lockFileBeside(path), positionOf(key_));
+        auto lock = tryLock(path, positionOf(key_));
         if (!lock) throw LockRefused(path);
         held_ = std::make_shared<Held>(Held{std::move(*lock), platform::processId()});
         known.byKey[key_] = held_;

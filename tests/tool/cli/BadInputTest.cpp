@@ -239,6 +239,19 @@ TEST_P(BadInput, withoutWritePermissionIsReportedAndChangesNothing) {
     if (isWritable) GTEST_SKIP() << "SKIPPED: this user may write to every directory";
 }
 
+// Its lock file cannot be created.
+TEST_P(BadInput, namesADirectoryThatMayNotBeWritten) {
+    auto const results = session->file("results");
+    fs::permissions(
+        results, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+    bool const isWritable = session->run("$AS_ANYBODY touch results/new && rm results/new").exitCode == 0;
+    if (!isWritable)
+        refuse(
+            {{"a result", "$AS_ANYBODY cubes import good.csv skim/1/1/1/1/1/1", 3, {results + ": Permission denied"}}});
+    fs::permissions(results, fs::perms::owner_write, fs::perm_options::add);
+    if (isWritable) GTEST_SKIP() << "SKIPPED: whoever runs this may write into every directory";
+}
+
 // The lock file of the directory is what is opened first.
 TEST_P(BadInput, withoutTheDirectoryOfTheFilesNamesIt) {
     fs::remove_all(session->file("matrices"));

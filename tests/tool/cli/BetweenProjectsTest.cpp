@@ -65,7 +65,7 @@ TEST_P(BetweenProjects, aDemoThatFailsLeavesNothingInASharedDatabase) {
     succeeds("mkdir city && echo text > city/notes");
     auto const result = session->run("cubes demo city --database \"$DATABASE\"");
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.errors.find("cannot create a demo in city: Trips/2/1/1/1 already exists"), std::string::npos)
+    EXPECT_NE(result.errors.find("cannot create a demo in city: Trips/2/1/1/1: it already exists"), std::string::npos)
         << result.errors;
     EXPECT_EQ(output("ls -A city"), "notes\n");
     succeeds("rm -r city");
