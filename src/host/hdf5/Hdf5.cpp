@@ -39,9 +39,13 @@ constexpr OpeningFailure openingFailures[] = {
 };
 
 void requireOwn(hid_t parent, std::string const& name) {
-    H5L_info_t link{};
-    check(H5Lget_info(parent, name.c_str(), &link, H5P_DEFAULT), "find " + name);
-    if (link.type != H5L_TYPE_HARD) throw std::runtime_error(name + " is a soft or external link");
+    if (!isOwnLink(parent, name))
+        throw std::runtime_error(name + " leads elsewhere: it is a link, which is not followed");
+}
+
+void requireOwnStorage(hid_t dataset, std::string const& name) {
+    if (!isOwnStorage(dataset))
+        throw std::runtime_error(name + " leads elsewhere: its storage is external or virtual, which is not read");
 }
 
 constexpr haddr_t largestAddress = (haddr_t{1} << 63) - 1;
@@ -212,6 +216,23 @@ Handle createGroup(hid_t parent, std::string const& name) {
         H5Gcreate2(parent, name.c_str(), H5P_DEFAULT, properties.get(), H5P_DEFAULT), H5Gclose, "create " + name);
 }
 
+bool hasLink(hid_t parent, std::string const& name) {
+    return H5Lexists(parent, name.c_str(), H5P_DEFAULT) > 0;
+}
+
+bool isOwnLink(hid_t parent, std::string const& name) {
+    H5L_info_t link{};
+    check(H5Lget_info(parent, name.c_str(), &link, H5P_DEFAULT), "find " + name);
+    return link.type == H5L_TYPE_HARD;
+}
+
+bool isOwnStorage(hid_t dataset) {
+    Handle const properties(H5Dget_create_plist(dataset), H5Pclose, "read the layout");
+    H5D_layout_t const kind = H5Pget_layout(properties.get());
+    bool const isKnown = kind == H5D_COMPACT || kind == H5D_CONTIGUOUS || kind == H5D_CHUNKED;
+    return isKnown && H5Pget_external_count(properties.get()) == 0;
+}
+
 Handle openGroup(hid_t parent, std::string const& name) {
     requireOwn(parent, name);
     return Handle(H5Gopen2(parent, name.c_str(), H5P_DEFAULT), H5Gclose, "open " + name);
@@ -219,11 +240,9 @@ Handle openGroup(hid_t parent, std::string const& name) {
 
 Handle openDataset(hid_t parent, std::string const& name) {
     requireOwn(parent, name);
-    return Handle(H5Dopen2(parent, name.c_str(), H5P_DEFAULT), H5Dclose, "open " + name);
-}
-
-bool hasLink(hid_t parent, std::string const& name) {
-    return H5Lexists(parent, name.c_str(), H5P_DEFAULT) > 0;
+    Handle dataset(H5Dopen2(parent, name.c_str(), H5P_DEFAULT), H5Dclose, "open " + name);
+    requireOwnStorage(dataset.get(), name);
+    return dataset;
 }
 
 }

@@ -75,9 +75,13 @@ Handle fileAccess();
 /// Properties of a class (H5P_FILE_CREATE and the like) that record no times: equal content makes equal files.
 Handle untimedProperties(hid_t classOfProperties);
 Handle createGroup(hid_t parent, std::string const& name);
-/// These throw for anything but a hard link, for example a link into another file.
+bool hasLink(hid_t parent, std::string const& name);
+/// Whether a name in a group stands for an object of its own: soft, external and user-defined links are never followed.
+bool isOwnLink(hid_t parent, std::string const& name);
+/// Whether the elements of a dataset are stored in its own file: external and virtual storage is never read.
+bool isOwnStorage(hid_t dataset);
+/// These throw std::runtime_error for a link that is not the object's own, and for storage in another place.
 Handle openGroup(hid_t parent, std::string const& name);
 Handle openDataset(hid_t parent, std::string const& name);
-bool hasLink(hid_t parent, std::string const& name);
 
 }

@@ -104,11 +104,14 @@ std::vector<std::string> linksOf(hid_t group) {
     return names;
 }
 
+// What leads elsewhere counts as one: it is not looked at, and refused once it is opened.
 bool isDataset(hid_t group, std::string const& name, int dimensions) {
+    if (!hdf5::isOwnLink(group, name)) return true;
     hid_t const object = H5Oopen(group, name.c_str(), H5P_DEFAULT);
     if (object < 0) return false;
     Handle const owner(object, H5Oclose, "open an object");
     if (H5Iget_type(object) != H5I_DATASET) return false;
+    if (!hdf5::isOwnStorage(object)) return true;
     Handle const space(H5Dget_space(object), H5Sclose, "read the dimensions");
     return H5Sget_simple_extent_ndims(space.get()) == dimensions;
 }
@@ -127,7 +130,7 @@ std::string zoneLookup(std::vector<std::string> const& names) {
 }
 
 std::vector<double> numbersOf(hid_t group, std::string const& name, hsize_t rows) {
-    Handle const lookup(H5Dopen2(group, name.c_str(), H5P_DEFAULT), H5Dclose, "open a lookup");
+    Handle const lookup = hdf5::openDataset(group, name);
     Handle const type(H5Dget_type(lookup.get()), H5Tclose, "open a lookup");
     Handle const space(H5Dget_space(lookup.get()), H5Sclose, "open a lookup");
     H5T_class_t const kind = H5Tget_class(type.get());
@@ -325,7 +328,7 @@ OmxTable OmxReader::table(std::string const& name) const {
     if (std::find(known.begin(), known.end(), name) == known.end())
         throw std::runtime_error("it has no table \"" + name + "\"");
     Handle const group = hdf5::openGroup(file_.get(), omx::tables);
-    Handle dataset(H5Dopen2(group.get(), name.c_str(), H5P_DEFAULT), H5Dclose, "open the table");
+    Handle dataset = hdf5::openDataset(group.get(), name);
     check(H5Iinc_ref(file_.get()), "keep the file open");
     return OmxTable(Handle(file_.get(), H5Fclose, "keep the file open"), std::move(dataset));
 }

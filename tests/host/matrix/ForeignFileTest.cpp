@@ -220,13 +220,62 @@ TEST(ForeignFile, aFileWithoutAMatrixIsRefusedWithTheCause) {
         Case{"f.create_dataset('data/t', (0, 5))", "0 x 5"},
         Case{"f.create_dataset('data/t', (2**40, 2), chunks=(1, 2))", "is not possible"},
         Case{"f.create_dataset('data/t', (10**5, 10**5), 'f4', chunks=(100, 100))", "larger than the file"},
-        Case{"f['data/t'] = h5py.SoftLink('/nowhere')", "no table under /data"},
+        Case{"f['data/t'] = h5py.SoftLink('/nowhere')", "t leads elsewhere: it is a link"},
         Case{"f.create_dataset('data/t', (4, 4), chunks=(2, 2), compression='lzf')", "filter 32000"},
     };
     std::vector<std::string> programs;
     for (auto const& [program, reason] : cases) programs.push_back(program);
     makeAllWithH5py(programs, directory);
     for (std::size_t i = 0; i < cases.size(); ++i) {
+        std::string const reason = reasonOf(directory.file(std::to_string(i)));
+        EXPECT_NE(reason.find(cases[i].reason), std::string::npos) << cases[i].program << ": " << reason;
+    }
+}
+
+TEST(ForeignFile, neverLeadsToAnotherFile) {
+    TempDir const directory;
+    struct Case {
+        std::string program;
+        char const* reason;
+    };
+    // Reading a named pipe would block.
+    std::string const pipe = "import os; pipe = sys.argv[1] + '/pipe'; os.path.exists(pipe) or os.mkfifo(pipe)\n";
+    std::string const other = "other = sys.argv[1] + '/0'\n";
+    std::vector<Case> const cases = {
+        Case{"f['data/t'] = np.eye(3); f['lookup/zone'] = [1, 2, 3]", ""},
+        Case{pipe + "f.create_dataset('data/t', (3, 3), 'f4', external=[(pipe, 0, 36)])", "t leads elsewhere: its st"},
+        Case{"f.create_dataset('data/t', (3, 3), 'f4', external=[(sys.argv[1] + '/0', 0, 36)])",
+            "t leads elsewhere: its storage is external or virtual, which is not read"},
+        Case{other + "v = h5py.VirtualLayout((3, 3), 'f8')\n"
+                     "v[:] = h5py.VirtualSource(other, 'data/t', (3, 3))\n"
+                     "f.create_virtual_dataset('data/t', v)",
+            "t leads elsewhere: its storage is external or virtual, which is not read"},
+        Case{pipe + "v = h5py.VirtualLayout((3, 3), 'f8', maxshape=(None, 3))\n"
+                    "v[:h5py.h5s.UNLIMITED, :] = h5py.VirtualSource(pipe, 'data/t', (3, 3), maxshape=(None, 3))"
+                    "[:h5py.h5s.UNLIMITED, :]\n"
+                    "f.create_virtual_dataset('data/t', v)",
+            "t leads elsewhere: its storage is external or virtual, which is not read"},
+        Case{other + "f['data/t'] = h5py.ExternalLink(other, '/data/t')",
+            "t leads elsewhere: it is a link, which is not followed"},
+        Case{pipe + "f['data/t'] = h5py.ExternalLink(pipe, '/data/t')", "t leads elsewhere: it is a link"},
+        Case{"f['x'] = np.eye(3); f['data/t'] = h5py.SoftLink('/x')", "t leads elsewhere: it is a link"},
+        Case{other + "f['data'] = h5py.ExternalLink(other, '/data')", "data leads elsewhere: it is a link"},
+        Case{other + "f['data/t'] = np.eye(3); f['lookup/zone'] = h5py.ExternalLink(other, '/lookup/zone')",
+            "zone leads elsewhere: it is a link"},
+        Case{pipe + "f['data/t'] = np.eye(3); f.create_dataset('lookup/zone', (3,), 'i4', external=[(pipe, 0, 12)])",
+            "zone leads elsewhere: its storage is external"},
+        // A link of a class that nobody has registered: external links have 64.
+        Case{"f['data/t'] = h5py.ExternalLink('other.omx', '/data/t')\nf.close()\n"
+             "b = open(f'{sys.argv[1]}/{number}', 'rb').read(); at = b.index(b'\\x01\\x08\\x40\\x01t') + 2\n"
+             "open(f'{sys.argv[1]}/{number}', 'wb').write(b[:at] + b'\\x41' + b[at + 1:])\n",
+            "t leads elsewhere: it is a link"},
+    };
+    std::vector<std::string> programs;
+    for (auto const& [program, reason] : cases)
+        programs.push_back("number = " + std::to_string(programs.size()) + "\n" + program);
+    makeAllWithH5py(programs, directory);
+    EXPECT_EQ(opened(directory.file("0")).Zones(), (std::vector<std::int32_t>{1, 2, 3}));
+    for (std::size_t i = 1; i < cases.size(); ++i) {
         std::string const reason = reasonOf(directory.file(std::to_string(i)));
         EXPECT_NE(reason.find(cases[i].reason), std::string::npos) << cases[i].program << ": " << reason;
     }
