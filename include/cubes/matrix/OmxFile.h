@@ -30,7 +30,8 @@ public:
     std::vector<std::string> lookups() const;
     /// A table in memory, with its kind where it has one. Elements are converted to single precision;
     /// numbers outside its range become infinite. Zone numbers are those of the lookup named "zone", "taz", "no" or the
-    /// like, or of the only lookup, when they are distinct whole numbers, one for each row of a square table.
+    /// like, or of the only lookup, when they are distinct whole numbers, one for each row of a square table. In a file
+    /// that this library wrote they need not be distinct.
     TRkMatrix read(std::string const& table) const;
     /// Whether the elements of a table and their zone numbers agree with the content id that was recorded with them (in
     /// files of the first version, the elements with their checksum). A table of another program, which has neither,

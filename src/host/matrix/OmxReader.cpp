@@ -48,13 +48,16 @@ void requireNumbers(hid_t dataset) {
         throw std::runtime_error("the table's elements are not numbers");
 }
 
-// Only a table of the library may be large and almost empty: in other files that indicates damage, and reading would
-// take very long.
+bool isOurs(hid_t dataset) {
+    return H5Aexists(dataset, omx::content) > 0 || H5Aexists(dataset, omx::checksum) > 0;
+}
+
+// Only a table of ours may be large and all but empty: elsewhere that is a sign of damage, and
+// reading it would take very long.
 void requireStorage(hid_t file, hid_t dataset, std::size_t elements) {
     hsize_t size = 0;
     check(H5Fget_filesize(file, &size), "read the size of the file");
-    bool const isOurs = H5Aexists(dataset, omx::content) > 0 || H5Aexists(dataset, omx::checksum) > 0;
-    bool const fits = elements / mostInflation <= size || elements <= alwaysFits || isOurs;
+    bool const fits = elements / mostInflation <= size || elements <= alwaysFits || isOurs(dataset);
     if (H5Dget_storage_size(dataset) > size || !fits) throw std::runtime_error("the table is larger than the file");
 }
 
@@ -166,24 +169,35 @@ std::vector<std::string> datasetsOf(hid_t file, char const* group, int dimension
     return names;
 }
 
-// The zone numbers for that many rows: those of a lookup with a usual name, or of the only lookup. None unless they are
-// distinct whole numbers.
-std::vector<std::int32_t> readZones(hid_t file, hsize_t rows) {
-    std::string const name = zoneLookup(datasetsOf(file, omx::lookups, 1));
-    if (name.empty()) return {};
+// The zone numbers in a lookup with one for each row; none when they are no whole numbers.
+std::vector<double> zoneNumbers(hid_t file, std::string const& lookup, int rows) {
     Handle const group = hdf5::openGroup(file, omx::lookups);
-    auto const numbers = numbersOf(group.get(), name, rows);
-    if (!std::all_of(numbers.begin(), numbers.end(), isWholeNumber) || !areDistinct(numbers)) return {};
-    return wholeNumbers(numbers);
+    auto numbers = numbersOf(group.get(), lookup, static_cast<hsize_t>(rows));
+    return std::ranges::all_of(numbers, isWholeNumber) ? std::move(numbers) : std::vector<double>();
 }
 
-// The zone numbers in a file of the library, distinct or not.
-std::vector<std::int32_t> ownZones(hid_t file, FileHeader const& header) {
-    auto const names = datasetsOf(file, omx::lookups, 1);
-    if (header.rows != header.columns || std::ranges::find(names, omx::zones) == names.end()) return {};
-    Handle const group = hdf5::openGroup(file, omx::lookups);
-    auto const numbers = numbersOf(group.get(), omx::zones, static_cast<hsize_t>(header.rows));
-    return std::ranges::all_of(numbers, isWholeNumber) ? wholeNumbers(numbers) : std::vector<std::int32_t>();
+// The zone numbers in a file of another program: those of a lookup with a usual name, else of the only lookup. None
+// unless they are distinct.
+std::vector<std::int32_t> foreignZones(hid_t file, std::vector<std::string> const& lookups, int rows) {
+    std::string const name = zoneLookup(lookups);
+    if (name.empty()) return {};
+    auto const numbers = zoneNumbers(file, name, rows);
+    return areDistinct(numbers) ? wholeNumbers(numbers) : std::vector<std::int32_t>();
+}
+
+// The zone numbers of a table. In a file of ours they may repeat, as in the matrix that was saved.
+std::vector<std::int32_t> zonesOf(hid_t file, hid_t dataset, FileHeader const& header) {
+    if (header.rows != header.columns) return {};
+    auto const lookups = datasetsOf(file, omx::lookups, 1);
+    if (isOurs(dataset) && std::ranges::find(lookups, omx::zones) != lookups.end())
+        return wholeNumbers(zoneNumbers(file, omx::zones, header.rows));
+    return foreignZones(file, lookups, header.rows);
+}
+
+// The zone numbers that the content id covers.
+std::vector<std::int32_t> recordedZones(hid_t file, FileHeader const& header) {
+    auto const lookups = datasetsOf(file, omx::lookups, 1);
+    return std::ranges::find(lookups, omx::zones) != lookups.end() ? header.zones : std::vector<std::int32_t>();
 }
 
 // The stored bytes of a chunk; none when it was never written.
@@ -222,7 +236,7 @@ OmxTable::OmxTable(Handle file, Handle dataset) : file_(std::move(file)), datase
         header_.kind = static_cast<RkMatrixKind>(*kind);
     header_.name = hdf5::readText(id, omx::name);
     header_.selectedLink = readNumber<std::int32_t>(id, omx::selectedLink, H5T_NATIVE_INT32).value_or(0) != 0;
-    if (size[0] == size[1]) header_.zones = readZones(file_.get(), size[0]);
+    header_.zones = zonesOf(file_.get(), id, header_);
     readLayout();
 }
 
@@ -260,7 +274,7 @@ OmxTable::RecordedIds OmxTable::recordedIds() const {
     ids.checksum = readNumber<std::uint64_t>(dataset_.get(), omx::checksum, H5T_NATIVE_UINT64);
     ids.header.rows = header_.rows;
     ids.header.columns = header_.columns;
-    ids.header.zones = ownZones(file_.get(), header_);
+    ids.header.zones = recordedZones(file_.get(), header_);
     return ids;
 }
 

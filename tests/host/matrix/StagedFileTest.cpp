@@ -77,6 +77,27 @@ TEST_P(EachStaged, isRemovedWhenItIsNotPublished) {
     EXPECT_EQ(listing(directory.str()), "");
 }
 
+TEST_P(EachStaged, hasTheSameZonesHoweverItIsRead) {
+    replaceMatrixFile(file, content());
+    std::string const longName = directory.file("b.omx");
+    MatrixContent named = content();
+    named.header.name = std::string(641, 'n');
+    replaceMatrixFile(longName, named);
+    std::string const annotated = directory.file("c.omx");
+    std::filesystem::copy_file(file, annotated);
+    auto const change = runPython("import h5py, sys\nh5py.File(sys.argv[1], 'r+').attrs['note'] = 'mine'", {annotated});
+    ASSERT_EQ(change.exitCode, 0) << change.errors;
+    EXPECT_TRUE(isIndexed(file));
+    EXPECT_FALSE(isIndexed(longName));
+    EXPECT_FALSE(isIndexed(annotated));
+    for (std::string const& path : {file, longName, annotated}) {
+        EXPECT_EQ(opened(path).Zones(), matrix.Zones()) << path;
+        EXPECT_EQ(OmxFile::open(path).read("matrix").Zones(), matrix.Zones()) << path;
+        EXPECT_EQ(opened(path).At(5, 5), matrix.At(5, 5)) << path;
+        EXPECT_TRUE(OmxFile::open(path).isIntact("matrix")) << path;
+    }
+}
+
 TEST_P(EachStaged, recordsStampContentAndProvenance) {
     writeWithOrigin(file);
     auto const origin = readOrigin(file);
