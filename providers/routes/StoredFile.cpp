@@ -192,7 +192,8 @@ void readStoredFile(std::string const& path, FileKind kind, std::function<void(h
     hdf5::Session const session;
     Handle const file = hdf5::openFile(std::move(content));
     requireKind(file.get(), kind);
-    read(file.get(), {readStamp(file.get()), found ? found->record : IndexRecord{}});
+    bool const isRecorded = found && hdf5::hasRecordAt(file.get(), found->offset);
+    read(file.get(), {readStamp(file.get()), isRecorded ? found->record : IndexRecord{}});
 }
 
 void writeStoredFile(

@@ -153,6 +153,14 @@ std::optional<FoundRecord> findRecord(platform::File const& file) {
     return findRecord(beginning);
 }
 
+bool hasRecordAt(hid_t file, std::uint64_t offset) {
+    if (!hasLink(file, IndexRecord::dataset) || !isOwnLink(file, IndexRecord::dataset)) return false;
+    hid_t const dataset = H5Dopen2(file, IndexRecord::dataset, H5P_DEFAULT);
+    if (dataset < 0) return false;
+    Handle const owner(dataset, H5Dclose, "open the index record");
+    return H5Dget_offset(dataset) == offset;
+}
+
 bool restamp(platform::File& file, FileStamp const& stamp) {
     auto found = findRecord(file);
     if (!found) return false;

@@ -90,10 +90,14 @@ struct FoundRecord {
 };
 
 /// The record within the first 8192 bytes of a file; nothing when there is none, when its version is unknown or its
-/// checksum wrong. Does not check the rest of the file.
+/// checksum wrong. Says nothing about the file around it; see hasRecordAt.
 std::optional<FoundRecord> findRecord(std::span<std::byte const> file);
 /// The same for an open file. Throws std::system_error.
 std::optional<FoundRecord> findRecord(platform::File const& file);
+
+/// Whether the record found at that place is still the file's: deleting its dataset leaves the bytes where they are.
+/// REQUIRES: within a Session.
+bool hasRecordAt(hid_t file, std::uint64_t offset);
 
 /// Rewrites the stamp of a file that has a record; returns whether it has one. Throws std::system_error.
 bool restamp(platform::File& file, FileStamp const& stamp);

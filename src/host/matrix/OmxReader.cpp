@@ -270,7 +270,8 @@ std::optional<bool> OmxTable::isIntact() const {
 OmxTable::RecordedIds OmxTable::recordedIds() const {
     hdf5::Session const session;
     RecordedIds ids;
-    ids.content = hdf5::Id128::parse(hdf5::readText(dataset_.get(), omx::content)).value_or(hdf5::Id128{});
+    if (hdf5::hasLink(file_.get(), hdf5::IndexRecord::dataset))
+        ids.content = hdf5::Id128::parse(hdf5::readText(dataset_.get(), omx::content)).value_or(hdf5::Id128{});
     ids.checksum = readNumber<std::uint64_t>(dataset_.get(), omx::checksum, H5T_NATIVE_UINT64);
     ids.header.rows = header_.rows;
     ids.header.columns = header_.columns;
@@ -345,6 +346,11 @@ OmxTable OmxReader::table(std::string const& name) const {
     Handle dataset = hdf5::openDataset(group.get(), name);
     check(H5Iinc_ref(file_.get()), "keep the file open");
     return OmxTable(Handle(file_.get(), H5Fclose, "keep the file open"), std::move(dataset));
+}
+
+bool OmxReader::hasRecordAt(std::uint64_t offset) const {
+    hdf5::Session const session;
+    return hdf5::hasRecordAt(file_.get(), offset);
 }
 
 hdf5::Provenance OmxReader::provenance() const {

@@ -57,7 +57,7 @@ public:
 
     FileHeader const& header() const noexcept { return header_; }
     /// Whether elements and zone numbers agree with the content id recorded for them, or the elements with the
-    /// checksum; nothing when neither is recorded.
+    /// checksum; nothing when neither is recorded. The content id counts as long as the file has its index record.
     std::optional<bool> isIntact() const;
     /// Reads all. REQUIRES: all elements are 0.
     void readAll(float* all) const { readAllBut(std::nullopt, all); }
@@ -102,6 +102,8 @@ public:
     OmxTable table(std::string const& name) const;
     /// The table "matrix", or the only one.
     OmxTable onlyTable() const;
+    /// See hdf5::hasRecordAt.
+    bool hasRecordAt(std::uint64_t offset) const;
     hdf5::Provenance provenance() const;
 
 private:

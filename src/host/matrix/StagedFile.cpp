@@ -39,6 +39,23 @@ void requireComplete(platform::File const& file) {
         throw std::runtime_error("the file is not complete after writing");
 }
 
+bool isRecordOf(std::string const& path, std::uint64_t offset) {
+    try {
+        return OmxReader(path).hasRecordAt(offset);
+    } catch (hdf5::Error const&) {
+        return false;
+    }
+}
+
+// The record, unless another program has deleted its dataset. A matrix whose structure holds needs no HDF5 to know.
+std::optional<hdf5::IndexRecord> validRecord(std::string const& path) {
+    auto const view = platform::FileView::open(path);
+    auto found = hdf5::findRecord(view.bytes());
+    if (!found) return std::nullopt;
+    if (findIndex(view.bytes()) || isRecordOf(path, found->offset)) return std::move(found->record);
+    return std::nullopt;
+}
+
 std::string identityPath(std::string const& directory) {
     return platform::fromPath(platform::toPath(directory) / identityName);
 }
@@ -158,15 +175,15 @@ bool isToBeFlushed(std::string const& path) {
 }
 
 std::optional<RecordedOrigin> readOrigin(std::string const& path) {
-    auto const found = hdf5::findRecord(platform::File::openForReading(path));
-    if (!found) return std::nullopt;
-    return RecordedOrigin{found->record.stamp, found->record.content};
+    auto const record = validRecord(path);
+    if (!record) return std::nullopt;
+    return RecordedOrigin{record->stamp, record->content};
 }
 
 Provenance readProvenance(std::string const& path) {
     return describingFailure("cannot read matrix file", path, [&]() -> Provenance {
-        auto const found = hdf5::findRecord(platform::File::openForReading(path));
-        if (!found || !found->record.provenance.isKnown()) return {};
+        auto const record = validRecord(path);
+        if (!record || !record->provenance.isKnown()) return {};
         return OmxReader(path).provenance();
     });
 }

@@ -70,8 +70,9 @@ struct RecordedOrigin {
     Id128 content;
 };
 
-/// Reads the record without HDF5; nothing for a file without a valid one. Throws std::system_error when the file
-/// cannot be read.
+/// Reads the record; nothing for a file without a valid one, and for one whose record another program has deleted.
+/// Matrix files with an unchanged structure are read without HDF5. Throws std::system_error when the file cannot be
+/// read.
 std::optional<RecordedOrigin> readOrigin(std::string const& path);
 
 /// Reads the provenance; empty when none is recorded. Throws TRkMatrixException.

@@ -39,7 +39,10 @@ TripTable readOmx(std::string const& path, std::optional<std::string> const& tab
     auto const file = OmxFile::open(path);
     auto const name = table ? chosenTable(file.tables(), *table) : onlyTable(file.tables());
     if (!file.isIntact(name))
-        throw FormatError(fmt::format("table '{}' is damaged: its values do not match its checksum", name));
+        throw FormatError(fmt::format("table '{}' was changed by another program or is damaged; to accept the change, "
+                                      "delete the file's dataset /cubes_index, or in a file of version 1 the table's "
+                                      "attribute cubes_checksum",
+            name));
     return tableOf(file.read(name));
 }
 

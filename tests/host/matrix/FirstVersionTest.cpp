@@ -4,6 +4,7 @@
 
 #include "host/matrix/Elements.h"
 #include "host/matrix/StagedFile.h"
+#include "support/Process.h"
 
 #include <cubes/matrix/OmxFile.h>
 #include <cubes/matrix/TRkMatrixException.h>
@@ -53,6 +54,21 @@ TEST_P(EachFirstVersion, isDetectedAsDamagedByItsChecksum) {
         isIntact = false;
     }
     EXPECT_FALSE(isIntact);
+}
+
+TEST_P(EachFirstVersion, isAcceptedWithAChangeOnceItsChecksumIsDeleted) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    std::filesystem::copy_file(sampleFile(GetParam()), file);
+    auto const change = [&](std::string const& program) {
+        auto const done = runPython("import h5py, sys\nf = h5py.File(sys.argv[1], 'r+')\n" + program, {file});
+        EXPECT_EQ(done.exitCode, 0) << done.errors;
+    };
+    change("f['data/matrix'][0, 0] = 77");
+    EXPECT_FALSE(OmxFile::open(file).isIntact("matrix"));
+    change("del f['data/matrix'].attrs['cubes_checksum']");
+    EXPECT_TRUE(OmxFile::open(file).isIntact("matrix"));
+    EXPECT_EQ(opened(file).RowAt(0, 8)[0], 77);
 }
 
 TEST_P(EachFirstVersion, hasNoOrigin) {

@@ -98,6 +98,30 @@ TEST_P(EachStaged, hasTheSameZonesHoweverItIsRead) {
     }
 }
 
+TEST_P(EachStaged, acceptsTheChangeOfAnotherProgramOnceItsIndexRecordIsDeleted) {
+    auto const change = [&](std::string const& program) {
+        auto const done = runPython("import h5py, sys\nf = h5py.File(sys.argv[1], 'r+')\n" + program, {file});
+        EXPECT_EQ(done.exitCode, 0) << done.errors;
+    };
+    for (char const* const before : {"", "f.attrs['note'] = 'mine'"}) {
+        SCOPED_TRACE(before);
+        writeWithOrigin(file);
+        change(before);
+        EXPECT_EQ(isIndexed(file), *before == '\0');
+        change("f['data/matrix'][0, 0] = 77");
+        EXPECT_EQ(opened(file).RowAt(0, 8)[0], 77);
+        EXPECT_FALSE(OmxFile::open(file).isIntact("matrix"));
+        EXPECT_TRUE(readOrigin(file));
+        change("del f['cubes_index']");
+        EXPECT_FALSE(isIndexed(file));
+        EXPECT_EQ(opened(file).RowAt(0, 8)[0], 77);
+        EXPECT_EQ(opened(file).Zones(), matrix.Zones());
+        EXPECT_TRUE(OmxFile::open(file).isIntact("matrix"));
+        EXPECT_FALSE(readOrigin(file));
+        EXPECT_EQ(readProvenance(file), Provenance{});
+    }
+}
+
 TEST_P(EachStaged, recordsStampContentAndProvenance) {
     writeWithOrigin(file);
     auto const origin = readOrigin(file);

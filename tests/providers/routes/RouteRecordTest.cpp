@@ -1,5 +1,7 @@
 #include "Samples.h"
 
+#include "support/Process.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -96,6 +98,17 @@ TEST_F(RouteRecord, keepsThePlaceWhenRoutesAreAdded) {
     EXPECT_NE(recordOf(file).content, before);
     EXPECT_EQ(recordOf(file).fileSize, readFile(file).size());
     store(file, smallSet());
+    EXPECT_EQ(recordOf(file).stamp, FileStamp{});
+}
+
+TEST_F(RouteRecord, isForgottenWhenAnotherProgramDeletesIt) {
+    store(file, smallSet());
+    setPlace(file);
+    auto const deleted = runPython("import h5py, sys\ndel h5py.File(sys.argv[1], 'r+')['cubes_index']", {file});
+    ASSERT_EQ(deleted.exitCode, 0) << deleted.errors;
+    auto const set = routeSet(file, romExtend);
+    add(*set, {7, 8, {9}, 1});
+    EXPECT_EQ(set->commit(), rrDone);
     EXPECT_EQ(recordOf(file).stamp, FileStamp{});
 }
 

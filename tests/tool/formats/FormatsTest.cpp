@@ -223,7 +223,24 @@ TEST(Omx, refusesATableWithDamagedValues) {
     ASSERT_NE(place, std::string::npos);
     bytes[place] ^= 1;
     test::writeFile(path, bytes);
-    EXPECT_EQ(readMessage(path), "table 'AM' is damaged: its values do not match its checksum");
+    EXPECT_EQ(readMessage(path),
+        "table 'AM' was changed by another program or is damaged; to accept the change, delete the file's dataset "
+        "/cubes_index, or in a file of version 1 the table's attribute cubes_checksum");
+}
+
+TEST(Omx, readsAChangedTableOnceTheIndexRecordIsDeleted) {
+    test::TempDir const directory;
+    auto const path = directory.file("t.omx");
+    writeTripTable(path, square(), "AM");
+    auto const change = [&](std::string const& program) {
+        auto const done = test::runPython("import h5py, sys\nf = h5py.File(sys.argv[1], 'r+')\n" + program, {path});
+        EXPECT_EQ(done.exitCode, 0) << done.errors;
+    };
+    change("f['data/AM'][0, 0] = 77");
+    EXPECT_NE(readMessage(path), "");
+    change("del f['cubes_index']");
+    EXPECT_EQ(readTripTable(path).cells.front(), 77);
+    EXPECT_EQ(readTripTable(path).zones, square().zones);
 }
 
 TEST(Omx, refusesFilesOfOtherFormatsAndNamesThem) {
