@@ -80,7 +80,7 @@ std::size_t bandsOf(Details const& details) {
     return static_cast<std::size_t>((details.rows - 1) / details.bandRows + 1);
 }
 
-// The checksum covers the places of the chunks.
+// The places of the chunks are checked once they are read.
 bool placesHold(Details const& details, std::uint64_t size) {
     if (!dimensionsHold(details) || !isWithin(zonesExtent(details.zones, details.rows), size)) return false;
     if (details.storage == StorageCode::plain)
@@ -89,6 +89,12 @@ bool placesHold(Details const& details, std::uint64_t size) {
     return (details.storage == StorageCode::deflate || details.storage == StorageCode::shuffleAndDeflate) &&
            details.bandRows > 0 && details.bandRows <= details.rows &&
            isWithin({details.chunkTable, bandsOf(details) * sizeof(ChunkPlace)}, size);
+}
+
+bool chunksHold(std::vector<ChunkPlace> const& chunks, std::uint64_t size) {
+    return std::ranges::all_of(chunks, [size](ChunkPlace const& chunk) {
+        return isWithin({chunk.offset, chunk.size}, size);
+    });
 }
 
 FileHeader headerOf(Details const& details, std::span<std::byte const> file) {
@@ -112,6 +118,7 @@ std::optional<FileIndex> indexOf(hdf5::FoundRecord const& found, std::span<std::
     bool const isOurs = record.holds == IndexRecord::Holds::matrix && record.fileSize == file.size();
     if (!isOurs || !placesHold(details, file.size())) return std::nullopt;
     FileIndex index{headerOf(details, file), placesOf(details, file)};
+    if (!chunksHold(index.places.chunks, file.size())) return std::nullopt;
     if (hdf5::structureChecksum(file, found.offset, dataOf(index)) != record.structure) return std::nullopt;
     return index;
 }

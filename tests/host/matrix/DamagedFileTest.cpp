@@ -1,4 +1,5 @@
 #include "host/hdf5/IndexRecord.h"
+#include "host/matrix/FileIndex.h"
 #include "host/matrix/Samples.h"
 
 #include <cubes/matrix/MatrixStorage.h>
@@ -89,6 +90,30 @@ TEST_P(EachDamagedStorage, aRecordWithWrongPlacesNeverCrashes) {
             std::memcpy(astray.data() + original->offset, encoded.data(), encoded.size());
             expectNoCrash(astray, at);
         }
+}
+
+// An empty chunk is no data, so the checksum of the structure holds wherever its offset leads.
+TEST(DamagedFile, anEmptyChunkBeyondTheEndOfTheFileIsNotBelieved) {
+    namespace hdf5 = cubes::hdf5;
+    namespace matrix = cubes::matrix;
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::process});
+    ASSERT_TRUE(save(times(60, 60), file));
+    std::string bytes = readFile(file);
+    auto const all = std::as_writable_bytes(std::span(bytes));
+    auto const found = hdf5::findRecord(all);
+    auto index = matrix::findIndex(all);
+    ASSERT_TRUE(found && index);
+    for (std::uint64_t const offset : {bytes.size() + 1, std::size_t{1} << 40, ~std::size_t{0}}) {
+        index->places.chunks = {{offset, 0, 0}};
+        std::memcpy(all.data() + index->places.chunkTable, index->places.chunks.data(), sizeof(matrix::ChunkPlace));
+        auto const crafted = hdf5::encode(matrix::indexRecord(all, found->offset, *index, found->record));
+        std::memcpy(all.data() + found->offset, crafted.data(), crafted.size());
+        EXPECT_FALSE(matrix::findIndex(all)) << offset;
+        writeFile(file, bytes);
+        EXPECT_EQ(difference(opened(file), times(60, 60)), "");
+    }
 }
 
 TEST_P(EachDamagedStorage, aFileOfNoiseOrZerosIsNotValid) {
