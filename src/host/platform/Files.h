@@ -35,8 +35,9 @@ bool moveDirectory(std::string const& source, std::string const& target);
 
 // These throw std::system_error with the action, the path and the system's message.
 
-/// Renames a file atomically, replacing an existing file; a directory only to a free name. False when the name is on
-/// another file system: then nothing is done.
+/// Gives a file another name, in place of another file or where none is, in one step; a directory
+/// only where nothing is. Of two names of one file the first is removed. False when the name lies on another file
+/// system: then nothing is done.
 bool renameFile(std::string const& from, std::string const& to);
 std::uint64_t fileSize(std::string const& path);
 /// The time of a file's last change: microseconds since 1970 (UTC).

@@ -160,6 +160,21 @@ TEST(Files, areRenamedOverFilesButNotOverDirectories) {
     EXPECT_EQ(listing(directory.str()), "b\nc\n");
 }
 
+TEST(Files, loseTheOldNameWhenTheNewOneIsAlreadyTheirs) {
+    TempDir const directory;
+    writeFile(directory.file("a"), "content");
+    std::error_code noLinks;
+    fs::create_hard_link(directory.file("a"), directory.file("b"), noLinks);
+    if (noLinks) GTEST_SKIP() << "SKIPPED: no second names for files here";
+    EXPECT_TRUE(renameFile(directory.file("a"), directory.file("b")));
+    EXPECT_EQ(listing(directory.str()), "b\n");
+    fs::create_hard_link(directory.file("b"), directory.file("c"));
+    fs::create_directory(directory.file("d"));
+    EXPECT_TRUE(renameFile(directory.file("b"), directory.file("d/../b")));
+    EXPECT_EQ(listing(directory.str()), "b\nc\nd\n");
+    EXPECT_EQ(readFile(directory.file("b")), "content");
+}
+
 TEST(Files, areNotRenamedToAnotherFileSystem) {
     TempDir const directory;
     std::string const other = otherFileSystem(directory.str());
