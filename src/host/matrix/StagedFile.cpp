@@ -81,18 +81,37 @@ std::optional<Id128> readIdentity(std::string const& path) {
     }
 }
 
-// A hard link names the complete file only if the name is free: of several that try, one succeeds.
+void writeWhole(platform::File& file, std::string const& text) {
+    file.writeAt(0, std::as_bytes(std::span(text)));
+    file.flush();
+}
+
+// For file systems without hard links. Whoever reads the file before it is complete does not know the identity yet.
+void makeIdentityInPlace(std::string const& path, std::string const& text) {
+    auto file = platform::File::createNew(path);
+    try {
+        writeWhole(file, text);
+    } catch (std::system_error const&) {
+        // The next one to ask shall make it.
+        file.close();
+        platform::discardFile(path);
+        throw;
+    }
+}
+
+// A hard link gives the complete file its name only where none is: of several that try, one succeeds.
 void makeIdentity(std::string const& path) {
     std::string const text = randomIdentity().text() + "\n";
     try {
         platform::TemporaryFile temporary(path);
-        temporary.file().writeAt(0, std::as_bytes(std::span(text)));
-        temporary.file().flush();
-        std::error_code taken;
-        std::filesystem::create_hard_link(platform::toPath(temporary.path()), platform::toPath(path), taken);
-        if (!taken) platform::flushDirectory(platform::directoryOf(path));
+        writeWhole(temporary.file(), text);
+        std::error_code failure;
+        std::filesystem::create_hard_link(platform::toPath(temporary.path()), platform::toPath(path), failure);
+        if (failure == std::errc::file_exists) return;
+        if (failure) makeIdentityInPlace(path, text);
+        platform::flushDirectory(platform::directoryOf(path));
     } catch (std::system_error const&) {
-        // The directory cannot be written to: the identity stays unknown.
+        // Another one has made it, or nothing can be written there and the identity stays unknown.
     }
 }
 

@@ -20,6 +20,7 @@ int errorGiven = 0;
 bool failed = false;
 bool failsOnce = false;
 std::string settledSteps;
+int linkError = 0;
 
 bool mustFail() {
     if (!armed) return false;
@@ -94,6 +95,13 @@ CUBES_VISIBLE int rename(char const* from, char const* to) noexcept {
     return mustFail() ? -1 : settle(real(from, to), "rename");
 }
 
+CUBES_VISIBLE int link(char const* from, char const* to) noexcept {
+    static auto const real = systems<int (*)(char const*, char const*)>("link");
+    if (linkError == 0) return real(from, to);
+    errno = linkError;
+    return -1;
+}
+
 CUBES_VISIBLE int open(char const* path, int flags, ...) {
     static auto const real = systems<int (*)(char const*, int, ...)>("open");
     va_list arguments;
@@ -104,6 +112,14 @@ CUBES_VISIBLE int open(char const* path, int flags, ...) {
 }
 
 namespace cubes::test {
+
+RefusedLinks::RefusedLinks(int error) {
+    linkError = error;
+}
+
+RefusedLinks::~RefusedLinks() {
+    linkError = 0;
+}
 
 FailingSystem::FailingSystem(int nth, int error, Failure failure) {
     failsOnce = failure == Failure::once;

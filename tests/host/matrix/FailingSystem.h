@@ -4,9 +4,18 @@
 
 namespace cubes::test {
 
-/// Makes system calls of this process fail: while an object exists, the n-th of the calls that change the disk (write,
-/// copy, flush, truncate, rename, create a file), counted from 1, fails with `error`, also when HDF5 makes it. Later
-/// ones fail too, as on a disk that stays full, unless `once` is set.
+/// Makes the system refuse second names (hard links) to this process with `error`, while an object lives.
+class RefusedLinks {
+public:
+    explicit RefusedLinks(int error);
+    ~RefusedLinks();
+    RefusedLinks(RefusedLinks const&) = delete;
+    RefusedLinks& operator=(RefusedLinks const&) = delete;
+};
+
+/// Makes the system fail for this process: while an object lives, the n-th of the calls that change
+/// the disk (write, copy, flush, cut, rename, make a file), counted from 1, fails with `error`, whoever
+/// makes it, HDF5 included. Later ones fail too, as on a disk that stays full, or `once` only.
 class FailingSystem {
 public:
     enum class Failure { stays, once };

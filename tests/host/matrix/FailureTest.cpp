@@ -2,6 +2,7 @@
 #include "host/matrix/Samples.h"
 
 #include "host/matrix/StagedFile.h"
+#include "host/platform/Files.h"
 #include "host/platform/TemporaryFile.h"
 
 #include <cubes/matrix/MatrixStorage.h>
@@ -220,6 +221,51 @@ TEST(Failure, aStagedFileReportsWhetherItReplacedItsTarget) {
     }
     // The rename and the flush of the directory.
     EXPECT_EQ(failures, 2);
+}
+
+// As on FAT, and on file systems that have no room for more links.
+TEST(WithoutHardLinks, aDirectoryGetsAnIdentityAllTheSame) {
+    for (int const error : {EPERM, ENOTSUP, EMLINK, ENOSYS}) {
+        TempDir const directory;
+        RefusedLinks const links(error);
+        auto const id = cubes::matrix::directoryIdentity(directory.str());
+        EXPECT_TRUE(id.isKnown()) << error;
+        EXPECT_EQ(cubes::matrix::directoryIdentity(directory.str()), id);
+        EXPECT_EQ(readFile(directory.file("cubes-id")), id.text() + "\n");
+        EXPECT_EQ(listing(directory.str()), "cubes-id\n");
+    }
+}
+
+TEST(WithoutHardLinks, anIdentityThatCannotBeWrittenIsMadeLater) {
+    TempDir const directory;
+    RefusedLinks const links(EPERM);
+    int steps = 0;
+    for (bool failed = true; failed; ++steps) {
+        ASSERT_LT(steps, 20);
+        {
+            FailingSystem const system(steps + 1, ENOSPC);
+            cubes::matrix::directoryIdentity(directory.str());
+            failed = system.hasFailed();
+        }
+        EXPECT_TRUE(cubes::matrix::directoryIdentity(directory.str()).isKnown()) << steps;
+        EXPECT_EQ(listing(directory.str()), "cubes-id\n");
+        std::filesystem::remove(directory.file("cubes-id"));
+    }
+    // Temporary file and final file, each made, written and flushed.
+    EXPECT_GT(steps, 6);
+}
+
+TEST(WithoutHardLinks, aFileIsCopiedToItsSecondName) {
+    TempDir const directory;
+    RefusedLinks const links(EPERM);
+    std::string const source = directory.file("a");
+    writeFile(source, "content");
+    cubes::platform::linkOrCopy(source, directory.file("b"));
+    EXPECT_EQ(readFile(directory.file("b")), "content");
+    EXPECT_FALSE(std::filesystem::equivalent(source, directory.file("b")));
+    writeFile(directory.file("c"), "taken");
+    EXPECT_THROW(cubes::platform::linkOrCopy(source, directory.file("c")), std::system_error);
+    EXPECT_EQ(readFile(directory.file("c")), "taken");
 }
 
 TEST(Failure, aSourceThatCanNoLongerBeReadLeavesTheOldFile) {
