@@ -164,14 +164,14 @@ void requireKind(hid_t file, FileKind kind) {
     if (number != version) throw std::runtime_error("its version " + std::to_string(number) + " is unknown");
 }
 
-// Opening anything but a regular file could block.
-platform::File openRegular(std::string const& path) {
-    if (platform::exists(path) && !platform::isRegularFile(path)) throw std::runtime_error("not a regular file");
-    return platform::File::openForReading(path);
+platform::File openContent(std::string const& path) {
+    auto file = platform::File::openForReading(path);
+    if (file.size() == 0) throw std::runtime_error("it is empty");
+    return file;
 }
 
 Bytes bytesOf(std::string const& path) {
-    platform::File const file = openRegular(path);
+    platform::File const file = openContent(path);
     Bytes bytes(static_cast<std::size_t>(file.size()));
     file.readAt(0, bytes);
     return bytes;
@@ -187,7 +187,7 @@ void commit(std::string const& path, Bytes bytes) {
 }
 
 void readStoredFile(std::string const& path, FileKind kind, std::function<void(hid_t, FileRoot const&)> const& read) {
-    platform::File content = openRegular(path);
+    platform::File content = openContent(path);
     auto const found = hdf5::findRecord(content);
     hdf5::Session const session;
     Handle const file = hdf5::openFile(std::move(content));

@@ -10,7 +10,5 @@ std::string noSuchFile();
 std::string noSuchFileSentence();
 std::string noSuchDirectory();
 std::string isADirectory();
-/// And for reading past the end of a file.
-std::string pastTheEnd();
 
 }

@@ -1,7 +1,7 @@
 #include "host/hdf5/Hdf5.h"
 
-#include <exception>
 #include <new>
+#include <system_error>
 
 namespace cubes::hdf5 {
 
@@ -67,8 +67,10 @@ OpenFile const& ours(H5FD_t const* file) {
     return *static_cast<OpenFile const*>(file);
 }
 
-void report(std::exception const& error) {
-    H5Epush2(H5E_DEFAULT, __FILE__, __func__, __LINE__, H5E_ERR_CLS, H5E_VFL, H5E_READERROR, "%s", error.what());
+// Without the action and the file, which the caller's message has.
+void report(std::system_error const& error) {
+    H5Epush2(H5E_DEFAULT, __FILE__, __func__, __LINE__, H5E_ERR_CLS, H5E_VFL, H5E_READERROR, "%s",
+        error.code().message().c_str());
 }
 
 H5FD_t* openOurs(char const*, unsigned, hid_t access, haddr_t) {
@@ -98,7 +100,7 @@ herr_t setEndOfUse(H5FD_t* file, H5FD_mem_t, haddr_t address) {
 haddr_t endOfFile(H5FD_t const* file, H5FD_mem_t) {
     try {
         return ours(file).file.size();
-    } catch (std::exception const& error) {
+    } catch (std::system_error const& error) {
         report(error);
         return HADDR_UNDEF;
     }
@@ -108,7 +110,7 @@ herr_t readOurs(H5FD_t* file, H5FD_mem_t, hid_t, haddr_t address, std::size_t si
     try {
         ours(file).file.readAt(address, {static_cast<std::byte*>(bytes), size});
         return 0;
-    } catch (std::exception const& error) {
+    } catch (std::system_error const& error) {
         report(error);
         return -1;
     }

@@ -4,6 +4,27 @@
 
 namespace cubes::platform {
 
+namespace {
+
+class FileErrors : public std::error_category {
+public:
+    char const* name() const noexcept override { return "file"; }
+    std::string message(int error) const override {
+        return error == static_cast<int>(FileError::truncated) ? "it is truncated" : "it is not a regular file";
+    }
+    std::error_condition default_error_condition(int error) const noexcept override {
+        bool const isTruncated = error == static_cast<int>(FileError::truncated);
+        return std::make_error_condition(isTruncated ? std::errc::io_error : std::errc::invalid_argument);
+    }
+};
+
+}
+
+std::error_code make_error_code(FileError error) {
+    static FileErrors const errors;
+    return {static_cast<int>(error), errors};
+}
+
 File::File(File&& other) noexcept : native_(std::exchange(other.native_, none)), path_(std::move(other.path_)) {}
 
 File& File::operator=(File&& other) noexcept {

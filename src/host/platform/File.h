@@ -5,14 +5,21 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <system_error>
 
 namespace cubes::platform {
+
+/// What the system has no error of its own for.
+enum class FileError { notRegular = 1, truncated };
+/// "it is not a regular file", "it is truncated".
+std::error_code make_error_code(FileError error);
 
 /// An open file. Movable. Failures throw std::system_error with the action, the path and the
 /// system's message.
 class File {
 public:
-    /// Opens an existing regular file. Others may read, write, rename and remove it meanwhile.
+    /// Opens an existing regular file; anything else fails with FileError::notRegular, or as the system refuses a
+    /// directory. Others may read, write, rename and remove it meanwhile.
     static File openForReading(std::string const& path);
     /// Creates a file for reading and writing; fails where one exists.
     static File createNew(std::string const& path);
@@ -24,7 +31,7 @@ public:
     ~File();
 
     std::uint64_t size() const;
-    /// Reads or writes all the bytes or throws.
+    /// Reads or writes all the bytes or throws: FileError::truncated where the file has fewer.
     void readAt(std::uint64_t offset, std::span<std::byte> bytes) const;
     void writeAt(std::uint64_t offset, std::span<std::byte const> bytes);
     /// Starts writing these bytes to the disk if the system can do that in the background, which shortens a later

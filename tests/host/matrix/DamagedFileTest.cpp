@@ -156,7 +156,7 @@ TEST(DamagedFile, aPathThatIsNotARegularFileIsRefusedWithItsNameAndACause) {
     TRkMatrix const none(nullptr, 1, nullptr, true, mkDefault, lsNone, 0);
     EXPECT_FALSE(none.IsValid());
     EXPECT_FALSE(none.Reason().empty());
-    TRkMatrix const device("/dev/null", 1, "", true, mkDefault, lsNone, 0);
-    EXPECT_FALSE(device.IsValid());
-    EXPECT_NE(device.Reason().find("/dev/null"), std::string::npos);
+    std::string const device = endlessDevice();
+    if (device.empty()) return;
+    EXPECT_EQ(opened(device).Reason(), "cannot open matrix file " + device + ": it is not a regular file");
 }

@@ -12,12 +12,12 @@
 
 using namespace cubes::platform;
 using cubes::test::bytesOf;
+using cubes::test::endlessDevice;
 using cubes::test::failureOf;
 using cubes::test::filesIn;
 using cubes::test::isADirectory;
 using cubes::test::listing;
 using cubes::test::noSuchFile;
-using cubes::test::pastTheEnd;
 using cubes::test::readFile;
 using cubes::test::TempDir;
 using cubes::test::writeFile;
@@ -39,7 +39,7 @@ TEST(File, readsAndWritesAtAnyOffset) {
     std::string got(8, 'x');
     file.readAt(0, std::as_writable_bytes(std::span(got)));
     EXPECT_EQ(got, std::string("\0\0\0\0five", 8));
-    EXPECT_EQ(failureOf([&] { file.readAt(1, std::as_writable_bytes(std::span(got))); }).message(), pastTheEnd());
+    EXPECT_EQ(failureOf([&] { file.readAt(1, std::as_writable_bytes(std::span(got))); }).message(), "it is truncated");
 }
 
 TEST(File, namesTheFileThatCannotBeOpenedAndTheReason) {
@@ -48,6 +48,10 @@ TEST(File, namesTheFileThatCannotBeOpenedAndTheReason) {
     EXPECT_EQ(failureOf([&] { File::createNew(directory.file("a")); }), std::errc::file_exists);
     EXPECT_EQ(failureOf([&] { File::openForReading(directory.file("b")); }), std::errc::no_such_file_or_directory);
     EXPECT_EQ(failureOf([&] { File::openForReading(directory.str()); }).message(), isADirectory());
+    std::string const device = endlessDevice();
+    if (!device.empty()) {
+        EXPECT_EQ(failureOf([&] { File::openForReading(device); }).message(), "it is not a regular file");
+    }
     try {
         File::openForReading(directory.file("b"));
         FAIL();

@@ -122,7 +122,7 @@ TEST_F(RouteFileFailure, aPipeDoesNotBlock) {
     std::string const pipe = directory.file("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     routeSet(pipe, romRead);
-    EXPECT_EQ(lastError(), "cannot open " + pipe + ": not a regular file");
+    EXPECT_EQ(lastError(), "cannot open " + pipe + ": it is not a regular file");
 }
 
 TEST_F(RouteFileFailure, aLongNameIsAccepted) {

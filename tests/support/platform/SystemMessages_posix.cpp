@@ -18,8 +18,4 @@ std::string isADirectory() {
     return "Is a directory";
 }
 
-std::string pastTheEnd() {
-    return "Input/output error";
-}
-
 }

@@ -24,8 +24,4 @@ std::string isADirectory() {
     return std::system_category().message(ERROR_ACCESS_DENIED);
 }
 
-std::string pastTheEnd() {
-    return std::system_category().message(ERROR_HANDLE_EOF);
-}
-
 }

@@ -40,7 +40,7 @@ File File::openForReading(std::string const& path) {
     File file(opened, path);
     auto const mode = statusOf(opened, path).st_mode;
     if (S_ISDIR(mode)) throwSystemFailure("cannot open", path, EISDIR);
-    if (!S_ISREG(mode)) throwSystemFailure("cannot open", path, EINVAL);
+    if (!S_ISREG(mode)) throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
     return file;
 }
 
@@ -65,7 +65,7 @@ void File::readAt(std::uint64_t offset, std::span<std::byte> bytes) const {
         ssize_t const got = ::pread(descriptor(native_), bytes.data(), bytes.size(), static_cast<off_t>(offset));
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) throwSystemFailure("cannot read", path_);
-        if (got == 0) throwSystemFailure("cannot read past the end of", path_, EIO);
+        if (got == 0) throw std::system_error(make_error_code(FileError::truncated), "cannot read " + path_);
         bytes = bytes.subspan(static_cast<std::size_t>(got));
         offset += static_cast<std::uint64_t>(got);
     }

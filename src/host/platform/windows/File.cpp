@@ -19,15 +19,14 @@ HANDLE handle(std::intptr_t native) {
     return reinterpret_cast<HANDLE>(native);
 }
 
-// Names like "NUL" and "COM1" name devices in every directory.
-std::intptr_t openFile(std::string const& path, DWORD access, DWORD disposition) {
+// Names like "NUL" and "COM1" are those of devices in every directory.
+std::intptr_t openFile(std::string const& action, std::string const& path, DWORD access, DWORD disposition) {
     HANDLE const opened =
         ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (opened == INVALID_HANDLE_VALUE || ::GetFileType(opened) == FILE_TYPE_DISK)
-        return reinterpret_cast<std::intptr_t>(opened);
+    if (opened == INVALID_HANDLE_VALUE) throwSystemFailure(action, path);
+    if (::GetFileType(opened) == FILE_TYPE_DISK) return reinterpret_cast<std::intptr_t>(opened);
     ::CloseHandle(opened);
-    ::SetLastError(ERROR_INVALID_NAME);
-    return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
+    throw std::system_error(make_error_code(FileError::notRegular), action + " " + path);
 }
 
 OVERLAPPED at(std::uint64_t offset) {
@@ -40,21 +39,15 @@ OVERLAPPED at(std::uint64_t offset) {
 }
 
 File File::openForReading(std::string const& path) {
-    std::intptr_t const opened = openFile(path, GENERIC_READ, OPEN_EXISTING);
-    if (opened == none) throwSystemFailure("cannot open", path);
-    return File(opened, path);
+    return File(openFile("cannot open", path, GENERIC_READ, OPEN_EXISTING), path);
 }
 
 File File::createNew(std::string const& path) {
-    std::intptr_t const opened = openFile(path, GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
-    if (opened == none) throwSystemFailure("cannot create", path);
-    return File(opened, path);
+    return File(openFile("cannot create", path, GENERIC_READ | GENERIC_WRITE, CREATE_NEW), path);
 }
 
 File File::openShared(std::string const& path) {
-    std::intptr_t const opened = openFile(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
-    if (opened == none) throwSystemFailure("cannot open", path);
-    return File(opened, path);
+    return File(openFile("cannot open", path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS), path);
 }
 
 std::uint64_t File::size() const {
@@ -70,7 +63,7 @@ void File::readAt(std::uint64_t offset, std::span<std::byte> bytes) const {
         DWORD got = 0;
         if (!::ReadFile(handle(native_), bytes.data(), wanted, &got, &position))
             throwSystemFailure("cannot read", path_);
-        if (got == 0) throwSystemFailure("cannot read past the end of", path_, ERROR_HANDLE_EOF);
+        if (got == 0) throw std::system_error(make_error_code(FileError::truncated), "cannot read " + path_);
         bytes = bytes.subspan(got);
         offset += got;
     }
