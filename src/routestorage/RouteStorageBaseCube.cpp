@@ -1,19 +1,17 @@
 #include <cubes/routestorage/RouteStorageBaseCube.h>
 
-#include <cubes/matrix/TRkMatrixException.h>
 #include <cubes/routestorage/Reference.h>
 #include <cubes/routestorage/RouteStorageDataCube.h>
 #include <cubes/routestorage/RouteStorageWrappers.h>
 
-#include "catalogue/EntryFile.h"
 #include "catalogue/EntryTable.h"
+#include "host/matrix/Failure.h"
+#include "host/matrix/StagedFile.h"
 #include "host/platform/Files.h"
 #include "routestorage/RouteNames.h"
 
 #include <initializer_list>
 #include <memory>
-#include <stdexcept>
-#include <system_error>
 #include <tuple>
 
 namespace platform = cubes::platform;
@@ -80,14 +78,12 @@ Reference<RouteStorageInterface> storageOf(CubeDataInterface* data) {
 // Without a source file the target is left unchanged.
 void copyIfPresent(std::string const& source, std::string const& target) {
     if (target.empty() || !platform::isRegularFile(source) || platform::overlap(source, target)) return;
-    std::string const task = "cannot copy " + source + " to " + target + ": ";
-    try {
-        cubes::catalogue::copyFile(source, target, lsNone);
-    } catch (std::system_error const& error) {
-        throw TRkMatrixException(task + error.code().message(), target, error.code());
-    } catch (std::runtime_error const& error) {
-        throw TRkMatrixException(task + error.what(), target);
-    }
+    std::string const action = "cannot copy route file " + source + " to";
+    cubes::matrix::describingFailure(action, target, [&] {
+        cubes::matrix::StagedFile staged(target, action);
+        staged.copy(source);
+        staged.publish();
+    });
 }
 
 void storeCopy(RouteStorageInterface& storage, std::string const& file, Key const& key) {

@@ -144,7 +144,7 @@ TEST_P(RouteEntries, reportWhichFileCannotBeCopiedWhere) {
         FAIL() << "it was copied";
     } catch (TRkException const& error) {
         std::string const text = error.what();
-        EXPECT_TRUE(text.starts_with("cannot copy " + source + " to " + routeFile(7) + ": ")) << text;
+        EXPECT_TRUE(text.starts_with("cannot copy route file " + source + " to " + routeFile(7) + ": ")) << text;
         EXPECT_EQ(dynamic_cast<TRkCubesException const*>(&error), nullptr);
     }
     EXPECT_EQ(

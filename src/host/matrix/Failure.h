@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/platform/TemporaryFile.h"
+
 #include <cubes/matrix/TRkMatrixException.h>
 
 #include <charconv>
@@ -12,8 +14,8 @@
 namespace cubes::matrix {
 
 [[noreturn]] inline void throwFailure(
-    char const* action, std::string const& file, std::string const& reason, std::error_code code = {}) {
-    throw TRkMatrixException(action + (file.empty() ? file : " " + file) + ": " + reason, file, code);
+    std::string_view action, std::string const& file, std::string const& reason, std::error_code code = {}) {
+    throw TRkMatrixException(std::string(action) + (file.empty() ? file : " " + file) + ": " + reason, file, code);
 }
 
 /// The system's error in a reason of HDF5, which has it as text only: "... errno = 28, error message = ...".
@@ -28,7 +30,7 @@ inline std::error_code systemErrorIn(std::string_view reason) {
 
 /// Runs `work` and converts its exceptions to TRkMatrixException: "cannot open matrix file /data/a.skm: it is empty".
 template <typename Work>
-auto describingFailure(char const* action, std::string const& file, Work const& work) -> decltype(work()) {
+auto describingFailure(std::string_view action, std::string const& file, Work const& work) -> decltype(work()) {
     try {
         return work();
     } catch (TRkMatrixException const&) {
@@ -36,8 +38,10 @@ auto describingFailure(char const* action, std::string const& file, Work const& 
     } catch (std::bad_alloc const&) {
         throwFailure(action, file, "not enough memory");
     } catch (std::system_error const& error) {
-        // The system's message alone if it concerns this file.
-        bool const sameFile = std::string_view(error.what()).find(" " + file + ":") != std::string_view::npos;
+        // The system's message alone where it is about this very file, or about the temporary one that replaces it.
+        std::string_view const text = error.what();
+        bool const sameFile =
+            text.find(" " + file + ":") != std::string_view::npos || platform::mentionsTemporaryFile(text);
         throwFailure(action, file, sameFile ? error.code().message() : error.what(), error.code());
     } catch (std::exception const& error) {
         std::error_code const code = systemErrorIn(error.what());

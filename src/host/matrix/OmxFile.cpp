@@ -65,10 +65,12 @@ bool OmxFile::isIntact(std::string const& table) const {
 }
 
 void OmxFile::write(std::string const& path, std::string const& table, TRkMatrix const& matrix) {
-    describingFailure("cannot write OMX file", path, [&] {
+    constexpr char const* action = "cannot write OMX file";
+    describingFailure(action, path, [&] {
         requireTableName(table);
         matrix::replaceMatrixFile(path,
-            {.header = matrix::fileHeader(matrix.Header()), .elements = matrix.Elements().data(), .table = table});
+            {.header = matrix::fileHeader(matrix.Header()), .elements = matrix.Elements().data(), .table = table},
+            action);
     });
 }
 

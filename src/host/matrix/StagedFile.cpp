@@ -22,11 +22,6 @@ constexpr char identityName[] = "cubes-id";
 // A longer file cannot be an identity of 32 digits and a line end.
 constexpr std::uint64_t longestIdentity = 40;
 
-template <typename Work>
-void writing(std::string const& target, Work const& work) {
-    describingFailure("cannot write matrix file", target, work);
-}
-
 std::string const& fileTarget(std::string const& target) {
     if (target.empty()) throw std::runtime_error("the file name is empty");
     if (platform::isDirectory(target)) throw std::runtime_error("it is a directory");
@@ -117,11 +112,16 @@ void makeIdentity(std::string const& path) {
 
 }
 
-StagedFile::StagedFile(std::string const& target)
-    : temporary_(std::make_unique<platform::TemporaryFile>(fileTarget(target))) {}
+StagedFile::StagedFile(std::string const& target, std::string action)
+    : action_(std::move(action)), temporary_(std::make_unique<platform::TemporaryFile>(fileTarget(target))) {}
+
+template <typename Work>
+void StagedFile::writing(Work const& work) const {
+    describingFailure(action_, target(), work);
+}
 
 void StagedFile::write(MatrixContent const& content) {
-    writing(target(), [&] {
+    writing([&] {
         platform::File& file = temporary_->file();
         writeMatrixFile(file, content, matrixStorage(platform::directoryOf(target())).storage);
         requireComplete(file);
@@ -130,14 +130,14 @@ void StagedFile::write(MatrixContent const& content) {
 }
 
 void StagedFile::copy(std::string const& source) {
-    writing(target(), [&] {
+    writing([&] {
         platform::copyContent(source, temporary_->file());
         flush();
     });
 }
 
 void StagedFile::copy(std::string const& source, FileStamp const& stamp) {
-    writing(target(), [&] {
+    writing([&] {
         platform::copyContent(source, temporary_->file());
         hdf5::restamp(temporary_->file(), stamp);
         flush();
@@ -145,7 +145,7 @@ void StagedFile::copy(std::string const& source, FileStamp const& stamp) {
 }
 
 void StagedFile::link(std::string const& source) {
-    writing(target(), [&] {
+    writing([&] {
         temporary_->file().close();
         platform::discardFile(temporary_->path());
         platform::linkOrCopy(source, temporary_->path());
@@ -154,7 +154,7 @@ void StagedFile::link(std::string const& source) {
 }
 
 void StagedFile::write(std::function<void(std::string const& path)> const& writer, FileStamp const& stamp) {
-    writing(target(), [&] {
+    writing([&] {
         std::string const& path = temporary_->path();
         writer(path);
         auto written = platform::File::openShared(path);
@@ -169,16 +169,16 @@ void StagedFile::flush() {
 }
 
 void StagedFile::publish() {
-    writing(target(), [&] {
+    writing([&] {
         temporary_->publish();
         isPublished_ = true;
         if (isToBeFlushed(target())) platform::flushDirectory(platform::directoryOf(target()));
     });
 }
 
-void replaceMatrixFile(std::string const& target, MatrixContent const& content) {
-    writing(target, [&] {
-        StagedFile staged(target);
+void replaceMatrixFile(std::string const& target, MatrixContent const& content, std::string const& action) {
+    describingFailure(action, target, [&] {
+        StagedFile staged(target, action);
         staged.write(content);
         staged.publish();
     });

@@ -20,13 +20,13 @@ using hdf5::Provenance;
 /// requires, until it replaces the target atomically. Writing and publishing are separate, so that a database row can
 /// be changed in between. The destructor removes a file that was not published. Movable.
 ///
-/// Failures throw TRkMatrixException ("cannot write matrix file <target>: ..."); the target is then unchanged, unless
-/// isPublished() returns true. One thread at a time may use an object.
+/// What fails throws TRkMatrixException ("<action> <target>: ..."); the target is then as before, unless isPublished()
+/// says otherwise. One thread at a time may use an object.
 class StagedFile {
 public:
     /// Creates the empty file, so that a directory that cannot be written to is reported at once. Throws
     /// std::system_error, or std::runtime_error when the target has no name or is a directory.
-    explicit StagedFile(std::string const& target);
+    explicit StagedFile(std::string const& target, std::string action = "cannot write matrix file");
 
     /// Writes a matrix, plain or deflate according to the rule of the directory.
     void write(MatrixContent const& content);
@@ -49,14 +49,19 @@ public:
     std::string const& target() const noexcept { return temporary_->target(); }
 
 private:
+    template <typename Work>
+    void writing(Work const& work) const;
     void flush();
 
+    std::string action_;
     std::unique_ptr<platform::TemporaryFile> temporary_;
     bool isPublished_ = false;
 };
 
-/// Writes a matrix file and replaces the target with it. Throws TRkMatrixException; then the target is unchanged.
-void replaceMatrixFile(std::string const& target, MatrixContent const& content);
+/// Writes a matrix file and replaces the target with it. Throws TRkMatrixException ("<action> <target>: ..."); then the
+/// target is as before.
+void replaceMatrixFile(
+    std::string const& target, MatrixContent const& content, std::string const& action = "cannot write matrix file");
 
 /// The header of a matrix as its file stores it.
 FileHeader fileHeader(TRkMatrixHeader const& header);

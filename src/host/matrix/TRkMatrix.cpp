@@ -174,7 +174,7 @@ TRkMatrix TRkMatrix::inMemory(int rows, int columns) {
     matrix.state_ = std::make_unique<State>();
     matrix.state_->header = TRkMatrixHeader(rows, columns, mtMatrixCube, mkDefault);
     std::string const size = std::to_string(rows) + " x " + std::to_string(columns);
-    describingFailure(("cannot create a matrix of " + size + " elements").c_str(), {},
+    describingFailure("cannot create a matrix of " + size + " elements", {},
         [&] { matrix.state_->body = std::make_unique<MemoryBody>(rows, columns); });
     return matrix;
 }

@@ -52,6 +52,10 @@ std::string targetOfTemporary(std::string const& path) {
     return fromPath(file.parent_path() / toPath(name.substr(1, name.size() - 1 - dotAndDigits - suffix.size())));
 }
 
+bool mentionsTemporaryFile(std::string_view message) {
+    return message.find(std::string(suffix) + ":") != std::string_view::npos;
+}
+
 void commitFile(std::string const& file, std::string const& target) {
     flushFile(file);
     rename(file, target);

@@ -13,6 +13,8 @@ std::string temporaryPath(std::string const& target);
 /// Whether a file of this name (without directory) is a temporary one: of a running process, or left behind by an
 /// interrupted one.
 bool isTemporaryName(std::string_view name);
+/// Whether a message has the path of a temporary file in it.
+bool mentionsTemporaryFile(std::string_view message);
 
 /// The target of a temporary path; any other path unchanged. (Of a very long name only the beginning is known.)
 std::string targetOfTemporary(std::string const& path);

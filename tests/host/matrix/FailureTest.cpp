@@ -85,6 +85,7 @@ TEST_P(EachFailure, everyFailingStepLeavesTheOldFileOrTheNewOne) {
         expectOldOrNew(isNew);
         EXPECT_EQ(saved, !failed) << "step " << steps + 1;
         EXPECT_TRUE(!failed || reason.find(file) != std::string::npos) << reason;
+        EXPECT_EQ(reason.find("cubes-tmp"), std::string::npos) << reason;
         EXPECT_TRUE(!saved || isNew);
         ASSERT_TRUE(save(numbered(80, 80), file));
     }
@@ -187,14 +188,21 @@ TEST(Failure, preservesTheSystemsErrorWhicheverStepFails) {
     for (bool failed = true; failed; ++steps) {
         ASSERT_LT(steps, 200);
         std::error_code code;
+        std::string message;
         FailingSystem const system(steps + 1, ENOSPC);
         try {
             cubes::OmxFile::write(directory.file("a.omx"), "matrix", source);
         } catch (TRkMatrixException const& error) {
             code = error.Code();
+            message = error.what();
         }
         failed = system.hasFailed();
         EXPECT_EQ(code == std::errc::no_space_on_device, failed) << "step " << steps + 1;
+        std::string const expected = "cannot write OMX file " + directory.file("a.omx") + ": ";
+        std::string const ofDirectory = "cannot flush " + directory.str() + ": ";
+        if (failed && message != expected + "No space left on device") {
+            EXPECT_EQ(message, expected + ofDirectory + "No space left on device");
+        }
     }
     EXPECT_GT(steps, 5);
 }
