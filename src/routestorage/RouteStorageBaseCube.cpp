@@ -5,6 +5,7 @@
 #include <cubes/routestorage/RouteStorageWrappers.h>
 
 #include "catalogue/EntryTable.h"
+#include "catalogue/ProjectCall.h"
 #include "host/matrix/Failure.h"
 #include "host/matrix/StagedFile.h"
 #include "host/platform/Files.h"
@@ -17,6 +18,7 @@
 namespace platform = cubes::platform;
 
 using cubes::Reference;
+using cubes::catalogue::ProjectCall;
 using cubes::routestorage::routeDataDirectory;
 using cubes::routestorage::routeSetDirectory;
 using VL::Interface::RouteStorageInterface;
@@ -159,6 +161,7 @@ bool RouteStorageBaseCube::SaveMatrix(TRkMatrix const&, short, short, short, sho
 bool RouteStorageBaseCube::Add(CountedPtr<Rktable::TRkTableProxy> table, short cubenr, short p, short m, short t,
     short u, short r, short i, short parentcubenr, short pp, short pm, short pt, short pu, short pr, short pi,
     bool zeroBased) {
+    ProjectCall const call(settings_);
     if (!TRkVarCubes::Add(table, cubenr, p, m, t, u, r, i, parentcubenr, pp, pm, pt, pu, pr, pi, zeroBased))
         return false;
     TRkFString::Directory(MatrixDirectory().str() + kindOf(cubeType_).directory).MkDir();
@@ -171,6 +174,7 @@ TRkString RouteStorageBaseCube::createFilename(short p, short m, short t, short 
 
 bool RouteStorageBaseCube::SetData(CubeDataInterface* data, short p, short m, short t, short u, short r, short i,
     short parentcubenr, short pp, short pm, short pt, short pu, short pr, short pi, bool zeroBased) {
+    ProjectCall const call(settings_);
     if (Check(p, m, t, u, r, i, zeroBased)) Clear(p, m, t, u, r, i, zeroBased);
     Add(p, m, t, u, r, i, parentcubenr, pp, pm, pt, pu, pr, pi, zeroBased);
     auto const key = cubes::catalogue::storedKey(Key{CubeNumber(), p, m, t, u, r, i}, zeroBased);
@@ -186,6 +190,7 @@ bool RouteStorageBaseCube::SetData(CubeDataInterface* data, short p, short m, sh
 
 RouteStorageCubeData* RouteStorageBaseCube::GetData(
     short p, short m, short t, short u, short r, short i, bool zeroBased) const {
+    ProjectCall const call(settings_);
     auto const key = cubes::catalogue::storedKey(Key{CubeNumber(), p, m, t, u, r, i}, zeroBased);
     if (!key) return nullptr;
     auto const& [cube, kp, km, kt, ku, kr, ki] = *key;
@@ -207,6 +212,7 @@ std::unique_ptr<TRkVarCubes::TKey> RouteStorageBaseCube::FreeEntry(
 
 void RouteStorageBaseCube::GetParentPMTURI(short p, short m, short t, short u, short r, short i, short& pp, short& pm,
     short& pt, short& pu, short& pr, short& pi) const {
+    ProjectCall const call(settings_);
     TRkVarCubes::GetParentPMTURI(p, m, t, u, r, i, pp, pm, pt, pu, pr, pi);
     auto const entry = FreeEntry(p, m, t, u, r, i);
     if (!entry) return;
@@ -219,23 +225,27 @@ void RouteStorageBaseCube::GetParentPMTURI(short p, short m, short t, short u, s
 }
 
 short RouteStorageBaseCube::GetParentCubenr(short p, short m, short t, short u, short r, short i) const {
+    ProjectCall const call(settings_);
     auto const entry = FreeEntry(p, m, t, u, r, i);
     return entry ? entry->parentcubenr : TRkVarCubes::GetParentCubenr(p, m, t, u, r, i);
 }
 
 bool RouteStorageBaseCube::SetParentPMTURI(
     short p, short m, short t, short u, short r, short i, short pp, short pm, short pt, short pu, short pr, short pi) {
+    ProjectCall const call(settings_);
     return changeRow(*this, {CubeNumber(), p, m, t, u, r, i},
         {{"parentpurpose", pp}, {"parentmode", pm}, {"parenttime", pt}, {"parentuser", pu}, {"parentresult", pr},
             {"parentiteration", pi}});
 }
 
 bool RouteStorageBaseCube::SetParentCubenr(short p, short m, short t, short u, short r, short i, long cubenr) {
+    ProjectCall const call(settings_);
     return changeRow(*this, {CubeNumber(), p, m, t, u, r, i}, {{"parentcubenr", cubenr}});
 }
 
 bool RouteStorageBaseCube::GetChildsAll(
     short p, short m, short t, short u, short r, short i, TRkAutoListT<TKey>& list) const {
+    ProjectCall const call(settings_);
     GetPmturis(CubeNumber(), p, m, t, u, r, i, list);
     for (int child = list.Count() - 1; child >= 0; --child)
         if (list[child]->cubenr != ctRouteData) list.Delete(child);
@@ -244,6 +254,7 @@ bool RouteStorageBaseCube::GetChildsAll(
 
 void RouteStorageBaseCube::DeleteChildren(
     RouteStorageDataCube& dataCube, short p, short m, short t, short u, short r, short i) const {
+    ProjectCall const call(settings_);
     TRkAutoListT<TKey> children;
     GetChilds(p, m, t, u, r, i, children);
     for (int index = 0; index < children.Count(); ++index) {

@@ -2,6 +2,7 @@
 #include <cubes/routestorage/RouteStorageDataCube.h>
 #include <cubes/routestorage/RouteStorageWrappers.h>
 
+#include "catalogue/ProjectCall.h"
 #include "host/platform/Files.h"
 #include "routestorage/FieldNames.h"
 #include "routestorage/RouteNames.h"
@@ -11,6 +12,7 @@
 
 using namespace cubes::routestorage;
 using namespace VL::Interface;
+using cubes::catalogue::ProjectCall;
 
 namespace {
 
@@ -53,6 +55,7 @@ RouteStorageCube& RouteStorageCube::operator=(RouteStorageCube const&) = default
 RouteStorageCube::~RouteStorageCube() = default;
 
 bool RouteStorageCube::GetChilds(short p, short m, short t, short u, short r, short i, TRkAutoListT<TKey>& list) const {
+    ProjectCall const call(settings_);
     list.Clear();
     return isCorrect(p, m, t, u, r, i) && GetChildsAll(p, m, t, u, r, i, list);
 }
@@ -90,6 +93,7 @@ bool RouteStorageDataCube::MakeFilename(char const* text, int& p, int& m, int& t
 
 Metadata::Vector<Metadata::Field*>* RouteStorageDataCube::getFieldMetadata(
     short p, short m, short t, short u, short r, short i) const {
+    ProjectCall const call(settings_);
     cubes::Reference<Metadata::Vector<Metadata::Field*>> fields(new Metadata::Vector<Metadata::Field*>);
     std::string const file = FileName(p, m, t, u, r, i, false).str();
     if (!cubes::platform::exists(file)) return fields.release();

@@ -264,6 +264,7 @@ Table TRkVarCubes::Open() const {
 
 bool TRkVarCubes::LookUp(
     Table table, short cubenr, short p, short m, short t, short u, short r, short i, bool zeroBased) const {
+    ProjectCall const call(settings_);
     if (!table) return false;
     auto const key = storedKey(ResultKey{cubenr, p, m, t, u, r, i}, zeroBased);
     return key && falseWithoutTable([&] { return EntryTable(*table, keyParts).locate(*key); });
@@ -271,6 +272,7 @@ bool TRkVarCubes::LookUp(
 
 bool TRkVarCubes::Add(Table table, short cubenr, short p, short m, short t, short u, short r, short i,
     short parentcubenr, short pp, short pm, short pt, short pu, short pr, short pi, bool zeroBased) {
+    ProjectCall const call(settings_);
     if (!table) return false;
     EntryTable entries(*table, keyParts);
     if (!entries.hasKey()) return true;
@@ -293,6 +295,7 @@ bool TRkVarCubes::Add(Table table, short cubenr, short p, short m, short t, shor
 
 bool TRkVarCubes::Add(short p, short m, short t, short u, short r, short i, short parentcubenr, short pp, short pm,
     short pt, short pu, short pr, short pi, bool zeroBased) {
+    ProjectCall const call(settings_);
     auto table = Open();
     bool const added = Add(table, CubeNumber(), p, m, t, u, r, i, parentcubenr, pp, pm, pt, pu, pr, pi, zeroBased);
     Close(table);
@@ -301,11 +304,13 @@ bool TRkVarCubes::Add(short p, short m, short t, short u, short r, short i, shor
 
 TRkString TRkVarCubes::FileName(
     Table table, short cubenr, short p, short m, short t, short u, short r, short i, bool zeroBased) const {
+    ProjectCall const call(settings_);
     if (!LookUp(table, cubenr, p, m, t, u, r, i, zeroBased)) return {};
     return EntryTable(*table, keyParts).path(MatrixDirectory().str());
 }
 
 TRkString TRkVarCubes::FileName(short p, short m, short t, short u, short r, short i, bool zeroBased) const {
+    ProjectCall const call(settings_);
     auto table = Open();
     TRkString const path = FileName(table, CubeNumber(), p, m, t, u, r, i, zeroBased);
     Close(table);
@@ -331,6 +336,7 @@ TRkString TRkVarCubes::createFilename(short p, short m, short t, short u, short 
 }
 
 bool TRkVarCubes::Get(TRkAutoListT<TRkBaseCubes::TKey>& list) const {
+    ProjectCall const call(settings_);
     return TRkBaseCubes::Get(list);
 }
 
@@ -342,6 +348,7 @@ std::unique_ptr<TRkVarCubes::TKey> TRkVarCubes::ReadEntry(EntryTable const& entr
 }
 
 bool TRkVarCubes::Get(TRkAutoListT<TKey>& list) const {
+    ProjectCall const call(settings_);
     list.Clear();
     auto table = Open();
     return table && falseWithoutTable([&] {
@@ -425,7 +432,8 @@ bool TRkVarCubes::GetChilds(short, short, short, short, short, short, TRkAutoLis
 
 bool TRkVarCubes::Set(
     short p, short m, short t, short u, short r, short i, TRkMatrix const& matrix, RkLockState lock, bool zeroBased) {
-    // Numbers that a key or a file's name cannot hold are rejected here, before anything is lost.
+    ProjectCall const call(settings_);
+    // Numbers that a key or a file's name cannot hold end here, before anything is lost.
     if (MatrixFile(p, m, t, u, r, i, zeroBased).IsEmpty()) return false;
     MakeFilename(p, m, t, u, r, i);
     if (Check(p, m, t, u, r, i, zeroBased)) Clear(p, m, t, u, r, i, zeroBased);
@@ -444,6 +452,7 @@ TRkFString TRkVarCubes::MatrixFile(short p, short m, short t, short u, short r, 
 
 bool TRkVarCubes::SaveMatrix(
     TRkMatrix const& matrix, short p, short m, short t, short u, short r, short i, RkLockState lock, bool zeroBased) {
+    ProjectCall const call(settings_);
     TRkFString const target = MatrixFile(p, m, t, u, r, i, zeroBased);
     if (target.IsEmpty()) return false;
     matrix.Prepare();
@@ -458,6 +467,7 @@ bool TRkVarCubes::SaveMatrix(
 
 TRkMatrix* TRkVarCubes::Get(
     short p, short m, short t, short u, short r, short i, RkLockState lock, bool zeroBased) const {
+    ProjectCall const call(settings_);
     auto const key = storedKey(ResultKey{CubeNumber(), p, m, t, u, r, i}, zeroBased);
     if (!key) return nullptr;
     auto const& [cube, kp, km, kt, ku, kr, ki] = *key;
@@ -473,16 +483,19 @@ TRkMatrix* TRkVarCubes::Get(
 
 double TRkVarCubes::Get(
     short p, short m, short t, short u, short r, short i, int row, int column, RkLockState lock, bool zeroBased) const {
+    ProjectCall const call(settings_);
     return cubes::catalogue::readElement(
         std::unique_ptr<TRkMatrix>(Get(p, m, t, u, r, i, lock, zeroBased)), row, column);
 }
 
 TRkMatrixHeader const* TRkVarCubes::GetHeader(
     short p, short m, short t, short u, short r, short i, bool zeroBased) const {
+    ProjectCall const call(settings_);
     return cubes::catalogue::readHeader(FileName(p, m, t, u, r, i, zeroBased));
 }
 
 bool TRkVarCubes::incUsage(short p, short m, short t, short u, short r, short i) {
+    ProjectCall const call(settings_);
     auto table = Open();
     bool const raised =
         LookUp(table, CubeNumber(), p, m, t, u, r, i, false) && EntryTable(*table, keyParts).raiseUsers();
@@ -491,6 +504,7 @@ bool TRkVarCubes::incUsage(short p, short m, short t, short u, short r, short i)
 }
 
 bool TRkVarCubes::decUsage(short p, short m, short t, short u, short r, short i) {
+    ProjectCall const call(settings_);
     auto table = Open();
     bool const lowered =
         LookUp(table, CubeNumber(), p, m, t, u, r, i, false) && EntryTable(*table, keyParts).lowerUsers();
@@ -499,6 +513,7 @@ bool TRkVarCubes::decUsage(short p, short m, short t, short u, short r, short i)
 }
 
 bool TRkVarCubes::isCorrect(short p, short m, short t, short u, short r, short i) const {
+    ProjectCall const call(settings_);
     if (!Check(p, m, t, u, r, i, false)) return false;
     auto table = Open();
     bool const isFree =
@@ -508,6 +523,7 @@ bool TRkVarCubes::isCorrect(short p, short m, short t, short u, short r, short i
 }
 
 bool TRkVarCubes::Check(short p, short m, short t, short u, short r, short i, bool zeroBased) const {
+    ProjectCall const call(settings_);
     auto table = Open();
     bool const found = LookUp(table, CubeNumber(), p, m, t, u, r, i, zeroBased);
     Close(table);
@@ -515,6 +531,7 @@ bool TRkVarCubes::Check(short p, short m, short t, short u, short r, short i, bo
 }
 
 bool TRkVarCubes::Clear(short p, short m, short t, short u, short r, short i, bool zeroBased) {
+    ProjectCall const call(settings_);
     auto table = Open();
     bool const found = LookUp(table, CubeNumber(), p, m, t, u, r, i, zeroBased);
     if (found) removeEntry(*table, MatrixDirectory());
@@ -523,14 +540,17 @@ bool TRkVarCubes::Clear(short p, short m, short t, short u, short r, short i, bo
 }
 
 bool TRkVarCubes::Delete(short p, short m, short t, short u, short r, short i, bool zeroBased) {
+    ProjectCall const call(settings_);
     return Clear(p, m, t, u, r, i, zeroBased);
 }
 
 bool TRkVarCubes::Remove(short p, short m, short t, short u, short r, short i, bool zeroBased) {
+    ProjectCall const call(settings_);
     return Clear(p, m, t, u, r, i, zeroBased);
 }
 
 bool TRkVarCubes::Clear() {
+    ProjectCall const call(settings_);
     auto table = Open();
     bool const cleared = table && falseWithoutTable([&] {
         while (table->Locate("cubenr", CubeNumber())) removeEntry(*table, MatrixDirectory());
@@ -541,10 +561,12 @@ bool TRkVarCubes::Clear() {
 }
 
 bool TRkVarCubes::Delete() {
+    ProjectCall const call(settings_);
     return Clear();
 }
 
 bool TRkVarCubes::Remove() {
+    ProjectCall const call(settings_);
     return Clear();
 }
 

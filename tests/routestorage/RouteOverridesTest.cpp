@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "routestorage/RouteCubeTest.h"
+#include "varcubes/WatchedCube.h"
 
 namespace cubes::test {
 namespace {
@@ -75,7 +76,57 @@ void expectCalls(Cube& cube) {
     EXPECT_EQ(cube.taken(), "Check ");
 }
 
-TEST_P(RouteOverrides, takeEffectWhenStoringAndFetching) {
+// The operations of both kinds of route cubes.
+template <typename Cube>
+std::vector<WatchedOperation<Cube>> routeOperations() {
+    using Table = CountedPtr<Rktable::TRkTableProxy>;
+    using Keys = TRkAutoListT<TRkVarCubes::TKey>;
+    auto operations = resultOperations<Cube>();
+    std::vector<WatchedOperation<Cube>> const more = {
+        {"SetData",
+            [](Cube& c, Table const&) { c.SetData(nullptr, 1, 2, 3, 4, 5, 6, 0, -1, -1, -1, -1, -1, -1, false); }},
+        {"GetData", [](Cube& c, Table const&) { Reference<CubeDataInterface>(c.GetData(1, 2, 3, 4, 5, 6, false)); }},
+        {"GetParentPMTURI",
+            [](Cube& c, Table const&) {
+                short parent[6];
+                c.GetParentPMTURI(1, 2, 3, 4, 5, 6, parent[0], parent[1], parent[2], parent[3], parent[4], parent[5]);
+            }},
+        {"GetParentCubenr", [](Cube& c, Table const&) { c.GetParentCubenr(1, 2, 3, 4, 5, 6); }},
+        {"SetParentPMTURI", [](Cube& c, Table const&) { c.SetParentPMTURI(1, 2, 3, 4, 5, 6, 1, 1, 1, 1, 1, 1); }},
+        {"SetParentCubenr", [](Cube& c, Table const&) { c.SetParentCubenr(1, 2, 3, 4, 5, 6, 7); }},
+        {"GetChildsAll",
+            [](Cube& c, Table const&) {
+                Keys list;
+                c.GetChildsAll(1, 2, 3, 4, 5, 6, list);
+            }},
+    };
+    operations.insert(operations.end(), more.begin(), more.end());
+    return operations;
+}
+
+TEST_P(RouteOverrides, seeTheConnectionOfTheirOwnProject) {
+    WatchedCube<RouteStorageCube> routeSets(project().settings());
+    WatchedCube<RouteStorageDataCube> routeData(project().settings());
+    RouteStorageDataCube children(project().settings());
+    auto* const own = project().project().connection();
+    TestProject const current(backend());
+    using Table = CountedPtr<Rktable::TRkTableProxy>;
+    auto ofSets = routeOperations<RouteStorageCube>();
+    ofSets.push_back({"GetChilds", [](RouteStorageCube& c, Table const&) {
+                          Keys list;
+                          c.GetChilds(1, 2, 3, 4, 5, 6, list);
+                      }});
+    ofSets.push_back(
+        {"DeleteChildren", [&](RouteStorageCube& c, Table const&) { c.DeleteChildren(children, 1, 2, 3, 4, 5, 6); }});
+    expectOwnConnection<RouteStorageCube>(routeSets, own, ofSets);
+    auto ofData = routeOperations<RouteStorageDataCube>();
+    ofData.push_back({"getFieldMetadata", [](RouteStorageDataCube& c, Table const&) {
+                          Reference<Metadata::MetadataInterface>(c.getFieldMetadata(1, 2, 3, 4, 5, 6));
+                      }});
+    expectOwnConnection<RouteStorageDataCube>(routeData, own, ofData);
+}
+
+TEST_P(RouteOverrides, takeEffectInStoringAndFetching) {
     Noting<RouteStorageCube> routeSets(project().settings());
     expectCalls(routeSets);
     Noting<RouteStorageDataCube> routeData(project().settings());

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "varcubes/VarCubesTest.h"
+#include "varcubes/WatchedCube.h"
 
 namespace cubes::test {
 namespace {
@@ -89,6 +90,16 @@ protected:
 };
 
 CUBES_BOTH_BACKENDS(ResultOverrides);
+
+TEST_P(ResultOverrides, seeTheConnectionOfTheirOwnProject) {
+    WatchedCube<TRkSkimCube> cube(project().settings(), true);
+    TestProject const current(backend());
+    auto operations = resultOperations<TRkSkimCube>();
+    operations.push_back({"Get of an element", [](TRkSkimCube& c, CountedPtr<Rktable::TRkTableProxy> const&) {
+                              c.Get(1, 2, 3, 4, 5, 6, 0, 0, lsRead, false);
+                          }});
+    expectOwnConnection<TRkSkimCube>(cube, project().project().connection(), operations);
+}
 
 TEST_P(ResultOverrides, takeEffectInOtherOperations) {
     Noting cube = noting();
