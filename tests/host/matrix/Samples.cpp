@@ -1,5 +1,9 @@
 #include "host/matrix/Samples.h"
 
+#include "support/Process.h"
+
+#include <gtest/gtest.h>
+
 #include <cstring>
 
 namespace cubes::test {
@@ -35,6 +39,19 @@ bool save(TRkMatrix const& matrix, std::string const& file, int lock) {
     TRkMatrix target = created(file, matrix.Rows(), matrix.Columns(), lock);
     if (target.IsValid()) target.AssignFrom(matrix);
     return target.IsValid();
+}
+
+void flipBit(std::string const& file, int row, int column) {
+    auto const done = runPython(R"(
+import h5py, numpy as np, sys
+row, column = map(int, sys.argv[2:])
+with h5py.File(sys.argv[1], 'r+') as f:
+    d = f['data/matrix']
+    bits = np.array([d[row, column]], '<f4').view('<u4')
+    d[row, column] = (bits ^ 1).view('<f4')[0]
+)",
+        {file, std::to_string(row), std::to_string(column)});
+    EXPECT_EQ(done.exitCode, 0) << done.errors;
 }
 
 std::string difference(TRkMatrix const& first, TRkMatrix const& second) {

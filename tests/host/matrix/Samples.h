@@ -20,6 +20,10 @@ TRkMatrix opened(std::string const& file, int lock = 0, int kind = 0, char const
 /// Saves a matrix as a file; returns whether it succeeded.
 bool save(TRkMatrix const& matrix, std::string const& file, int lock = 0);
 
+/// Flips the lowest bit of an element with h5py, which compresses its chunk again where it was compressed: the file
+/// can be read, and nothing else in it says what it held.
+void flipBit(std::string const& file, int row, int column);
+
 /// The first difference between two matrices, bit by bit; empty when there is none.
 std::string difference(TRkMatrix const& first, TRkMatrix const& second);
 
