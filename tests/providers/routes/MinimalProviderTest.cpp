@@ -5,6 +5,10 @@
 #include <bit>
 #include <cstddef>
 
+#if __has_include(<cubes/Export.h>) || __has_include(<cubes/cubes.h>) || __has_include("Border.h")
+#error "This test is built with one header."
+#endif
+
 using namespace VL::Interface;
 
 namespace {
