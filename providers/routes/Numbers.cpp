@@ -1,5 +1,7 @@
 #include "Numbers.h"
 
+#include "host/hdf5/IndexRecord.h"
+
 #include <algorithm>
 
 namespace cubes::routes {
@@ -12,11 +14,8 @@ namespace {
 
 constexpr hsize_t chunkBytes = hsize_t{1} << 18;
 constexpr unsigned quickestLevel = 1;
-// Deflate compresses to about a thousandth at best.
-constexpr hsize_t mostInflation = 1100;
-// Other programs may write wider attributes.
+// Other programs write wider attributes.
 constexpr std::size_t widestNumber = 8;
-constexpr std::size_t longestText = std::size_t{1} << 16;
 
 Handle listOf(std::size_t count) {
     hsize_t const size = count;
@@ -40,13 +39,6 @@ bool fits(hid_t found, hid_t wanted) {
     H5T_class_t const kind = H5Tget_class(wanted);
     if (H5Tget_class(found) != kind || H5Tget_size(found) > H5Tget_size(wanted)) return false;
     return kind != H5T_INTEGER || H5Tget_sign(found) == H5Tget_sign(wanted);
-}
-
-hsize_t fileSizeOf(hid_t object) {
-    Handle const file(H5Iget_file_id(object), H5Fclose, "find the file");
-    hsize_t size = 0;
-    check(H5Fget_filesize(file.get(), &size), "measure the file");
-    return size;
 }
 
 Handle openAttribute(hid_t object, char const* name) {
@@ -116,7 +108,7 @@ std::size_t countNumbers(hid_t dataset, std::string const& name, NumberType type
     hsize_t count = 0;
     if (H5Sget_simple_extent_ndims(space.get()) != 1) throw std::runtime_error(name + " is not a list");
     check(H5Sget_simple_extent_dims(space.get(), &count, nullptr), "read the size of " + name);
-    if (count / mostInflation * H5Tget_size(stored.get()) > fileSizeOf(dataset))
+    if (count / hdf5::mostInflation * H5Tget_size(stored.get()) > hdf5::fileSize(dataset))
         throw std::runtime_error(name + " is larger than the file");
     return count;
 }
@@ -141,15 +133,10 @@ void readAttribute(hid_t object, char const* name, NumberType type, void* number
 }
 
 std::string textAttribute(hid_t object, char const* name) {
-    Handle const attribute = openAttribute(object, name);
-    Handle const type(H5Aget_type(attribute.get()), H5Tclose, "describe an attribute");
-    requireCount(attribute.get(), name, 1);
-    bool const isText = H5Tget_class(type.get()) == H5T_STRING && H5Tis_variable_str(type.get()) == 0;
-    if (!isText || H5Tget_size(type.get()) > longestText)
-        throw std::runtime_error(std::string("the attribute ") + name + " is not a text of fixed length");
-    std::string text(H5Tget_size(type.get()), '\0');
-    check(H5Aread(attribute.get(), type.get(), text.data()), std::string("read the attribute ") + name);
-    return text.substr(0, text.find('\0'));
+    openAttribute(object, name);
+    auto text = hdf5::findText(object, name);
+    if (!text) throw std::runtime_error(std::string("the attribute ") + name + " is not a text of fixed length");
+    return *std::move(text);
 }
 
 }

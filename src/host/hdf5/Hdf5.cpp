@@ -218,6 +218,25 @@ Handle createGroup(hid_t parent, std::string const& name) {
         H5Gcreate2(parent, name.c_str(), H5P_DEFAULT, properties.get(), H5P_DEFAULT), H5Gclose, "create " + name);
 }
 
+std::uint64_t writeBytes(hid_t parent, char const* name, std::span<std::byte const> bytes) {
+    std::string const action = std::string("write ") + name;
+    hsize_t const size = bytes.size();
+    Handle const space(H5Screate_simple(1, &size, nullptr), H5Sclose, action);
+    Handle const properties = untimedProperties(H5P_DATASET_CREATE);
+    Handle const dataset(
+        H5Dcreate2(parent, name, H5T_STD_U8LE, space.get(), H5P_DEFAULT, properties.get(), H5P_DEFAULT), H5Dclose,
+        action);
+    check(H5Dwrite(dataset.get(), H5T_STD_U8LE, H5S_ALL, H5S_ALL, H5P_DEFAULT, bytes.data()), action);
+    return H5Dget_offset(dataset.get());
+}
+
+std::uint64_t fileSize(hid_t object) {
+    Handle const file(H5Iget_file_id(object), H5Fclose, "find the file");
+    hsize_t size = 0;
+    check(H5Fget_filesize(file.get(), &size), "read the size of the file");
+    return size;
+}
+
 bool hasLink(hid_t parent, std::string const& name) {
     return H5Lexists(parent, name.c_str(), H5P_DEFAULT) > 0;
 }

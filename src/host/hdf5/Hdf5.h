@@ -4,7 +4,10 @@
 
 #include <hdf5.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <mutex>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -13,8 +16,9 @@
 /// Owners and helpers for HDF5's C interface, shared by the library and the provider.
 namespace cubes::hdf5 {
 
-/// Every use of HDF5 is made within a Session: HDF5 is not thread-safe, and prints its errors by
-/// default. Sessions of one thread may nest.
+/// Every use of HDF5 is made within a Session, by one thread of the module (the library, the provider) at a time;
+/// errors are not printed meanwhile. Threads of different modules exclude each other by HDF5's own lock, without which
+/// the build refuses HDF5. Sessions of one thread may nest.
 class Session {
 public:
     Session();
@@ -64,8 +68,11 @@ Status check(Status status, std::string_view action) {
     return status;
 }
 
-/// Opens a file for reading through `file`: on every system it can be replaced and removed meanwhile, errors have the
-/// system's messages, and closing it closes everything opened in it.
+/// Deflate makes nothing smaller than about a thousandth, so a file that claims more is damaged.
+inline constexpr std::size_t mostInflation = 1040;
+
+/// Opens a file for reading through `file`: it can be replaced and removed meanwhile on every system, failures
+/// have the system's messages, and closing it closes everything opened in it.
 Handle openFile(platform::File file);
 /// Owns the file that H5Fopen returned. Throws std::runtime_error when it failed: "it is not an HDF5 file".
 Handle openedFile(hid_t id);
@@ -75,6 +82,10 @@ Handle fileAccess();
 /// Properties of a class (H5P_FILE_CREATE and the like) that record no times: equal content makes equal files.
 Handle untimedProperties(hid_t classOfProperties);
 Handle createGroup(hid_t parent, std::string const& name);
+/// Writes bytes as a dataset without chunks and returns their place in the file.
+std::uint64_t writeBytes(hid_t parent, char const* name, std::span<std::byte const> bytes);
+/// The size of the file that an object lies in.
+std::uint64_t fileSize(hid_t object);
 bool hasLink(hid_t parent, std::string const& name);
 /// Whether a name in a group stands for an object of its own: soft, external and user-defined links are never followed.
 bool isOwnLink(hid_t parent, std::string const& name);

@@ -138,6 +138,11 @@ std::array<std::byte, IndexRecord::bytes> encode(IndexRecord const& record) {
     return std::bit_cast<std::array<std::byte, IndexRecord::bytes>>(layout);
 }
 
+std::uint64_t writeRecord(hid_t file, std::optional<IndexRecord> const& record) {
+    return writeBytes(
+        file, IndexRecord::dataset, record ? encode(*record) : std::array<std::byte, IndexRecord::bytes>{});
+}
+
 std::optional<FoundRecord> findRecord(std::span<std::byte const> file) {
     std::size_t const end = std::min(file.size(), searched);
     for (std::size_t offset = 0; offset + IndexRecord::bytes <= end; offset += sizeof magic) {
@@ -254,16 +259,21 @@ void writeText(hid_t object, char const* name, std::string const& text, Encoding
     check(H5Awrite(attribute.get(), type.get(), text.c_str()), action);
 }
 
-std::string readText(hid_t object, char const* name) {
-    if (H5Aexists(object, name) <= 0) return {};
+std::optional<std::string> findText(hid_t object, char const* name) {
+    if (H5Aexists(object, name) <= 0) return std::nullopt;
     Handle const attribute(H5Aopen(object, name, H5P_DEFAULT), H5Aclose, "open an attribute");
     Handle const type(H5Aget_type(attribute.get()), H5Tclose, "open an attribute");
     Handle const space(H5Aget_space(attribute.get()), H5Sclose, "open an attribute");
     bool const isText = H5Tget_class(type.get()) == H5T_STRING && H5Tis_variable_str(type.get()) == 0;
-    if (!isText || H5Sget_simple_extent_npoints(space.get()) != 1) return {};
-    std::string text(H5Tget_size(type.get()), '\0');
-    if (H5Aread(attribute.get(), type.get(), text.data()) < 0) return {};
+    std::size_t const size = H5Tget_size(type.get());
+    if (!isText || H5Sget_simple_extent_npoints(space.get()) != 1 || size > fileSize(object)) return std::nullopt;
+    std::string text(size, '\0');
+    if (H5Aread(attribute.get(), type.get(), text.data()) < 0) return std::nullopt;
     return text.substr(0, text.find('\0'));
+}
+
+std::string readText(hid_t object, char const* name) {
+    return findText(object, name).value_or("");
 }
 
 }

@@ -84,6 +84,10 @@ struct IndexRecord {
 /// The bytes of a record, its own checksum included. Throws std::length_error for a key of more than 6 parts.
 std::array<std::byte, IndexRecord::bytes> encode(IndexRecord const& record);
 
+/// Writes the record's dataset into a file, by default without content, and returns its place. Throws Error.
+/// REQUIRES: within a Session.
+std::uint64_t writeRecord(hid_t file, std::optional<IndexRecord> const& record);
+
 struct FoundRecord {
     std::uint64_t offset = 0;
     IndexRecord record;
@@ -144,7 +148,10 @@ enum class Encoding { ascii, utf8 };
 
 /// Writes an attribute with a text of fixed length. Throws Error. REQUIRES: within a Session.
 void writeText(hid_t object, char const* name, std::string const& text, Encoding encoding = Encoding::utf8);
-/// Reads a text of fixed length; empty when there is none. Throws Error. REQUIRES: within a Session.
+/// Reads a text of fixed length. Nothing when there is none, and when it claims more than the whole file. Throws Error.
+/// REQUIRES: within a Session.
+std::optional<std::string> findText(hid_t object, char const* name);
+/// The same; empty for nothing.
 std::string readText(hid_t object, char const* name);
 
 }

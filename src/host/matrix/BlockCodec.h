@@ -16,9 +16,6 @@ struct libdeflate_decompressor;
 
 namespace cubes::matrix {
 
-/// Deflate compresses to about a thousandth at best.
-inline constexpr std::size_t mostInflation = 1040;
-
 /// Encodes a chunk of elements as HDF5's own shuffle and deflate filters do, but faster. One thread at a time may use
 /// an object.
 class BlockEncoder {

@@ -57,7 +57,7 @@ bool isOurs(hid_t dataset) {
 void requireStorage(hid_t file, hid_t dataset, std::size_t elements) {
     hsize_t size = 0;
     check(H5Fget_filesize(file, &size), "read the size of the file");
-    bool const fits = elements / mostInflation <= size || elements <= alwaysFits || isOurs(dataset);
+    bool const fits = elements / hdf5::mostInflation <= size || elements <= alwaysFits || isOurs(dataset);
     if (H5Dget_storage_size(dataset) > size || !fits) throw std::runtime_error("the table is larger than the file");
 }
 

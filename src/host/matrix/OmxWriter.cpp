@@ -9,7 +9,9 @@
 namespace cubes::matrix {
 
 using hdf5::check;
+using hdf5::createGroup;
 using hdf5::Handle;
+using hdf5::untimedProperties;
 using hdf5::writeText;
 
 namespace {
@@ -18,17 +20,6 @@ constexpr hsize_t page = 4096;
 // Together they fit into the first two pages, before the elements.
 constexpr hsize_t structureBytes = 6000;
 constexpr hsize_t smallDataBytes = 2048;
-
-Handle newProperties(hid_t kind) {
-    return Handle(H5Pcreate(kind), H5Pclose, "prepare the structure");
-}
-
-// Without times, so that equal matrices make equal files.
-Handle untimedProperties(hid_t kind) {
-    Handle properties = newProperties(kind);
-    check(H5Pset_obj_track_times(properties.get(), false), "prepare the structure");
-    return properties;
-}
 
 Handle scalar() {
     return Handle(H5Screate(H5S_SCALAR), H5Sclose, "prepare an attribute");
@@ -71,11 +62,6 @@ Handle createFile(std::string const& path, Filters filters) {
         H5Fcreate(name.c_str(), H5F_ACC_TRUNC, properties.get(), access.get()), H5Fclose, "create an HDF5 file");
 }
 
-Handle createGroup(hid_t parent, char const* name) {
-    Handle const properties = untimedProperties(H5P_GROUP_CREATE);
-    return Handle(H5Gcreate2(parent, name, H5P_DEFAULT, properties.get(), H5P_DEFAULT), H5Gclose, "create a group");
-}
-
 void setFilters(hid_t properties, Filters filters) {
     if (filters == Filters::none) {
         check(H5Pset_alloc_time(properties, H5D_ALLOC_TIME_EARLY), "place the elements");
@@ -97,7 +83,7 @@ OmxWriter::OmxWriter(std::string const& path, MatrixContent const& content, Chun
     FileHeader const& header = content.header;
     hdf5::Session const session;
     file_ = createFile(path, layout.filters);
-    recordOffset_ = writeBytes(hdf5::IndexRecord::dataset, std::vector<std::byte>(hdf5::IndexRecord::bytes));
+    recordOffset_ = hdf5::writeRecord(file_.get(), {});
     writeText(file_.get(), omx::version, "0.2", hdf5::Encoding::ascii);
     std::array<hsize_t, 1> const two = {2};
     std::array<std::int32_t, 2> const shape = {header.rows, header.columns};
@@ -105,15 +91,6 @@ OmxWriter::OmxWriter(std::string const& path, MatrixContent const& content, Chun
     hdf5::writeProvenance(file_.get(), content.provenance);
     createTable(content.table, header, layout);
     writeZones(header.zones);
-}
-
-// Writes bytes of the library as a dataset under "/" and returns their place.
-std::uint64_t OmxWriter::writeBytes(char const* name, std::span<std::byte const> bytes) {
-    std::array<hsize_t, 1> const size = {bytes.size()};
-    Handle const dataset =
-        createDataset(file_.get(), name, H5T_STD_U8LE, simple(size).get(), untimedProperties(H5P_DATASET_CREATE).get());
-    check(H5Dwrite(dataset.get(), H5T_STD_U8LE, H5S_ALL, H5S_ALL, H5P_DEFAULT, bytes.data()), "write bytes");
-    return H5Dget_offset(dataset.get());
 }
 
 void OmxWriter::createTable(std::string const& table, FileHeader const& header, ChunkLayout layout) {
@@ -163,7 +140,7 @@ void OmxWriter::writeChunk(int firstRow, std::span<std::byte const> bytes) {
 
 std::uint64_t OmxWriter::writeChunkTable(std::vector<ChunkPlace> const& chunks) {
     hdf5::Session const session;
-    return writeBytes(omx::chunks, std::as_bytes(std::span(chunks)));
+    return hdf5::writeBytes(file_.get(), omx::chunks, std::as_bytes(std::span(chunks)));
 }
 
 void OmxWriter::finish(hdf5::Id128 const& content) {

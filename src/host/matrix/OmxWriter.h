@@ -43,7 +43,6 @@ public:
     void finish(hdf5::Id128 const& content);
 
 private:
-    std::uint64_t writeBytes(char const* name, std::span<std::byte const> bytes);
     void createTable(std::string const& table, FileHeader const& header, ChunkLayout layout);
     void writeZones(std::vector<std::int32_t> const& zones);
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "host/hdf5/Hdf5.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace cubes::hdf5 {
+
+/// An HDF5 file that is made or changed in memory, so that HDF5 never meets a full disk: its bytes are written
+/// afterwards as a whole. REQUIRES: within a Session, and one object at a time.
+class MemoryFile {
+public:
+    /// A new file.
+    MemoryFile();
+    /// With the bytes of an existing file. Throws Error when they are no HDF5 file.
+    explicit MemoryFile(std::vector<std::byte> existing);
+    MemoryFile(MemoryFile const&) = delete;
+    MemoryFile& operator=(MemoryFile const&) = delete;
+
+    hid_t get() const noexcept { return file_.get(); }
+    /// Closes the file and returns its bytes.
+    std::vector<std::byte> finish();
+
+private:
+    // Lives longer than the file, which keeps its bytes here.
+    std::vector<std::byte> bytes_;
+    Handle file_;
+};
+
+}
