@@ -24,6 +24,20 @@ endfunction()
 dep_library(dep::sqlite sqlite3.h sqlite3 LINK Threads::Threads)
 dep_library(dep::pq libpq-fe.h pq SUFFIXES postgresql)
 dep_library(dep::hdf5 hdf5.h hdf5 LINK ZLIB::ZLIB $<$<PLATFORM_ID:Windows>:ws2_32> SUFFIXES hdf5/serial)
+if(NOT WIN32)
+  # The library and the provider share it and do not exclude each other. On Windows each has its own.
+  include(CheckSourceCompiles)
+  set(CMAKE_REQUIRED_INCLUDES ${dep__hdf5_INCLUDE})
+  check_source_compiles(C "#include <hdf5.h>
+    #ifndef H5_HAVE_THREADSAFE
+    #error
+    #endif
+    int main(void) { return 0; }" CUBES_HDF5_HAS_THREADS)
+  unset(CMAKE_REQUIRED_INCLUDES)
+  if(NOT CUBES_HDF5_HAS_THREADS)
+    message(FATAL_ERROR "HDF5 was built without thread support (H5_HAVE_THREADSAFE); install one with it")
+  endif()
+endif()
 dep_library(dep::deflate libdeflate.h deflate)
 dep_library(dep::fmt fmt/format.h fmt)
 dep_headers(dep::xxhash xxhash.h XXH_INLINE_ALL=1)
