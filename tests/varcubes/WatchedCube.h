@@ -3,10 +3,13 @@
 #include <cubes/database/TRkConnectionManager.h>
 #include <cubes/varcubes/TRkVarCubes.h>
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/CubeTesting.h"
