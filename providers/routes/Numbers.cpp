@@ -14,7 +14,7 @@ namespace {
 
 constexpr hsize_t chunkBytes = hsize_t{1} << 18;
 constexpr unsigned quickestLevel = 1;
-// Other programs write wider attributes.
+// Other programs may write wider attributes.
 constexpr std::size_t widestNumber = 8;
 
 Handle listOf(std::size_t count) {

@@ -22,7 +22,7 @@ constexpr std::int32_t version = 1;
 constexpr std::int32_t noCube = 0;
 constexpr Key noKey = {-1, -1, -1, -1, -1, -1};
 
-// The size is known when the file is complete.
+// The size is known only when the file is complete.
 void writeSizeIntoRecord(Bytes& file) {
     auto found = hdf5::findRecord(file);
     if (!found) return;

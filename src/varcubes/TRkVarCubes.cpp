@@ -433,7 +433,7 @@ bool TRkVarCubes::GetChilds(short, short, short, short, short, short, TRkAutoLis
 bool TRkVarCubes::Set(
     short p, short m, short t, short u, short r, short i, TRkMatrix const& matrix, RkLockState lock, bool zeroBased) {
     ProjectCall const call(settings_);
-    // Numbers that a key or a file's name cannot hold end here, before anything is lost.
+    // Numbers that a key or a file's name cannot hold are rejected here, before anything is lost.
     if (MatrixFile(p, m, t, u, r, i, zeroBased).IsEmpty()) return false;
     MakeFilename(p, m, t, u, r, i);
     if (Check(p, m, t, u, r, i, zeroBased)) Clear(p, m, t, u, r, i, zeroBased);

@@ -126,7 +126,7 @@ TEST_P(RouteOverrides, seeTheConnectionOfTheirOwnProject) {
     expectOwnConnection<RouteStorageDataCube>(routeData, own, ofData);
 }
 
-TEST_P(RouteOverrides, takeEffectInStoringAndFetching) {
+TEST_P(RouteOverrides, takeEffectWhenStoringAndFetching) {
     Noting<RouteStorageCube> routeSets(project().settings());
     expectCalls(routeSets);
     Noting<RouteStorageDataCube> routeData(project().settings());

@@ -34,18 +34,16 @@ struct OpeningFailure {
 
 constexpr OpeningFailure openingFailures[] = {
     {" (file signature not found", "it is not an HDF5 file"},
-    {" (truncated file", "it is cut off"},
-    {" (cannot read past the end", "it is cut off"},
+    {" (truncated file", "it is truncated"},
+    {" (it is truncated", "it is truncated"},
 };
 
 void requireOwn(hid_t parent, std::string const& name) {
-    if (!isOwnLink(parent, name))
-        throw std::runtime_error(name + " leads elsewhere: it is a link, which is not followed");
+    if (!isOwnLink(parent, name)) throw std::runtime_error(name + " is a soft or external link");
 }
 
 void requireOwnStorage(hid_t dataset, std::string const& name) {
-    if (!isOwnStorage(dataset))
-        throw std::runtime_error(name + " leads elsewhere: its storage is external or virtual, which is not read");
+    if (!isOwnStorage(dataset)) throw std::runtime_error(name + " is not stored in this file");
 }
 
 constexpr haddr_t largestAddress = (haddr_t{1} << 63) - 1;

@@ -68,11 +68,11 @@ Status check(Status status, std::string_view action) {
     return status;
 }
 
-/// Deflate makes nothing smaller than about a thousandth, so a file that claims more is damaged.
+/// Deflate compresses to about a thousandth at best: a file that claims more is damaged.
 inline constexpr std::size_t mostInflation = 1040;
 
-/// Opens a file for reading through `file`: it can be replaced and removed meanwhile on every system, failures
-/// have the system's messages, and closing it closes everything opened in it.
+/// Opens a file for reading through `file`: on every system it can be replaced and removed meanwhile, errors have the
+/// system's messages, and closing it closes everything opened in it.
 Handle openFile(platform::File file);
 /// Owns the file that H5Fopen returned. Throws std::runtime_error when it failed: "it is not an HDF5 file".
 Handle openedFile(hid_t id);

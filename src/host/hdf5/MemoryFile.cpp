@@ -14,10 +14,10 @@ namespace {
 using Bytes = std::vector<std::byte>;
 
 constexpr std::size_t growth = std::size_t{1} << 20;
-// Files in memory are distinguished by their names; ours exist one at a time.
+// Files in memory are distinguished by their names; there is one at a time.
 constexpr char const* memoryName = "file in memory";
 
-// HDF5 lets the application hold the memory of a file. (HDF5's own copy of a file in memory has a
+// HDF5 lets the application own the memory of a file. (HDF5's own copy of a file in memory has a
 // wrong checksum in this version of the format.)
 
 void* resized(Bytes& bytes, std::size_t size) noexcept {
@@ -79,7 +79,7 @@ Handle createIn(Bytes& bytes) {
 Handle openIn(Bytes& bytes, Bytes existing) {
     Handle const access = accessTo(bytes);
     check(H5Pset_file_image(access.get(), existing.data(), existing.size()), "read the file into memory");
-    return Handle(H5Fopen(memoryName, H5F_ACC_RDWR, access.get()), H5Fclose, "open it as HDF5");
+    return openedFile(H5Fopen(memoryName, H5F_ACC_RDWR, access.get()));
 }
 
 }

@@ -7,7 +7,7 @@
 
 namespace cubes::hdf5 {
 
-/// An HDF5 file that is made or changed in memory, so that HDF5 never meets a full disk: its bytes are written
+/// An HDF5 file that is created or changed in memory, so that HDF5 never writes to a full disk: its bytes are written
 /// afterwards as a whole. REQUIRES: within a Session, and one object at a time.
 class MemoryFile {
 public:
@@ -23,7 +23,7 @@ public:
     std::vector<std::byte> finish();
 
 private:
-    // Lives longer than the file, which keeps its bytes here.
+    // Outlives the file, which stores its bytes here.
     std::vector<std::byte> bytes_;
     Handle file_;
 };

@@ -90,7 +90,7 @@ void BlockDecoder::decode(std::span<std::byte const> stored, unsigned skipped, s
 void inflateBand(BlockDecoder& decoder, Bands const& bands, std::size_t band, std::span<std::byte const> stored,
     unsigned skipped, float* all) {
     if (stored.empty()) return;
-    // Memory is asked for only after this: a damaged file may claim any size.
+    // Memory is allocated only after this check: a damaged file may claim any size.
     if (bands.chunkSize() * sizeof(float) / hdf5::mostInflation > stored.size())
         throw std::runtime_error("a compressed chunk is damaged");
     auto const target = bands.elements(band, all);

@@ -38,7 +38,7 @@ auto describingFailure(std::string_view action, std::string const& file, Work co
     } catch (std::bad_alloc const&) {
         throwFailure(action, file, "not enough memory");
     } catch (std::system_error const& error) {
-        // The system's message alone where it is about this very file, or about the temporary one that replaces it.
+        // The system's message alone if it concerns this file or the temporary file that replaces it.
         std::string_view const text = error.what();
         bool const sameFile =
             text.find(" " + file + ":") != std::string_view::npos || platform::mentionsTemporaryFile(text);

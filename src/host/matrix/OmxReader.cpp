@@ -52,8 +52,8 @@ bool isOurs(hid_t dataset) {
     return H5Aexists(dataset, omx::content) > 0 || H5Aexists(dataset, omx::checksum) > 0;
 }
 
-// Only a table of ours may be large and all but empty: elsewhere that is a sign of damage, and
-// reading it would take very long.
+// Only a table of the library may be large and almost empty: in other files that indicates damage, and reading would
+// take very long.
 void requireStorage(hid_t file, hid_t dataset, std::size_t elements) {
     hsize_t size = 0;
     check(H5Fget_filesize(file, &size), "read the size of the file");
@@ -107,7 +107,7 @@ std::vector<std::string> linksOf(hid_t group) {
     return names;
 }
 
-// What leads elsewhere counts as one: it is not looked at, and refused once it is opened.
+// Links and datasets that are stored elsewhere are listed as well; opening them fails.
 bool isDataset(hid_t group, std::string const& name, int dimensions) {
     if (!hdf5::isOwnLink(group, name)) return true;
     hid_t const object = H5Oopen(group, name.c_str(), H5P_DEFAULT);

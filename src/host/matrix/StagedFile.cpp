@@ -94,7 +94,7 @@ void makeIdentityInPlace(std::string const& path, std::string const& text) {
     }
 }
 
-// A hard link gives the complete file its name only where none is: of several that try, one succeeds.
+// A hard link names the complete file only if the name is free: of several that try, one succeeds.
 void makeIdentity(std::string const& path) {
     std::string const text = randomIdentity().text() + "\n";
     try {

@@ -4,7 +4,7 @@
 
 namespace cubes::test {
 
-/// Makes the system refuse second names (hard links) to this process with `error`, while an object lives.
+/// Makes the system refuse hard links to this process with `error`, while an object exists.
 class RefusedLinks {
 public:
     explicit RefusedLinks(int error);
@@ -13,9 +13,9 @@ public:
     RefusedLinks& operator=(RefusedLinks const&) = delete;
 };
 
-/// Makes the system fail for this process: while an object lives, the n-th of the calls that change
-/// the disk (write, copy, flush, cut, rename, make a file), counted from 1, fails with `error`, whoever
-/// makes it, HDF5 included. Later ones fail too, as on a disk that stays full, or `once` only.
+/// Makes system calls of this process fail: while an object exists, the n-th of the calls that change the disk (write,
+/// copy, flush, truncate, rename, create a file), counted from 1, fails with `error`, also when HDF5 makes it. Later
+/// ones fail too, as on a disk that stays full, unless `once` is set.
 class FailingSystem {
 public:
     enum class Failure { stays, once };

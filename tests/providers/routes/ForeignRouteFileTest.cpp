@@ -165,11 +165,11 @@ TEST(AnotherProgram, mayHaveWrittenAFileOfAnotherKind) {
         char const* reason;
     } const others[] = {
         {"", "it is empty"},
-        {"abc", "cannot open it as HDF5 (it is truncated)"},
-        {"origin,destination\n", "cannot open it as HDF5"},
-        {std::string(100000, '\0'), "cannot open it as HDF5"},
-        {"\x89HDF\r\n\x1a\n", "cannot open it as HDF5"},
-        {"SQLite format 3" + std::string(1000, '\0'), "cannot open it as HDF5"},
+        {"abc", "it is truncated"},
+        {"origin,destination\n", "it is not an HDF5 file"},
+        {std::string(100000, '\0'), "it is not an HDF5 file"},
+        {"\x89HDF\r\n\x1a\n", "it is truncated"},
+        {"SQLite format 3" + std::string(1000, '\0'), "it is not an HDF5 file"},
     };
     for (auto const& other : others) {
         writeFile(file, other.bytes);

@@ -66,7 +66,7 @@ std::vector<Case> const fileCases = {
     {"a cell twice in a tntp", "cubes import twice.tntp New/1/1/1/1", 3, {"twice.tntp", "line 4"}},
     {"an empty omx", "cubes import empty.omx New/1/1/1/1", 3, {"into New/1/1/1/1: it is empty"}},
     {"not HDF5", "cubes import text.omx New/1/1/1/1", 3, {"into New/1/1/1/1: it is not an HDF5 file"}},
-    {"a truncated omx", "cubes import truncated.omx New/1/1/1/1", 3, {"into New/1/1/1/1: it is cut off"}},
+    {"a truncated omx", "cubes import truncated.omx New/1/1/1/1", 3, {"into New/1/1/1/1: it is truncated"}},
     {"the wrong shape", "cubes import cube.omx New/1/1/1/1", 3, {"cube.omx"}},
     {"a table that is not there", "cubes import two.omx New/1/1/1/1 --table c", 3, {"two.omx", "c"}},
     {"tables to choose from", "cubes import two.omx New/1/1/1/1", 3, {"two.omx", "--table: a, b"}},
