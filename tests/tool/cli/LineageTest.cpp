@@ -70,7 +70,6 @@ TEST_P(LineageSession, reportsParentsThatAreNotEntries) {
         char const* parent;
     } const cases[] = {
         {"parentcubenr = -1, parentresult = null, parentiteration = null", "-1/1/1/1/1"},
-        {"parentcubenr = -1, parentpurpose = null", "skim/-1/1/1/1/1/2"},
         {"parentcubenr = 1", "1/1/1/1/1/1/2"},
         {"parentcubenr = 77, parentresult = -1, parentiteration = -1", "77/1/1/1/1"},
         {"parentcubenr = null", "0/1/1/1/1/1/2"},
@@ -83,6 +82,9 @@ TEST_P(LineageSession, reportsParentsThatAreNotEntries) {
         EXPECT_NE(output("parent skim/1/1/1/1/1/3").find("parent  " + std::string(parent) + "\n"), std::string::npos)
             << assignments;
     }
+    // A key without one of its first parts names no entry.
+    setParent(3, "parentcubenr = -1, parentpurpose = null");
+    EXPECT_EQ(output("tree skim/1/1/1/1/1/3"), "* skim/1/1/1/1/1/3\n");
 }
 
 TEST_P(LineageSession, findsTheChildrenOfARemovedCube) {
