@@ -313,7 +313,7 @@ void EntryStore::move(EntryKey const& from, EntryKey const& to, CopyOptions cons
         writing.requireFree(task, entry);
         EntryWriting::Change const change{
             options.exists, {to.isResult(), to.isResult() ? entry.parent : std::nullopt}, entry};
-        if (shareFiles(from, to)) return writing.putCopy(task, to, writing.requireFile(task, entry), change);
+        if (shareFiles(from, to)) return writing.moveFile(task, to, change);
         writing.moveMatrix(task, to, change);
     });
 }

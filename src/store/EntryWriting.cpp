@@ -348,7 +348,8 @@ void EntryWriting::moveMatrix(Task const& task, EntryKey const& to, Change const
 }
 
 void EntryWriting::requireMatrix(Task const& task, EntryKey const& key) const {
-    if (kindOf(key.cube()).holdsRoutes) task.fail(Reason::invalidKey, text(key) + " holds routes, not a matrix");
+    if (kindOf(key.cube()).holdsRoutes)
+        task.fail(Reason::invalidKey, task.subject(text(key)) + " holds routes, not a matrix");
 }
 
 void EntryWriting::write(StagedFile& staged, EntryKey const& key, TRkMatrix const& matrix) const {
@@ -396,6 +397,19 @@ void EntryWriting::removeContent(EntryInfo const& entry) {
         catalogue::removeResult(entry.file);
     else
         platform::removeFile(entry.file);
+}
+
+// The file itself keeps its old stamp, which is only a hint.
+void EntryWriting::moveFile(Task const& task, EntryKey const& to, Change const& change) const {
+    std::string const source = requireFile(task, *change.movedFrom);
+    store(task, to, change, [&](StagedFile& staged) {
+        try {
+            staged.copy(source, stampOf(to));
+        } catch (TRkMatrixException const& error) {
+            if (reasonOf(error.Code()) != Reason::noSpace) throw;
+            staged.link(source);
+        }
+    });
 }
 
 void EntryWriting::remove(Task const& task, EntryKey const& key) const {

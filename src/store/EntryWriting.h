@@ -60,6 +60,8 @@ public:
         Task const& task, EntryKey const& key, EntryStore::FileWriter const& write, Change const& change) const;
     /// Copies a file as it is.
     void putCopy(Task const& task, EntryKey const& key, std::string const& source, Change const& change) const;
+    /// Copies the file of the entry that is moved, or gives it a second name on a full disk.
+    void moveFile(Task const& task, EntryKey const& to, Change const& change) const;
     /// Stores the matrix of the entry that is moved under the key of the other family.
     void moveMatrix(Task const& task, EntryKey const& to, Change const& change) const;
     /// Removes an entry in two steps. The first checks that it can be removed and holds its file's lock.
