@@ -17,7 +17,8 @@ constexpr double mebibyte = 1024.0 * 1024.0;
 constexpr double walkLimit = 64;
 
 void require(int listed, int expected = count) {
-    if (listed != expected) throw std::runtime_error("entries were left out");
+    if (listed != expected)
+        throw std::runtime_error(fmt::format("{} entries were listed, expected {}", listed, expected));
 }
 
 // Mebibytes, in the columns of times: "bare" is the limit itself.
@@ -42,13 +43,15 @@ Result listing(Entries& entries, Family const& family) {
 }
 
 Result storeListing(Entries& entries, Family const& family) {
-    std::string const query = fmt::format("select \"{1}\", \"usageCounter\", filename from {0} order by \"{1}\"",
-        entries.table(), fmt::join(family.columns, "\", \""));
+    std::string const query =
+        fmt::format("select \"{1}\", \"usageCounter\", filename from {0} where cubenr = {2} order by \"{1}\"",
+            entries.table(), fmt::join(family.columns, "\", \""), family.cube);
     return compare({fmt::format("{}, {}, store.entries", entries.name(), count), 1.3, 3, 1,
         [&] { require(entries.bare().list(query, true)); },
         [&] {
             int found = 0;
-            for (auto const& entry : entries.store().entries()) found += entry.users >= 0;
+            for (auto const& entry : entries.store().entries({.cube = std::to_string(family.cube)}))
+                found += entry.users >= 0;
             require(found);
         }});
 }
