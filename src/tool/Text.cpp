@@ -201,11 +201,10 @@ std::string quotedForShell(std::string const& word) {
     return text + "'";
 }
 
-std::optional<std::string> nearestTo(
-    std::string_view unknown, std::span<std::string const> known, std::size_t mostEdits) {
+std::optional<std::string> nearestTo(std::string_view unknown, std::span<std::string const> known, std::size_t limit) {
     auto const edits = [&](std::string const& word) { return editsBetween(unknown, word); };
     auto const nearest = std::ranges::min_element(known, {}, edits);
-    bool const isNear = nearest != known.end() && edits(*nearest) <= mostEdits;
+    bool const isNear = nearest != known.end() && edits(*nearest) <= limit;
     return isNear ? std::optional(*nearest) : std::nullopt;
 }
 

@@ -48,10 +48,9 @@ std::string_view trimmed(std::string_view text);
 bool isSameWord(std::string_view first, std::string_view second);
 /// A word quoted for the shell where it needs that.
 std::string quotedForShell(std::string const& word);
-/// The known word that is nearest to an unknown one, ignoring case; nothing when all are more edits away than given.
+/// The known word that is nearest to an unknown one, ignoring case; nothing when all are more than `limit` edits away.
 /// An edit inserts, deletes or replaces a letter, or swaps two neighbours.
-std::optional<std::string> nearestTo(
-    std::string_view unknown, std::span<std::string const> known, std::size_t mostEdits);
+std::optional<std::string> nearestTo(std::string_view unknown, std::span<std::string const> known, std::size_t limit);
 /// "; did you mean delta?" with the known word nearest to an unknown one, ignoring case; empty when all are more than
 /// two edits away.
 std::string suggestion(std::string_view unknown, std::span<std::string const> known);

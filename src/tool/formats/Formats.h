@@ -28,7 +28,7 @@ TripTable readTripTable(
 void writeTripTable(std::string const& path, TripTable const& trips, std::string const& table,
     CsvForm form = CsvForm::longForm, ProgressCallback const& progress = {});
 
-/// Reads comma-separated values in either form, told apart by the first line. The long form has the
+/// Reads comma-separated values in either form, which the first line decides. The long form has the
 /// columns origin, destination and value, in any order; OD pairs that it does not list are 0. The wide
 /// form has the same zones in its first row and column. Zones are sorted in ascending order.
 TripTable readCsv(std::string const& path, ProgressCallback const& progress);

@@ -51,7 +51,7 @@ struct State {
     char const* sqlState;
 };
 
-// SQLite's codes under the names of the standard, where callers may want to tell them apart.
+// The SQLSTATE of each of SQLite's codes that callers distinguish.
 constexpr State states[] = {
     {SQLITE_CONSTRAINT_PRIMARYKEY, sqlstate::duplicateKey},
     {SQLITE_CONSTRAINT_UNIQUE, sqlstate::duplicateKey},
