@@ -1,6 +1,9 @@
 #include "matcubes/EntryTransfer.h"
 
 #include "catalogue/EntryFile.h"
+#include "catalogue/Tables.h"
+
+#include <cubes/database/TPgConnection.h>
 
 namespace cubes::matcubes {
 
@@ -18,6 +21,10 @@ bool lookUp(
     return cubes.LookUp(table, k[0], k[1], k[2], k[3], k[4], zeroBased);
 }
 
+}
+
+void forgetContent(Pgaccess::TPgConnection* connection, CubeKey const& key) {
+    if (connection) catalogue::forgetContent(connection->Backend(), key);
 }
 
 bool EntryTransfer::copy() const {
@@ -51,7 +58,10 @@ bool EntryTransfer::transfer(Tables const& tables, Placing const& place) const {
     if (refusal && lookUp(target, tables.target, to, zeroBased)) throw TRkCubesException(*refusal);
     if (!target.Add(tables.target, to[0], to[1], to[2], to[3], to[4], zeroBased)) return true;
     std::string const targetFile = pathOf(target, *tables.target);
-    return sourceFile.empty() || targetFile.empty() || place(tables, sourceFile, targetFile);
+    if (sourceFile.empty() || targetFile.empty()) return true;
+    if (!place(tables, sourceFile, targetFile)) return false;
+    if (auto const key = catalogue::storedKey(to, zeroBased)) forgetContent(target.GetConnection(), *key);
+    return true;
 }
 
 }

@@ -17,6 +17,9 @@ inline std::optional<TRkCubesException::ErrorCodes> whenExisting(
     return failIfExists ? std::optional(code) : std::nullopt;
 }
 
+/// Removes what the store recorded of an entry's file, which is no longer true once it is written here.
+void forgetContent(Pgaccess::TPgConnection* connection, catalogue::CubeKey const& key);
+
 /// Copies or moves an entry after the cubes were checked, within one cube object or from another one. See
 /// TRkMatCubes::Copy and Move for results and errors.
 struct EntryTransfer {

@@ -42,11 +42,6 @@ void insertUnlessTaken(EntryTable& entries, CubeKey const& key, TRkString const&
             "cannot add entry " + cubes::catalogue::displayKey(key) + ": others add and remove it at the same time");
 }
 
-// What the store recorded of the entry's file is no longer true once this class writes it.
-void forgetContent(Pgaccess::TPgConnection* connection, CubeKey const& key) {
-    if (connection) cubes::catalogue::forgetContent(connection->Backend(), key);
-}
-
 void removeEntry(Rktable::TRkTableProxy& table, TRkFString const& directory) {
     cubes::platform::removeFile(EntryTable(table, keyParts).remove(directory.str()));
 }
@@ -136,11 +131,11 @@ bool TRkMatCubes::Add(
     if (!table) return false;
     auto const key = storedKey(CubeKey{cubenr, p, m, t, u}, zeroBased);
     if (!key) return false;
-    forgetContent(GetConnection(), *key);
     EntryTable entries(*table, keyParts);
     if (falseWithoutTable([&] { return entries.locate(*key); })) return true;
     // Formed before the row is begun: a number that the name cannot hold leaves no half-made row.
     insertUnlessTaken(entries, *key, cubes::catalogue::fileStem(*key) + extension_);
+    cubes::matcubes::forgetContent(GetConnection(), *key);
     return true;
 }
 
@@ -280,8 +275,11 @@ TRkMatrixHeader const* TRkMatCubes::GetHeader(
 bool TRkMatCubes::Set(
     short cubenr, short p, short m, short t, short u, TRkMatrix const& matrix, RkLockState lock, bool zeroBased) {
     if (!Check(cubenr, p, m, t, u, zeroBased)) return false;
-    if (auto const key = storedKey(CubeKey{cubenr, p, m, t, u}, zeroBased)) forgetContent(GetConnection(), *key);
-    return SaveMatrix(matrix, cubenr, p, m, t, u, lock, zeroBased);
+    bool const isSaved = SaveMatrix(matrix, cubenr, p, m, t, u, lock, zeroBased);
+    auto const key = storedKey(CubeKey{cubenr, p, m, t, u}, zeroBased);
+    // A matrix that was not changed is copied, and false is returned.
+    if (key && (isSaved || matrix.StateCode() == lsUnchanged)) cubes::matcubes::forgetContent(GetConnection(), *key);
+    return isSaved;
 }
 
 bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, TRkMatrix const& matrix,
@@ -296,7 +294,7 @@ bool TRkMatCubes::Set(char const* cubeName, short p, short m, short t, short u, 
         EntryTable entries(*table, keyParts);
         if (entries.locate(*key)) removeEntry(*table, matrixDirectory_);
         insertUnlessTaken(entries, *key, filename);
-        forgetContent(GetConnection(), *key);
+        cubes::matcubes::forgetContent(GetConnection(), *key);
     }
     return SaveMatrix(matrix, *cubenr, p, m, t, u, lock, zeroBased);
 }

@@ -28,6 +28,10 @@ namespace {
 constexpr std::size_t cubeParts = 4;
 constexpr std::size_t resultParts = 6;
 
+bool isControl(char c) {
+    return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
+}
+
 std::optional<short> numberOf(std::string_view text) {
     short number = 0;
     auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -121,7 +125,10 @@ EntryStore::EntryStore(std::unique_ptr<StoreTables> tables) : tables_(std::move(
 EntryStore::~EntryStore() = default;
 
 EntryKey EntryStore::parse(std::string_view text) const {
-    if (auto const numbers = numbersIn(text)) return keyOf(*numbers);
+    auto const numbersAlone = numbersIn(text);
+    // A cube may be called "2030/1/15".
+    if (numbersAlone && (numbersAlone->size() == 1 + cubeParts || !findCube(split(text, cubeParts)->cube)))
+        return keyOf(*numbersAlone);
     Task const task{"read \"" + std::string(text) + "\" as an entry", std::string(text)};
     auto const* const kind = kindAt(text);
     bool const isResult = kind && kind->isResult;
@@ -195,6 +202,9 @@ short EntryStore::addCube(std::string const& name) {
     Task const task{"add cube \"" + name + "\"", {}};
     return reporting(task, [&] {
         auto const cubes = tables_->cubes();
+        if (name.empty()) task.fail(Reason::invalidKey, "the name is empty");
+        if (std::any_of(name.begin(), name.end(), isControl))
+            task.fail(Reason::invalidKey, "the name contains control characters");
         if (auto const excess = cubes.excess(name); !excess.empty()) task.fail(Reason::invalidKey, excess);
         auto const number = cubes.add(name.c_str());
         if (!number) task.fail(Reason::database, "all cube numbers are in use");
@@ -223,14 +233,21 @@ TRkMatrix EntryStore::get(EntryKey const& key) const {
     });
 }
 
-EntryRange EntryStore::entries(EntrySelection const& selection) const {
-    std::optional<CubeInfo> cube;
-    if (!selection.cube.empty()) {
-        cube = findCube(selection.cube);
-        // Applications may store entries of a cube that is in no register.
-        if (auto const number = numberOf(selection.cube); number && !cube) cube = CubeInfo{*number, selection.cube};
-        if (!cube) Task{"list the entries of " + selection.cube, {}}.fail(Reason::notFound, "there is no such cube");
+std::optional<CubeInfo> EntryStore::selectedCube(EntrySelection const& selection) const {
+    auto number = selection.cubeNumber;
+    if (!number && selection.cube.empty()) return std::nullopt;
+    if (!number) {
+        if (auto cube = findCube(selection.cube)) return cube;
+        number = numberOf(selection.cube);
     }
+    if (!number) Task{"list the entries of " + selection.cube, {}}.fail(Reason::notFound, "there is no such cube");
+    // Applications may store entries of a cube that is in no register.
+    auto const* const kind = findKind(*number);
+    return kind ? infoOf(*kind) : CubeInfo{*number, {}};
+}
+
+EntryRange EntryStore::entries(EntrySelection const& selection) const {
+    auto const cube = selectedCube(selection);
     return reporting({"list entries", {}},
         [&] { return EntryRange(std::make_unique<EntryWalk>(*tables_, store::stagesOf(selection, cube))); });
 }
@@ -352,13 +369,7 @@ std::optional<EntryKey> EntryStore::parent(EntryKey const& key) const {
 void EntryStore::setParent(EntryKey const& key, std::optional<EntryKey> const& parent) {
     auto const task = taskFor("set the parent of", key);
     if (!key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
-    reporting(task, [&] {
-        auto rows = tables_->rows(true);
-        if (!rows->locate(key.numbers())) task.fail(Reason::notFound, "there is no such entry");
-        if (rows->users() != 0) task.fail(Reason::inUse, "it is in use; try again later");
-        if (parent) rows->requireParent();
-        if (!rows->setParent(store::numbersOf(parent))) task.fail(Reason::notFound, "it was removed meanwhile");
-    });
+    reporting(task, [&] { EntryWriting(*tables_).setParent(task, key, parent); });
 }
 
 std::vector<EntryKey> EntryStore::children(EntryKey const& key) const {

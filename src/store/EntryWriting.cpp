@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 
 namespace cubes::store {
 
@@ -77,6 +78,15 @@ matrix::MatrixContent contentOf(TRkMatrix const& matrix, catalogue::Kind const& 
     return content;
 }
 
+bool mayBeRead(std::string const& file) {
+    try {
+        platform::File::openForReading(file);
+        return true;
+    } catch (std::system_error const&) {
+        return false;
+    }
+}
+
 // Replaces the target. Returns the error of a flush that failed afterwards.
 std::optional<TRkMatrixException> publish(StagedFile& staged) {
     try {
@@ -110,14 +120,16 @@ void EntryWriting::missing(Task const& task, EntryKey const& key) const {
 }
 
 void EntryWriting::outside(Task const& task, EntryInfo const& entry, char const* advice) const {
-    task.fail(Reason::outsideDirectory, "its row names the file \"" + entry.storedName +
-                                            "\", which is not inside the directory " +
-                                            tables_.directory(entry.key.isResult()) + advice);
+    auto const row = task.subject(entry.text) == "it" ? std::string("its row") : "the row of " + entry.text;
+    Task{task.action, entry.text}.fail(Reason::outsideDirectory, row + " names the file \"" + entry.storedName +
+                                                                     "\", which is not inside the directory " +
+                                                                     tables_.directory(entry.key.isResult()) + advice);
 }
 
 std::string EntryWriting::requireFile(Task const& task, EntryInfo const& entry) const {
     if (entry.file.empty()) outside(task, entry, "");
-    if (!platform::exists(entry.file)) task.fail(Reason::notFound, "there is no file " + entry.file, entry.file);
+    if (!platform::exists(entry.file))
+        Task{task.action, entry.text}.fail(Reason::notFound, "there is no file " + entry.file, entry.file);
     return entry.file;
 }
 
@@ -130,9 +142,10 @@ void EntryWriting::requireOwn(Task const& task, EntryKey const& key, Rows& conte
     if (!recorded.isKnown()) return;
     auto const own = tables_.identity(key.isResult());
     if (!own.isKnown() || own == recorded || isStoredHere(key, recorded)) return;
-    task.fail(Reason::otherDirectory, "the file of " + tables_.text(key) +
-                                          " belongs to another project that shares the database (directory " +
-                                          recorded.text() + "); do it in that project");
+    auto const name = text(key);
+    Task{task.action, name}.fail(Reason::otherDirectory,
+        "the file of " + name + " belongs to another project that shares the database (directory " + recorded.text() +
+            "); do it in that project");
 }
 
 // A directory that lost its "cubes-id" has another identity than was recorded. The table of results
@@ -143,8 +156,8 @@ bool EntryWriting::isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded
     if (!rows->locate(key.numbers())) return false;
     auto const file = tables_.path(key, rows->filename());
     if (!platform::isRegularFile(file)) return false;
-    auto const origin = matrix::readOrigin(file);
-    return origin && origin->stamp.directory == recorded;
+    auto const stamp = matrix::readStamp(file);
+    return stamp && stamp->directory == recorded;
 }
 
 void EntryWriting::requireStorable(Task const& task, EntryKey const& key) const {
@@ -204,14 +217,24 @@ void EntryWriting::commitRecord(database::Transaction& transaction) {
     }
 }
 
-void EntryWriting::recordFile(EntryKey const& key, std::string const& file) const {
+void EntryWriting::recordFile(EntryKey const& key, ContentRecord const& record) const {
     try {
-        auto const origin = matrix::readOrigin(file);
-        tables_.record(key, {tables_.identity(key.isResult()), origin ? origin->content : hdf5::Id128(),
-                                platform::fileSize(file), platform::lastChange(file)});
+        tables_.record(key, record);
     } catch (TRkDatabaseException const&) {
-    } catch (std::system_error const&) {
     }
+}
+
+// Read before the transaction begins: reading may need HDF5.
+ContentRecord EntryWriting::recordOf(EntryKey const& key, StagedFile const& staged) const {
+    ContentRecord record{tables_.identity(key.isResult()), {}, 0, 0};
+    try {
+        record.size = platform::fileSize(staged.path());
+        record.changed = platform::lastChange(staged.path());
+        if (auto const origin = matrix::readOrigin(staged.path())) record.content = origin->content;
+    } catch (std::exception const&) {
+        // What a damaged file holds is not known; it is copied as it is.
+    }
+    return record;
 }
 
 void EntryWriting::requireDirectory(Task const& task, std::string const& directory) {
@@ -237,7 +260,8 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
 
     StagedFile staged(target);
     write(staged);
-    auto const late = commit(task, key, change, staged);
+    auto const record = recordOf(key, staged);
+    auto const late = commit(task, key, change, staged, record);
     if (change.movedFrom) platform::discardFile(change.movedFrom->file);
     if (late)
         task.fail(reasonOf(late->Code()),
@@ -246,15 +270,19 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
 }
 
 std::optional<TRkMatrixException> EntryWriting::commit(
-    Task const& task, EntryKey const& key, Change const& change, StagedFile& staged) const {
+    Task const& task, EntryKey const& key, Change change, StagedFile& staged, ContentRecord const& record) const {
     tables_.requireContentTable(key.isResult());
     database::Transaction transaction(tables_.session());
-    if (change.movedFrom) takeRow(task, *change.movedFrom);
+    if (change.movedFrom) {
+        // Another program may have set the parent while the file was copied.
+        auto const taken = takeRow(task, *change.movedFrom);
+        if (key.isResult()) change.parentage.parent = taken.parent;
+    }
     bool const changesRows = changeRow(task, key, change, staged.target()) || change.movedFrom;
     std::optional<Replaced> replaced;
     if (changesRows) replaced.emplace(staged);
     auto late = publish(staged);
-    recordFile(key, staged.target());
+    recordFile(key, record);
     if (!changesRows) {
         commitRecord(transaction);
         return late;
@@ -299,25 +327,50 @@ bool EntryWriting::changeRow(
     bool const isNew = !rows->locateAndLock(key.numbers());
     auto const existing = isNew ? std::nullopt : std::optional(tables_.info(rows, key.isResult(), names_));
     if (targetOf(task, key, existing) != target) task.fail(Reason::locked, "another program is changing it; try again");
+    bool const changesParent = isNew || (change.parentage.isReplaced && existing->parent != change.parentage.parent);
+    if (changesParent) requireParentable(task, key, change.parentage.parent, rows);
     if (isNew) {
-        if (change.parentage.parent) rows->requireParent();
         if (!rows->insert(key.numbers(), catalogue::newFileName(key.numbers()), parent))
             task.fail(Reason::locked, "another program is adding it; try again");
         requireCube(task, key);
         return true;
     }
     requireReplaceable(task, *existing, change.exists);
-    if (change.parentage.parent) rows->requireParent();
-    if (!change.parentage.isReplaced || existing->parent == change.parentage.parent) return false;
+    if (!changesParent) return false;
     if (!rows->setParent(parent)) task.fail(Reason::notFound, "it was removed meanwhile");
     return true;
 }
 
-void EntryWriting::takeRow(Task const& task, EntryInfo const& entry) const {
-    auto const taken = deleteRows(task, {entry.key});
+void EntryWriting::setParent(Task const& task, EntryKey const& key, std::optional<EntryKey> const& parent) const {
+    database::Transaction transaction(tables_.session());
+    auto rows = tables_.rows(true);
+    if (!rows->locateAndLock(key.numbers())) missing(task, key);
+    requireFree(task, tables_.info(rows, true, names_));
+    requireParentable(task, key, parent, rows);
+    if (!rows->setParent(numbersOf(parent))) task.fail(Reason::notFound, "it was removed meanwhile");
+    transaction.commit();
+}
+
+void EntryWriting::requireParentable(
+    Task const& task, EntryKey const& key, std::optional<EntryKey> const& parent, Rows const& rows) const {
+    if (!parent) return;
+    rows->requireParent();
+    if (*parent == key) task.fail(Reason::invalidKey, "an entry cannot be its own parent");
+    auto results = tables_.rows(true);
+    std::set<EntryKey> seen;
+    // Rows that applications wrote may form a cycle already.
+    for (auto up = parent; up && up->isResult() && seen.insert(*up).second && results->locate(up->numbers());) {
+        up = parentOf(results->parent());
+        if (up == key) task.fail(Reason::invalidKey, text(*parent) + " was derived from " + task.subject(text(key)));
+    }
+}
+
+EntryInfo EntryWriting::takeRow(Task const& task, EntryInfo const& entry) const {
+    auto taken = deleteRows(task, {entry.key});
     if (taken.empty()) task.fail(Reason::notFound, task.subject(entry.text) + " was removed meanwhile");
     if (taken.front().storedName != entry.storedName)
         task.fail(Reason::locked, "another program is changing " + task.subject(entry.text) + "; try again");
+    return std::move(taken.front());
 }
 
 TRkMatrix EntryWriting::read(Task const& task, EntryInfo const& entry) const {
@@ -326,9 +379,7 @@ TRkMatrix EntryWriting::read(Task const& task, EntryInfo const& entry) const {
     auto const file = requireFile(task, entry);
     TRkMatrix matrix(file.c_str(), 1, entry.text.c_str(), true, kind.matrixKind, lsNone, 0);
     if (matrix.IsValid()) return matrix;
-    // Throws when the file cannot be opened; one that can be opened is damaged.
-    platform::File::openForReading(file);
-    task.fail(Reason::damaged, matrix.Reason(), file);
+    Task{task.action, entry.text}.fail(mayBeRead(file) ? Reason::damaged : Reason::file, matrix.Reason(), file);
 }
 
 void EntryWriting::put(Task const& task, EntryKey const& key, TRkMatrix const& matrix, Change const& change) const {
@@ -446,7 +497,7 @@ void EntryWriting::requireOwnTransaction(Task const& task) const {
                                     "would not bring the file back; end it first");
 }
 
-// Deletes the rows in the order of their keys, so that two that remove the same entries never wait for each other.
+// Deletes the rows in the order of their keys, so that two that remove the same entries do not deadlock.
 std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<EntryKey> keys) const {
     std::sort(keys.begin(), keys.end());
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());

@@ -78,6 +78,7 @@ public:
         std::optional<EntryInfo> entry_;
         std::optional<matrix::WriteLock> lock_;
     };
+    void setParent(Task const& task, EntryKey const& key, std::optional<EntryKey> const& parent) const;
     void remove(Task const& task, EntryKey const& key) const;
     /// Removes those that exist, all or none. Returns how many.
     std::size_t removeAll(Task const& task, std::vector<EntryKey> const& keys) const;
@@ -92,18 +93,21 @@ private:
 
     void store(Task const& task, EntryKey const& key, Change const& change, Write const& write) const;
     /// Changes the rows and puts the file in place. Returns why the change may not survive a power failure, if so.
-    std::optional<TRkMatrixException> commit(
-        Task const& task, EntryKey const& key, Change const& change, matrix::StagedFile& staged) const;
+    std::optional<TRkMatrixException> commit(Task const& task, EntryKey const& key, Change change,
+        matrix::StagedFile& staged, ContentRecord const& record) const;
     /// Inside a transaction: adds the row or changes its parent, and returns whether it had to. The file will be
     /// `target`.
     bool changeRow(Task const& task, EntryKey const& key, Change const& change, std::string const& target) const;
+    /// Fails for a parent that is the entry itself or derived from it, or that the table has no columns for.
+    void requireParentable(
+        Task const& task, EntryKey const& key, std::optional<EntryKey> const& parent, Rows const& rows) const;
     static void commitRecord(database::Transaction& transaction);
     /// After a failed commit: whether the server may have committed, and whether the rows show that it
     /// has. Throws StoreError when they cannot be read.
     bool mayBeCommitted(TRkDatabaseException const& error) const;
     bool isCommitted(Task const& task, EntryKey const& key, Change const& change) const;
     void write(matrix::StagedFile& staged, EntryKey const& key, TRkMatrix const& matrix) const;
-    void takeRow(Task const& task, EntryInfo const& entry) const;
+    EntryInfo takeRow(Task const& task, EntryInfo const& entry) const;
     std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> keys) const;
     void removeFile(EntryInfo const& entry) const;
     static void removeContent(EntryInfo const& entry);
@@ -118,7 +122,8 @@ private:
     bool isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded) const;
     std::string targetOf(Task const& task, EntryKey const& key, std::optional<EntryInfo> const& existing) const;
     hdf5::FileStamp stampOf(EntryKey const& key) const;
-    void recordFile(EntryKey const& key, std::string const& file) const;
+    ContentRecord recordOf(EntryKey const& key, matrix::StagedFile const& staged) const;
+    void recordFile(EntryKey const& key, ContentRecord const& record) const;
 
     StoreTables const& tables_;
     mutable catalogue::Register names_;

@@ -22,7 +22,7 @@ struct Task {
     /// elsewhere: "copy Trips/1/1/1/1 to Trips/2/1/1/1".
     std::string subject(std::string const& text) const {
         bool const isTarget = action.find(" to " + text) != std::string::npos;
-        return !isTarget && action.ends_with(" " + text) ? "it" : text;
+        return text == entry && !isTarget && action.ends_with(" " + text) ? "it" : text;
     }
     [[noreturn]] void fail(Reason reason, std::string const& cause, std::string const& file = {}) const {
         throw StoreError(reason, action, cause, entry, file);

@@ -87,7 +87,8 @@ void rethrow(Task const& task) {
     } catch (matrix::LockRefused const& error) {
         task.fail(Reason::locked, error.what(), error.file());
     } catch (TRkMatrixException const& error) {
-        task.fail(error.Code() ? reasonOf(error.Code()) : Reason::file, causeOf(error), error.File());
+        // Without a code of the system it is the content that is wrong.
+        task.fail(error.Code() ? reasonOf(error.Code()) : Reason::damaged, causeOf(error), error.File());
     } catch (std::system_error const& error) {
         task.fail(reasonOf(error.code()), error.what());
     } catch (std::bad_alloc const&) {

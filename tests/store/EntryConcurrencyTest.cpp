@@ -42,7 +42,8 @@ public:
             (this->*works[below(std::size(works))])();
             ++done_;
         } catch (StoreError const& error) {
-            for (auto const normal : {Reason::notFound, Reason::locked, Reason::inUse, Reason::alreadyExists})
+            for (auto const normal :
+                {Reason::notFound, Reason::locked, Reason::inUse, Reason::alreadyExists, Reason::invalidKey})
                 if (error.reason() == normal) return;
             throw;
         }

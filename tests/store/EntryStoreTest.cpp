@@ -95,14 +95,16 @@ CUBES_BOTH_BACKENDS(EntryStoreTest);
 TEST_P(EntryStoreTest, convertsKeysToTextAndBack) {
     store().addCube("A/B");
     store().addCube("17");
+    store().addCube("2030/1/15");
     struct Case {
         EntryKey key;
         char const* text;
     };
     Case const cases[] = {{{1, 1, 2, 3, 4}, "Trips/1/2/3/4"}, {{2, 1, 1, 1, 1}, "A/B/1/1/1/1"},
         {{3, 1, 1, 1, 1}, "3/1/1/1/1"}, {{99, 1, 1, 1, 1}, "99/1/1/1/1"}, {{-1, 1, 1, 1, 1}, "-1/1/1/1/1"},
-        {{3, 1, 1, 1, 1, 1, 0}, "3/1/1/1/1/1/0"}, {{-8, 1, 1, 1, 1}, "fare/1/1/1/1"},
-        {{-1, 1, 2, 3, 4, 5, 0}, "skim/1/2/3/4/5/0"}, {{-10, 1, 1, 1, 1, 1, 1}, "routedata/1/1/1/1/1/1"}};
+        {{3, 1, 1, 1, 1, 1, 0}, "3/1/1/1/1/1/0"}, {{4, 1, 1, 1, 1}, "2030/1/15/1/1/1/1"},
+        {{-8, 1, 1, 1, 1}, "fare/1/1/1/1"}, {{-1, 1, 2, 3, 4, 5, 0}, "skim/1/2/3/4/5/0"},
+        {{-10, 1, 1, 1, 1, 1, 1}, "routedata/1/1/1/1/1/1"}};
     for (auto const& [key, text] : cases) {
         EXPECT_EQ(store().text(key), text);
         EXPECT_EQ(store().parse(text), key) << text;
@@ -132,6 +134,76 @@ TEST_P(EntryStoreTest, selectsWhatApplicationsStoredByTheNumberOfTheirCube) {
     EXPECT_EQ(store().findCube("SkimCube").value().name, "skim");
     EXPECT_EQ(reasonOf([&] { store().addCube("SkimCube"); }), "invalidKey");
     EXPECT_EQ(store().removeAll({.cube = "99"}), 1u);
+}
+
+TEST_P(EntryStoreTest, refusesAnAncestorThatIsDerivedFromItsDescendant) {
+    EntryKey const child{-2, 1, 1, 1, 1, 1, 0};
+    EntryKey const grandchild{-2, 1, 1, 1, 1, 2, 0};
+    store().put(skim_, matrixOf(1));
+    store().put(child, matrixOf(2), {.parent = skim_});
+    store().put(grandchild, matrixOf(3), {.parent = child});
+    std::function<void()> const refused[] = {[&] { store().setParent(skim_, skim_); },
+        [&] { store().setParent(skim_, grandchild); }, [&] { store().put(skim_, matrixOf(9), {.parent = grandchild}); },
+        [&] { store().move(child, skim_); }, [&] { store().move(grandchild, skim_); },
+        [&] { store().put(routes_, matrixOf(9), {.parent = routes_}); }};
+    for (auto const& work : refused) EXPECT_EQ(reasonOf(work), "invalidKey");
+    EXPECT_EQ(messageOf(refused[0]), "cannot set the parent of skim/1/1/1/1/2/0: an entry cannot be its own parent");
+    EXPECT_EQ(messageOf(refused[1]),
+        "cannot set the parent of skim/1/1/1/1/2/0: selectedlink/1/1/1/1/2/0 was derived from it");
+    EXPECT_FALSE(store().parent(skim_));
+    EXPECT_EQ(store().parent(child), skim_);
+    EXPECT_EQ(first(store().get(skim_)), 1);
+    EXPECT_EQ(store().lineage(skim_).descendants.size(), 2u);
+}
+
+TEST_P(EntryStoreTest, refusesNamesOfCubesThatNobodyCanType) {
+    for (auto const& name : {std::string(), std::string("a\nb"), std::string("a\0b", 3), std::string("\x1b[1m")})
+        EXPECT_EQ(reasonOf([&] { store().addCube(name); }), "invalidKey") << name;
+    EXPECT_EQ(store().cubes().size(), 1u);
+}
+
+TEST_P(EntryStoreTest, selectsACubeByItsNumberWhateverItsName) {
+    EXPECT_EQ(store().addCube("skim"), 2);
+    store().put({2, 1, 1, 1, 1}, matrixOf(1));
+    store().put(skim_, matrixOf(1));
+    EXPECT_EQ(store().removeAll(EntrySelection{.cubeNumber = 2}), 1u);
+    EXPECT_TRUE(store().find(skim_));
+    EXPECT_EQ(store().removeAll(EntrySelection{.cubeNumber = -1}), 1u);
+}
+
+// Files are copied as they are. What they hold is then unknown, and the copy is complete all the same.
+TEST_P(EntryStoreTest, copiesADamagedFileAndCanReplaceAndRemoveIt) {
+    store().put(trips_, matrixOf(1));
+    store().put(other_, matrixOf(2));
+    {
+        std::fstream file(path(trips_), std::ios::in | std::ios::out | std::ios::binary);
+        file.put('X');
+    }
+    store().copy(trips_, other_);
+    EXPECT_EQ(readText(path(other_)).front(), 'X');
+    EXPECT_EQ(fs::file_size(path(other_)), fs::file_size(path(trips_)));
+    fs::remove(project().matrixDirectory() + "cubes-id");
+    auto again = Project::open(project().root());
+    again.store().put(other_, matrixOf(3));
+    again.store().remove(trips_);
+    EXPECT_EQ(first(again.store().get(other_)), 3);
+}
+
+TEST_P(EntryStoreTest, namesTheSourceOfACopyThatCannotBeRead) {
+    store().put(trips_, matrixOf(1));
+    store().put(skim_, matrixOf(2));
+    fs::resize_file(path(trips_), 10);
+    try {
+        store().copy(trips_, skim_);
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (StoreError const& error) {
+        EXPECT_EQ(error.entry(), "Trips/1/1/1/1");
+        EXPECT_EQ(nameOf(error.reason()), std::string("damaged"));
+    }
+    project().execute("update " + project().database().table("public", "cube4data1") + " set filename = '../x.odm'");
+    EXPECT_NE(messageOf([&] { store().copy(trips_, skim_); }).find("the row of Trips/1/1/1/1 names the file"),
+        std::string::npos);
+    EXPECT_EQ(first(store().get(skim_)), 2);
 }
 
 TEST_P(EntryStoreTest, takesNoCubeWithoutPartsForAParent) {
@@ -596,8 +668,10 @@ TEST_P(EntryStoreTest, findsParentsChildrenAndTheWholeLineage) {
     ASSERT_EQ(lineage.descendants.size(), 1u);
     EXPECT_EQ(lineage.descendants[0].key, b);
     EXPECT_EQ(store().lineage(trips_).descendants.size(), 3u);
-    // A circle ends it.
-    store().setParent(a, b);
+    // Applications may have stored a cycle, which ends it.
+    project().execute("update " + project().database().table(schema(), "cube5data1") +
+                      " set parentcubenr = -1, parentpurpose = 1, parentmode = 1, parenttime = 1, parentuser = 1, "
+                      "parentresult = 2, parentiteration = 0 where cubenr = -1 and result = 1");
     EXPECT_EQ(store().lineage(a).ancestors, std::vector<EntryKey>{b});
     store().setParent(a, std::nullopt);
     EXPECT_FALSE(store().parent(a));

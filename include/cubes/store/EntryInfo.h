@@ -40,6 +40,8 @@ struct EntrySelection {
     /// The word of the fares or of a kind of results, or the number or name of a cube; empty: all. A
     /// number need not be registered.
     std::string cube = {};
+    /// The number of a cube or kind, in place of `cube`: unlike a name it has one meaning only.
+    std::optional<short> cubeNumber = {};
     std::optional<short> purpose = {};
     std::optional<short> mode = {};
     std::optional<short> time = {};

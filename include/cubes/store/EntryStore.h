@@ -146,8 +146,8 @@ public:
     /// order; nothing when there is none, and for a name that is longer than the register's column.
     std::optional<CubeInfo> findCube(std::string_view nameOrNumber) const;
     /// Registers a cube and returns its number; of a registered cube, that of the register. Throws
-    /// invalidKey for a name that the register reserves for a kind, and for one that is longer than
-    /// the register's column, of 128 characters.
+    /// invalidKey for a name that is empty, longer than the register's column (128 characters) or
+    /// contains control characters, and for the names that TRkCubes gives the kinds ("SkimCube").
     short addCube(std::string const& name);
     /// Removes a cube from the register with all its entries, and returns how many those were. Throws
     /// notFound, invalidKey for the fares and kinds of results, inUse or otherDirectory when an entry
@@ -168,8 +168,8 @@ public:
 
     /// Stores a matrix as an entry, atomically: readers find the old matrix or the new one. An entry that exists keeps
     /// its row, counter and parent; a new one has no parent unless the options say so. Throws notFound for a cube that
-    /// is not in the register, alreadyExists, inUse, locked, otherDirectory, wrongShape for a matrix that is not valid,
-    /// noSpace, readOnly.
+    /// is not in the register, alreadyExists, inUse, locked, otherDirectory, invalidKey for a parent as in setParent,
+    /// wrongShape for a matrix that is not valid, noSpace, readOnly.
     void put(EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options = {});
     /// The same for routes and data of routes: `write` writes a temporary file, which then replaces
     /// the entry's file. What `write` throws passes through unchanged.
@@ -202,7 +202,8 @@ public:
     /// The parent of a result; nothing without one. Throws notFound.
     std::optional<EntryKey> parent(EntryKey const& key) const;
     /// Gives a result another parent, or none; the parent need not be there. Throws notFound,
-    /// inUse, invalidKey for an entry of a cube, which has no parent.
+    /// inUse, invalidKey for an entry of a cube, which has no parent, and for a parent that is the entry
+    /// itself or was derived from it.
     void setParent(EntryKey const& key, std::optional<EntryKey> const& parent);
     /// The results whose parent is this entry, in the order of their keys.
     std::vector<EntryKey> children(EntryKey const& key) const;
@@ -222,6 +223,7 @@ private:
     store::Task taskFor(char const* verb, EntryKey const& key) const;
     void copyFrom(store::Task const& task, EntryStore& source, EntryKey const& from, EntryKey const& to,
         CopyOptions const& options);
+    std::optional<CubeInfo> selectedCube(EntrySelection const& selection) const;
     void requireOtherFile(
         store::Task const& task, EntryStore const& source, EntryKey const& from, EntryKey const& to) const;
     long changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*change)());

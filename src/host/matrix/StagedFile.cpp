@@ -37,7 +37,7 @@ void requireComplete(platform::File const& file) {
 bool isRecordOf(std::string const& path, std::uint64_t offset) {
     try {
         return OmxReader(path).hasRecordAt(offset);
-    } catch (hdf5::Error const&) {
+    } catch (std::exception const&) {
         return false;
     }
 }
@@ -197,6 +197,11 @@ std::optional<RecordedOrigin> readOrigin(std::string const& path) {
     auto const record = validRecord(path);
     if (!record) return std::nullopt;
     return RecordedOrigin{record->stamp, record->content};
+}
+
+std::optional<FileStamp> readStamp(std::string const& path) {
+    auto const found = hdf5::findRecord(platform::File::openForReading(path));
+    return found ? std::optional(found->record.stamp) : std::nullopt;
 }
 
 Provenance readProvenance(std::string const& path) {

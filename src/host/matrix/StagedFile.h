@@ -46,6 +46,8 @@ public:
     void publish();
     bool isPublished() const noexcept { return isPublished_; }
 
+    /// Where the new file is until it is published.
+    std::string const& path() const noexcept { return temporary_->path(); }
     std::string const& target() const noexcept { return temporary_->target(); }
 
 private:
@@ -79,6 +81,8 @@ struct RecordedOrigin {
 /// Matrix files with an unchanged structure are read without HDF5. Throws std::system_error when the file cannot be
 /// read.
 std::optional<RecordedOrigin> readOrigin(std::string const& path);
+/// The stamp alone, also of a file that is damaged or was changed since. Throws std::system_error.
+std::optional<FileStamp> readStamp(std::string const& path);
 
 /// Reads the provenance; empty when none is recorded. Throws TRkMatrixException.
 Provenance readProvenance(std::string const& path);

@@ -4,8 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 namespace cubes::tool {
 
 namespace {
@@ -29,19 +27,11 @@ public:
         auto const entry = entries.find(entry_);
         if (!entry.key.isResult()) throw Refusal("only results have parents");
         if (none_) entries.store().setParent(entry.key, std::nullopt);
-        if (!parent_.empty()) set(entries.store(), entry.key, entries.find(parent_).key);
+        if (!parent_.empty()) entries.store().setParent(entry.key, entries.find(parent_).key);
         show(entries.store(), entry, output);
     }
 
 private:
-    static void set(EntryStore& store, EntryKey const& entry, EntryKey const& parent) {
-        if (parent == entry) throw Refusal("an entry cannot be its own parent");
-        auto const ancestors = store.lineage(parent).ancestors;
-        if (std::ranges::find(ancestors, entry) != ancestors.end())
-            throw Refusal(fmt::format("{} was derived from it", store.text(parent)));
-        store.setParent(entry, parent);
-    }
-
     static void show(EntryStore const& store, EntryInfo const& entry, Output& output) {
         auto const parent = store.parent(entry.key);
         Record record;

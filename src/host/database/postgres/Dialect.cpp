@@ -35,7 +35,7 @@ std::string Dialect::caseIgnoringIndex(
 }
 
 std::string Dialect::beginWriting() const {
-    return "BEGIN ISOLATION LEVEL READ COMMITTED";
+    return "BEGIN ISOLATION LEVEL READ COMMITTED; SET LOCAL lock_timeout = '10s'";
 }
 
 // "IF NOT EXISTS" alone fails when two processes pass it at once.

@@ -181,7 +181,10 @@ std::optional<Table> Session::describe(std::string const& schema, std::string co
 
 std::string Session::databaseIdentity() {
     Cells cells;
-    prepareOnce("SELECT system_identifier::text || ' ' || current_database() FROM pg_catalog.pg_control_system()", {})
+    // A copied server has the same identifier.
+    prepareOnce("SELECT concat_ws(' ', system_identifier, pg_postmaster_start_time(), current_database()) "
+                "FROM pg_catalog.pg_control_system()",
+        {})
         ->run({}, cells);
     return cells.row(0, 1)[0].Text();
 }
