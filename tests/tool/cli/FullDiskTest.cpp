@@ -169,6 +169,22 @@ ls -A results/RouteStorage_Routes
 }
 
 // What the directory held before stays.
+TEST_P(FullDisk, isReportedByAProjectThatCanOnlyBeRead) {
+    if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
+    if (backend() != Backend::sqlite) GTEST_SKIP() << "SKIPPED: the database of the server is on another disk";
+    session_->run("mkdir disk");
+    session_->write("trips.csv", "origin,destination,value\n1,2,3\n");
+    auto const result = runWithDisk("disk",
+        "cubes init disk/delta > made && cubes import trips.csv Trips/1/1/1/1 --project disk/delta > made\n"
+        "head -c 10M /dev/zero > disk/filler 2>/dev/null\n"
+        "cubes cell Trips/1/1/1/1 1 2 --project disk/delta\n"
+        "cubes use Trips/1/1/1/1 +1 --project disk/delta\n"
+        "rm disk/filler\n"
+        "cubes use Trips/1/1/1/1 +1 --project disk/delta\n");
+    EXPECT_EQ(result.output, "3\nentry  Trips/1/1/1/1\nusers  1\n");
+    EXPECT_NE(result.errors.find("the disk was full when it was opened"), std::string::npos) << result.errors;
+}
+
 TEST_P(FullDisk, leavesNothingOfADemo) {
     auto const result = runWithDisk(". && cd .", R"(
 mkdir mine && echo text > mine/notes

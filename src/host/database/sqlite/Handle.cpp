@@ -146,6 +146,14 @@ FileState stateOf(std::string const& path) {
     return state;
 }
 
+bool isDiskFull(std::string const& path) {
+    constexpr std::uintmax_t roomForALog = 65536;
+    std::error_code error;
+    auto const directory = platform::toPath(platform::absolutePath(path)).parent_path();
+    auto const space = std::filesystem::space(directory, error);
+    return !error && space.available < roomForALog;
+}
+
 // Reading a database with a log needs files beside it; whoever may not make them gets one of these.
 bool needsToWrite(TRkDatabaseException const& error) {
     return error.SqlState() == sqlstate::readOnly || error.SqlState() == sqlstate::inputOutput;
@@ -181,6 +189,7 @@ void Handle::open(std::string const& name, int flags) {
 // after each statement.
 void Handle::openUnchanging() {
     unchanged_ = stateOf(path_);
+    isDiskFull_ = isDiskFull(path_);
     if (!unchanged_->log.empty())
         throw TRkDatabaseException("SQLite database '" + path_ + "': '" + unchanged_->log +
                                        "' holds changes of a program that is writing, or was stopped while it wrote, "
@@ -224,6 +233,11 @@ void Handle::prepareForUse() const {
 
 TRkDatabaseException Handle::failure(std::string const& statement) const {
     int const code = sqlite3_extended_errcode(database_);
+    if ((code & 0xFF) == SQLITE_READONLY && isDiskFull_)
+        return {"SQLite database '" + path_ +
+                    "': the disk was full when it was opened, so that it can only be read; make room on the disk and "
+                    "open it again",
+            sqlstate::diskFull, statement};
     std::string const message = "SQLite database '" + path_ + "': " + reason(code, database_);
     bool const noTable = std::string_view(sqlite3_errmsg(database_)).starts_with("no such table");
     return {message, noTable ? sqlstate::missingTable : sqlStateOf(code), statement};

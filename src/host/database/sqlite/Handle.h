@@ -60,6 +60,7 @@ private:
     unsigned long forkCount_ = platform::forkCount();
     // Set where the file is read without the means to notice writers.
     std::optional<FileState> unchanged_;
+    bool isDiskFull_ = false;
 };
 
 }
