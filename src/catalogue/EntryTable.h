@@ -81,7 +81,7 @@ public:
     /// The same for the columns of the parent.
     void requireParent() const;
 
-    /// Adds a row with a counter of 0. False when a row of that key is there already.
+    /// Adds a row with a counter of 0. False when a row of that key exists.
     [[nodiscard]] bool insert(
         std::span<short const> key, std::string const& filename, ResultKey const& parent = noParent);
     /// Gives the row another parent. As the fixed classes do it: a parent cube of 0 and six parts of

@@ -42,16 +42,16 @@ public:
     /// The matrix of an entry.
     TRkMatrix read(Task const& task, EntryInfo const& entry) const;
 
-    /// What becomes of the parent of an entry that exists; a new one gets `parent`.
+    /// The parent of the stored entry: a new entry gets `parent`, an existing one if it is replaced.
     struct Parentage {
         bool isReplaced;
         std::optional<EntryKey> parent;
     };
-    /// How an entry comes by its new file, besides its content.
+    /// A change of an entry, apart from the content of its file.
     struct Change {
         OnExisting exists;
         Parentage parentage;
-        /// The entry whose row and file go, when a matrix is moved.
+        /// The source of a move, whose row and file are removed.
         std::optional<EntryInfo> movedFrom = {};
     };
 

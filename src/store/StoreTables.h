@@ -68,11 +68,11 @@ public:
     /// The number of rows by the number of their cube.
     std::map<short, std::size_t> counts(bool ofResults) const;
 
-    /// The directory that files of these entries lie in, with a delimiter at its end.
+    /// The directory of the files of these entries, with a delimiter at its end.
     std::string directory(bool ofResults) const;
-    /// The identity of that directory; unknown where it has none and none can be given to it.
+    /// The identity of that directory; unknown when it has none and cannot be given one.
     hdf5::Id128 identity(bool ofResults) const;
-    /// The full path of a row's file; empty when it names none that may be used.
+    /// The full path of a row's file; empty when the row names none that may be used.
     std::string path(EntryKey const& key, std::string const& storedName) const;
 
     /// The entry of the cursor's row.
@@ -81,10 +81,10 @@ public:
     std::string text(EntryKey const& key, catalogue::Register& names) const;
     /// What is recorded of entries beside their rows; nothing without such a table.
     std::optional<Rows> contents(bool ofResults) const;
-    /// The identity of the directory in which an entry was stored; unknown when nobody recorded it.
+    /// The identity of the directory in which an entry was stored; unknown when it was not recorded.
     static hdf5::Id128 recordedDirectory(EntryKey const& key, Rows& contents);
-    // A user may lack the right to these, and does without.
-    /// Makes the table of contents unless it is there.
+    // These do nothing when the user lacks the right to.
+    /// Creates the table of contents unless it exists.
     void requireContentTable(bool ofResults) const;
     /// Records an entry's file, or that entries are gone.
     void record(EntryKey const& key, ContentRecord const& record) const;

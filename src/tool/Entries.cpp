@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 
 namespace cubes::tool {
 
@@ -60,16 +61,27 @@ std::string cubeIn(std::string word) {
     return word;
 }
 
-// Names that differ in their digits are meant to differ: "Plan 2030" and "Plan 2040".
-std::string withoutDigits(std::string text) {
-    std::erase_if(text, [](char c) { return c >= '0' && c <= '9'; });
+constexpr std::size_t leastLetters = 4;
+
+// Without digits and short words: names that differ in these are meant to differ, as "Plan 2030" and
+// "Plan 2040", "Work AM" and "Work PM".
+std::string longWordsOf(std::string const& name) {
+    std::string text;
+    std::string word;
+    for (char const c : name + " ") {
+        bool const isLetter = std::isalpha(static_cast<unsigned char>(c)) || static_cast<signed char>(c) < 0;
+        if (isLetter) {
+            word += c;
+            continue;
+        }
+        if (word.size() >= leastLetters) text += word + " ";
+        word.clear();
+    }
     return text;
 }
 
-// "AM" and "PM" are no typos of each other.
 std::size_t editsOfATypo(std::string const& name) {
-    constexpr std::size_t shortest = 4;
-    return name.size() < shortest ? 0 : 1;
+    return name.size() < leastLetters ? 0 : 1;
 }
 
 // False also without a project.
@@ -185,7 +197,7 @@ std::string Entries::alternativeTo(std::string const& word) const {
     auto const name = cubeIn(word);
     std::vector<std::string> names;
     for (auto const& known : store().cubes())
-        if (!isSameWord(withoutDigits(known.name), withoutDigits(name))) names.push_back(known.name);
+        if (!isSameWord(longWordsOf(known.name), longWordsOf(name))) names.push_back(known.name);
     auto const near = nearestTo(name, names, editsOfATypo(name));
     return near ? *near + word.substr(name.size()) : std::string();
 }

@@ -94,7 +94,7 @@ public:
 
     EntryRange(EntryRange&&) noexcept;
     ~EntryRange();
-    /// Throw StoreError when the database fails, as does walking on.
+    /// Throw StoreError when the database fails; so does incrementing an iterator.
     Iterator begin() { return Iterator(*this); }
     std::default_sentinel_t end() const noexcept { return {}; }
 

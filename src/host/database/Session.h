@@ -47,7 +47,7 @@ public:
     virtual Dialect const& dialect() const = 0;
     /// A statement that is kept for many runs.
     virtual std::unique_ptr<Statement> prepare(std::string sql, ValueTypes types) = 0;
-    /// A statement that is run once or a few times and then gone.
+    /// A statement that is run once or a few times and not kept.
     virtual std::unique_ptr<Statement> prepareOnce(std::string sql, ValueTypes types) = 0;
     /// What the database says of a table; nothing when there is none.
     virtual std::optional<Table> describe(std::string const& schema, std::string const& name) = 0;

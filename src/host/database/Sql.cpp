@@ -70,7 +70,7 @@ std::string Sql::firstRows(std::string const& filter, std::size_t limit) const {
     return rows({}, filter, limit);
 }
 
-// A walk goes on behind the last row read. One comparison of whole keys would say the same as
+// A walk continues after the last row read. One comparison of whole keys would say the same as
 // these two steps, but under a filter on the first key column not every planner can use it: it
 // would then read the group from its beginning for each batch.
 std::string Sql::rowsOfSameGroup(std::string const& filter, std::size_t limit) const {
