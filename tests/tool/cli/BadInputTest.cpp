@@ -256,7 +256,7 @@ TEST_P(BadInput, namesADirectoryThatMayNotBeWritten) {
 TEST_P(BadInput, withoutTheDirectoryOfTheFilesNamesIt) {
     fs::remove_all(session->file("matrices"));
     fs::remove_all(session->file("results"));
-    std::string const matrices = "the directory " + session->file("matrices") + " is missing; restore it or create it";
+    std::string const matrices = "matrices is missing; restore it or create it";
     refuse({{"a new cube", "cubes import good.csv New/1/1/1/1", 3, {matrices}},
         {"an entry", "cubes import good.csv Base/1/1/1/1", 3, {matrices}},
         {"a result", "cubes import good.csv skim/1/1/1/1/1/1", 3, {"results is missing; restore it or create it"}}});
