@@ -14,8 +14,10 @@
 #include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <set>
+#include <thread>
 
 namespace cubes::store {
 
@@ -76,6 +78,20 @@ matrix::MatrixContent contentOf(TRkMatrix const& matrix, catalogue::Kind const& 
     content.header.selectedLink = dynamic_cast<TRkVLSelectedLinkMatrix const*>(matrix.Body()) != nullptr;
     content.elements = matrix.Elements().data();
     return content;
+}
+
+// Who stored the entry that is being removed may hold the lock for another moment. Null when it is held for longer.
+std::unique_ptr<WriteLock> lockSoon(std::string const& file) {
+    constexpr int attempts = 50;
+    constexpr std::chrono::milliseconds pause(2);
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        try {
+            return std::make_unique<WriteLock>(file, WriteLock::Purpose::create);
+        } catch (matrix::LockRefused const&) {
+            std::this_thread::sleep_for(pause);
+        }
+    }
+    return nullptr;
 }
 
 bool mayBeRead(std::string const& file) {
@@ -528,9 +544,8 @@ std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<En
 void EntryWriting::removeFile(EntryInfo const& entry) const {
     if (entry.file.empty() || !platform::exists(entry.file)) return;
     try {
-        WriteLock const lock(entry.file, WriteLock::Purpose::create);
-        if (!tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) removeContent(entry);
-    } catch (matrix::LockRefused const&) {
+        auto const lock = lockSoon(entry.file);
+        if (lock && !tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) removeContent(entry);
     } catch (TRkDatabaseException const&) {
     } catch (std::system_error const&) {
         // A file without a row is harmless: the next entry of that name replaces it.

@@ -61,7 +61,7 @@ void File::readAt(std::uint64_t offset, std::span<std::byte> bytes) const {
         OVERLAPPED position = at(offset);
         DWORD const wanted = static_cast<DWORD>(std::min(bytes.size(), largestTransfer));
         DWORD got = 0;
-        if (!::ReadFile(handle(native_), bytes.data(), wanted, &got, &position))
+        if (!::ReadFile(handle(native_), bytes.data(), wanted, &got, &position) && ::GetLastError() != ERROR_HANDLE_EOF)
             throwSystemFailure("cannot read", path_);
         if (got == 0) throw std::system_error(make_error_code(FileError::truncated), "cannot read " + path_);
         bytes = bytes.subspan(got);

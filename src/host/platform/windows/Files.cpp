@@ -73,11 +73,10 @@ bool replaceInUse(fs::path const& from, fs::path const& to) {
     return true;
 }
 
-// Where both names are links to one file, Wine renames nothing and reports success.
-void removeOtherName(fs::path const& source, fs::path const& target) {
-    std::error_code ignored;
-    if (fs::equivalent(source, target, ignored) && fs::hard_link_count(target, ignored) > 1)
-        ::DeleteFileW(source.c_str());
+// Whether both are names of one file: it then has the new name already.
+bool areLinksToOneFile(fs::path const& source, fs::path const& target) {
+    std::error_code error;
+    return fs::equivalent(source, target, error) && !error;
 }
 
 struct Entry {
@@ -139,10 +138,9 @@ bool renameFile(std::string const& from, std::string const& to) {
     // A free name needs no search for outdated files.
     bool const replaces = isReplaceable(target);
     if (replaces) removeOutdated(target.parent_path());
-    if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-        if (!isSamePath(from, to)) removeOtherName(source, target);
-        return true;
-    }
+    if (replaces && !isSamePath(from, to) && areLinksToOneFile(source, target))
+        return ::DeleteFileW(source.c_str()) != FALSE;
+    if (::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return true;
     DWORD const failure = ::GetLastError();
     if (failure == ERROR_NOT_SAME_DEVICE) return false;
     if (replaces && replaceInUse(source, target)) return true;
