@@ -42,8 +42,9 @@ Project createProject(TestDatabase const& database, std::string const& directory
 std::string otherNameOf(std::string const& url, std::string const& link) {
     constexpr std::string_view sqlite = "sqlite:";
     if (!url.starts_with(sqlite)) return url + (url.find('?') == std::string::npos ? "?" : "&") + "application_name=c";
-    fs::create_symlink(url.substr(sqlite.size()), link);
-    return std::string(sqlite) + link;
+    std::error_code noLinks;
+    fs::create_symlink(url.substr(sqlite.size()), link, noLinks);
+    return noLinks ? std::string() : std::string(sqlite) + link;
 }
 
 /// Two projects on one database, which share the entries of cubes but not their files.
@@ -139,6 +140,7 @@ TEST_P(EntryProjectsTest, anEntryIsNotMovedOntoItselfThroughAnotherNameOfTheData
     TempDir const place;
     ProjectOptions options;
     options.database = otherNameOf(database().url(), place.file("link.db"));
+    if (options.database.empty()) GTEST_SKIP() << "SKIPPED: no links can be made here";
     auto elsewhere = Project::create(place.file("c"), options);
     ASSERT_TRUE(elsewhere.store().find(trips));
     a().put(trips, smallMatrix(1));
