@@ -50,7 +50,7 @@ bool EntryTransfer::run(Placing const& place) const {
     return done;
 }
 
-// True also when there is no file to place: callers rely on it.
+// True also when the source does not exist or a row names no usable file: callers rely on it.
 bool EntryTransfer::transfer(Tables const& tables, Placing const& place) const {
     if (!lookUp(source, tables.source, from, zeroBased)) return true;
     // Read at once: looking up the target may move the same cursor.

@@ -187,14 +187,15 @@ std::optional<CubeInfo> EntryStore::findCube(std::string_view nameOrNumber) cons
     if (auto const* const kind = findKind(nameOrNumber)) return infoOf(*kind);
     return reporting({"look up cube \"" + std::string(nameOrNumber) + "\"", {}}, [&]() -> std::optional<CubeInfo> {
         auto cubes = tables_->cubes();
-        std::string const name(nameOrNumber);
-        auto const named = cubes.excess(name).empty() ? cubes.number(name.c_str()) : std::nullopt;
-        for (auto const& number : {numberOf(nameOrNumber), named}) {
-            if (!number) continue;
+        auto const infoOfNumber = [&cubes](std::optional<short> number) -> std::optional<CubeInfo> {
+            if (!number) return std::nullopt;
             if (auto const* const kind = findKind(*number)) return infoOf(*kind);
-            if (auto const known = cubes.name(*number)) return CubeInfo{*number, known->str()};
-        }
-        return std::nullopt;
+            auto const known = cubes.name(*number);
+            return known ? std::optional(CubeInfo{*number, known->str()}) : std::nullopt;
+        };
+        if (auto found = infoOfNumber(numberOf(nameOrNumber))) return found;
+        std::string const name(nameOrNumber);
+        return cubes.excess(name).empty() ? infoOfNumber(cubes.number(name.c_str())) : std::nullopt;
     });
 }
 

@@ -54,7 +54,6 @@ public:
     Replaced& operator=(Replaced const&) = delete;
 
     void stay(bool stays = true) noexcept { stays_ = stays; }
-    bool stays() const noexcept { return stays_; }
 
 private:
     void putBack() {
@@ -309,8 +308,10 @@ std::optional<TRkMatrixException> EntryWriting::commit(
         if (!mayBeCommitted(error)) throw;
         // When that cannot be found out, the new file stays: there must be no row without a file.
         replaced->stay();
-        replaced->stay(isCommitted(task, key, change));
-        if (!replaced->stays()) throw;
+        if (!isCommitted(task, key, change)) {
+            replaced->stay(false);
+            throw;
+        }
     }
     replaced->stay();
     return late;

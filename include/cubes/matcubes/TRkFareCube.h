@@ -62,7 +62,7 @@ public:
 
     /// Removes all fares with their files.
     bool Clear() const;
-    /// There is no cube to register or to remove: these do nothing and return false.
+    /// The cube of fares is not registered: these do nothing and return false.
     bool Add() const;
     bool Check() const;
     bool Delete() const;

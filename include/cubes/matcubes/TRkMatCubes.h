@@ -165,7 +165,7 @@ public:
     /// but a cube that was added stays in the register.
     ///
     /// True also when there is no source entry, or a row names no file inside its directory: then no file is written.
-    /// False when the check returns false, there is no entry table, or the file cannot be copied or is the target's
+    /// False when the check returns false, the entry table is missing, or the file cannot be copied or is the target's
     /// own; the target's row is kept then.
     bool Copy(short cubenr, short p, short m, short t, short u, short toCubenr, short toP, short toM, short toT,
         short toU, bool failIfExists, bool zeroBased) const;
