@@ -2,6 +2,7 @@
 // exit code, and leaves the project unchanged.
 
 #include "ToolSession.h"
+#include "support/SystemMessages.h"
 #include "support/platform/Shell.h"
 
 #include <filesystem>
@@ -47,8 +48,8 @@ std::vector<WrittenFile> const badFiles = {
 std::vector<Case> const fileCases = {
     {"no file", "cubes import none.csv New/1/1/1/1", 3, {"import none.csv into New/1/1/1/1: No such file"}},
     {"a directory", "cubes import folder.csv New/1/1/1/1", 3, {"folder.csv", "directory"}},
-    {"no omx", "cubes import none.omx New/1/1/1/1", 3, {"import none.omx into New/1/1/1/1: No such file"}},
-    {"a directory as omx", "cubes import folder.omx New/1/1/1/1", 3, {"into New/1/1/1/1: Is a directory"}},
+    {"no omx", "cubes import none.omx New/1/1/1/1", 3, {"import none.omx into New/1/1/1/1: " + noSuchFile()}},
+    {"a directory as omx", "cubes import folder.omx New/1/1/1/1", 3, {"into New/1/1/1/1: " + isADirectory()}},
     {"bytes as csv", "cubes import binary.csv New/1/1/1/1", 3, {"into New/1/1/1/1: it is not a text file"}},
     {"bytes as tntp", "cubes import binary.tntp New/1/1/1/1", 3, {"into New/1/1/1/1: it is not a text file"}},
     {"text as routes", "cubes routes import text.csv routes/1/1/1/1/1/1", 3, {"text.csv", "line 1"}},
