@@ -158,7 +158,9 @@ std::optional<Table> Session::describe(std::string const& schema, std::string co
     std::string const quotedName = dialect_.qualifiedName(schema, name);
     Value const argument(quotedName);
     Cells cells;
-    std::size_t const count = prepareOnce(description, {ColumnType::text})->run(std::span(&argument, 1), cells);
+    auto const held = lock();
+    if (!description_) description_ = prepare(description, {ColumnType::text});
+    std::size_t const count = description_->run(std::span(&argument, 1), cells);
     if (count == 0) return std::nullopt;
 
     Table table{schema, name, quotedName, {}, {}, false};

@@ -61,6 +61,8 @@ private:
     unsigned long connectionNumber_ = 0;
     unsigned long statements_ = 0;
     std::shared_ptr<UnusedStatements> unused_ = std::make_shared<UnusedStatements>();
+    // Kept: a table that is missing is asked for again and again, and planning takes ten times as long.
+    std::unique_ptr<database::Statement> description_;
 };
 
 class Statement final : public database::Statement {
