@@ -151,6 +151,10 @@ struct Writer {
     char const* line;
 };
 
+void PrintTo(Writer const& writer, std::ostream* out) {
+    *out << writer.name;
+}
+
 class ZebDebugWriter : public ZebDebugTest, public testing::WithParamInterface<Writer> {};
 
 TEST_P(ZebDebugWriter, writesOneLine) {

@@ -4,6 +4,7 @@
 #include "host/matrix/StagedFile.h"
 #include "host/platform/Files.h"
 #include "host/platform/TemporaryFile.h"
+#include "support/EachStorage.h"
 
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/OmxFile.h>
@@ -177,8 +178,7 @@ TEST_P(EachFailure, aKilledProcessLeavesTheOldFileAndATemporaryFile) {
     EXPECT_TRUE(leftOver[0].starts_with(".a.skm.")) << leftOver[0];
 }
 
-INSTANTIATE_TEST_SUITE_P(Failure, EachFailure, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
-    [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+CUBES_EACH_STORAGE(Failure, EachFailure);
 
 TEST(Failure, preservesTheSystemsErrorWhicheverStepFails) {
     TempDir const directory;
