@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace cubes::test {
@@ -11,6 +12,22 @@ public:
     ~RefusedLinks();
     RefusedLinks(RefusedLinks const&) = delete;
     RefusedLinks& operator=(RefusedLinks const&) = delete;
+};
+
+/// A small file system on a directory while an object exists: one in memory where mounting is permitted and the
+/// variable CUBES_TEST_NO_MOUNT is not set, otherwise one that this process pretends.
+class SmallDisk {
+public:
+    SmallDisk(std::string directory, std::size_t kibibytes);
+    ~SmallDisk();
+    SmallDisk(SmallDisk const&) = delete;
+    SmallDisk& operator=(SmallDisk const&) = delete;
+
+    void makeReadOnly();
+
+private:
+    std::string directory_;
+    bool isMounted_;
 };
 
 /// Makes system calls of this process fail: while an object exists, the n-th of the calls that change the disk (write,
