@@ -129,7 +129,10 @@ EntryKey EntryStore::parse(std::string_view text) const {
     // A cube may be called "2030/1/15".
     if (numbersAlone && (numbersAlone->size() == 1 + cubeParts || !findCube(split(text, cubeParts)->cube)))
         return keyOf(*numbersAlone);
-    Task const task{"read \"" + std::string(text) + "\" as an entry", std::string(text)};
+    // Messages are C strings.
+    std::string const shown(text.substr(0, text.find('\0')));
+    Task const task{"read \"" + shown + "\" as an entry", shown};
+    if (shown.size() < text.size()) task.fail(Reason::invalidKey, "it holds a zero byte");
     auto const* const kind = kindAt(text);
     bool const isResult = kind && kind->isResult;
     auto const pieces = split(text, isResult ? resultParts : cubeParts);

@@ -8,6 +8,8 @@
 
 #include <cubes/project/TRkProjectException.h>
 
+// The parser asserts what it then checks: a malformed date must not end a program with assertions.
+#define TOML_ASSERT(claim) static_cast<void>(0)
 #include <toml++/toml.h>
 
 #include <fstream>
