@@ -73,7 +73,8 @@ void readKey(std::string const& input) {
         auto const key = store().parse(input);
         require(store().parse(store().text(key)) == key, "the text of a key is read as the key");
     } catch (StoreError const& error) {
-        requireReason(error.what());
+        bool const endsWithCause = std::string_view(error.what()).ends_with(error.cause());
+        require(!error.cause().empty() && endsWithCause, "a refused text has a reason");
         require(error.reason() == Reason::invalidKey || error.reason() == Reason::notFound,
             "a text that names no entry is refused");
     }

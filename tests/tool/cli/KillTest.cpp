@@ -66,7 +66,8 @@ protected:
     bool isKilledIn(Change const& change) {
         auto const verb = change.command.substr(0, change.command.find(' '));
         auto& calls = longest_.try_emplace(verb, 20).first->second;
-        auto const at = 1 + below(calls);
+        // The later calls are those that change more.
+        auto const at = 1 + std::max(below(calls), below(calls));
         session_->write("calls", "");
         auto const result = session_->run("CUBES_DISK=$PWD CUBES_CALLS=$PWD/calls CUBES_KILL_AT=" + std::to_string(at) +
                                           " LD_PRELOAD=" CUBES_FAULTY_DISK " cubes " + change.command);
