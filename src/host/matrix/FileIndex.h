@@ -47,6 +47,23 @@ private:
 
 hdf5::Id128 contentId(FileHeader const& header, float const* elements);
 
+/// What a file records about its content, by which damage is detected. Nothing in a file of another program.
+struct RecordedContent {
+    /// Unknown in files of the first version.
+    hdf5::Id128 id = {};
+    /// XXH3 (64 bits) of the elements, in files of the first version.
+    std::optional<std::uint64_t> checksum = {};
+    /// Whether the id covers the zone numbers of the header.
+    bool hasZones = true;
+
+    bool isKnown() const noexcept { return id.isKnown() || checksum; }
+    /// Whether a matrix is the recorded one; true when nothing is recorded.
+    bool agreesWith(FileHeader const& header, float const* elements) const;
+};
+
+/// Why a matrix that differs from its recorded content is refused, and what to do. `subject`: the file, or its table.
+std::string reasonOfDamage(std::string const& subject);
+
 enum class Filters { none, deflate, shuffleAndDeflate };
 
 /// How the elements of a table are divided: into chunks of whole rows.
@@ -82,6 +99,8 @@ struct FilePlaces {
 struct FileIndex {
     FileHeader header;
     FilePlaces places;
+    /// Nothing in files of the first version, where HDF5 has to read it.
+    std::optional<hdf5::Id128> content = {};
 };
 
 /// Completes a record for a finished file, given as a whole. A file that the record cannot describe, because of a long

@@ -1,9 +1,6 @@
 #include "host/matrix/OmxReader.h"
 
-#include "host/matrix/Elements.h"
 #include "host/platform/NarrowText.h"
-
-#include <xxhash.h>
 
 #include <algorithm>
 #include <array>
@@ -185,19 +182,17 @@ std::vector<std::int32_t> foreignZones(hid_t file, std::vector<std::string> cons
     return areDistinct(numbers) ? wholeNumbers(numbers) : std::vector<std::int32_t>();
 }
 
+// Whether there is the lookup whose numbers the content id covers.
+bool hasOwnZones(hid_t file) {
+    auto const lookups = datasetsOf(file, omx::lookups, 1);
+    return std::ranges::find(lookups, omx::zones) != lookups.end();
+}
+
 // The zone numbers of a table. In a file of ours they may repeat, as in the matrix that was saved.
 std::vector<std::int32_t> zonesOf(hid_t file, hid_t dataset, FileHeader const& header) {
     if (header.rows != header.columns) return {};
-    auto const lookups = datasetsOf(file, omx::lookups, 1);
-    if (isOurs(dataset) && std::ranges::find(lookups, omx::zones) != lookups.end())
-        return wholeNumbers(zoneNumbers(file, omx::zones, header.rows));
-    return foreignZones(file, lookups, header.rows);
-}
-
-// The zone numbers that the content id covers.
-std::vector<std::int32_t> recordedZones(hid_t file, FileHeader const& header) {
-    auto const lookups = datasetsOf(file, omx::lookups, 1);
-    return std::ranges::find(lookups, omx::zones) != lookups.end() ? header.zones : std::vector<std::int32_t>();
+    if (isOurs(dataset) && hasOwnZones(file)) return wholeNumbers(zoneNumbers(file, omx::zones, header.rows));
+    return foreignZones(file, datasetsOf(file, omx::lookups, 1), header.rows);
 }
 
 // The stored bytes of a chunk; none when it was never written.
@@ -256,27 +251,14 @@ void OmxTable::readLayout() {
                 isSinglePrecision(dataset_.get()) && fillsWithZero(properties.get());
 }
 
-std::optional<bool> OmxTable::isIntact() const {
-    auto const recorded = recordedIds();
-    if (!recorded.content.isKnown() && !recorded.checksum) return std::nullopt;
-    MemoryElements elements(header_.rows, header_.columns);
-    readAll(elements.all());
-    if (recorded.content.isKnown()) return contentId(recorded.header, elements.all()) == recorded.content;
-    auto const count =
-        elementCount(static_cast<std::uint64_t>(header_.rows), static_cast<std::uint64_t>(header_.columns));
-    return XXH3_64bits(elements.all(), count * sizeof(float)) == *recorded.checksum;
-}
-
-OmxTable::RecordedIds OmxTable::recordedIds() const {
+RecordedContent OmxTable::recorded() const {
     hdf5::Session const session;
-    RecordedIds ids;
+    RecordedContent recorded;
     if (hdf5::hasLink(file_.get(), hdf5::IndexRecord::dataset))
-        ids.content = hdf5::Id128::parse(hdf5::readText(dataset_.get(), omx::content)).value_or(hdf5::Id128{});
-    ids.checksum = readNumber<std::uint64_t>(dataset_.get(), omx::checksum, H5T_NATIVE_UINT64);
-    ids.header.rows = header_.rows;
-    ids.header.columns = header_.columns;
-    ids.header.zones = recordedZones(file_.get(), header_);
-    return ids;
+        recorded.id = hdf5::Id128::parse(hdf5::readText(dataset_.get(), omx::content)).value_or(hdf5::Id128{});
+    recorded.checksum = readNumber<std::uint64_t>(dataset_.get(), omx::checksum, H5T_NATIVE_UINT64);
+    recorded.hasZones = hasOwnZones(file_.get());
+    return recorded;
 }
 
 // Reads the rows from `first` up to, not including, `behind`, to their place among all elements.

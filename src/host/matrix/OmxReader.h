@@ -56,9 +56,8 @@ public:
     OmxTable(hdf5::Handle file, hdf5::Handle dataset);
 
     FileHeader const& header() const noexcept { return header_; }
-    /// Whether elements and zone numbers agree with the content id recorded for them, or the elements with the
-    /// checksum; nothing when neither is recorded. The content id counts as long as the file has its index record.
-    std::optional<bool> isIntact() const;
+    /// The content id counts as long as the file has its index record.
+    RecordedContent recorded() const;
     /// Reads all. REQUIRES: all elements are 0.
     void readAll(float* all) const { readAllBut(std::nullopt, all); }
 
@@ -67,15 +66,7 @@ public:
     void readAllBut(std::optional<std::size_t> done, float* all) const override;
 
 private:
-    // What the file records about its content, with the zone numbers that belong to it.
-    struct RecordedIds {
-        hdf5::Id128 content;
-        std::optional<std::uint64_t> checksum;
-        FileHeader header;
-    };
-
     void readLayout();
-    RecordedIds recordedIds() const;
     void inflate(BlockDecoder& decoder, std::size_t band, float* all) const;
     void readRows(int first, int behind, float* all) const;
 
