@@ -228,12 +228,14 @@ std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
     return reporting([&] { return taskFor("look up", key); }, [&] { return EntryWriting(*tables_).find(key); });
 }
 
-TRkMatrix EntryStore::get(EntryKey const& key) const {
+TRkMatrix EntryStore::get(EntryKey const& key, GetOptions const& options) const {
     auto const task = taskFor("read", key);
     return reporting(task, [&] {
         EntryWriting const writing(*tables_);
         writing.requireMatrix(task, key);
-        return writing.read(task, writing.require(task, key));
+        auto matrix = writing.read(task, writing.require(task, key));
+        if (options.verify) EntryWriting::requireIntact(task, matrix);
+        return matrix;
     });
 }
 

@@ -399,11 +399,16 @@ TRkMatrix EntryWriting::read(Task const& task, EntryInfo const& entry) const {
     Task{task.action, entry.text}.fail(mayBeRead(file) ? Reason::damaged : Reason::file, matrix.Reason(), file);
 }
 
+void EntryWriting::requireIntact(Task const& task, TRkMatrix const& matrix) {
+    if (!matrix.IsIntact()) task.fail(Reason::damaged, matrix::reasonOfDamage(matrix.FileName()), matrix.FileName());
+}
+
 void EntryWriting::put(Task const& task, EntryKey const& key, TRkMatrix const& matrix, Change const& change) const {
     requireMatrix(task, key);
     if (!matrix.IsValid()) task.fail(Reason::wrongShape, "the matrix is not valid: " + matrix.Reason());
     if (change.parentage.parent && !key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
     matrix.Prepare();
+    requireIntact(task, matrix);
     store(task, key, change, [&](StagedFile& staged) { write(staged, key, matrix); });
 }
 
@@ -412,7 +417,11 @@ void EntryWriting::moveMatrix(Task const& task, EntryKey const& to, Change const
     requireMatrix(task, to);
     requireFile(task, *change.movedFrom);
     // The lock of the source is held by then: nobody replaces what was read before it is removed.
-    store(task, to, change, [&](StagedFile& staged) { write(staged, to, read(task, *change.movedFrom)); });
+    store(task, to, change, [&](StagedFile& staged) {
+        auto const matrix = read(task, *change.movedFrom);
+        requireIntact(task, matrix);
+        write(staged, to, matrix);
+    });
 }
 
 void EntryWriting::requireMatrix(Task const& task, EntryKey const& key) const {

@@ -41,6 +41,7 @@ public:
     void requireMatrix(Task const& task, EntryKey const& key) const;
     /// The matrix of an entry.
     TRkMatrix read(Task const& task, EntryInfo const& entry) const;
+    static void requireIntact(Task const& task, TRkMatrix const& matrix);
 
     /// The parent of the stored entry: a new entry gets `parent`, an existing one if it is replaced.
     struct Parentage {

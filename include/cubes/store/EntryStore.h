@@ -39,6 +39,12 @@ struct PutOptions {
     OnExisting exists = OnExisting::replace;
 };
 
+struct GetOptions {
+    /// Whether the matrix is verified, which reads all of it: damaged when its elements or zone numbers do not agree
+    /// with the checksum in its file. Otherwise a plain file is mapped and read as it is accessed, unverified.
+    bool verify = false;
+};
+
 struct CopyOptions {
     OnExisting exists = OnExisting::replace;
 };
@@ -160,7 +166,7 @@ public:
     std::optional<EntryInfo> find(EntryKey const& key) const;
     /// The entry's matrix. Later changes to the entry do not affect it.
     /// Throws notFound, outsideDirectory, otherDirectory, damaged, invalidKey for routes.
-    TRkMatrix get(EntryKey const& key) const;
+    TRkMatrix get(EntryKey const& key, GetOptions const& options = {}) const;
     /// Entries in the order of their keys: those of cubes, then those of results.
     EntryRange entries(EntrySelection const& selection = {}) const;
     /// The number of entries by the number of their cube or kind; those without entries are omitted.
@@ -169,16 +175,18 @@ public:
     /// Stores a matrix as an entry, atomically: readers find the old matrix or the new one. An entry that exists keeps
     /// its row, counter and parent; a new one has no parent unless the options say so. Throws notFound for a cube that
     /// is not in the register, alreadyExists, inUse, locked, otherDirectory, invalidKey for a parent as in setParent,
-    /// wrongShape for a matrix that is not valid, noSpace, readOnly.
+    /// wrongShape for a matrix that is not valid, damaged for one from a file that TRkMatrix::IsIntact rejects,
+    /// noSpace, readOnly.
     void put(EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options = {});
     /// The same for routes and data of routes: `write` writes a temporary file, which then replaces
     /// the entry's file. What `write` throws passes through unchanged.
     void putFile(EntryKey const& key, FileWriter const& write, PutOptions const& options = {});
 
     /// Copy and move an entry, replacing the target. A copy has no parent; a moved entry keeps its
-    /// own, and its children still name the old key. Files are copied as they are, except matrices
-    /// from a cube to a result or back. Nothing happens when both keys are the same. Throw inUse for
-    /// a target in use, and for the source of a move.
+    /// own, and its children still name the old key. Files are copied as they are, unverified and with
+    /// their checksum, except matrices from a cube to a result or back: they are verified, and a damaged
+    /// one is not stored. Nothing happens when both keys are the same. Throw inUse for a target in use,
+    /// and for the source of a move.
     void copy(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void move(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     /// The same from another project. Throw otherDirectory where both projects keep the files in one
