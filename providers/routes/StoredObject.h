@@ -90,10 +90,20 @@ private:
             inFile_ = root.stamp;
             place_ = root.record.stamp;
             read = Content::read(file, root.record);
+            requireRecorded(*read, root.record.content);
             if (!stamp_.cubeType) stamp_.cubeType = root.stamp.cubeType;
             if (!stamp_.key) stamp_.key = root.stamp.key;
         });
         hold(std::move(*read), forAdding);
+    }
+
+    static void requireRecorded(Content const& content, hdf5::Id128 const& recorded) {
+        hdf5::IndexRecord found;
+        content.describe(found);
+        if (recorded.isKnown() && found.content != recorded)
+            throw std::runtime_error(
+                "it was changed outside Cubes or damaged: its content does not match its checksum; "
+                "restore it, or accept the change by deleting its dataset /cubes_index");
     }
 
     void hold(Content content, bool forAdding) {
