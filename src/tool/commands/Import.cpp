@@ -25,6 +25,7 @@ public:
         arguments.required("FILE", file_, "The file; its extension determines the format: .omx, .csv or .tntp");
         arguments.required("ENTRY", entry_, "The entry; a new cube is added");
         arguments.optional("--table", table_, "Table of an OMX file with several tables").calls("NAME");
+        arguments.flag("--ignore-checksum", ignoreChecksum_, "Accept an OMX file that does not match its checksum");
         arguments.flag(
             "--allow-negative", allowNegative_, "Store negative cells as well, which trip tables do not have");
     }
@@ -49,7 +50,7 @@ public:
 private:
     TripTable read() const {
         Progress progress("reading " + file_);
-        return readTripTable(file_, table_, progress.callback());
+        return readTripTable(file_, {table_, ignoreChecksum_}, progress.callback());
     }
 
     void refuseNegative(TripTable const& trips) const {
@@ -88,6 +89,7 @@ private:
     std::string file_;
     std::string entry_;
     std::optional<std::string> table_;
+    bool ignoreChecksum_ = false;
     bool allowNegative_ = false;
 };
 

@@ -57,7 +57,7 @@ public:
     void run(Surroundings const& surroundings, Output& output) override {
         Entries const entries(surroundings, {entry_});
         auto const entry = entries.findReadable(entry_);
-        auto const matrix = entries.store().get(entry.key);
+        auto const matrix = entries.store().get(entry.key, {.verify = true});
         auto const figures = statisticsOf(matrix);
         Record record;
         record.add("entry", "entry", entry.text);
