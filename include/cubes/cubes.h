@@ -43,6 +43,7 @@
 #include <cubes/routestorage/RouteStorageDataCube.h>
 #include <cubes/routestorage/RouteStorageInterface.h>
 #include <cubes/routestorage/RouteStorageWrappers.h>
+#include <cubes/store/EntryCheck.h>
 #include <cubes/store/EntryInfo.h>
 #include <cubes/store/EntryKey.h>
 #include <cubes/store/EntryStore.h>

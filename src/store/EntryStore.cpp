@@ -7,6 +7,8 @@
 #include "store/EntryWalk.h"
 #include "store/EntryWriting.h"
 #include "store/Failure.h"
+#include "store/ProjectCheck.h"
+#include "store/ProjectRepair.h"
 #include "store/StoreTables.h"
 
 #include <algorithm>
@@ -442,6 +444,23 @@ long EntryStore::changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*
             task().fail(Reason::notFound, "it was removed meanwhile");
         }
         return rows->users();
+    });
+}
+
+std::vector<Finding> EntryStore::check(EntrySelection const& selection, CheckOptions const& options) const {
+    auto const cube = selectedCube(selection);
+    return reporting(
+        {"check the project", {}}, [&] { return store::ProjectCheck(*tables_, selection, cube, options).run(); });
+}
+
+std::vector<Repair> EntryStore::repair(std::vector<Finding> const& findings, RepairOptions const& options) {
+    Task const task{"repair the project", {}};
+    return reporting(task, [&] {
+        EntryWriting(*tables_).requireOwnTransaction(task);
+        store::ProjectRepair const project(*tables_, options);
+        std::vector<Repair> repairs;
+        for (auto const& finding : findings) repairs.push_back(project.repair(finding));
+        return repairs;
     });
 }
 

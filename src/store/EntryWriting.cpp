@@ -239,19 +239,6 @@ void EntryWriting::recordFile(EntryKey const& key, ContentRecord const& record) 
     }
 }
 
-// Read before the transaction begins: reading may need HDF5.
-ContentRecord EntryWriting::recordOf(EntryKey const& key, StagedFile const& staged) const {
-    ContentRecord record{tables_.identity(key.isResult()), {}, 0, 0};
-    try {
-        record.size = platform::fileSize(staged.path());
-        record.changed = platform::lastChange(staged.path());
-        if (auto const origin = matrix::readOrigin(staged.path())) record.content = origin->content;
-    } catch (std::exception const&) {
-        // What a damaged file holds is not known; it is copied as it is.
-    }
-    return record;
-}
-
 void EntryWriting::requireDirectory(Task const& task, std::string const& directory) {
     if (!platform::isDirectory(directory))
         task.fail(Reason::notFound, "the directory " + directory + " is missing; restore it or create it", directory);
@@ -275,7 +262,7 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
 
     StagedFile staged(target);
     write(staged);
-    auto const record = recordOf(key, staged);
+    auto const record = tables_.recordOf(key, staged.path());
     auto const late = commit(task, key, change, staged, record);
     if (change.movedFrom) platform::discardFile(change.movedFrom->file);
     if (late)
@@ -410,6 +397,13 @@ void EntryWriting::put(Task const& task, EntryKey const& key, TRkMatrix const& m
     matrix.Prepare();
     requireIntact(task, matrix);
     store(task, key, change, [&](StagedFile& staged) { write(staged, key, matrix); });
+}
+
+// The matrix is read when the lock is held: nobody stores another one meanwhile.
+void EntryWriting::rewrite(Task const& task, EntryKey const& key) const {
+    auto const entry = require(task, key);
+    store(task, key, {OnExisting::replace, {false, std::nullopt}},
+        [&](StagedFile& staged) { write(staged, key, read(task, entry)); });
 }
 
 void EntryWriting::moveMatrix(Task const& task, EntryKey const& to, Change const& change) const {

@@ -59,6 +59,8 @@ public:
     void put(Task const& task, EntryKey const& key, TRkMatrix const& matrix, Change const& change) const;
     void putFile(
         Task const& task, EntryKey const& key, EntryStore::FileWriter const& write, Change const& change) const;
+    /// Writes the matrix of an entry to a new file.
+    void rewrite(Task const& task, EntryKey const& key) const;
     /// Copies a file as it is.
     void putCopy(Task const& task, EntryKey const& key, std::string const& source, Change const& change) const;
     /// Copies the file of the entry that is moved, or gives it a second name on a full disk.
@@ -123,7 +125,6 @@ private:
     bool isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded) const;
     std::string targetOf(Task const& task, EntryKey const& key, std::optional<EntryInfo> const& existing) const;
     hdf5::FileStamp stampOf(EntryKey const& key) const;
-    ContentRecord recordOf(EntryKey const& key, matrix::StagedFile const& staged) const;
     void recordFile(EntryKey const& key, ContentRecord const& record) const;
 
     StoreTables const& tables_;

@@ -102,6 +102,7 @@ std::unique_ptr<Command> makeParent();
 std::unique_ptr<Command> makeChildren();
 std::unique_ptr<Command> makeTree();
 std::unique_ptr<Command> makeUse();
+std::unique_ptr<Command> makeCheck();
 std::unique_ptr<Command> makeRoutesImport();
 std::unique_ptr<Command> makeRoutesShow();
 std::unique_ptr<Command> makeRoutesExport();

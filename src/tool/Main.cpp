@@ -70,7 +70,7 @@ constexpr char const* more = "`cubes COMMAND --help` describes a command.\n"
 Commands allCommands() {
     constexpr std::unique_ptr<Command> (*makers[])() = {makeInit, makeDemo, makeAdd, makeList, makeEntries, makeImport,
         makeExport, makeShow, makeCell, makeCopy, makeMove, makeClear, makeRemove, makeParent, makeChildren, makeTree,
-        makeUse, makeRoutesImport, makeRoutesShow, makeRoutesExport, makeRoutesFields, makeRoutesSelect};
+        makeUse, makeCheck, makeRoutesImport, makeRoutesShow, makeRoutesExport, makeRoutesFields, makeRoutesSelect};
     Commands commands;
     for (auto const make : makers) commands.push_back(make());
     return commands;
@@ -138,7 +138,7 @@ ExitCode run(Command& command, Surroundings const& surroundings) {
         Output output(surroundings.json ? Form::json : Form::text);
         command.run(surroundings, output);
         output.write();
-        return ExitCode::done;
+        return output.exitCode();
     } catch (std::exception const& error) {
         printError(fmt::format("cannot {}: {}", command.task(), withoutLastBreak(causeOf(error, command.task()))));
         return exitCodeOf(error);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tool/Errors.h"
+
 #include <nlohmann/json.hpp>
 
 #include <string>
@@ -76,6 +78,10 @@ public:
     void show(Json const& value);
     void add(std::string const& text) { text_ += text; }
 
+    /// What the tool exits with after it has printed the results; by default done.
+    void exitWith(ExitCode code) noexcept { exitCode_ = code; }
+    ExitCode exitCode() const noexcept { return exitCode_; }
+
     /// Prints everything to standard output. Throws Failure when that fails; a reader that closed the
     /// pipe, as `head` does, is not an error.
     void write() const;
@@ -83,6 +89,7 @@ public:
 private:
     Form form_;
     std::string text_;
+    ExitCode exitCode_ = ExitCode::done;
 };
 
 }

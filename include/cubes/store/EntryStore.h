@@ -2,6 +2,7 @@
 
 #include <cubes/Export.h>
 #include <cubes/matrix/TRkMatrix.h>
+#include <cubes/store/EntryCheck.h>
 #include <cubes/store/EntryInfo.h>
 #include <cubes/store/EntryKey.h>
 #include <cubes/store/StoreError.h>
@@ -224,6 +225,18 @@ public:
     /// Raise and lower the usage counter, never below 0, and return it. Throw notFound.
     long addUser(EntryKey const& key);
     long removeUser(EntryKey const& key);
+
+    // Check and repair
+
+    /// Compares the rows of the selected entries with their files, and reports what is wrong: the findings of entries
+    /// in the order of their keys, of cubes, then of files without a row. Files that name no entry are reported only
+    /// when all entries are selected. Changes nothing. Throws notFound for an unknown cube, database, file.
+    std::vector<Finding> check(EntrySelection const& selection = {}, CheckOptions const& options = {}) const;
+    /// Repairs what a check has found, and returns what was done about each finding, in their order. What others have
+    /// changed since is left alone, and so are notes and entries of other projects. No matrix is deleted: files that
+    /// belong to no entry are moved to the directory "quarantine" beside them, with a note. Throws database inside a
+    /// transaction that the caller has begun.
+    std::vector<Repair> repair(std::vector<Finding> const& findings, RepairOptions const& options = {});
 
 private:
     friend class Project;

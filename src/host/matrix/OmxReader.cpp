@@ -330,6 +330,11 @@ OmxTable OmxReader::table(std::string const& name) const {
     return OmxTable(Handle(file_.get(), H5Fclose, "keep the file open"), std::move(dataset));
 }
 
+bool OmxReader::hasRecord() const {
+    hdf5::Session const session;
+    return hdf5::hasLink(file_.get(), hdf5::IndexRecord::dataset);
+}
+
 bool OmxReader::hasRecordAt(std::uint64_t offset) const {
     hdf5::Session const session;
     return hdf5::hasRecordAt(file_.get(), offset);

@@ -93,6 +93,8 @@ public:
     OmxTable table(std::string const& name) const;
     /// The table "matrix", or the only one.
     OmxTable onlyTable() const;
+    /// Whether the file has the dataset of an index record, valid or not.
+    bool hasRecord() const;
     /// See hdf5::hasRecordAt.
     bool hasRecordAt(std::uint64_t offset) const;
     hdf5::Provenance provenance() const;

@@ -137,6 +137,14 @@ std::uint64_t fileSize(std::string const& path) {
     return fs::file_size(toPath(path));
 }
 
+std::vector<std::string> fileNamesIn(std::string const& directory) {
+    std::vector<std::string> names;
+    for (auto const& entry : fs::directory_iterator(toPath(directory)))
+        if (entry.is_regular_file()) names.push_back(fromPath(entry.path().filename()));
+    std::ranges::sort(names);
+    return names;
+}
+
 std::int64_t lastChange(std::string const& path) {
     auto const changed = fs::file_time_type::clock::to_sys(fs::last_write_time(toPath(path)));
     return std::chrono::duration_cast<std::chrono::microseconds>(changed.time_since_epoch()).count();

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 /// Files and directories by their names, as narrow texts.
 namespace cubes::platform {
@@ -40,6 +41,8 @@ bool moveDirectory(std::string const& source, std::string const& target);
 /// system: then nothing is done.
 bool renameFile(std::string const& from, std::string const& to);
 std::uint64_t fileSize(std::string const& path);
+/// The names of the regular files in a directory, sorted.
+std::vector<std::string> fileNamesIn(std::string const& directory);
 /// The time of a file's last change: microseconds since 1970 (UTC).
 std::int64_t lastChange(std::string const& path);
 /// Makes everything written to a file, by anyone, survive a power failure.

@@ -34,6 +34,12 @@ std::string Dialect::caseIgnoringIndex(
     return "CREATE INDEX ON " + quoted(table) + " (" + lower(quoted(column)) + ", " + quoted(key) + ")";
 }
 
+std::string Dialect::schemasWith(std::string const& table) const {
+    return "SELECT nspname::text FROM pg_catalog.pg_class JOIN pg_catalog.pg_namespace n ON n.oid = relnamespace "
+           "WHERE relkind IN ('r', 'p', 'v', 'f') AND relname = '" +
+           table + "'";
+}
+
 std::string Dialect::beginWriting() const {
     return "BEGIN ISOLATION LEVEL READ COMMITTED; SET LOCAL lock_timeout = '10s'";
 }

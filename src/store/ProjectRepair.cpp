@@ -1,0 +1,97 @@
+#include "store/ProjectRepair.h"
+
+#include "host/database/Transaction.h"
+#include "host/platform/Files.h"
+#include "host/platform/Paths.h"
+#include "store/FileInspection.h"
+#include "store/Quarantine.h"
+#include "store/StrayFiles.h"
+
+#include <algorithm>
+
+namespace cubes::store {
+
+using matrix::WriteLock;
+
+Repair ProjectRepair::repair(Finding const& finding) const {
+    struct Action {
+        Problem problem;
+        std::string (ProjectRepair::*act)(Finding const&) const;
+    };
+    constexpr Action actions[] = {{Problem::unregisteredCube, &ProjectRepair::registerCube},
+        {Problem::fileWithoutRow, &ProjectRepair::placeFile}, {Problem::leftoverFile, &ProjectRepair::removeLeftover},
+        {Problem::missingFile, &ProjectRepair::dropRow}, {Problem::outsideDirectory, &ProjectRepair::dropRow},
+        {Problem::damagedIndex, &ProjectRepair::rewrite}};
+    for (auto const& [problem, act] : actions) {
+        if (problem != finding.problem) continue;
+        try {
+            return {reporting({"repair " + (finding.file.empty() ? finding.text : finding.file), finding.text},
+                        [&] { return (this->*act)(finding); }),
+                {}};
+        } catch (StoreError const& error) {
+            return {{}, error.cause()};
+        }
+    }
+    return {};
+}
+
+std::string ProjectRepair::registerCube(Finding const& finding) const {
+    tables_.cubes().ensure(finding.cube, finding.cubeName.c_str());
+    return "the cube was registered as \"" + finding.cubeName + "\"";
+}
+
+std::string ProjectRepair::placeFile(Finding const& finding) const {
+    WriteLock const lock(finding.file, WriteLock::Purpose::create);
+    if (!platform::exists(finding.file)) return {};
+    if (finding.entry && isNamed(tables_, *finding.entry, finding.file)) return {};
+    if (finding.entry && !EntryWriting(tables_).find(*finding.entry)) return restoreRow(finding);
+    return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
+}
+
+std::string ProjectRepair::restoreRow(Finding const& finding) const {
+    auto const& key = *finding.entry;
+    auto const record = tables_.recordOf(key, finding.file);
+    tables_.requireContentTable(key.isResult());
+    database::Transaction transaction(tables_.session());
+    if (finding.cube != 0) tables_.cubes().ensure(finding.cube, finding.cubeName.c_str());
+    auto rows = tables_.rows(key.isResult());
+    if (!rows->insert(key.numbers(), storedNameOf(finding))) return {};
+    tables_.record(key, record);
+    transaction.commit();
+    return "the row was restored";
+}
+
+// The path within the directory, with the delimiter of stored names.
+std::string ProjectRepair::storedNameOf(Finding const& finding) const {
+    auto name = finding.file.substr(tables_.directory(finding.entry->isResult()).size());
+    std::replace(name.begin(), name.end(), platform::pathDelimiter(), '\\');
+    return name;
+}
+
+std::string ProjectRepair::removeLeftover(Finding const& finding) const {
+    if (!platform::exists(finding.file) || !isLeftover(finding.file)) return {};
+    if (isComplete(finding.file)) return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
+    platform::discardFile(finding.file);
+    return "it was removed";
+}
+
+std::string ProjectRepair::dropRow(Finding const& finding) const {
+    if (!options_.dropRows) return {};
+    Task const task{"remove the row of " + finding.text, finding.text};
+    EntryWriting const writing(tables_);
+    if (!writing.find(*finding.entry)) return {};
+    EntryWriting::Removal removal(writing, task, *finding.entry);
+    if (!finding.file.empty() && platform::exists(finding.file)) return {};
+    removal.finish();
+    return "the row was removed";
+}
+
+std::string ProjectRepair::rewrite(Finding const& finding) const {
+    Task const task{"write " + finding.text + " anew", finding.text};
+    if (!isContentIntact(finding.file).value_or(false))
+        task.fail(Reason::damaged, "its content does not agree with its content id", finding.file);
+    EntryWriting(tables_).rewrite(task, *finding.entry);
+    return "the file was written anew";
+}
+
+}
