@@ -54,6 +54,8 @@ public:
     Replaced& operator=(Replaced const&) = delete;
 
     void stay(bool stays = true) noexcept { stays_ = stays; }
+    /// Whether there was a file.
+    bool hasOld() const noexcept { return !aside_.empty(); }
 
 private:
     void putBack() {
@@ -280,10 +282,14 @@ std::optional<TRkMatrixException> EntryWriting::commit(
         auto const taken = takeRow(task, *change.movedFrom);
         if (key.isResult()) change.parentage.parent = taken.parent;
     }
-    bool const changesRows = changeRow(task, key, change, staged.target()) || change.movedFrom;
+    auto const rowChange = changeRow(task, key, change, staged.target());
+    bool const changesRows = rowChange != RowChange::none || change.movedFrom;
     std::optional<Replaced> replaced;
     if (changesRows) replaced.emplace(staged);
     auto late = publish(staged);
+    // The file that a removed entry left must not come back with the new row, whatever the rule of the directory.
+    if (rowChange == RowChange::added && replaced->hasOld())
+        platform::flushDirectory(platform::directoryOf(staged.target()));
     recordFile(key, record);
     if (!changesRows) {
         commitRecord(transaction);
@@ -324,7 +330,7 @@ bool EntryWriting::isCommitted(Task const& task, EntryKey const& key, Change con
 
 // What others did to the entry while the file was written counts: the row is read again, and then
 // stays as it is until the transaction ends.
-bool EntryWriting::changeRow(
+EntryWriting::RowChange EntryWriting::changeRow(
     Task const& task, EntryKey const& key, Change const& change, std::string const& target) const {
     auto rows = tables_.rows(key.isResult());
     auto const parent = numbersOf(change.parentage.parent);
@@ -337,12 +343,12 @@ bool EntryWriting::changeRow(
         if (!rows->insert(key.numbers(), catalogue::newFileName(key.numbers()), parent))
             task.fail(Reason::locked, "another program is adding it; try again");
         requireCube(task, key);
-        return true;
+        return RowChange::added;
     }
     requireReplaceable(task, *existing, change.exists);
-    if (!changesParent) return false;
+    if (!changesParent) return RowChange::none;
     if (!rows->setParent(parent)) task.fail(Reason::notFound, "it was removed meanwhile");
-    return true;
+    return RowChange::changed;
 }
 
 void EntryWriting::setParent(Task const& task, EntryKey const& key, std::optional<EntryKey> const& parent) const {

@@ -98,9 +98,9 @@ private:
     /// Changes the rows and puts the file in place. Returns why the change may not survive a power failure, if so.
     std::optional<TRkMatrixException> commit(Task const& task, EntryKey const& key, Change change,
         matrix::StagedFile& staged, ContentRecord const& record) const;
-    /// Inside a transaction: adds the row or changes its parent, and returns whether it had to. The file will be
-    /// `target`.
-    bool changeRow(Task const& task, EntryKey const& key, Change const& change, std::string const& target) const;
+    enum class RowChange { none, changed, added };
+    /// Inside a transaction: adds the row or changes its parent. The file will be `target`.
+    RowChange changeRow(Task const& task, EntryKey const& key, Change const& change, std::string const& target) const;
     /// Fails for a parent that is the entry itself or derived from it, or that the table has no columns for.
     void requireParentable(
         Task const& task, EntryKey const& key, std::optional<EntryKey> const& parent, Rows const& rows) const;

@@ -24,6 +24,7 @@ int callsLeft = 0;
 int errorGiven = 0;
 bool failed = false;
 bool failsOnce = false;
+bool kills = false;
 std::string settledSteps;
 int linkError = 0;
 std::optional<cubes::test::PretendedDisk> smallDisk;
@@ -33,6 +34,7 @@ bool mustFail() {
     if (!armed) return false;
     if (failed && failsOnce) return false;
     if (!failed && --callsLeft == 0) failed = true;
+    if (failed && kills) _exit(1);
     if (failed) errno = errorGiven;
     return failed;
 }
@@ -167,6 +169,7 @@ void SmallDisk::makeReadOnly() {
 
 FailingSystem::FailingSystem(int nth, int error, Failure failure) {
     failsOnce = failure == Failure::once;
+    kills = failure == Failure::kill;
     callsLeft = nth;
     errorGiven = error;
     failed = false;

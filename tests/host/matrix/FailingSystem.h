@@ -32,10 +32,11 @@ private:
 
 /// Makes system calls of this process fail: while an object exists, the n-th of the calls that change the disk (write,
 /// copy, flush, truncate, rename, create a file), counted from 1, fails with `error`, also when HDF5 makes it. Later
-/// ones fail too, as on a disk that stays full, unless `once` is set.
+/// ones fail too, as on a disk that stays full, unless `once` is set. With `kill` the process ends at that call, with
+/// an error.
 class FailingSystem {
 public:
-    enum class Failure { stays, once };
+    enum class Failure { stays, once, kill };
 
     FailingSystem(int nth, int error, Failure failure = Failure::stays);
     /// Makes nothing fail and only records.
