@@ -12,24 +12,14 @@ namespace cubes::database::postgres {
 
 namespace {
 
-// Throws unless libpq can read the URL. Its reason quotes the URL, so it is shown only where
-// there is nothing to hide.
+// libpq's reason would quote the URL.
 void requireReadable(std::string const& url) {
-    if (isAmbiguous(url))
-        throw TRkDatabaseException("the database URL '" + withoutPassword(url) +
-                                       "' is not valid: \"/\" and \"@\" in a password are written %2F and %40",
-            sqlstate::cannotConnect);
-    char* reason = nullptr;
-    PQconninfoOption* const options = PQconninfoParse(url.c_str(), &reason);
-    std::string const detail = reason ? trimmed(reason) : "out of memory";
-    PQfreemem(reason);
-    if (!options) {
-        std::string const shown = withoutPassword(url);
-        throw TRkDatabaseException(
-            "the database URL '" + shown + "' is not valid" + (shown == url ? ": " + detail : std::string()),
-            sqlstate::cannotConnect);
-    }
-    PQconninfoFree(options);
+    if (isReadable(url)) return;
+    throw TRkDatabaseException(
+        "the database URL is not valid: it is written postgresql://USER@HOST:PORT/DATABASE, with "
+        "%2F and %40 for \"/\" and \"@\" in a password; it is not shown because it may hold a "
+        "password",
+        sqlstate::cannotConnect);
 }
 
 void ignoreNotice(void* /*context*/, PGresult const* /*notice*/) {}
