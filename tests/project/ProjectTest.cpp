@@ -155,6 +155,7 @@ TEST_P(ProjectOver, leavesNothingBehindWhenATableCannotBeCreated) {
 
 TEST_P(ProjectOver, isOpenedOnTheDatabaseOfTheEnvironment) {
     { Project const plain = Project::create(directory.file("delta")); }
+    { Pgaccess::TPgConnection const empty(database->url()); }
     DatabaseOverride const override(database->url());
     Project const project = Project::open(directory.file("delta"));
     EXPECT_EQ(project.connection()->Url(), database->url());
@@ -287,8 +288,13 @@ TEST_F(DefaultProject, isNotOpenedOnAnEmptyDatabaseInPlaceOfALostOne) {
     { Project const project = Project::create(directory.file("delta")); }
     fs::remove(directory.file("delta/cubes.db"));
     EXPECT_EQ(errorOf([&] { Project::open(directory.file("delta")); }),
-        "database: the project's SQLite database '" + directory.file("delta/cubes.db") + "' does not exist");
+        "database: the project's SQLite database, '" + directory.file("delta/cubes.db") + "', does not exist");
     EXPECT_FALSE(fs::exists(directory.file("delta/cubes.db")));
+    DatabaseOverride const misspelt("sqlite:" + directory.file("delta/cube.db"));
+    EXPECT_EQ(errorOf([&] { Project::open(directory.file("delta")); }),
+        "database: the SQLite database that CUBES_DATABASE names, '" + directory.file("delta/cube.db") +
+            "', does not exist");
+    EXPECT_FALSE(fs::exists(directory.file("delta/cube.db")));
 }
 
 TEST_F(DefaultProject, isNotCurrentWhenItCannotBeOpened) {

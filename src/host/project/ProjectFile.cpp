@@ -19,12 +19,17 @@
 #pragma pop_macro("TOML_UNREACHABLE")
 #include <toml++/toml.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 #include <span>
 #include <sstream>
+#include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace cubes::project {
 
@@ -42,18 +47,47 @@ struct DurabilityName {
 };
 constexpr DurabilityName durabilityNames[] = {{"full", Durability::full}, {"process", Durability::process}};
 
+constexpr std::string_view keys[] = {
+    "database", "matrix_directory", "working_directory", "storage", "durability", "schema"};
+
+// How many letters must be inserted, removed or replaced to make one word of the other.
+std::size_t distance(std::string_view first, std::string_view second) {
+    std::vector<std::size_t> row(second.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= first.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i);
+        for (std::size_t j = 1; j <= second.size(); ++j) {
+            std::size_t const replaced = diagonal + (first[i - 1] == second[j - 1] ? 0 : 1);
+            diagonal = std::exchange(row[j], std::min({replaced, row[j] + 1, row[j - 1] + 1}));
+        }
+    }
+    return row.back();
+}
+
+std::string_view nearestKey(std::string_view word) {
+    return *std::ranges::min_element(keys, {}, [word](std::string_view key) { return distance(word, key); });
+}
+
 // Reads the values of one file; errors name the file and the line.
 class Reader {
 public:
     Reader(std::string directory, toml::table const& table) : directory_(std::move(directory)), table_(table) {}
 
+    void requireKnownKeys() const {
+        for (auto const& [key, node] : table_)
+            if (std::ranges::find(keys, key.str()) == std::end(keys))
+                fail(key.source(), "there is no key '" + platform::fromUtf8(key.str().substr(0, longestShown)) +
+                                       "'; did you mean '" +
+                                       std::string(nearestKey(key.str().substr(0, longestShown))) + "'?");
+    }
+
     // The text of the key, or the fallback.
     std::string text(char const* key, std::string const& fallback) const {
         toml::node const* const node = table_.get(key);
         if (!node) return fallback;
-        if (!node->is_string()) fail(*node, std::string("'") + key + "' must be a text");
+        if (!node->is_string()) fail(node->source(), std::string("'") + key + "' must be a text");
         std::string const value = platform::fromUtf8(node->as_string()->get());
-        if (value.empty()) fail(*node, std::string("'") + key + "' must not be empty");
+        if (value.empty()) fail(node->source(), std::string("'") + key + "' must not be empty");
         return value;
     }
 
@@ -64,27 +98,35 @@ public:
         std::string const value = text(key, names[0].name);
         for (Name const& name : names)
             if (value == name.name) return name;
-        fail(*node, std::string("'") + key + "' must be \"" + names[0].name + "\" or \"" + names[1].name +
-                        "\", not \"" + value + "\"");
+        fail(node->source(), std::string("'") + key + "' must be \"" + names[0].name + "\" or \"" + names[1].name +
+                                 "\", not \"" + value + "\"");
     }
 
 private:
-    [[noreturn]] void fail(toml::node const& node, std::string const& reason) const {
+    [[noreturn]] void fail(toml::source_region const& place, std::string const& reason) const {
         throw TRkProjectException(
-            projectFilePath(directory_) + ", line " + std::to_string(node.source().begin.line) + ": " + reason,
-            directory_);
+            projectFilePath(directory_) + ", line " + std::to_string(place.begin.line) + ": " + reason, directory_);
     }
+
+    static constexpr std::size_t longestShown = 64;
 
     std::string directory_;
     toml::table const& table_;
 };
+
+constexpr std::size_t largestFile = 65536;
 
 std::string contentOf(std::string const& directory) {
     std::string const path = projectFilePath(directory);
     std::ifstream stream(platform::toPath(path), std::ios::binary);
     if (!stream || !platform::isRegularFile(path))
         throw TRkProjectException(path + " is not a readable file", directory);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::string content(largestFile + 1, '\0');
+    stream.read(content.data(), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<std::size_t>(stream.gcount()));
+    if (content.size() > largestFile)
+        throw TRkProjectException(path + " is larger than 64 KiB, so it is not the file of a project", directory);
+    return content;
 }
 
 toml::table parsed(std::string const& directory) {
@@ -150,6 +192,7 @@ ProjectFile projectFileFor(ProjectOptions const& options, std::string const& dir
 ProjectFile readProjectFile(std::string const& directory) {
     toml::table const table = parsed(directory);
     Reader const reader(directory, table);
+    reader.requireKnownKeys();
     ProjectFile file;
     file.database = reader.text("database", file.database);
     file.matrixDirectory = reader.text("matrix_directory", file.matrixDirectory);
