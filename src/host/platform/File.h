@@ -81,6 +81,8 @@ public:
     /// Nothing when another holder has the byte. The file is created when it is missing. Throws
     /// std::system_error when the file cannot be opened for writing or cannot be locked.
     static std::optional<ByteLock> tryTake(std::string const& path, std::uint64_t position);
+    /// Whether another holder has one of these bytes at the moment. Throws std::system_error.
+    bool isHeldByOthers(std::uint64_t position, std::uint64_t length) const;
 
 private:
     explicit ByteLock(File file) noexcept : file_(std::move(file)) {}

@@ -107,3 +107,18 @@ TEST(ByteLock, excludesOthersFromItsByteOnly) {
     EXPECT_EQ(
         failureOf([&] { ByteLock::tryTake(directory.file("none/lock"), 1); }), std::errc::no_such_file_or_directory);
 }
+
+TEST(ByteLock, findsTheBytesThatOthersHold) {
+    TempDir const directory;
+    std::string const file = directory.file("lock");
+    auto const first = ByteLock::tryTake(file, 10);
+    auto const second = ByteLock::tryTake(file, 20);
+    struct {
+        std::uint64_t position, length;
+        bool isHeld;
+    } const cases[] = {
+        {0, 10, false}, {0, 11, true}, {10, 1, true}, {11, 9, false}, {15, ~std::uint64_t{0} >> 2, false}};
+    for (auto const& [position, length, isHeld] : cases)
+        EXPECT_EQ(second->isHeldByOthers(position, length), isHeld) << position;
+    EXPECT_TRUE(first->isHeldByOthers(15, 10));
+}

@@ -41,7 +41,7 @@ std::string Dialect::schemasWith(std::string const& table) const {
 }
 
 std::string Dialect::beginWriting() const {
-    return "BEGIN ISOLATION LEVEL READ COMMITTED; SET LOCAL lock_timeout = '10s'";
+    return "BEGIN ISOLATION LEVEL READ COMMITTED";
 }
 
 // "IF NOT EXISTS" alone fails when two processes pass it at once.
@@ -49,8 +49,10 @@ std::string Dialect::lockDefinitions() const {
     return "SELECT pg_advisory_xact_lock(hashtext('cubes: table definitions'))";
 }
 
+// The weakest mode that also keeps others from locking rows: whoever holds one and waits for the table would deadlock
+// with this transaction.
 std::string Dialect::lockTable(std::string const& quotedTable) const {
-    return "LOCK TABLE " + quotedTable + " IN SHARE ROW EXCLUSIVE MODE";
+    return "LOCK TABLE " + quotedTable + " IN EXCLUSIVE MODE";
 }
 
 std::string Dialect::lockRows() const {

@@ -28,13 +28,6 @@ std::string textOf(char const* text) {
     return text ? text : "";
 }
 
-// The server's reason and what to do about it. That a database is read-only is put in terms of the statement.
-std::string explained(std::string const& reason, std::string const& sqlState) {
-    if (sqlState == sqlstate::readOnly) return "it is read-only; ask its owner for permission to write";
-    if (sqlState == sqlstate::missingRight) return reason + "; ask the owner of the database for this right";
-    return sqlState == sqlstate::locked ? reason + "; try again later" : reason;
-}
-
 }
 
 std::string trimmed(char const* text) {
@@ -81,6 +74,16 @@ std::string Handle::where() const {
     std::string const port = textOf(PQport(connection_));
     return "PostgreSQL server '" + host + (port.empty() ? "" : ":" + port) + "', database '" +
            textOf(PQdb(connection_)) + "'";
+}
+
+// The server's reason and what to do about it. That a database is read-only is put in terms of the statement.
+std::string Handle::explained(std::string const& reason, std::string const& sqlState) const {
+    if (sqlState == sqlstate::readOnly) return "it is read-only; ask its owner for permission to write";
+    if (sqlState == sqlstate::missingRight) return reason + "; ask the owner of the database for this right";
+    if (sqlState == sqlstate::locked)
+        return "other connections, of this program or of others, have kept it locked for more than " + lockTimeout_ +
+               "; try again later";
+    return reason;
 }
 
 TRkDatabaseException Handle::failure(pg_result const* result, std::string const& statement) const {

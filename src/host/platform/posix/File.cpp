@@ -17,9 +17,20 @@ namespace {
 // descriptor of the file releases nothing.
 #ifdef F_OFD_SETLK
 constexpr int setLock = F_OFD_SETLK;
+constexpr int getLock = F_OFD_GETLK;
 #else
 constexpr int setLock = F_SETLK;
+constexpr int getLock = F_GETLK;
 #endif
+
+struct flock exclusive(std::uint64_t position, std::uint64_t length) {
+    struct flock request {};
+    request.l_type = F_WRLCK;
+    request.l_whence = SEEK_SET;
+    request.l_start = static_cast<off_t>(position);
+    request.l_len = static_cast<off_t>(length);
+    return request;
+}
 
 int descriptor(std::intptr_t native) {
     return static_cast<int>(native);
@@ -114,14 +125,16 @@ void FileView::unmap() noexcept {
 
 std::optional<ByteLock> ByteLock::tryTake(std::string const& path, std::uint64_t position) {
     File file = File::openShared(path);
-    struct flock request {};
-    request.l_type = F_WRLCK;
-    request.l_whence = SEEK_SET;
-    request.l_start = static_cast<off_t>(position);
-    request.l_len = 1;
+    struct flock request = exclusive(position, 1);
     if (::fcntl(descriptor(file.native()), setLock, &request) == 0) return ByteLock(std::move(file));
     if (errno == EAGAIN || errno == EACCES) return std::nullopt;
     throwSystemFailure("cannot lock", path);
+}
+
+bool ByteLock::isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
+    struct flock request = exclusive(position, length);
+    if (::fcntl(descriptor(file_.native()), getLock, &request) != 0) throwSystemFailure("cannot lock", file_.path());
+    return request.l_type != F_UNLCK;
 }
 
 }

@@ -36,6 +36,17 @@ OVERLAPPED at(std::uint64_t offset) {
     return position;
 }
 
+// False when somebody else holds one of the bytes.
+bool lockBytes(File const& file, std::uint64_t position, std::uint64_t length) {
+    OVERLAPPED where = at(position);
+    constexpr DWORD exclusiveNow = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+    auto const low = static_cast<DWORD>(length);
+    auto const high = static_cast<DWORD>(length >> 32);
+    if (::LockFileEx(handle(file.native()), exclusiveNow, 0, low, high, &where)) return true;
+    if (::GetLastError() == ERROR_LOCK_VIOLATION || ::GetLastError() == ERROR_IO_PENDING) return false;
+    throwSystemFailure("cannot lock", file.path());
+}
+
 }
 
 File File::openForReading(std::string const& path) {
@@ -111,11 +122,16 @@ void FileView::unmap() noexcept {
 
 std::optional<ByteLock> ByteLock::tryTake(std::string const& path, std::uint64_t position) {
     File file = File::openShared(path);
+    if (!lockBytes(file, position, 1)) return std::nullopt;
+    return ByteLock(std::move(file));
+}
+
+// Windows has no question for locks: the bytes are locked for a moment.
+bool ByteLock::isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
+    if (!lockBytes(file_, position, length)) return true;
     OVERLAPPED where = at(position);
-    constexpr DWORD exclusiveNow = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
-    if (::LockFileEx(handle(file.native()), exclusiveNow, 0, 1, 0, &where)) return ByteLock(std::move(file));
-    if (::GetLastError() == ERROR_LOCK_VIOLATION || ::GetLastError() == ERROR_IO_PENDING) return std::nullopt;
-    throwSystemFailure("cannot lock", path);
+    ::UnlockFileEx(handle(file_.native()), 0, static_cast<DWORD>(length), static_cast<DWORD>(length >> 32), &where);
+    return false;
 }
 
 }
