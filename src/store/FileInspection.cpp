@@ -1,7 +1,6 @@
 #include "store/FileInspection.h"
 
 #include "host/matrix/Elements.h"
-#include "host/matrix/FileIndex.h"
 #include "host/matrix/OmxReader.h"
 #include "host/platform/File.h"
 #include "host/platform/Files.h"
@@ -49,7 +48,7 @@ bool hasDamagedRecord(std::string const& path, std::span<std::byte const> file) 
 }
 
 void inspectContent(std::string const& path, FileFacts& facts) {
-    if (isContentIntact(path).value_or(true)) return;
+    if (matrix::isIntactFile(path)) return;
     facts.problem = Problem::wrongContent;
     facts.detail = "it was changed outside Cubes or damaged: its content does not agree with its content id";
 }
@@ -99,19 +98,6 @@ bool isComplete(std::string const& path) {
         return false;
     }
     return !inspectFile(path, false, false).problem;
-}
-
-std::optional<bool> isContentIntact(std::string const& path) {
-    auto const view = platform::FileView::open(path);
-    auto const found = hdf5::findRecord(view.bytes());
-    auto const index = found ? matrix::findIndex(view.bytes()) : std::nullopt;
-    if (!index || index->places.layout.filters != matrix::Filters::none || !found->record.content.isKnown())
-        return matrix::OmxReader(path).onlyTable().isIntact();
-    auto const elements = matrix::elementCount(
-        static_cast<std::uint64_t>(index->header.rows), static_cast<std::uint64_t>(index->header.columns));
-    matrix::MatrixHash hash(index->header);
-    hash.add(view.bytes().subspan(static_cast<std::size_t>(index->places.elements.offset), elements * sizeof(float)));
-    return hash.finish() == found->record.content;
 }
 
 }

@@ -28,8 +28,4 @@ FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep);
 /// Whether a temporary file was written to its end.
 bool isComplete(std::string const& path);
 
-/// Whether a matrix agrees with the content id, or the checksum, that its file records; nothing when it records none.
-/// Throws std::exception when the file cannot be read.
-std::optional<bool> isContentIntact(std::string const& path);
-
 }

@@ -1,6 +1,7 @@
 #include "store/ProjectRepair.h"
 
 #include "host/database/Transaction.h"
+#include "host/matrix/Elements.h"
 #include "host/platform/Files.h"
 #include "host/platform/Paths.h"
 #include "store/FileInspection.h"
@@ -88,7 +89,7 @@ std::string ProjectRepair::dropRow(Finding const& finding) const {
 
 std::string ProjectRepair::rewrite(Finding const& finding) const {
     Task const task{"write " + finding.text + " anew", finding.text};
-    if (!isContentIntact(finding.file).value_or(false))
+    if (!matrix::isIntactFile(finding.file))
         task.fail(Reason::damaged, "its content does not agree with its content id", finding.file);
     EntryWriting(tables_).rewrite(task, *finding.entry);
     return "the file was written anew";
