@@ -31,6 +31,13 @@ std::uint64_t now() {
     return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(time).count());
 }
 
+/// A time after all places that were taken before: some clocks advance in steps.
+std::uint64_t nextMoment() {
+    auto const before = now();
+    while (now() <= before) std::this_thread::yield();
+    return now();
+}
+
 /// Waits until somebody has queued since that time.
 void awaitArrivalSince(std::uint64_t time, std::string const& database) {
     auto const probe = ByteLock::tryTake(database + "-queue", last);
@@ -56,7 +63,7 @@ TEST_F(SqliteQueue, servesInTheOrderOfArrival) {
     std::vector<int> served;
     std::vector<std::jthread> waiting;
     for (int number = 1; number <= 5; ++number) {
-        auto const before = now();
+        auto const before = nextMoment();
         waiting.emplace_back([this, number, &served] {
             auto own = place();
             own.enter();
@@ -134,7 +141,7 @@ TEST_F(SqliteQueue, servesAWaitingWriterBeforeOneThatComesAgain) {
     table.Open();
     for (int number = 1; number <= 5; ++number) {
         eager.Execute("BEGIN IMMEDIATE");
-        auto const before = now();
+        auto const before = nextMoment();
         std::jthread const other([this, number] {
             Pgaccess::TPgConnection patient("sqlite:" + database);
             patient.Execute("INSERT INTO \"cube\" VALUES (" + std::to_string(number) + ")");
