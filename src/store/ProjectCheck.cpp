@@ -100,9 +100,9 @@ void ProjectCheck::checkFile(EntryInfo const& entry, std::optional<FileFacts> co
             "its row names the file \"" + entry.storedName + "\", which is not inside " +
                 tables_.directory(entry.key.isResult()));
     if (!isHere) {
-        // Whoever removes an entry removes its row first.
+        // Others may have removed the entry, or have stored it again: a row that is there has its file.
         auto rows = tables_.rows(entry.key.isResult());
-        if (!rows->locate(entry.key.numbers())) return;
+        if (!rows->locate(entry.key.numbers()) || platform::exists(entry.file)) return;
         auto const directory = tables_.directory(entry.key.isResult());
         if (platform::isDirectory(directory)) return report(Problem::missingFile, entry, "there is no such file");
         return report(Problem::unreadableFile, entry, "the directory " + directory + " is missing; restore it");

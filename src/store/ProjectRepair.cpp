@@ -3,12 +3,9 @@
 #include "host/database/Transaction.h"
 #include "host/matrix/Elements.h"
 #include "host/platform/Files.h"
-#include "host/platform/Paths.h"
 #include "store/FileInspection.h"
 #include "store/Quarantine.h"
 #include "store/StrayFiles.h"
-
-#include <algorithm>
 
 namespace cubes::store {
 
@@ -23,11 +20,11 @@ Repair ProjectRepair::repair(Finding const& finding) const {
         {Problem::fileWithoutRow, &ProjectRepair::placeFile}, {Problem::leftoverFile, &ProjectRepair::removeLeftover},
         {Problem::missingFile, &ProjectRepair::dropRow}, {Problem::outsideDirectory, &ProjectRepair::dropRow},
         {Problem::damagedIndex, &ProjectRepair::rewrite}};
-    for (auto const& [problem, act] : actions) {
-        if (problem != finding.problem) continue;
+    for (auto const& action : actions) {
+        if (action.problem != finding.problem) continue;
         try {
             return {reporting({"repair " + (finding.file.empty() ? finding.text : finding.file), finding.text},
-                        [&] { return (this->*act)(finding); }),
+                        [&] { return (this->*action.act)(finding); }),
                 {}};
         } catch (StoreError const& error) {
             return {{}, error.cause()};
@@ -37,14 +34,16 @@ Repair ProjectRepair::repair(Finding const& finding) const {
 }
 
 std::string ProjectRepair::registerCube(Finding const& finding) const {
-    tables_.cubes().ensure(finding.cube, finding.cubeName.c_str());
+    auto cubes = tables_.cubes();
+    if (cubes.name(finding.cube)) return {};
+    cubes.ensure(finding.cube, finding.cubeName.c_str());
     return "the cube was registered as \"" + finding.cubeName + "\"";
 }
 
 std::string ProjectRepair::placeFile(Finding const& finding) const {
     WriteLock const lock(finding.file, WriteLock::Purpose::create);
     if (!platform::exists(finding.file)) return {};
-    if (finding.entry && isNamed(tables_, *finding.entry, finding.file)) return {};
+    if (isNamedByARow(tables_, finding.file, matrix::readStamp(finding.file))) return {};
     if (finding.entry && !EntryWriting(tables_).find(*finding.entry)) return restoreRow(finding);
     return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
 }
@@ -54,19 +53,22 @@ std::string ProjectRepair::restoreRow(Finding const& finding) const {
     auto const record = tables_.recordOf(key, finding.file);
     tables_.requireContentTable(key.isResult());
     database::Transaction transaction(tables_.session());
-    if (finding.cube != 0) tables_.cubes().ensure(finding.cube, finding.cubeName.c_str());
+    if (finding.cube != 0) requireCube(finding);
     auto rows = tables_.rows(key.isResult());
-    if (!rows->insert(key.numbers(), storedNameOf(finding))) return {};
+    auto const name = storedNameOf(tables_, key.isResult(), finding.file);
+    if (!rows->insert(key.numbers(), name)) return {};
     tables_.record(key, record);
     transaction.commit();
     return "the row was restored";
 }
 
-// The path within the directory, with the delimiter of stored names.
-std::string ProjectRepair::storedNameOf(Finding const& finding) const {
-    auto name = finding.file.substr(tables_.directory(finding.entry->isResult()).size());
-    std::replace(name.begin(), name.end(), platform::pathDelimiter(), '\\');
-    return name;
+// Another one may have got the number since the check.
+void ProjectRepair::requireCube(Finding const& finding) const {
+    auto const cubes = tables_.cubes();
+    cubes.ensure(finding.cube, finding.cubeName.c_str());
+    if (cubes.number(finding.cubeName.c_str()) == finding.cube) return;
+    Task{"restore the row of " + finding.text, finding.text}.fail(Reason::alreadyExists,
+        "the cube number " + std::to_string(finding.cube) + " belongs to another cube than " + finding.cubeName);
 }
 
 std::string ProjectRepair::removeLeftover(Finding const& finding) const {

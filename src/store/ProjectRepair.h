@@ -23,10 +23,10 @@ private:
     std::string registerCube(Finding const& finding) const;
     std::string placeFile(Finding const& finding) const;
     std::string restoreRow(Finding const& finding) const;
+    void requireCube(Finding const& finding) const;
     std::string removeLeftover(Finding const& finding) const;
     std::string dropRow(Finding const& finding) const;
     std::string rewrite(Finding const& finding) const;
-    std::string storedNameOf(Finding const& finding) const;
 
     StoreTables const& tables_;
     RepairOptions options_;

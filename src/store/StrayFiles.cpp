@@ -107,8 +107,8 @@ std::optional<Finding> StrayFiles::findingOf(File const& file) {
     if (!isStamped && !catalogue::hasEntryExtension(name)) return std::nullopt;
     // Who is storing the entry has not committed its row yet; the file of a removed one may be gone by now.
     if (!isFree(path) || !platform::exists(path)) return std::nullopt;
+    if (isNamedByARow(tables_, path, facts.stamp)) return std::nullopt;
     auto const origin = originOf(file, facts);
-    if (origin.key && isNamed(tables_, *origin.key, path)) return std::nullopt;
     Finding finding{.problem = Problem::fileWithoutRow, .file = path};
     finding.detail = origin.obstacle.empty() ? "no row names it" : "no row names it, and " + origin.obstacle;
     finding.repair = infoOf(Problem::fileWithoutRow).repair;
@@ -165,9 +165,25 @@ std::string StrayFiles::obstacleOf(EntryKey const& key, std::string const& cube)
     return "the cube \"" + cube + "\" is not number " + std::to_string(key.cube()) + " any more";
 }
 
-bool isNamed(StoreTables const& tables, EntryKey const& key, std::string const& path) {
-    auto rows = tables.rows(key.isResult());
-    return rows->locate(key.numbers()) && tables.path(key, rows->filename()) == path;
+std::string storedNameOf(StoreTables const& tables, bool ofResults, std::string const& path) {
+    auto const directory = tables.directory(ofResults);
+    if (!path.starts_with(directory)) return {};
+    auto name = path.substr(directory.size());
+    std::ranges::replace(name, platform::pathDelimiter(), '\\');
+    return name;
+}
+
+bool isNamedByARow(StoreTables const& tables, std::string const& path, std::optional<FileStamp> const& stamp) {
+    auto const isNamedBy = [&](EntryKey const& key) {
+        auto rows = tables.rows(key.isResult());
+        return rows->locate(key.numbers()) && tables.path(key, rows->filename()) == path;
+    };
+    for (bool const ofResults : {false, true}) {
+        auto const named = catalogue::keyOfFileName(storedNameOf(tables, ofResults, path));
+        if (!named.empty() && isNamedBy(store::keyOf(named))) return true;
+    }
+    auto const recorded = stamp ? keyOf(*stamp) : std::nullopt;
+    return recorded && isNamedBy(*recorded);
 }
 
 bool isLeftover(std::string const& path) {

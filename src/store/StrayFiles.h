@@ -57,8 +57,10 @@ private:
     std::map<std::string, File> files_;
 };
 
-/// Whether the row of that entry names the file.
-bool isNamed(StoreTables const& tables, EntryKey const& key, std::string const& path);
+/// The name of a file as a row would store it; empty for one that is not in the directory of such entries.
+std::string storedNameOf(StoreTables const& tables, bool ofResults, std::string const& path);
+/// Whether a row names the file: that of the entry of its name, or that of the entry which the file records.
+bool isNamedByARow(StoreTables const& tables, std::string const& path, std::optional<matrix::FileStamp> const& stamp);
 /// Whether a temporary file was left behind: it is a day old, and nobody is writing its target.
 bool isLeftover(std::string const& path);
 

@@ -10,10 +10,12 @@
 #include <cubes/project/TRkGlobalSettings.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <functional>
 #include <set>
+#include <thread>
 
 #include "host/matrix/StagedFile.h"
 #include "host/matrix/WriteLock.h"
@@ -422,12 +424,45 @@ TEST_P(EntryCheckTest, leavesFilesThatAreBeingWritten) {
 TEST_P(EntryCheckTest, leavesWhatHasChangedSinceTheCheck) {
     fs::remove(file(trips(1)));
     execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1");
+    writeFile(matrices("1-1-1-1-9.odm"), "not a matrix");
     auto const findings = a().check();
     a().put(trips(1), smallMatrix(70));
     a().put(trips(2), smallMatrix(80));
+    a().put(trips(9), smallMatrix(90));
     for (auto const& repair : a().repair(findings, {.dropRows = true})) EXPECT_EQ(repair.done + repair.failure, "");
     EXPECT_EQ(a().get(trips(1)).Elements()[0], 70);
     EXPECT_EQ(a().get(trips(2)).Elements()[0], 80);
+    EXPECT_EQ(a().get(trips(9)).Elements()[0], 90);
+}
+
+TEST_P(EntryCheckTest, restoresNoRowInACubeThatGotTheNumberSinceTheCheck) {
+    a().removeCube(2);
+    OmxFile::write(matrices("2-1-1-1-1.odm"), "matrix", smallMatrix(20));
+    auto const findings = a().check();
+    ASSERT_EQ(textOf(findings), std::string("fileWithoutRow 2/1/1/1/1\n") + rowOfB);
+    a().addCube("Freight");
+    std::string failures;
+    for (auto const& repair : a().repair(findings)) failures += repair.failure;
+    EXPECT_EQ(failures, "the cube number 2 belongs to another cube than cube 2");
+    EXPECT_FALSE(a().find(lonely));
+}
+
+TEST_P(EntryCheckTest, findsNoErrorWhileOthersStoreMoveAndRemove) {
+    std::atomic<bool> isOver = false;
+    std::thread other([&] {
+        auto const own = Project::open(root("a"));
+        while (!isOver) {
+            own.store().put(trips(9), smallMatrix(9));
+            own.store().copy(trips(9), derived);
+            own.store().move(trips(9), trips(10));
+            own.store().remove(trips(10));
+        }
+    });
+    for (int i = 0; i < 50; ++i)
+        for (auto const& finding : a().check())
+            EXPECT_EQ(finding.severity(), Severity::note) << textOf({finding}) << finding.file << finding.detail;
+    isOver = true;
+    other.join();
 }
 
 TEST_P(EntryCheckTest, checksTheSelectedEntriesOnly) {
