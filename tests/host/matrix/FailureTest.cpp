@@ -88,6 +88,31 @@ TEST_P(EachFailure, everyFailingStepInTheDestructorLeavesTheOldFileOrTheNewOne) 
     EXPECT_GT(steps, 5);
 }
 
+TEST_P(EachFailure, aFailureThatPassesIsNeverReportedAsSuccess) {
+    std::vector<std::int32_t> const zones = {101, 102, 205};
+    TRkMatrix source = times(3, 3);
+    source.SetZones(zones);
+    TRkMatrix const old = numbered(80, 80);
+    int steps = 0;
+    for (bool failed = true; failed; ++steps) {
+        ASSERT_LT(steps, 200);
+        bool saved = false;
+        {
+            FailingSystem const system(steps + 1, EIO, FailingSystem::Failure::once);
+            saved = save(source, file);
+            failed = system.hasFailed();
+        }
+        TRkMatrix const now = opened(file);
+        bool const isNew = now.Rows() == 3;
+        EXPECT_EQ(saved, !failed) << "step " << steps + 1;
+        EXPECT_EQ(difference(now, isNew ? source : old), "") << "step " << steps + 1;
+        EXPECT_EQ(now.Zones(), isNew ? zones : std::vector<std::int32_t>()) << "step " << steps + 1;
+        EXPECT_EQ(listing(directory.str()), "a.skm\n");
+        ASSERT_TRUE(save(old, file));
+    }
+    EXPECT_GT(steps, 6);
+}
+
 TEST_P(EachFailure, theReasonNamesTheFileAndTheSystemsMessage) {
     FailingSystem const system(4, ENOSPC);
     TRkMatrix target = created(file, 90, 90);
