@@ -9,6 +9,7 @@
 #include "host/matrix/WriteLock.h"
 #include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
+#include "host/platform/System.h"
 #include "host/platform/TemporaryFile.h"
 
 #include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
@@ -266,11 +267,14 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
     write(staged);
     auto const record = tables_.recordOf(key, staged.path());
     auto const late = commit(task, key, change, staged, record);
-    if (change.movedFrom) platform::discardFile(change.movedFrom->file);
+    auto const left = change.movedFrom ? removeContent(*change.movedFrom) : std::error_code();
     if (late)
         task.fail(reasonOf(late->Code()),
             "it is done, but may not survive a power failure: the directory was not flushed: " + causeOf(*late),
             target);
+    if (left)
+        task.fail(reasonOf(left), "it is done, but the file of " + change.movedFrom->text + " stays: " + left.message(),
+            change.movedFrom->file);
 }
 
 std::optional<TRkMatrixException> EntryWriting::commit(
@@ -464,16 +468,22 @@ EntryWriting::Removal::Removal(EntryWriting const& writing, Task const& task, En
 
 void EntryWriting::Removal::finish() {
     writing_.takeRow(task_, *entry_);
-    removeContent(*entry_);
+    requireRemoved(task_, *entry_, removeContent(*entry_));
 }
 
 // The row of a result may name a directory.
-void EntryWriting::removeContent(EntryInfo const& entry) {
-    if (entry.file.empty()) return;
-    if (entry.key.isResult())
-        catalogue::removeResult(entry.file);
-    else
-        platform::removeFile(entry.file);
+std::error_code EntryWriting::removeContent(EntryInfo const& entry) {
+    bool const isOurs = entry.key.isResult() ? platform::exists(entry.file) : platform::isRegularFile(entry.file);
+    if (!isOurs) return {};
+    bool const isRemoved =
+        entry.key.isResult() ? catalogue::removeResult(entry.file) : platform::discardFile(entry.file);
+    return isRemoved ? std::error_code() : platform::lastSystemError();
+}
+
+void EntryWriting::requireRemoved(Task const& task, EntryInfo const& entry, std::error_code failure) {
+    if (!failure) return;
+    Task{task.action, entry.text}.fail(
+        reasonOf(failure), entry.text + " is removed, but its file stays: " + failure.message(), entry.file);
 }
 
 // The file itself keeps its old stamp, which is only a hint.
@@ -496,7 +506,7 @@ void EntryWriting::remove(Task const& task, EntryKey const& key) const {
 std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> const& keys) const {
     requireOwnTransaction(task);
     auto const removed = deleteRows(task, keys);
-    for (auto const& entry : removed) removeFile(entry);
+    removeFiles(task, removed);
     return removed.size();
 }
 
@@ -512,7 +522,7 @@ std::size_t EntryWriting::removeCube(Task const& task, short cube) const {
     auto const removed = deleteRows(task, keys);
     if (!names_.remove(cube)) task.fail(Reason::notFound, "there is no such cube");
     transaction.commit();
-    for (auto const& entry : removed) removeFile(entry);
+    removeFiles(task, removed);
     return removed.size();
 }
 
@@ -550,15 +560,31 @@ std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<En
     return deleted;
 }
 
+// As many as possible; the first one that stays is reported.
+void EntryWriting::removeFiles(Task const& task, std::vector<EntryInfo> const& removed) const {
+    std::optional<EntryInfo> first;
+    std::error_code failure;
+    for (auto const& entry : removed) {
+        auto const left = removeFile(entry);
+        if (!left || first) continue;
+        first = entry;
+        failure = left;
+    }
+    if (first) requireRemoved(task, *first, failure);
+}
+
 // Another program may have stored the entry anew since its row was deleted; then the file is in use.
-void EntryWriting::removeFile(EntryInfo const& entry) const {
-    if (entry.file.empty() || !platform::exists(entry.file)) return;
+std::error_code EntryWriting::removeFile(EntryInfo const& entry) const {
+    if (entry.file.empty() || !platform::exists(entry.file)) return {};
     try {
         auto const lock = lockSoon(entry.file);
-        if (lock && !tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) removeContent(entry);
+        bool const isFree = lock && !tables_.rows(entry.key.isResult())->locate(entry.key.numbers());
+        return isFree ? removeContent(entry) : std::error_code();
     } catch (TRkDatabaseException const&) {
-    } catch (std::system_error const&) {
         // A file without a row is harmless: the next entry of that name replaces it.
+        return {};
+    } catch (std::system_error const& error) {
+        return error.code();
     }
 }
 

@@ -112,8 +112,12 @@ private:
     void write(matrix::StagedFile& staged, EntryKey const& key, TRkMatrix const& matrix) const;
     EntryInfo takeRow(Task const& task, EntryInfo const& entry) const;
     std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> keys) const;
-    void removeFile(EntryInfo const& entry) const;
-    static void removeContent(EntryInfo const& entry);
+    void removeFiles(Task const& task, std::vector<EntryInfo> const& removed) const;
+    /// Return why the file stays, if it does.
+    std::error_code removeFile(EntryInfo const& entry) const;
+    static std::error_code removeContent(EntryInfo const& entry);
+    /// Fails for a file that stays although its row is removed.
+    static void requireRemoved(Task const& task, EntryInfo const& entry, std::error_code failure);
     [[noreturn]] void missing(Task const& task, EntryKey const& key) const;
     [[noreturn]] void outside(Task const& task, EntryInfo const& entry, char const* advice) const;
     void requireStorable(Task const& task, EntryKey const& key) const;

@@ -184,7 +184,8 @@ public:
     void putFile(EntryKey const& key, FileWriter const& write, PutOptions const& options = {});
 
     /// Copy and move an entry, replacing the target. A copy has no parent; a moved entry keeps its
-    /// own, and its children still name the old key. Files are copied as they are, unverified and with
+    /// own, and its children still name the old key. When only the removal of the source's file fails, the
+    /// move is complete and the error says so. Files are copied as they are, unverified and with
     /// their checksum, except matrices from a cube to a result or back: they are verified, and a damaged
     /// one is not stored. Nothing happens when both keys are the same. Throw inUse for a target in use,
     /// and for the source of a move.
@@ -197,11 +198,12 @@ public:
     void copyFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
 
-    /// Removes the row, then the file. A file that cannot be removed stays. Throws notFound, inUse,
-    /// locked, otherDirectory.
+    /// Removes the row, then the file. Throws notFound, inUse, locked, otherDirectory; and for a file that
+    /// cannot be removed, with the file's name: the row is removed nevertheless.
     void remove(EntryKey const& key);
     /// Removes all entries of the selection, and returns how many. Throws inUse or otherDirectory
-    /// when one of them is in use or belongs to another project; then nothing has changed.
+    /// when one of them is in use or belongs to another project; then nothing has changed. A file that
+    /// cannot be removed is reported like by remove(), after all others have been removed.
     std::size_t removeAll(EntrySelection const& selection);
     /// The same for entries by their keys; missing ones are skipped.
     std::size_t removeAll(std::vector<EntryKey> const& keys);

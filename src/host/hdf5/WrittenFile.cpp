@@ -133,8 +133,8 @@ Handle create(Target& target, Handle const& access) {
     check(H5Pset_driver(access.get(), driver.get(), &info), action);
     // The other properties of a file keep their defaults: HDF5 would write them with the time.
     Handle const properties = untimedProperties(H5P_FILE_CREATE);
-    return Handle(H5Fcreate(target.file.path().c_str(), H5F_ACC_TRUNC, properties.get(), access.get()), H5Fclose,
-        action);
+    return Handle(
+        H5Fcreate(target.file.path().c_str(), H5F_ACC_TRUNC, properties.get(), access.get()), H5Fclose, action);
 }
 
 }

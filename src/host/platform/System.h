@@ -13,6 +13,11 @@ namespace cubes::platform {
 std::uint32_t lastError();
 void setLastError(std::uint32_t code);
 
+/// The same as an error code.
+inline std::error_code lastSystemError() {
+    return {static_cast<int>(lastError()), std::system_category()};
+}
+
 /// The system's own text for an error number, unchanged (with its line end on Windows); nothing when the system does
 /// not know the number.
 std::optional<std::string> errorText(std::uint32_t code);

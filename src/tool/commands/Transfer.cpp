@@ -59,7 +59,7 @@ private:
             transfer(source.store(), from.key, target.store(), key,
                 {.exists = failIfExists_ ? OnExisting::fail : OnExisting::replace});
         });
-        if (!source.store().find(from.key)) warnOfRemains(from.text, {from}, source.store());
+        if (!source.store().find(from.key)) warnOfOrphans(from.text, {from}, source.store());
         show(from, isOfOne ? nullptr : &source.project(), to, output);
     }
 

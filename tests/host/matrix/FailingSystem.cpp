@@ -29,6 +29,7 @@ std::string settledSteps;
 int linkError = 0;
 std::optional<cubes::test::PretendedDisk> smallDisk;
 bool isReadOnly = false;
+int removalError = 0;
 
 bool mustFail() {
     if (!armed) return false;
@@ -130,6 +131,13 @@ CUBES_VISIBLE int link(char const* from, char const* to) noexcept {
     return -1;
 }
 
+CUBES_VISIBLE int unlink(char const* path) noexcept {
+    static auto const real = systems<int (*)(char const*)>("unlink");
+    if (removalError == 0) return real(path);
+    errno = removalError;
+    return -1;
+}
+
 CUBES_VISIBLE int open(char const* path, int flags, ...) {
     static auto const real = systems<int (*)(char const*, int, ...)>("open");
     va_list arguments;
@@ -165,6 +173,14 @@ SmallDisk::~SmallDisk() {
 void SmallDisk::makeReadOnly() {
     isReadOnly = !isMounted_;
     if (isMounted_) mount(nullptr, directory_.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
+}
+
+RefusedRemovals::RefusedRemovals(int error) {
+    removalError = error;
+}
+
+RefusedRemovals::~RefusedRemovals() {
+    removalError = 0;
 }
 
 FailingSystem::FailingSystem(int nth, int error, Failure failure) {

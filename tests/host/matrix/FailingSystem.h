@@ -30,6 +30,15 @@ private:
     bool isMounted_;
 };
 
+/// Makes the system refuse to remove files with `error`, while an object exists.
+class RefusedRemovals {
+public:
+    explicit RefusedRemovals(int error);
+    ~RefusedRemovals();
+    RefusedRemovals(RefusedRemovals const&) = delete;
+    RefusedRemovals& operator=(RefusedRemovals const&) = delete;
+};
+
 /// Makes system calls of this process fail: while an object exists, the n-th of the calls that change the disk (write,
 /// copy, flush, truncate, rename, create a file), counted from 1, fails with `error`, also when HDF5 makes it. Later
 /// ones fail too, as on a disk that stays full, unless `once` is set. With `kill` the process ends at that call, with
