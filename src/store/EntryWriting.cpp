@@ -34,22 +34,16 @@ class Replaced {
 public:
     explicit Replaced(StagedFile const& staged) : staged_(staged) {
         if (!platform::exists(staged.target())) return;
-        aside_ = platform::temporaryPath(staged.target());
-        try {
-            platform::linkOrCopy(staged.target(), aside_);
-        } catch (std::system_error const&) {
-            platform::discardFile(aside_);
-            throw;
-        }
+        aside_.emplace(staged.target());
+        aside_->linkTo(staged.target());
     }
     ~Replaced() {
         try {
             if (!stays_ && staged_.isPublished()) putBack();
         } catch (std::system_error const&) {
             // The error that led here is the one to report; the old file lies under its second name.
-            return;
+            if (aside_) aside_->leave();
         }
-        if (!aside_.empty()) platform::discardFile(aside_);
     }
     Replaced(Replaced const&) = delete;
     Replaced& operator=(Replaced const&) = delete;
@@ -60,14 +54,14 @@ public:
 
 private:
     void putBack() {
-        if (aside_.empty())
-            platform::discardFile(staged_.target());
+        if (aside_)
+            aside_->publish();
         else
-            platform::renameFile(aside_, staged_.target());
+            platform::discardFile(staged_.target());
     }
 
     StagedFile const& staged_;
-    std::string aside_;
+    std::optional<platform::TemporaryFile> aside_;
     bool stays_ = false;
 };
 
@@ -268,10 +262,7 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
     auto const record = tables_.recordOf(key, staged.path());
     auto const late = commit(task, key, change, staged, record);
     auto const left = change.movedFrom ? removeContent(*change.movedFrom) : std::error_code();
-    if (late)
-        task.fail(reasonOf(late->Code()),
-            "it is done, but may not survive a power failure: the directory was not flushed: " + causeOf(*late),
-            target);
+    if (late) task.fail(reasonOf(late->Code()), platform::mayBeLost + causeOf(*late), target);
     if (left)
         task.fail(reasonOf(left), "it is done, but the file of " + change.movedFrom->text + " stays: " + left.message(),
             change.movedFrom->file);

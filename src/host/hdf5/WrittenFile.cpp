@@ -27,11 +27,11 @@ struct WrittenFile::Target {
 
 namespace {
 
-constexpr haddr_t largestAddress = (haddr_t{1} << 63) - 1;
+constexpr haddr_t mostBytes = (haddr_t{1} << 63) - 1;
 
 template <typename Target>
-struct OpenFile : H5FD_t {
-    explicit OpenFile(Target& lent) : H5FD_t{}, target(lent) {}
+struct DriverFile : H5FD_t {
+    explicit DriverFile(Target& lent) : H5FD_t{}, target(lent) {}
 
     Target& target;
     haddr_t endOfUse = 0;
@@ -40,7 +40,7 @@ struct OpenFile : H5FD_t {
 // The functions of the driver; HDF5 passes the file that `open` returned.
 template <typename Target>
 struct Driver {
-    using File = OpenFile<Target>;
+    using File = DriverFile<Target>;
 
     static File& ours(H5FD_t* file) { return *static_cast<File*>(file); }
     static File const& ours(H5FD_t const* file) { return *static_cast<File const*>(file); }
@@ -107,7 +107,7 @@ struct Driver {
         driver.version = H5FD_CLASS_VERSION;
 #endif
         driver.name = "cubes-writing";
-        driver.maxaddr = largestAddress;
+        driver.maxaddr = mostBytes;
         driver.fc_degree = H5F_CLOSE_STRONG;
         driver.fapl_size = sizeof(Target*);
         driver.open = open;

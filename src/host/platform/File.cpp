@@ -38,6 +38,11 @@ File::~File() {
     close();
 }
 
+std::optional<ByteLock> ByteLock::tryTake(std::string const& path, std::uint64_t position) {
+    File file = File::openShared(path);
+    return file.tryLock(position) ? std::optional(ByteLock(std::move(file))) : std::nullopt;
+}
+
 FileView::FileView(FileView&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}
 
 FileView& FileView::operator=(FileView&& other) noexcept {

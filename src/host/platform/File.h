@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 namespace cubes::platform {
@@ -23,6 +24,10 @@ public:
     static File openForReading(std::string const& path);
     /// Creates a file for reading and writing; fails where one exists.
     static File createNew(std::string const& path);
+    /// The same with the rights of another file, if that exists; the owner may write it in any case.
+    static File createLike(std::string const& path, std::string const& model);
+    /// Opens an existing regular file for reading and writing; never through a link.
+    static File openExisting(std::string const& path);
     /// Opens a file for reading and writing together with others; creates it when it is missing.
     static File openShared(std::string const& path);
 
@@ -30,16 +35,27 @@ public:
     File& operator=(File&& other) noexcept;
     ~File();
 
+    /// Opens a file for appending; creates it when it is missing. Fails for links and for everything else that is not a
+    /// regular file with one name: others may have planted it.
+    static File openLog(std::string const& path);
+
     std::uint64_t size() const;
     /// Reads or writes all the bytes or throws: FileError::truncated where the file has fewer.
     void readAt(std::uint64_t offset, std::span<std::byte> bytes) const;
     void writeAt(std::uint64_t offset, std::span<std::byte const> bytes);
+    /// Appends a text to a log, with the line ends of the platform, after whatever others have appended.
+    void append(std::string_view text);
     /// Starts writing these bytes to the disk if the system can do that in the background, which shortens a later
     /// flush.
     void beginFlush(std::uint64_t offset, std::uint64_t length) noexcept;
     /// Returns when everything written to the file, by anyone, is on the disk.
     void flush();
     void close() noexcept;
+    /// Closes a file that was written; throws when the system reports only now that a write failed.
+    void finish();
+    /// Takes an exclusive lock on one byte, which need not exist, against every other open file in this and in other
+    /// processes, until it is closed. False when another holder has it.
+    bool tryLock(std::uint64_t position);
 
     std::string const& path() const noexcept { return path_; }
     /// The system's handle or descriptor.

@@ -89,16 +89,14 @@ bool copyFile(std::string const& source, std::string const& target) {
 
 void replaceByCopy(std::string const& source, std::string const& target) {
     TemporaryFile beside(target);
-    copyContent(source, beside.file());
+    beside.copyFrom(source);
     beside.commit();
 }
 
-void linkOrCopy(std::string const& source, std::string const& target) {
+bool linkFile(std::string const& source, std::string const& target) noexcept {
     std::error_code noLink;
-    std::filesystem::create_hard_link(toPath(source), toPath(target), noLink);
-    if (!noLink) return;
-    auto copied = File::createNew(target);
-    copyContent(source, copied);
+    fs::create_hard_link(toPath(source), toPath(target), noLink);
+    return !noLink;
 }
 
 bool moveDirectory(std::string const& source, std::string const& target) {

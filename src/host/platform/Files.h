@@ -49,11 +49,17 @@ std::int64_t lastChange(std::string const& path);
 void flushFile(std::string const& path);
 /// Makes new names in a directory survive a power failure.
 void flushDirectory(std::string const& directory);
-/// Copies the content of a regular file, off Windows also its permissions, into a new, empty file by the system's own
-/// copy, which shares blocks if the file system supports that.
+/// Copies the content of a regular file into a new, empty file by the system's own copy, which shares blocks if the
+/// file system supports that. On Windows the file is closed and opened again.
 void copyContent(std::string const& source, File& target);
-/// Gives a regular file a second name, which must be free; copies it if the file system has no second names.
-void linkOrCopy(std::string const& source, std::string const& target);
+/// Gives a regular file a second name, which must be free. False if the file system has no second names.
+bool linkFile(std::string const& source, std::string const& target) noexcept;
+/// Sets the time of a file's last change to now, for anyone who may write it. Returns whether it succeeded.
+bool touch(std::string const& path) noexcept;
+/// Give an open file the rights of another one, or take away those that the other one does not grant. Nothing happens
+/// when the other one is missing, on Windows, and on file systems without rights.
+void takeRights(File& file, std::string const& model) noexcept;
+void limitRights(File& file, std::string const& model) noexcept;
 /// Like copyFile, for two different files. The copy survives a power failure.
 void replaceByCopy(std::string const& source, std::string const& target);
 

@@ -196,7 +196,7 @@ TEST(Failure, preservesTheSystemsErrorWhicheverStepFails) {
         failed = system.hasFailed();
         EXPECT_EQ(code == std::errc::no_space_on_device, failed) << "step " << steps + 1;
         std::string const expected = "cannot write OMX file " + directory.file("a.omx") + ": ";
-        std::string const ofDirectory = "cannot flush " + directory.str() + ": ";
+        std::string const ofDirectory = cubes::platform::mayBeLost;
         if (failed && message != expected + "No space left on device") {
             EXPECT_EQ(message, expected + ofDirectory + "No space left on device");
         }
@@ -265,12 +265,11 @@ TEST(WithoutHardLinks, aFileIsCopiedToItsSecondName) {
     RefusedLinks const links(EPERM);
     std::string const source = directory.file("a");
     writeFile(source, "content");
-    cubes::platform::linkOrCopy(source, directory.file("b"));
+    cubes::platform::TemporaryFile copied(directory.file("b"));
+    copied.linkTo(source);
+    copied.publish();
     EXPECT_EQ(readFile(directory.file("b")), "content");
     EXPECT_FALSE(std::filesystem::equivalent(source, directory.file("b")));
-    writeFile(directory.file("c"), "taken");
-    EXPECT_THROW(cubes::platform::linkOrCopy(source, directory.file("c")), std::system_error);
-    EXPECT_EQ(readFile(directory.file("c")), "taken");
 }
 
 TEST(Failure, aSourceThatCanNoLongerBeReadLeavesTheOldFile) {
