@@ -11,6 +11,7 @@
 
 #include <filesystem>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace cubes::database::sqlite {
@@ -61,6 +62,14 @@ char const* sqlStateOf(int code) {
     return sqlstate::general;
 }
 
+// A page that cannot be read is a damaged one to SQLite.
+std::string lastFailureToRead(sqlite3* database) {
+    int code = 0;
+    sqlite3_file_control(database, nullptr, SQLITE_FCNTL_LAST_ERRNO, &code);
+    std::error_code const failure(code, std::system_category());
+    return failure == std::errc::io_error ? failure.message() : std::string();
+}
+
 std::string reason(int code, sqlite3* database, std::chrono::milliseconds longestWait) {
     if (code == SQLITE_BUSY_SNAPSHOT)
         return "another connection has changed it since this transaction began to read; roll back and try again";
@@ -69,7 +78,10 @@ std::string reason(int code, sqlite3* database, std::chrono::milliseconds longes
                textOf(longestWait) + "; try again later";
     if ((code & 0xFF) == SQLITE_READONLY)
         return "it is read-only; to change it, get permission to write the file and its directory";
-    if ((code & 0xFF) == SQLITE_CORRUPT) return "it is damaged; restore it from a backup";
+    if ((code & 0xFF) == SQLITE_CORRUPT) {
+        auto const failure = lastFailureToRead(database);
+        return failure.empty() ? "it is damaged; restore it from a backup" : "it cannot be read: " + failure;
+    }
     return platform::fromUtf8(sqlite3_errmsg(database));
 }
 
