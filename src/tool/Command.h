@@ -76,6 +76,8 @@ public:
     virtual void declare(Arguments arguments) = 0;
     /// Whether the command works in an existing project.
     virtual bool needsProject() const { return true; }
+    /// Whether it changes nothing, so that it has failed when its result cannot be printed.
+    virtual bool onlyReads() const { return false; }
     /// The task as error messages put it after "cannot".
     virtual std::string task() const = 0;
     virtual void run(Surroundings const& surroundings, Output& output) = 0;

@@ -11,7 +11,8 @@ namespace cubes::tool {
 
 using Json = nlohmann::ordered_json;
 
-/// A value for people: text without quotes, numbers with the digits they need, "-" for null and NaN.
+/// A value for people: text without quotes and with its control characters escaped, numbers with the digits they need,
+/// "-" for null and NaN.
 std::string plainText(Json const& value);
 
 /// The value, or null when it is not known.

@@ -57,7 +57,8 @@ std::tm localTime();
 
 std::uint64_t processId();
 
-/// Makes standard output and error pass bytes unchanged, and a terminal show them in the narrow encoding.
+/// Makes standard output and error pass bytes unchanged, and a terminal show them in the narrow encoding. Writing to a
+/// stream that is closed, or whose reader is gone, fails from now on; no file that is opened later takes its place.
 void prepareStreams();
 /// Whether standard error is a terminal.
 bool messagesAreWatched();

@@ -37,6 +37,7 @@ private:
             else
                 ++kept;
         }
+        stopIfInterrupted();
         auto const count = entries.store().removeAll(keysOf(cleared));
         warnOfOrphans("an entry of " + entries.nameOf(cube), cleared, entries.store());
         if (kept > 0) printWarning(fmt::format("entries in use were kept: {}", kept));

@@ -52,6 +52,7 @@ public:
 
     void declare(Arguments arguments) override { arguments.required("ENTRY", entry_, "The entry"); }
 
+    bool onlyReads() const override { return true; }
     std::string task() const override { return "show " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {

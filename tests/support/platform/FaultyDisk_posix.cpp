@@ -3,6 +3,9 @@
 //   CUBES_DISK       the directory that the pretended disk contains
 //   CUBES_DISK_SIZE  its size in bytes: when it is full, writing fails
 //   CUBES_KILL_AT    the process is killed before the n-th call that changes the disk or sends to a server
+//   CUBES_SIGNAL     the number of the signal that it gets there in place of SIGKILL
+//   CUBES_FAIL_AT    the n-th of these calls fails, unless it removes a file
+//   CUBES_FAIL_WITH  the number of its error, EIO by default
 //   CUBES_CALLS      a file that gets one byte for each such call
 
 #include "support/platform/PretendedDisk.h"
@@ -42,12 +45,16 @@ thread_local bool isBusy = false;
 
 class Faults {
 public:
-    // Counts a call, and may end the process in place of it.
-    void count() {
+    // Counts a call, and may end the process in place of it; returns whether the call fails.
+    bool count() {
         static auto const write = systems<ssize_t (*)(int, void const*, size_t)>("write");
         if (log_ >= 0 && write(log_, ".", 1) != 1) std::abort();
-        if (++calls_ == killAt_) raise(SIGKILL);
+        auto const call = ++calls_;
+        if (call == killAt_) raise(static_cast<int>(numberIn("CUBES_SIGNAL", SIGKILL)));
+        return call == failAt_;
     }
+
+    int const error = static_cast<int>(numberIn("CUBES_FAIL_WITH", EIO));
 
     std::optional<PretendedDisk> const disk = [] {
         char const* const directory = std::getenv("CUBES_DISK");
@@ -57,6 +64,7 @@ public:
 
 private:
     std::uintmax_t const killAt_ = numberIn("CUBES_KILL_AT", 0);
+    std::uintmax_t const failAt_ = numberIn("CUBES_FAIL_AT", 0);
     int const log_ = [] {
         char const* const file = std::getenv("CUBES_CALLS");
         auto const open = systems<int (*)(char const*, int, ...)>("open");
@@ -82,22 +90,24 @@ bool passes(Look const& look) {
     return isFine;
 }
 
+// Whether the call is to be made.
 template <typename PathOrFile>
-void changes(PathOrFile const& what) {
+bool mayChange(PathOrFile const& what) {
+    bool fails = false;
     passes([&](PretendedDisk const& disk) {
-        if (disk.holds(what)) faults().count();
+        fails = disk.holds(what) && faults().count();
         return true;
     });
+    if (fails) errno = faults().error;
+    return !fails;
 }
 
 bool grows(int file, off_t end) {
-    changes(file);
-    return passes([&](PretendedDisk const& disk) { return disk.hasRoom(file, end); });
+    return mayChange(file) && passes([&](PretendedDisk const& disk) { return disk.hasRoom(file, end); });
 }
 
 bool appends(int file, std::size_t count) {
-    changes(file);
-    return passes([&](PretendedDisk const& disk) { return disk.hasRoomFor(file, count); });
+    return mayChange(file) && passes([&](PretendedDisk const& disk) { return disk.hasRoomFor(file, count); });
 }
 
 off_t behind(off_t place, std::size_t count) {
@@ -119,8 +129,8 @@ off_t behind(off_t place, std::size_t count) {
         va_start(arguments, flags);                                                                                    \
         mode_t const mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;                                           \
         va_end(arguments);                                                                                             \
-        if (flags & O_CREAT) changes(std::string(path));                                                               \
-        return real(path, flags, mode);                                                                                \
+        bool const isFine = !(flags & O_CREAT) || mayChange(std::string(path));                                        \
+        return isFine ? real(path, flags, mode) : -1;                                                                  \
     }
 CUBES_OPEN(open)
 CUBES_OPEN(open64)
@@ -161,49 +171,44 @@ CUBES_REPLACES(ssize_t, sendfile, (int to, int from, off_t* place, size_t count)
 
 CUBES_REPLACES(int, ftruncate, (int file, off_t size) noexcept) {
     CUBES_REAL(ftruncate);
-    changes(file);
-    return real(file, size);
+    return mayChange(file) ? real(file, size) : -1;
 }
 
 CUBES_REPLACES(int, ftruncate64, (int file, off64_t size) noexcept) {
     CUBES_REAL(ftruncate64);
-    changes(file);
-    return real(file, size);
+    return mayChange(file) ? real(file, size) : -1;
 }
 
 CUBES_REPLACES(int, fsync, (int file)) {
     CUBES_REAL(fsync);
-    changes(file);
-    return real(file);
+    return mayChange(file) ? real(file) : -1;
 }
 
 CUBES_REPLACES(int, fdatasync, (int file)) {
     CUBES_REAL(fdatasync);
-    changes(file);
-    return real(file);
+    return mayChange(file) ? real(file) : -1;
 }
 
 CUBES_REPLACES(int, rename, (char const* from, char const* to) noexcept) {
     CUBES_REAL(rename);
-    changes(std::string(to));
-    return real(from, to);
+    return mayChange(std::string(to)) ? real(from, to) : -1;
 }
 
 CUBES_REPLACES(int, link, (char const* from, char const* to) noexcept) {
     CUBES_REAL(link);
-    changes(std::string(to));
-    return real(from, to);
+    return mayChange(std::string(to)) ? real(from, to) : -1;
 }
 
+// A removal does not fail: what cannot be removed has to stay.
 CUBES_REPLACES(int, unlink, (char const* path) noexcept) {
     CUBES_REAL(unlink);
-    changes(std::string(path));
+    static_cast<void>(mayChange(std::string(path)));
     return real(path);
 }
 
 CUBES_REPLACES(int, remove, (char const* path) noexcept) {
     CUBES_REAL(remove);
-    changes(std::string(path));
+    static_cast<void>(mayChange(std::string(path)));
     return real(path);
 }
 

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <fstream>
 #include <limits>
 #include <pthread.h>
@@ -50,8 +51,13 @@ std::uint64_t processId() {
     return static_cast<std::uint64_t>(::getpid());
 }
 
-// POSIX streams do so by default.
-void prepareStreams() {}
+// POSIX streams pass bytes unchanged.
+void prepareStreams() {
+    std::signal(SIGPIPE, SIG_IGN);
+    // The lowest free descriptor is the one that is closed.
+    for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
 
 bool messagesAreWatched() {
     return ::isatty(STDERR_FILENO) == 1;
