@@ -50,7 +50,7 @@ public:
 
     void stay(bool stays = true) noexcept { stays_ = stays; }
     /// Whether there was a file.
-    bool hasOld() const noexcept { return !aside_.empty(); }
+    bool hasOld() const noexcept { return aside_.has_value(); }
 
 private:
     void putBack() {
