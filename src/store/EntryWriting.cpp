@@ -400,23 +400,25 @@ void EntryWriting::put(Task const& task, EntryKey const& key, TRkMatrix const& m
     store(task, key, change, [&](StagedFile& staged) { write(staged, key, matrix); });
 }
 
-// The matrix is read when the lock is held: nobody stores another one meanwhile.
 void EntryWriting::rewrite(Task const& task, EntryKey const& key) const {
     auto const entry = require(task, key);
     store(task, key, {OnExisting::replace, {false, std::nullopt}},
-        [&](StagedFile& staged) { write(staged, key, read(task, entry)); });
+        [&](StagedFile& staged) { writeIntact(task, staged, key, entry); });
+}
+
+// The lock of the source is held by then: nobody replaces what was read.
+void EntryWriting::writeIntact(
+    Task const& task, StagedFile& staged, EntryKey const& key, EntryInfo const& source) const {
+    auto const matrix = read(task, source);
+    requireIntact(task, matrix);
+    write(staged, key, matrix);
 }
 
 void EntryWriting::moveMatrix(Task const& task, EntryKey const& to, Change const& change) const {
     requireMatrix(task, change.movedFrom->key);
     requireMatrix(task, to);
     requireFile(task, *change.movedFrom);
-    // The lock of the source is held by then: nobody replaces what was read before it is removed.
-    store(task, to, change, [&](StagedFile& staged) {
-        auto const matrix = read(task, *change.movedFrom);
-        requireIntact(task, matrix);
-        write(staged, to, matrix);
-    });
+    store(task, to, change, [&](StagedFile& staged) { writeIntact(task, staged, to, *change.movedFrom); });
 }
 
 void EntryWriting::requireMatrix(Task const& task, EntryKey const& key) const {

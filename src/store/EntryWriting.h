@@ -110,6 +110,8 @@ private:
     bool mayBeCommitted(TRkDatabaseException const& error) const;
     bool isCommitted(Task const& task, EntryKey const& key, Change const& change) const;
     void write(matrix::StagedFile& staged, EntryKey const& key, TRkMatrix const& matrix) const;
+    /// Writes the matrix of another entry, unless it is damaged.
+    void writeIntact(Task const& task, matrix::StagedFile& staged, EntryKey const& key, EntryInfo const& source) const;
     EntryInfo takeRow(Task const& task, EntryInfo const& entry) const;
     std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> keys) const;
     void removeFiles(Task const& task, std::vector<EntryInfo> const& removed) const;

@@ -479,6 +479,16 @@ TEST_P(EntryCheckTest, readsContentOnlyWhenAskedTo) {
     EXPECT_NE(checked(), rowOfB);
 }
 
+TEST_P(EntryCheckTest, givesADamagedMatrixNoNewIndex) {
+    flip(file(trips(5)), placeOf(file(trips(5)), "CUBEIDX2") + 40);
+    flipElement(file(trips(5)), 5);
+    auto const before = readFile(file(trips(5)));
+    auto const repairs = a().repair(a().check());
+    EXPECT_NE(repairs.front().failure, "");
+    EXPECT_EQ(readFile(file(trips(5))), before);
+    EXPECT_EQ(checked(), std::string(rowOfB) + "wrongContent Trips/1/1/1/5\n");
+}
+
 TEST_P(EntryCheckTest, isRefusedInATransactionOfTheCaller) {
     execute("begin");
     EXPECT_THROW(a().repair({}), StoreError);
