@@ -3,6 +3,7 @@
 #include "host/database/Transaction.h"
 #include "host/matrix/Elements.h"
 #include "host/platform/Files.h"
+#include "host/platform/TemporaryFile.h"
 #include "store/FileInspection.h"
 #include "store/Quarantine.h"
 #include "store/StrayFiles.h"
@@ -74,8 +75,7 @@ void ProjectRepair::requireCube(Finding const& finding) const {
 std::string ProjectRepair::removeLeftover(Finding const& finding) const {
     if (!platform::exists(finding.file) || !isLeftover(finding.file)) return {};
     if (isComplete(finding.file)) return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
-    platform::discardFile(finding.file);
-    return "it was removed";
+    return platform::removeLeftover(finding.file) ? "it was removed" : "";
 }
 
 std::string ProjectRepair::dropRow(Finding const& finding) const {
