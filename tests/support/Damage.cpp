@@ -6,6 +6,10 @@
 
 namespace cubes::test {
 
+void PrintTo(Damage const& damage, std::ostream* out) {
+    *out << damage.name;
+}
+
 void damage(std::string const& file, char const* program) {
     auto const done = runPython(std::string(R"(
 import h5py, sys

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ostream>
 #include <string>
 
 namespace cubes::test {
@@ -10,6 +11,8 @@ struct Damage {
     /// A statement of Python; see damage().
     char const* program;
 };
+/// Found by GoogleTest when a test with this parameter fails.
+void PrintTo(Damage const& damage, std::ostream* out);
 
 /// A byte of the elements (in a compressed file: of a chunk) and of the zone numbers, as a bad disk changes them; an
 /// element and a zone number changed by another program, which compresses a chunk again.
