@@ -34,13 +34,12 @@ std::optional<EntryKey> keyOf(FileStamp const& stamp) {
         if (!isPart(number)) return std::nullopt;
         numbers.push_back(static_cast<short>(number));
     }
-    constexpr std::size_t cubeParts = 4;
-    constexpr std::size_t resultParts = 6;
     if (stamp.cubeNumber == 0 || !isPart(stamp.cubeNumber)) return std::nullopt;
     auto const cube = static_cast<short>(stamp.cubeNumber);
-    bool const isResult = catalogue::kindOf(cube).isResult;
-    if (numbers.size() != (isResult ? resultParts : cubeParts)) return std::nullopt;
     numbers.insert(numbers.begin(), cube);
+    bool const isResult = catalogue::kindOf(cube).isResult;
+    if (numbers.size() != (isResult ? std::tuple_size_v<catalogue::ResultKey> : std::tuple_size_v<catalogue::CubeKey>))
+        return std::nullopt;
     return store::keyOf(numbers);
 }
 

@@ -28,15 +28,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-EntryKey trips(short user) {
+EntryKey tripsOf(short user) {
     return {1, 1, 1, 1, user};
 }
-EntryKey const lonely{2, 1, 1, 1, 1};
-EntryKey const skim{-1, 1, 1, 1, 1, 1, 0};
-EntryKey const derived{-1, 1, 1, 1, 1, 2, 0};
-EntryKey const routes{-9, 1, 1, 1, 1, 1, 0};
-EntryKey const data{-10, 1, 1, 1, 1, 1, 0};
-EntryKey const moreData{-10, 2, 1, 1, 1, 1, 0};
+EntryKey const lonelyEntry{2, 1, 1, 1, 1};
+EntryKey const checkedSkim{-1, 1, 1, 1, 1, 1, 0};
+EntryKey const derivedSkim{-1, 1, 1, 1, 1, 2, 0};
+EntryKey const checkedRoutes{-9, 1, 1, 1, 1, 1, 0};
+EntryKey const checkedData{-10, 1, 1, 1, 1, 1, 0};
+EntryKey const otherRouteData{-10, 2, 1, 1, 1, 1, 0};
 
 /// "missingFile Trips/1/1/1/1", one per line and sorted.
 std::string textOf(std::vector<Finding> const& findings) {
@@ -84,15 +84,15 @@ protected:
         execute(backend() == Backend::sqlite ? "pragma synchronous = off" : "set synchronous_commit = off");
         a().addCube("Trips");
         a().addCube("Lonely");
-        for (short user = 1; user <= 8; ++user) a().put(trips(user), smallMatrix(user));
-        a().put(lonely, smallMatrix(20));
-        a().put(skim, smallMatrix(30), {.parent = trips(8)});
-        a().put(derived, smallMatrix(40), {.parent = skim});
-        a().putFile(routes, [](std::string const& path) { writeFile(path, "routes"); });
-        for (auto const& key : {data, moreData})
-            a().putFile(key, [](std::string const& path) { writeFile(path, "data"); }, {.parent = routes});
+        for (short user = 1; user <= 8; ++user) a().put(tripsOf(user), smallMatrix(user));
+        a().put(lonelyEntry, smallMatrix(20));
+        a().put(checkedSkim, smallMatrix(30), {.parent = tripsOf(8)});
+        a().put(derivedSkim, smallMatrix(40), {.parent = checkedSkim});
+        a().putFile(checkedRoutes, [](std::string const& path) { writeFile(path, "routes"); });
+        for (auto const& key : {checkedData, otherRouteData})
+            a().putFile(key, [](std::string const& path) { writeFile(path, "data"); }, {.parent = checkedRoutes});
         b().put({1, 2, 1, 1, 1}, smallMatrix(50));
-        b().put(skim, smallMatrix(60));
+        b().put(checkedSkim, smallMatrix(60));
         takeSnapshot();
     }
 
@@ -178,22 +178,23 @@ void flipElement(std::string const& file, float element) {
 }
 
 std::vector<Breakage> const breakages = {
-    {"missingFile", [](EntryCheckTest& t) { fs::remove(t.file(trips(1))); }, "missingFile Trips/1/1/1/1\n", ""},
+    {"missingFile", [](EntryCheckTest& t) { fs::remove(t.file(tripsOf(1))); }, "missingFile Trips/1/1/1/1\n", ""},
     {"lostRow",
         [](EntryCheckTest& t) { t.execute("delete from " + t.cubeTable() + " where \"user\" = 2 and cubenr = 1"); },
         "fileWithoutRow Trips/1/1/1/2\n", ""},
-    {"wrongShape", [](EntryCheckTest& t) { OmxFile::write(t.file(trips(3)), "matrix", TRkMatrix::inMemory(4, 4)); },
+    {"wrongShape", [](EntryCheckTest& t) { OmxFile::write(t.file(tripsOf(3)), "matrix", TRkMatrix::inMemory(4, 4)); },
         "wrongShape Trips/1/1/1/3\n", "wrongShape Trips/1/1/1/3\n"},
-    {"truncatedFile", [](EntryCheckTest& t) { fs::resize_file(t.file(trips(4)), fs::file_size(t.file(trips(4))) / 2); },
+    {"truncatedFile",
+        [](EntryCheckTest& t) { fs::resize_file(t.file(tripsOf(4)), fs::file_size(t.file(tripsOf(4))) / 2); },
         "damagedFile Trips/1/1/1/4\n", "damagedFile Trips/1/1/1/4\n"},
-    {"damagedIndex", [](EntryCheckTest& t) { flip(t.file(trips(5)), placeOf(t.file(trips(5)), "CUBEIDX2") + 40); },
+    {"damagedIndex", [](EntryCheckTest& t) { flip(t.file(tripsOf(5)), placeOf(t.file(tripsOf(5)), "CUBEIDX2") + 40); },
         "damagedIndex Trips/1/1/1/5\n", ""},
     {"overwrittenIndex",
         [](EntryCheckTest& t) {
-            auto bytes = readFile(t.file(trips(6)));
+            auto bytes = readFile(t.file(tripsOf(6)));
             auto const at = bytes.find("CUBEIDX2");
             bytes.replace(at, 1024, std::string(1024, '\0'));
-            writeFile(t.file(trips(6)), bytes);
+            writeFile(t.file(tripsOf(6)), bytes);
         },
         "damagedIndex Trips/1/1/1/6\n", ""},
     {"nameOutside",
@@ -202,7 +203,7 @@ std::vector<Breakage> const breakages = {
             fs::remove(t.matrices("1-1-1-1-7.odm"));
         },
         "outsideDirectory Trips/1/1/1/7\n", ""},
-    {"wrongContent", [](EntryCheckTest& t) { flipElement(t.file(skim), 30); }, "wrongContent skim/1/1/1/1/1/0\n",
+    {"wrongContent", [](EntryCheckTest& t) { flipElement(t.file(checkedSkim), 30); }, "wrongContent skim/1/1/1/1/1/0\n",
         "wrongContent skim/1/1/1/1/1/0\n"},
     {"unregisteredCube", [](EntryCheckTest& t) { t.execute("delete from cube where cubenr = 2"); },
         "unregisteredCube 2\n", ""},
@@ -238,10 +239,10 @@ std::vector<Breakage> const breakages = {
             t.execute("update " + t.resultTable() + " set parentresult = 99 where cubenr = -1 and result = 2");
         },
         "missingParent skim/1/1/1/1/2/0\n", "missingParent skim/1/1/1/1/2/0\n"},
-    {"inUse", [](EntryCheckTest& t) { t.a().addUser(trips(8)); }, "inUse Trips/1/1/1/8\n", "inUse Trips/1/1/1/8\n"},
+    {"inUse", [](EntryCheckTest& t) { t.a().addUser(tripsOf(8)); }, "inUse Trips/1/1/1/8\n", "inUse Trips/1/1/1/8\n"},
     {"copiedFile",
         [](EntryCheckTest& t) {
-            fs::copy_file(t.file(trips(8)), t.file(derived), fs::copy_options::overwrite_existing);
+            fs::copy_file(t.file(tripsOf(8)), t.file(derivedSkim), fs::copy_options::overwrite_existing);
         },
         "copiedFile skim/1/1/1/1/2/0\n", "copiedFile skim/1/1/1/1/2/0\n"},
 };
@@ -289,21 +290,21 @@ TEST_P(EntryCheckTest, changesNothingByItself) {
 }
 
 TEST_P(EntryCheckTest, leavesRowsWithoutAFileUnlessTheyAreToBeDropped) {
-    fs::remove(file(trips(1)));
+    fs::remove(file(tripsOf(1)));
     auto const repairs = a().repair(a().check());
     EXPECT_TRUE(std::ranges::all_of(repairs, [](Repair const& repair) { return repair.done + repair.failure == ""; }));
-    EXPECT_TRUE(a().find(trips(1)));
+    EXPECT_TRUE(a().find(tripsOf(1)));
     repairAll();
-    EXPECT_FALSE(a().find(trips(1)));
+    EXPECT_FALSE(a().find(tripsOf(1)));
 }
 
 TEST_P(EntryCheckTest, neverDropsARowInUse) {
-    fs::remove(file(trips(1)));
-    a().addUser(trips(1));
+    fs::remove(file(tripsOf(1)));
+    a().addUser(tripsOf(1));
     auto const findings = a().check();
     auto const repairs = a().repair(findings, {.dropRows = true});
     EXPECT_NE(repairs.front().failure.find("is in use"), std::string::npos) << repairs.front().failure;
-    EXPECT_TRUE(a().find(trips(1)));
+    EXPECT_TRUE(a().find(tripsOf(1)));
 }
 
 TEST_P(EntryCheckTest, neverDropsARowThatMayBeOfAnotherProject) {
@@ -324,8 +325,8 @@ TEST_P(EntryCheckTest, reportsAMissingDirectoryAndDropsNoRow) {
 TEST_P(EntryCheckTest, restoresARowWithTheContentOfItsFile) {
     execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1");
     repairAll();
-    EXPECT_EQ(a().get(trips(2)).Elements()[0], 2);
-    EXPECT_EQ(a().find(trips(2))->storedName, "1-1-1-1-2.odm");
+    EXPECT_EQ(a().get(tripsOf(2)).Elements()[0], 2);
+    EXPECT_EQ(a().find(tripsOf(2))->storedName, "1-1-1-1-2.odm");
     b().remove({1, 2, 1, 1, 1});
     EXPECT_EQ(checked(), "");
 }
@@ -333,9 +334,9 @@ TEST_P(EntryCheckTest, restoresARowWithTheContentOfItsFile) {
 TEST_P(EntryCheckTest, restoresRoutesInTheirDirectory) {
     execute("delete from " + resultTable());
     repairAll();
-    EXPECT_EQ(a().find(routes)->storedName, "RouteStorage_Routes\\1-1-1-1-1-0.FDB");
-    EXPECT_EQ(readFile(file(data)), "data");
-    EXPECT_EQ(a().get(derived).Elements()[0], 40);
+    EXPECT_EQ(a().find(checkedRoutes)->storedName, "RouteStorage_Routes\\1-1-1-1-1-0.FDB");
+    EXPECT_EQ(readFile(file(checkedData)), "data");
+    EXPECT_EQ(a().get(derivedSkim).Elements()[0], 40);
 }
 
 TEST_P(EntryCheckTest, restoresAnEmptyDatabaseFromTheFiles) {
@@ -383,15 +384,15 @@ TEST_P(EntryCheckTest, restoresARenamedFileByTheKeyThatItRecords) {
     fs::rename(matrices("1-1-1-1-2.odm"), renamed);
     execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1");
     repairAll();
-    EXPECT_EQ(a().find(trips(2))->storedName, "renamed by hand.odm");
-    EXPECT_EQ(a().get(trips(2)).Elements()[0], 2);
+    EXPECT_EQ(a().find(tripsOf(2))->storedName, "renamed by hand.odm");
+    EXPECT_EQ(a().get(tripsOf(2)).Elements()[0], 2);
 }
 
 TEST_P(EntryCheckTest, doesNotRestoreAnEntryInACubeThatGotTheNumberOfItsOwn) {
     execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1");
     execute("update cube set name = 'Freight' where cubenr = 1");
     repairAll();
-    EXPECT_FALSE(a().find(trips(2)));
+    EXPECT_FALSE(a().find(tripsOf(2)));
     EXPECT_TRUE(fs::exists(matrices("quarantine/1-1-1-1-2.odm")));
 }
 
@@ -417,22 +418,22 @@ TEST_P(EntryCheckTest, leavesFilesThatAreBeingWritten) {
     matrix::WriteLock const lock(matrices("1-1-1-1-9.odm"), matrix::WriteLock::Purpose::create);
     EXPECT_EQ(textOf(a().check()), std::string(rowOfB) + "recentTemporaryFile\n");
     a().repair(findings);
-    EXPECT_FALSE(a().find(trips(9)));
+    EXPECT_FALSE(a().find(tripsOf(9)));
     EXPECT_TRUE(fs::exists(temporary));
 }
 
 TEST_P(EntryCheckTest, leavesWhatHasChangedSinceTheCheck) {
-    fs::remove(file(trips(1)));
+    fs::remove(file(tripsOf(1)));
     execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1");
     writeFile(matrices("1-1-1-1-9.odm"), "not a matrix");
     auto const findings = a().check();
-    a().put(trips(1), smallMatrix(70));
-    a().put(trips(2), smallMatrix(80));
-    a().put(trips(9), smallMatrix(90));
+    a().put(tripsOf(1), smallMatrix(70));
+    a().put(tripsOf(2), smallMatrix(80));
+    a().put(tripsOf(9), smallMatrix(90));
     for (auto const& repair : a().repair(findings, {.dropRows = true})) EXPECT_EQ(repair.done + repair.failure, "");
-    EXPECT_EQ(a().get(trips(1)).Elements()[0], 70);
-    EXPECT_EQ(a().get(trips(2)).Elements()[0], 80);
-    EXPECT_EQ(a().get(trips(9)).Elements()[0], 90);
+    EXPECT_EQ(a().get(tripsOf(1)).Elements()[0], 70);
+    EXPECT_EQ(a().get(tripsOf(2)).Elements()[0], 80);
+    EXPECT_EQ(a().get(tripsOf(9)).Elements()[0], 90);
 }
 
 TEST_P(EntryCheckTest, restoresNoRowInACubeThatGotTheNumberSinceTheCheck) {
@@ -444,7 +445,7 @@ TEST_P(EntryCheckTest, restoresNoRowInACubeThatGotTheNumberSinceTheCheck) {
     std::string failures;
     for (auto const& repair : a().repair(findings)) failures += repair.failure;
     EXPECT_EQ(failures, "the cube number 2 belongs to another cube than cube 2");
-    EXPECT_FALSE(a().find(lonely));
+    EXPECT_FALSE(a().find(lonelyEntry));
 }
 
 TEST_P(EntryCheckTest, findsNoErrorWhileOthersStoreMoveAndRemove) {
@@ -452,10 +453,10 @@ TEST_P(EntryCheckTest, findsNoErrorWhileOthersStoreMoveAndRemove) {
     std::thread other([&] {
         auto const own = Project::open(root("a"));
         while (!isOver) {
-            own.store().put(trips(9), smallMatrix(9));
-            own.store().copy(trips(9), derived);
-            own.store().move(trips(9), trips(10));
-            own.store().remove(trips(10));
+            own.store().put(tripsOf(9), smallMatrix(9));
+            own.store().copy(tripsOf(9), derivedSkim);
+            own.store().move(tripsOf(9), tripsOf(10));
+            own.store().remove(tripsOf(10));
         }
     });
     for (int i = 0; i < 50; ++i)
@@ -474,18 +475,18 @@ TEST_P(EntryCheckTest, checksTheSelectedEntriesOnly) {
 }
 
 TEST_P(EntryCheckTest, readsContentOnlyWhenAskedTo) {
-    flipElement(file(skim), 30);
+    flipElement(file(checkedSkim), 30);
     EXPECT_EQ(textOf(a().check()), rowOfB);
     EXPECT_NE(checked(), rowOfB);
 }
 
 TEST_P(EntryCheckTest, givesADamagedMatrixNoNewIndex) {
-    flip(file(trips(5)), placeOf(file(trips(5)), "CUBEIDX2") + 40);
-    flipElement(file(trips(5)), 5);
-    auto const before = readFile(file(trips(5)));
+    flip(file(tripsOf(5)), placeOf(file(tripsOf(5)), "CUBEIDX2") + 40);
+    flipElement(file(tripsOf(5)), 5);
+    auto const before = readFile(file(tripsOf(5)));
     auto const repairs = a().repair(a().check());
     EXPECT_NE(repairs.front().failure, "");
-    EXPECT_EQ(readFile(file(trips(5))), before);
+    EXPECT_EQ(readFile(file(tripsOf(5))), before);
     EXPECT_EQ(checked(), std::string(rowOfB) + "wrongContent Trips/1/1/1/5\n");
 }
 

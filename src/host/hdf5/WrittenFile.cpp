@@ -8,6 +8,8 @@ namespace cubes::hdf5 {
 
 // What HDF5 writes through.
 struct WrittenFile::Target {
+    explicit Target(platform::File& written) : file(written) {}
+
     platform::File& file;
     std::exception_ptr failure;
 
