@@ -72,6 +72,8 @@ public:
     public:
         /// REQUIRES: both outlive this object.
         Removal(EntryWriting const& writing, Task const& task, EntryKey const& key);
+        /// As the row has it, which nobody replaces meanwhile.
+        EntryInfo const& entry() const noexcept { return *entry_; }
         /// Removes row and file.
         void finish();
 

@@ -84,7 +84,8 @@ std::string ProjectRepair::dropRow(Finding const& finding) const {
     EntryWriting const writing(tables_);
     if (!writing.find(*finding.entry)) return {};
     EntryWriting::Removal removal(writing, task, *finding.entry);
-    if (!finding.file.empty() && platform::exists(finding.file)) return {};
+    // The row may be another one by now.
+    if (auto const& file = removal.entry().file; !file.empty() && platform::exists(file)) return {};
     removal.finish();
     return "the row was removed";
 }

@@ -53,6 +53,8 @@ void readProjectFile(std::string const& input) {
     }
     // A password is not written, nor is an unnamed schema.
     file.database = database::withoutPassword(file.database);
+    // Nor is a URL that cannot be read.
+    if (file.database.empty()) return;
     if (file.schema.empty()) file.schema = "results";
     project::writeProjectFile(file, directory);
     requireSame(project::readProjectFile(directory), file);

@@ -140,10 +140,9 @@ H5FD_class_t ourDriver() {
 
 Handle accessTo(Lent const& lent) {
     constexpr char const* action = "prepare the access to a file";
-    H5FD_class_t const description = ourDriver();
-    Handle const driver(H5FDregister(&description), H5FDunregister, action);
+    static hid_t driver = H5I_INVALID_HID;
     Handle access = fileAccess();
-    check(H5Pset_driver(access.get(), driver.get(), &lent), action);
+    check(H5Pset_driver(access.get(), registeredDriver(ourDriver(), driver), &lent), action);
     return access;
 }
 
@@ -182,6 +181,11 @@ void Handle::closeQuietly() noexcept {
     if (id_ < 0) return;
     Session const session;
     close_(std::exchange(id_, H5I_INVALID_HID));
+}
+
+hid_t registeredDriver(H5FD_class_t const& description, hid_t& known) {
+    if (H5Iget_type(known) != H5I_VFL) known = check(H5FDregister(&description), "prepare the access to a file");
+    return known;
 }
 
 Handle fileAccess() {

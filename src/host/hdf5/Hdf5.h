@@ -76,6 +76,10 @@ inline constexpr std::size_t mostInflation = 1040;
 Handle openFile(platform::File file);
 /// Owns the file that H5Fopen returned. Throws std::runtime_error when it failed: "it is not an HDF5 file".
 Handle openedFile(hid_t id);
+/// Registers a driver of ours once for the process, and again if the application has closed HDF5 since. `known` keeps
+/// its identifier. HDF5 still uses a driver when it closes the last file of it: one that is unregistered would be freed
+/// by then. Throws Error. REQUIRES: within a Session.
+hid_t registeredDriver(H5FD_class_t const& description, hid_t& known);
 /// Access without HDF5's own locks: files are replaced atomically.
 Handle fileAccess();
 

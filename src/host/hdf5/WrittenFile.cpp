@@ -129,10 +129,9 @@ template <typename Target>
 Handle create(Target& target, Handle const& access) {
     constexpr char const* action = "create an HDF5 file";
     Session const session;
-    H5FD_class_t const description = Driver<Target>::description();
-    Handle const driver(H5FDregister(&description), H5FDunregister, action);
+    static hid_t driver = H5I_INVALID_HID;
     Target* const info = &target;
-    check(H5Pset_driver(access.get(), driver.get(), &info), action);
+    check(H5Pset_driver(access.get(), registeredDriver(Driver<Target>::description(), driver), &info), action);
     // The other properties of a file keep their defaults: HDF5 would write them with the time.
     Handle const properties = untimedProperties(H5P_FILE_CREATE);
     return Handle(

@@ -87,8 +87,9 @@ TEST_F(SqliteQueue, keepsTheTurnInsideATransaction) {
     EXPECT_FALSE(second.waitForLocks(0)) << "the wait in the queue was not counted";
     first.leave(false);
     second.leave(false);
-    second.enter();
-    EXPECT_TRUE(second.waitForLocks(0));
+    auto third = place();
+    third.enter();
+    EXPECT_TRUE(third.waitForLocks(0));
 }
 
 cubes::test::ChildTask const dyingInTheQueue("dying in the queue", [](int, std::string const& database) {

@@ -6,6 +6,7 @@
 
 #include <libpq-fe.h>
 
+#include <cctype>
 #include <cstring>
 
 namespace cubes::database::postgres {
@@ -30,9 +31,17 @@ std::string textOf(char const* text) {
 
 }
 
+// On one line: libpq puts what to look at on lines of its own.
 std::string trimmed(char const* text) {
-    std::string result = textOf(text);
-    while (!result.empty() && (result.back() == '\n' || result.back() == ' ')) result.pop_back();
+    std::string result;
+    for (char const* letter = text ? text : ""; *letter; ++letter) {
+        bool const isBlank = std::isspace(static_cast<unsigned char>(*letter)) != 0;
+        if (!isBlank)
+            result += *letter;
+        else if (!result.empty() && result.back() != ' ')
+            result += ' ';
+    }
+    if (result.ends_with(' ')) result.pop_back();
     return result;
 }
 

@@ -259,7 +259,7 @@ Handle::Turn::Turn(Handle const& handle, sqlite3_stmt* statement) : handle_(hand
 }
 
 Handle::Turn::~Turn() {
-    handle_.queue_.leave(handle_.isInTransaction());
+    handle_.queue_.leave(sqlite3_txn_state(handle_.database_, "main") == SQLITE_TXN_WRITE);
 }
 
 void Handle::run(sqlite3_stmt* statement, std::string const& sql) const {
