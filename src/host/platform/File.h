@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace cubes::platform {
 
@@ -30,6 +31,8 @@ public:
     static File openExisting(std::string const& path);
     /// Opens a file for reading and writing together with others; creates it when it is missing.
     static File openShared(std::string const& path);
+    /// Owns a file that the system has opened.
+    static File adopt(std::intptr_t native, std::string path) { return File(native, std::move(path)); }
 
     File(File&& other) noexcept;
     File& operator=(File&& other) noexcept;
