@@ -85,16 +85,22 @@ private:
     }
 
     void openExisting(bool forAdding) {
+        Content read = readFile();
+        if (!stamp_.cubeType) stamp_.cubeType = inFile_.cubeType;
+        if (!stamp_.key) stamp_.key = inFile_.key;
+        hold(std::move(read), forAdding);
+    }
+
+    /// The content of the file, whose stamp and record become known.
+    Content readFile() {
         std::optional<Content> read;
-        readStoredFile(fileName_, Content::kind, [&](hid_t file, FileRoot const& root) {
-            inFile_ = root.stamp;
-            place_ = root.record.stamp;
+        readStoredFile(fileName_, Content::kind, [&](hdf5::GuardedFile const& file, FileRoot const& root) {
             read = Content::read(file, root.record);
             requireRecorded(*read, root.record.content);
-            if (!stamp_.cubeType) stamp_.cubeType = root.stamp.cubeType;
-            if (!stamp_.key) stamp_.key = root.stamp.key;
+            inFile_ = root.stamp;
+            place_ = root.record.stamp;
         });
-        hold(std::move(*read), forAdding);
+        return *std::move(read);
     }
 
     static void requireRecorded(Content const& content, hdf5::Id128 const& recorded) {
@@ -119,13 +125,14 @@ private:
         inFile_ = stamp_;
     }
 
+    // An open file gets the stamp at once, with the content that it has: that in memory is not yet committed.
     void setStamp(Stamp const& changed) {
         answering("change the key of", [&] {
             stamp_ = changed;
             bool const isInFile = content_ && isForAdding_;
             if (!isInFile || inFile_ == changed) return VL::Interface::rrDone;
-            restampStoredFile(fileName_, changed);
-            inFile_ = changed;
+            Content stored = readFile();
+            write(stored);
             return VL::Interface::rrDone;
         });
     }

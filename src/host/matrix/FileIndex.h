@@ -72,21 +72,14 @@ struct ChunkLayout {
     Filters filters = Filters::none;
 };
 
-/// The place of the stored bytes of a band, as recorded in the file's table of chunks; all 0 for a band of zeros, which
-/// is not stored.
-struct ChunkPlace {
-    std::uint64_t offset = 0;
-    std::uint64_t size = 0;
-    /// A bit for each filter that was skipped.
-    std::uint64_t skipped = 0;
-};
+using hdf5::ChunkPlace;
 
 /// The places of the elements and zone numbers in a matrix file of the library.
 struct FilePlaces {
     ChunkLayout layout;
     /// Unfiltered elements: one run of bytes, which may be longer than the elements.
     hdf5::Extent elements;
-    /// Filtered elements: the table of chunks, and its content, one per band.
+    /// Filtered elements: the table of chunks, and its content, one per band. A band of zeros is not stored.
     std::uint64_t chunkTable = 0;
     std::vector<ChunkPlace> chunks;
     /// 0 when there are none.
