@@ -19,6 +19,7 @@
 #include <cubes/matcubes/TRkFareCube.h>
 #include <cubes/matcubes/TRkMatCube.h>
 #include <cubes/matcubes/TRkMatCubes.h>
+#include <cubes/matrix/MatrixLimits.h>
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/OmxFile.h>
 #include <cubes/matrix/RkLockState.h>

@@ -3,8 +3,10 @@
 #include "host/hdf5/Hdf5.h"
 #include "host/hdf5/ReaderProtocol.h"
 #include "host/platform/ChildProcess.h"
+#include "host/platform/System.h"
 #include "reader/StoredObjects.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -128,7 +130,7 @@ int main(int count, char** arguments) {
         std::fputs("cubes-reader is a part of the Cubes library, which starts it to read HDF5 files\n", stderr);
         return 2;
     }
-    cubes::platform::prepareAsChild(mostMemory);
+    cubes::platform::prepareAsChild(std::min(mostMemory, cubes::platform::availableMemory().value_or(mostMemory)));
     cubes::hdf5::Session const session;
     Answers answers(cubes::platform::inheritedFile(arguments[1]));
     while (auto question = nextQuestion())

@@ -31,13 +31,13 @@ std::vector<std::string> possibleReaders() {
 }
 
 std::string readerProgram() {
-    std::string searched;
+    std::string places;
     for (std::string const& program : possibleReaders()) {
         if (platform::isRegularFile(program)) return program;
-        searched += (searched.empty() ? " at " : " or ") + program;
+        places += (places.empty() ? " at " : " or ") + program;
     }
     throw std::runtime_error(
-        std::string("the program that reads HDF5 files was not found") + searched + "; install Cubes again");
+        std::string("the program that reads HDF5 files was not found") + places + "; install Cubes again");
 }
 
 std::unique_ptr<platform::ChildProcess> startReader(platform::File const& file) {

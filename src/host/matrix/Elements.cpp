@@ -2,6 +2,8 @@
 
 #include "host/matrix/Failure.h"
 
+#include <cubes/matrix/MatrixLimits.h>
+
 #include <stdexcept>
 #include <utility>
 
@@ -11,6 +13,7 @@ namespace {
 
 float* allocate(int rows, int columns) {
     auto const count = elementCount(static_cast<std::uint64_t>(rows), static_cast<std::uint64_t>(columns));
+    requireMatrixFits(static_cast<std::uint64_t>(rows), static_cast<std::uint64_t>(columns));
     auto* const elements = static_cast<float*>(std::calloc(count, sizeof(float)));
     if (!elements) throw std::bad_alloc();
     return elements;

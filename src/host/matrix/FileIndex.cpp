@@ -36,10 +36,6 @@ struct Details {
 };
 static_assert(sizeof(Details) == IndexRecord::detailBytes);
 
-bool isWithin(Extent const& extent, std::uint64_t size) {
-    return extent.offset <= size && extent.size <= size - extent.offset;
-}
-
 template <typename Value>
 std::vector<Value> readAt(std::span<std::byte const> file, std::uint64_t offset, std::size_t count) {
     std::vector<Value> values(count);
@@ -213,6 +209,10 @@ std::optional<FileIndex> findFirstIndex(std::span<std::byte const> file) {
     return std::nullopt;
 }
 
+}
+
+bool isWithin(Extent const& extent, std::uint64_t size) {
+    return extent.offset <= size && extent.size <= size - extent.offset;
 }
 
 std::size_t elementCount(std::uint64_t rows, std::uint64_t columns) {

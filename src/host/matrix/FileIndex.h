@@ -27,6 +27,9 @@ struct FileHeader {
     bool selectedLink = false;
 };
 
+/// Whether a run of bytes lies in a file of that size.
+bool isWithin(hdf5::Extent const& extent, std::uint64_t size);
+
 /// Throws std::length_error when a dimension is below 1 or the elements exceed the address space.
 std::size_t elementCount(std::uint64_t rows, std::uint64_t columns);
 

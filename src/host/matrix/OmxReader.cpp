@@ -2,11 +2,16 @@
 
 #include "host/platform/NarrowText.h"
 
+#include <cubes/matrix/MatrixLimits.h>
+
+#include <xxhash.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -19,6 +24,7 @@ namespace {
 
 constexpr std::size_t largestNumber = 16;
 constexpr std::size_t alwaysFits = std::size_t{1} << 26;
+constexpr std::uint64_t mostElementsUnstored = 1000 * 1000;
 constexpr std::int32_t deflateFilter = 1;
 constexpr std::int32_t shuffleFilter = 2;
 // What the mask of a chunk is where the only filter was skipped.
@@ -64,6 +70,26 @@ void requireStorage(GuardedFile const& file, std::string const& table, Dataset c
     std::size_t const elements = elementCount(dataset.dimensions[0], dataset.dimensions[1]);
     bool const fits = elements / hdf5::mostInflation <= size || elements <= alwaysFits || isOurs(file, table);
     if (dataset.storedSize > size || !fits) throw std::runtime_error("the table is larger than the file");
+    requireMatrixFits(dataset.dimensions[0], dataset.dimensions[1]);
+}
+
+// Whether what a file records is a matrix of zeros. It is not made: it may be as large as it claims.
+bool areZeros(FileHeader const& header, RecordedContent const& recorded) {
+    if (!recorded.isKnown()) return false;
+    std::vector<std::byte> const zeros(std::size_t{1} << 20);
+    MatrixHash hash(recorded.hasZones ? header : FileHeader{.rows = header.rows, .columns = header.columns});
+    std::unique_ptr<XXH3_state_t, decltype(&XXH3_freeState)> const sum(XXH3_createState(), XXH3_freeState);
+    if (!sum) throw std::bad_alloc();
+    XXH3_64bits_reset(sum.get());
+    auto left = elementCount(static_cast<std::uint64_t>(header.rows), static_cast<std::uint64_t>(header.columns)) *
+                sizeof(float);
+    while (left > 0) {
+        auto const part = std::span(zeros).first(std::min(left, zeros.size()));
+        hash.add(part);
+        XXH3_64bits_update(sum.get(), part.data(), part.size());
+        left -= part.size();
+    }
+    return recorded.id.isKnown() ? hash.finish() == recorded.id : XXH3_64bits_digest(sum.get()) == recorded.checksum;
 }
 
 void requireFilters(std::vector<hdf5::Filter> const& filters) {
@@ -81,10 +107,6 @@ std::optional<Filters> ownFilters(std::vector<hdf5::Filter> const& filters) {
     if (ids == std::vector{deflateFilter}) return Filters::deflate;
     if (ids == std::vector{shuffleFilter, deflateFilter}) return Filters::shuffleAndDeflate;
     return std::nullopt;
-}
-
-bool isWithin(hdf5::Extent const& extent, std::uint64_t size) {
-    return extent.offset <= size && extent.size <= size - extent.offset;
 }
 
 // Chunks that together are larger than the file share bytes. A size is expected where chunks have no filters.
@@ -194,7 +216,16 @@ OmxTable::OmxTable(std::shared_ptr<GuardedFile const> file, std::string const& n
     requireTwoDimensions(dataset_);
     requireStorage(*file_, path_, dataset_);
     readHeader();
+    requireElements();
     readLayout();
+}
+
+// Damage that loses the elements would otherwise pass for a matrix of zeros.
+void OmxTable::requireElements() const {
+    bool const isSmall = dataset_.dimensions[0] * dataset_.dimensions[1] <= mostElementsUnstored;
+    if (dataset_.storedSize > 0 || isSmall) return;
+    if (!areZeros(header_, recorded()))
+        throw std::runtime_error("none of its elements are stored, and more than 1000 x 1000 are not taken for zeros");
 }
 
 void OmxTable::readHeader() {

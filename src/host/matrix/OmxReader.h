@@ -72,6 +72,7 @@ private:
     enum class Access { contiguous, chunks, converted };
 
     void readHeader();
+    void requireElements() const;
     void readLayout();
     void readChunks(Filters filters);
     void decode(BlockDecoder& decoder, std::size_t band, float* all) const;

@@ -57,6 +57,10 @@ std::tm localTime();
 
 std::uint64_t processId();
 
+/// The bytes of memory that the process can use without swapping, as the system estimates them: at most what the limits
+/// of its container leave. Nothing when the system does not say.
+std::optional<std::uint64_t> availableMemory();
+
 /// Makes standard output and error pass bytes unchanged, and a terminal show them in the narrow encoding. Writing to a
 /// stream that is closed, or whose reader is gone, fails from now on; no file that is opened later takes its place.
 void prepareStreams();

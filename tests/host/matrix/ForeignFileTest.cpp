@@ -232,7 +232,15 @@ TEST(ForeignFile, aFileWithoutAMatrixIsRefusedWithTheCause) {
         Case{"f['data/t'] = np.zeros((2, 2), [('a', 'f4'), ('b', 'i4')])", "not numbers"},
         Case{"f.create_dataset('data/t', (0, 5))", "0 x 5"},
         Case{"f.create_dataset('data/t', (2**40, 2), chunks=(1, 2))", "is not possible"},
-        Case{"f.create_dataset('data/t', (10**5, 10**5), 'f4', chunks=(100, 100))", "larger than the file"},
+        Case{"f.create_dataset('data/t', (30000, 30000), 'f4', chunks=(100, 100))", "larger than the file"},
+        Case{"f.create_dataset('data/t', (1001, 1001), 'f4', chunks=(100, 100))", "none of its elements are stored"},
+        Case{"f.create_dataset('data/t', (1001, 1001), 'f4')", "none of its elements are stored"},
+        Case{"f.create_dataset('data/t', (30000, 30000), 'f4', chunks=(64, 30000)).attrs['cubes_checksum'] = "
+             "np.uint64(1)",
+            "none of its elements are stored"},
+        Case{"f.create_dataset('data/t', (50000, 40000), 'f4', chunks=(64, 40000)).attrs['cubes_checksum'] = "
+             "np.uint64(1)",
+            "50000 x 40000 elements are more than the limit of 40000 x 40000; set CUBES_MAX_ZONES to allow more"},
         Case{"f['data/t'] = h5py.SoftLink('/nowhere')", "t is a soft or external link"},
         Case{"f.create_dataset('data/t', (4, 4), chunks=(2, 2), compression='lzf')", "filter 32000"},
     };
