@@ -1,6 +1,7 @@
 #include "store/FileInspection.h"
 
 #include "host/matrix/Elements.h"
+#include "host/matrix/Failure.h"
 #include "host/matrix/OmxReader.h"
 #include "host/platform/File.h"
 #include "host/platform/Files.h"
@@ -44,7 +45,8 @@ void inspectMatrix(std::string const& path, FileFacts& facts) {
 }
 
 bool hasDamagedRecord(std::string const& path, std::span<std::byte const> file) {
-    return isHdf5(file) && !hdf5::findRecord(file) && matrix::OmxReader(path).hasRecord();
+    if (!isHdf5(file) || hdf5::findRecord(file)) return false;
+    return matrix::describingFailure("cannot read", path, [&] { return matrix::OmxReader(path).hasRecord(); });
 }
 
 void inspectContent(std::string const& path, FileFacts& facts) {
@@ -90,14 +92,14 @@ FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep) {
     return facts;
 }
 
-bool isComplete(std::string const& path) {
+bool mayBeComplete(std::string const& path) {
     try {
         auto const file = platform::File::openForReading(path);
         if (auto const found = hdf5::findRecord(file)) return found->record.fileSize == file.size();
     } catch (std::system_error const&) {
         return false;
     }
-    return !inspectFile(path, false, false).problem;
+    return inspectFile(path, false, false).problem != Problem::damagedFile;
 }
 
 }

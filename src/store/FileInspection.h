@@ -25,7 +25,7 @@ struct FileFacts {
 /// may call it.
 FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep);
 
-/// Whether a temporary file was written to its end.
-bool isComplete(std::string const& path);
+/// Whether a temporary file was written to its end, as far as it can be read now.
+bool mayBeComplete(std::string const& path);
 
 }

@@ -74,7 +74,7 @@ void ProjectRepair::requireCube(Finding const& finding) const {
 
 std::string ProjectRepair::removeLeftover(Finding const& finding) const {
     if (!platform::exists(finding.file) || !isLeftover(finding.file)) return {};
-    if (isComplete(finding.file)) return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
+    if (mayBeComplete(finding.file)) return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
     return platform::removeLeftover(finding.file) ? "it was removed" : "";
 }
 

@@ -130,8 +130,8 @@ Finding StrayFiles::temporaryFile(std::string const& path) {
     if (!isLeftover(path)) return {.problem = Problem::recentTemporaryFile, .file = path, .detail = "it may be in use"};
     Finding finding{.problem = Problem::leftoverFile, .file = path, .detail = "a killed process left it"};
     finding.repair = infoOf(Problem::leftoverFile).repair;
-    if (!isComplete(path)) return finding;
-    finding.detail += "; it is complete";
+    if (!mayBeComplete(path)) return finding;
+    finding.detail += "; it may be complete";
     finding.repair = infoOf(Problem::fileWithoutRow).repair;
     return finding;
 }

@@ -17,6 +17,7 @@
 #include <set>
 #include <thread>
 
+#include "host/hdf5/GuardedFile.h"
 #include "host/matrix/StagedFile.h"
 #include "host/matrix/WriteLock.h"
 #include "store/FileInspection.h"
@@ -163,7 +164,7 @@ std::set<std::string> EntryCheckTest::contents() const {
     std::set<std::string> found;
     for (auto const& entry : fs::recursive_directory_iterator(root("a"))) {
         auto const path = entry.path().string();
-        if (!entry.is_regular_file() || !store::isComplete(path)) continue;
+        if (!entry.is_regular_file() || !store::mayBeComplete(path)) continue;
         if (auto const origin = matrix::readOrigin(path)) found.insert(origin->content.text());
     }
     return found;
@@ -312,6 +313,21 @@ TEST_P(EntryCheckTest, neverDropsARowThatMayBeOfAnotherProject) {
     EXPECT_EQ(checked(), "unknownOwner Trips/2/1/1/1\n");
     repairAll();
     EXPECT_TRUE(b().find({1, 2, 1, 1, 1}));
+}
+
+TEST_P(EntryCheckTest, takesNoFileForDamagedWhenTheReaderIsMissing) {
+    auto const leftover = results(".9-9-9-9-9-9.skm.0123456789abcdef.cubes-tmp");
+    for (auto const& path : {file(tripsOf(1)), leftover}) {
+        OmxFile::write(path, "matrix", smallMatrix(1));
+        flip(path, placeOf(path, "CUBEIDX2"));
+    }
+    makeOld(leftover);
+    hdf5::readerSettings().program = root("none");
+    EXPECT_EQ(checked(), std::string("leftoverFile\n") + rowOfB + "unreadableFile Trips/1/1/1/1\n");
+    repairAll();
+    hdf5::readerSettings() = {};
+    EXPECT_FALSE(fs::exists(leftover));
+    EXPECT_TRUE(fs::exists(results("quarantine/" + fs::path(leftover).filename().string())));
 }
 
 TEST_P(EntryCheckTest, reportsAMissingDirectoryAndDropsNoRow) {

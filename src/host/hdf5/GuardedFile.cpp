@@ -36,15 +36,14 @@ std::string readerProgram() {
         if (platform::isRegularFile(program)) return program;
         places += (places.empty() ? " at " : " or ") + program;
     }
-    throw std::runtime_error(
-        std::string("the program that reads HDF5 files was not found") + places + "; install Cubes again");
+    throw NoReader("the program that reads HDF5 files was not found" + places + "; install Cubes again");
 }
 
 std::unique_ptr<platform::ChildProcess> startReader(platform::File const& file) {
     try {
         return std::make_unique<platform::ChildProcess>(readerProgram(), file, readerSettings().patience);
     } catch (std::system_error const& error) {
-        throw std::runtime_error(error.what());
+        throw NoReader(error.what());
     }
 }
 

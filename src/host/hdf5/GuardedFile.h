@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,11 +17,17 @@ namespace cubes::hdf5 {
 /// Deflate compresses to about a thousandth at best: a file that claims more is damaged.
 inline constexpr std::size_t mostInflation = 1040;
 
+/// The program that reads HDF5 files cannot be started, which says nothing about the file.
+class NoReader : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// An HDF5 file that another process reads: HDF5 does not survive every damaged file, and no file may harm this
 /// process. Each object starts a program of its own, cubes-reader, which keeps the file in the state in which it was
 /// opened. Everything that the program answers is checked before it is used. Any number of threads may use an object.
 ///
-/// What fails throws std::runtime_error: "it is not an HDF5 file", "it is damaged (HDF5 failed on it)".
+/// What fails throws std::runtime_error: "it is not an HDF5 file", "it is damaged (HDF5 failed on it)"; NoReader.
 class GuardedFile {
 public:
     explicit GuardedFile(platform::File file);

@@ -411,6 +411,12 @@ TEST(ForeignFile, needsTheReaderAndOneOfOursDoesNot) {
     cubes::hdf5::readerSettings().program = directory.file("none");
     EXPECT_NE(
         reasonOf(directory.file("0")).find("the program that reads HDF5 files was not found at "), std::string::npos);
+    try {
+        OmxFile::open(directory.file("0"));
+        ADD_FAILURE();
+    } catch (TRkMatrixException const& error) {
+        EXPECT_TRUE(error.Code()) << "the file is not damaged";
+    }
     for (char const* name : {"plain", "deflate"}) {
         std::string const file = directory.file(name);
         EXPECT_EQ(opened(file).RowAt(30, 8)[5], times(50, 50).RowAt(30, 8)[5]);
