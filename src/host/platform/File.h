@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -59,6 +60,9 @@ public:
     /// Takes an exclusive lock on one byte, which need not exist, against every other open file in this and in other
     /// processes, until it is closed. False when another holder has it.
     bool tryLock(std::uint64_t position);
+    /// Releases all locks on the file, also where closing it does not yet: in a child process that is being started and
+    /// has it open as well.
+    void unlock() noexcept;
 
     std::string const& path() const noexcept { return path_; }
     /// The system's handle or descriptor.
@@ -104,10 +108,15 @@ public:
     bool isHeldByOthers(std::uint64_t position, std::uint64_t length) const;
 
 private:
-    explicit ByteLock(File file) noexcept : file_(std::move(file)) {}
+    // A forked process releases nothing: the lock is its parent's.
+    struct Releasing {
+        unsigned long forks;
+        void operator()(File* file) const noexcept;
+    };
 
-    // Closing the file releases the lock.
-    File file_;
+    explicit ByteLock(File file);
+
+    std::unique_ptr<File, Releasing> file_;
 };
 
 }

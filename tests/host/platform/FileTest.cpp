@@ -10,6 +10,12 @@
 #include <string>
 #include <system_error>
 
+#ifndef _WIN32
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 using namespace cubes::platform;
 using cubes::test::bytesOf;
 using cubes::test::endlessDevice;
@@ -107,6 +113,31 @@ TEST(ByteLock, excludesOthersFromItsByteOnly) {
     EXPECT_EQ(
         failureOf([&] { ByteLock::tryTake(directory.file("none/lock"), 1); }), std::errc::no_such_file_or_directory);
 }
+
+#ifndef _WIN32
+// A child has the files of its parent until it runs its own program.
+TEST(ByteLock, isReleasedByItsOwnerAlsoWhileAChildHasTheFileOpen) {
+    TempDir const directory;
+    std::string const file = directory.file("lock");
+    auto lock = ByteLock::tryTake(file, 7);
+    pid_t const forgetful = fork();
+    if (forgetful == 0) {
+        lock.reset();
+        _exit(0);
+    }
+    waitpid(forgetful, nullptr, 0);
+    EXPECT_FALSE(ByteLock::tryTake(file, 7));
+    pid_t const child = fork();
+    if (child == 0) {
+        pause();
+        _exit(0);
+    }
+    lock.reset();
+    EXPECT_TRUE(ByteLock::tryTake(file, 7));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+}
+#endif
 
 TEST(ByteLock, findsTheBytesThatOthersHold) {
     TempDir const directory;

@@ -159,6 +159,12 @@ bool File::tryLock(std::uint64_t position) {
     throwSystemFailure("cannot lock", path_);
 }
 
+void File::unlock() noexcept {
+    struct flock request = exclusive(0, 0);
+    request.l_type = F_UNLCK;
+    ::fcntl(descriptor(native_), setLock, &request);
+}
+
 FileView FileView::open(std::string const& path) {
     File const file = File::openForReading(path);
     auto const size = static_cast<std::size_t>(file.size());
@@ -177,7 +183,7 @@ void FileView::unmap() noexcept {
 
 bool ByteLock::isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
     struct flock request = exclusive(position, length);
-    if (::fcntl(descriptor(file_.native()), getLock, &request) != 0) throwSystemFailure("cannot lock", file_.path());
+    if (::fcntl(descriptor(file_->native()), getLock, &request) != 0) throwSystemFailure("cannot lock", file_->path());
     return request.l_type != F_UNLCK;
 }
 

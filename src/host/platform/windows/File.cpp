@@ -141,6 +141,9 @@ bool File::tryLock(std::uint64_t position) {
     return lockBytes(*this, position, 1);
 }
 
+// Children inherit no files, so closing it is enough.
+void File::unlock() noexcept {}
+
 FileView FileView::open(std::string const& path) {
     File const file = File::openForReading(path);
     auto const size = static_cast<std::size_t>(file.size());
@@ -161,9 +164,9 @@ void FileView::unmap() noexcept {
 
 // Windows has no question for locks: the bytes are locked for a moment.
 bool ByteLock::isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
-    if (!lockBytes(file_, position, length)) return true;
+    if (!lockBytes(*file_, position, length)) return true;
     OVERLAPPED where = at(position);
-    ::UnlockFileEx(handle(file_.native()), 0, static_cast<DWORD>(length), static_cast<DWORD>(length >> 32), &where);
+    ::UnlockFileEx(handle(file_->native()), 0, static_cast<DWORD>(length), static_cast<DWORD>(length >> 32), &where);
     return false;
 }
 
