@@ -168,7 +168,6 @@ ls -A results/RouteStorage_Routes
     expectReason(result.errors);
 }
 
-// What the directory held before stays.
 TEST_P(FullDisk, isReportedByAProjectThatCanOnlyBeRead) {
     if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
     if (backend() != Backend::sqlite) GTEST_SKIP() << "SKIPPED: the database of the server is on another disk";
@@ -185,6 +184,7 @@ TEST_P(FullDisk, isReportedByAProjectThatCanOnlyBeRead) {
     EXPECT_NE(result.errors.find("the disk was full when it was opened"), std::string::npos) << result.errors;
 }
 
+// What the directory held before stays.
 TEST_P(FullDisk, leavesNothingOfADemo) {
     auto const result = runWithDisk(". && cd .", R"(
 mkdir mine && echo text > mine/notes

@@ -61,7 +61,7 @@ private:
     unsigned long connectionNumber_ = 0;
     unsigned long statements_ = 0;
     std::shared_ptr<UnusedStatements> unused_ = std::make_shared<UnusedStatements>();
-    // Kept: a table that is missing is asked for again and again, and planning takes ten times as long.
+    // Kept, because a table that is missing is asked for at each use, and planning takes longer than the answer.
     std::unique_ptr<database::Statement> description_;
 };
 
