@@ -1,5 +1,5 @@
 // Writing through Set against a bare write, flush and rename of the same bytes; reading through Get and summing all
-// rows against mapping the raw file and summing.
+// rows against mapping the raw file and summing; verifying a matrix against reading it alone.
 
 #include "Benches.h"
 #include "WorkDirectory.h"
@@ -87,6 +87,12 @@ double ourSum(TRkMatCubes const& cubes) {
     return total;
 }
 
+double storedSum(cubes::EntryStore const& store, bool isVerified) {
+    auto const matrix = store.get({1, 1, 1, 1, 1}, {.verify = isVerified});
+    auto const elements = matrix.Elements();
+    return sum(elements.data(), elements.size());
+}
+
 std::vector<float> cellsOf(std::size_t zones) {
     std::vector<float> cells(zones * zones);
     for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = static_cast<float>(i % 1000) * 0.25f;
@@ -118,6 +124,21 @@ void comparePut(std::vector<Result>& results, std::size_t zones, Durability dura
         }}));
 }
 
+// What verification adds to reading an entry and summing it.
+void compareVerified(std::vector<Result>& results, std::size_t zones, Storage storage, int rounds) {
+    WorkDirectory const work;
+    auto const project = cubes::Project::create(work.path("project"));
+    cubes::setMatrixStorage(project.settings()->MatrixDirectory().str(), {storage, Durability::process});
+    auto& store = project.store();
+    store.addCube("Bench");
+    store.put({1, 1, 1, 1, 1}, matrixOf(cellsOf(zones), zones));
+    double const expected = storedSum(store, false);
+    char const* const name = storage == Storage::plain ? "plain" : "deflate";
+    results.push_back(compare({fmt::format("verify and sum {0} x {0}, {1}", zones, name), 3, rounds, 1,
+        [&] { require(storedSum(store, false) == expected, "sum"); },
+        [&] { require(storedSum(store, true) == expected, "verified sum"); }}));
+}
+
 void compareAt(std::vector<Result>& results, std::size_t zones, int rounds) {
     WorkDirectory const work;
     auto const project = cubes::Project::create(work.path("project"));
@@ -147,6 +168,10 @@ std::vector<Result> matrices() {
     }
     compareAt(results, 2000, 21);
     compareAt(results, 5000, 15);
+    for (auto const storage : {Storage::plain, Storage::deflate}) {
+        compareVerified(results, 2000, storage, 21);
+        compareVerified(results, 5000, storage, 15);
+    }
     return results;
 }
 

@@ -19,6 +19,7 @@
 #include <cubes/matcubes/TRkFareCube.h>
 #include <cubes/matcubes/TRkMatCube.h>
 #include <cubes/matcubes/TRkMatCubes.h>
+#include <cubes/matrix/MatrixLimits.h>
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/OmxFile.h>
 #include <cubes/matrix/RkLockState.h>
@@ -43,6 +44,7 @@
 #include <cubes/routestorage/RouteStorageDataCube.h>
 #include <cubes/routestorage/RouteStorageInterface.h>
 #include <cubes/routestorage/RouteStorageWrappers.h>
+#include <cubes/store/EntryCheck.h>
 #include <cubes/store/EntryInfo.h>
 #include <cubes/store/EntryKey.h>
 #include <cubes/store/EntryStore.h>

@@ -13,8 +13,8 @@ using namespace VL::Interface;
 namespace {
 
 // By RouteFieldType.
-constexpr NumberType (*numberTypes[])() = {typeOf<std::uint8_t>, typeOf<std::uint8_t>, typeOf<std::int16_t>,
-    typeOf<std::int32_t>, typeOf<float>, typeOf<double>};
+constexpr NumberType numberTypes[] = {NumberType::uint8, NumberType::uint8, NumberType::int16, NumberType::int32,
+    NumberType::float32, NumberType::float64};
 
 // Names of fields may contain anything, so datasets are named by numbers: "0000", "0001".
 std::string datasetName(std::size_t place) {
@@ -24,28 +24,25 @@ std::string datasetName(std::size_t place) {
 }
 
 void writeField(hid_t group, std::string const& name, Field const& field) {
-    hdf5::Handle const dataset = writeDataset(group, name, numberTypes[field.type](), field.values.data(), field.count);
+    hdf5::Handle const dataset = writeDataset(group, name, numberTypes[field.type], field.values.data(), field.count);
     std::int32_t const type = field.type;
     hdf5::writeText(dataset.get(), "name", platform::toUtf8(field.name));
     writeAttribute(dataset.get(), "type", typeOf<std::int32_t>(), &type, 1);
 }
 
-RouteFieldType readType(hid_t dataset) {
-    std::int32_t number = rftUnknown;
-    readAttribute(dataset, "type", typeOf<std::int32_t>(), &number, 1);
+RouteFieldType readType(hdf5::GuardedFile const& file, std::string const& path) {
+    auto const number = readAttribute(file, path, "type", 1)[0];
     if (number < rftBoolean || number >= rftUnknown)
         throw std::runtime_error("unknown field type " + std::to_string(number));
     return static_cast<RouteFieldType>(number);
 }
 
-Field readField(hid_t group, std::string const& name) {
-    hdf5::Handle const dataset = hdf5::openDataset(group, name);
-    RouteFieldType const type = readType(dataset.get());
-    NumberType const numbers = numberTypes[type]();
-    std::size_t const count = countNumbers(dataset.get(), name, numbers);
-    Field field{platform::fromUtf8(textAttribute(dataset.get(), "name")), type, {}, count};
-    field.values.resize(count * valueSize(type));
-    readDataset(dataset.get(), name, numbers, field.values.data());
+Field readField(hdf5::GuardedFile const& file, std::string const& path) {
+    RouteFieldType const type = readType(file, path);
+    StoredNumbers const numbers(file, path, numberTypes[type]);
+    Field field{platform::fromUtf8(textAttribute(file, path, "name")), type, {}, numbers.count()};
+    field.values.resize(field.count * valueSize(type));
+    numbers.read(field.values.data());
     return field;
 }
 
@@ -103,11 +100,10 @@ hdf5::Id128 contentId(FieldTable const& table) {
 
 }
 
-StoredFields StoredFields::read(hid_t file, hdf5::IndexRecord const& record) {
+StoredFields StoredFields::read(hdf5::GuardedFile const& file, hdf5::IndexRecord const& record) {
     StoredFields fields;
-    hdf5::Handle const group = hdf5::openGroup(file, "fields");
-    for (std::size_t place = 0; hdf5::hasLink(group.get(), datasetName(place)); ++place)
-        fields.table.add(readField(group.get(), datasetName(place)));
+    auto const path = [](std::size_t place) { return "fields/" + datasetName(place); };
+    for (std::size_t place = 0; file.exists(path(place)); ++place) fields.table.add(readField(file, path(place)));
     std::memcpy(fields.routes.bytes.data(), record.details.data(), fields.routes.bytes.size());
     return fields;
 }

@@ -9,7 +9,7 @@ namespace cubes::routes {
 struct StoredFields {
     static constexpr FileKind kind = {"cubes route data", hdf5::IndexRecord::Holds::routeData};
     /// Throws when the file's content is not valid.
-    static StoredFields read(hid_t file, hdf5::IndexRecord const& record);
+    static StoredFields read(hdf5::GuardedFile const& file, hdf5::IndexRecord const& record);
     void write(hid_t file) const;
     void describe(hdf5::IndexRecord& record) const;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/hdf5/GuardedFile.h"
 #include "host/hdf5/Hdf5.h"
 
 #include <cstdint>
@@ -9,30 +10,8 @@
 /// Lists of numbers as one-dimensional datasets, and small attributes.
 namespace cubes::routes {
 
-/// A type of numbers, in memory and in a file (always little-endian).
-struct NumberType {
-    hid_t memory;
-    hid_t file;
-};
-
-template <typename Number>
-NumberType typeOf();
-template <>
-NumberType typeOf<std::uint8_t>();
-template <>
-NumberType typeOf<std::int16_t>();
-template <>
-NumberType typeOf<std::uint16_t>();
-template <>
-NumberType typeOf<std::int32_t>();
-template <>
-NumberType typeOf<std::uint32_t>();
-template <>
-NumberType typeOf<std::uint64_t>();
-template <>
-NumberType typeOf<float>();
-template <>
-NumberType typeOf<double>();
+using hdf5::NumberType;
+using hdf5::typeOf;
 
 /// Whether bytes of equal weight are stored together before compression. That makes ascending and real numbers smaller,
 /// and repeated sequences, such as the links of neighbouring routes, larger.
@@ -41,10 +20,23 @@ enum class Shuffle { no, yes };
 /// Writes `count` numbers as a dataset, compressed and with one checksum per chunk.
 hdf5::Handle writeDataset(hid_t parent, std::string const& name, NumberType type, void const* numbers,
     std::size_t count, Shuffle shuffle = Shuffle::yes);
-/// The number of elements of a dataset. Throws unless it is a list of numbers that fit `type` and is not larger than a
-/// file of this size can hold.
-std::size_t countNumbers(hid_t dataset, std::string const& name, NumberType type);
-void readDataset(hid_t dataset, std::string const& name, NumberType type, void* numbers);
+/// A dataset that is a list of numbers of some type, and no longer than a file of this size can hold.
+class StoredNumbers {
+public:
+    /// Throws std::runtime_error when it is something else, or when its numbers do not fit `type`.
+    StoredNumbers(hdf5::GuardedFile const& file, std::string const& path, NumberType type);
+
+    std::size_t count() const noexcept { return count_; }
+    /// REQUIRES: `numbers` has room for all.
+    void read(void* numbers) const;
+
+private:
+    hdf5::GuardedFile const& file_;
+    std::string path_;
+    NumberType type_;
+    hdf5::Dataset dataset_;
+    std::size_t count_ = 0;
+};
 
 template <typename Number>
 void writeNumbers(hid_t parent, std::string const& name, std::vector<Number> const& numbers) {
@@ -52,18 +44,20 @@ void writeNumbers(hid_t parent, std::string const& name, std::vector<Number> con
 }
 
 template <typename Number>
-std::vector<Number> readNumbers(hid_t parent, std::string const& name) {
-    hdf5::Handle const dataset = hdf5::openDataset(parent, name);
-    std::vector<Number> numbers(countNumbers(dataset.get(), name, typeOf<Number>()));
-    readDataset(dataset.get(), name, typeOf<Number>(), numbers.data());
+std::vector<Number> readNumbers(hdf5::GuardedFile const& file, std::string const& path) {
+    StoredNumbers const stored(file, path, typeOf<Number>());
+    std::vector<Number> numbers(stored.count());
+    stored.read(numbers.data());
     return numbers;
 }
 
-/// Attributes of `count` numbers. Writing replaces an existing one; reading throws when it is missing or has another
-/// type or size.
+/// Writes an attribute of `count` numbers.
 void writeAttribute(hid_t object, char const* name, NumberType type, void const* numbers, std::size_t count);
-void readAttribute(hid_t object, char const* name, NumberType type, void* numbers, std::size_t count);
+/// Reads whole numbers from an attribute of the root, or of a dataset. Throws std::runtime_error when it is missing or
+/// has another type or size.
+std::vector<std::int64_t> readAttribute(
+    hdf5::GuardedFile const& file, std::string const& object, char const* name, std::size_t count);
 /// A text of fixed length; throws when it is missing or something else.
-std::string textAttribute(hid_t object, char const* name);
+std::string textAttribute(hdf5::GuardedFile const& file, std::string const& object, char const* name);
 
 }

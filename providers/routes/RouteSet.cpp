@@ -33,9 +33,9 @@ void writeLists(hid_t group, Lists<Key> const& lists) {
 }
 
 template <typename Key>
-void readLists(hid_t group, Lists<Key>& lists) {
-    lists.offsets = readNumbers<std::uint64_t>(group, "offsets");
-    lists.routes = readNumbers<std::uint32_t>(group, "routes");
+void readLists(hdf5::GuardedFile const& file, std::string const& group, Lists<Key>& lists) {
+    lists.offsets = readNumbers<std::uint64_t>(file, group + "/offsets");
+    lists.routes = readNumbers<std::uint32_t>(file, group + "/routes");
 }
 
 std::vector<std::int32_t> zones(std::vector<ZonePair> const& pairs, std::int32_t ZonePair::*which) {
@@ -44,16 +44,16 @@ std::vector<std::int32_t> zones(std::vector<ZonePair> const& pairs, std::int32_t
     return numbers;
 }
 
-std::vector<ZonePair> readPairs(hid_t group) {
-    auto const origins = readNumbers<std::int32_t>(group, "origins");
-    auto const destinations = readNumbers<std::int32_t>(group, "destinations");
+std::vector<ZonePair> readPairs(hdf5::GuardedFile const& file) {
+    auto const origins = readNumbers<std::int32_t>(file, "by_pair/origins");
+    auto const destinations = readNumbers<std::int32_t>(file, "by_pair/destinations");
     if (origins.size() != destinations.size()) throw std::runtime_error("by_pair does not fit the routes");
     std::vector<ZonePair> pairs(origins.size());
     for (std::size_t i = 0; i < pairs.size(); ++i) pairs[i] = {origins[i], destinations[i]};
     return pairs;
 }
 
-RouteTable readRoutes(hid_t file) {
+RouteTable readRoutes(hdf5::GuardedFile const& file) {
     RouteTable table;
     table.origins = readNumbers<std::int32_t>(file, "origins");
     table.destinations = readNumbers<std::int32_t>(file, "destinations");
@@ -64,16 +64,14 @@ RouteTable readRoutes(hid_t file) {
     return table;
 }
 
-RouteIndex readIndex(hid_t file, RouteTable const& table) {
+RouteIndex readIndex(hdf5::GuardedFile const& file, RouteTable const& table) {
     Lists<ZonePair> byPair;
-    hdf5::Handle const pairGroup = hdf5::openGroup(file, "by_pair");
-    byPair.keys = readPairs(pairGroup.get());
-    readLists(pairGroup.get(), byPair);
+    byPair.keys = readPairs(file);
+    readLists(file, "by_pair", byPair);
 
     Lists<std::uint32_t> byLink;
-    hdf5::Handle const linkGroup = hdf5::openGroup(file, "by_link");
-    byLink.keys = readNumbers<std::uint32_t>(linkGroup.get(), "links");
-    readLists(linkGroup.get(), byLink);
+    byLink.keys = readNumbers<std::uint32_t>(file, "by_link/links");
+    readLists(file, "by_link", byLink);
     return {std::move(byPair), std::move(byLink), table};
 }
 
@@ -100,7 +98,7 @@ hdf5::Id128 contentId(RouteTable const& table) {
 
 }
 
-IndexedRoutes IndexedRoutes::read(hid_t file, hdf5::IndexRecord const&) {
+IndexedRoutes IndexedRoutes::read(hdf5::GuardedFile const& file, hdf5::IndexRecord const&) {
     IndexedRoutes routes;
     routes.table_ = readRoutes(file);
     routes.index_ = readIndex(file, routes.table_);

@@ -11,7 +11,7 @@ class IndexedRoutes {
 public:
     static constexpr FileKind kind = {"cubes routes", hdf5::IndexRecord::Holds::routes};
     /// Throws when the file's content is not valid.
-    static IndexedRoutes read(hid_t file, hdf5::IndexRecord const& record);
+    static IndexedRoutes read(hdf5::GuardedFile const& file, hdf5::IndexRecord const& record);
     void write(hid_t file) const;
     void describe(hdf5::IndexRecord& record) const;
 

@@ -5,13 +5,13 @@
 #include "host/platform/Files.h"
 #include "host/platform/TemporaryFile.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
 namespace cubes::routes {
 
-using hdf5::Handle;
 using hdf5::IndexRecord;
 
 namespace {
@@ -37,19 +37,17 @@ void writeStamp(hid_t file, Stamp const& stamp) {
     writeAttribute(file, "key", typeOf<std::int16_t>(), key.data(), key.size());
 }
 
-Stamp readStamp(hid_t file) {
-    std::int32_t cubeType = 0;
+Stamp readStamp(hdf5::GuardedFile const& file) {
     Key key{};
-    readAttribute(file, "cube_type", typeOf<std::int32_t>(), &cubeType, 1);
-    readAttribute(file, "key", typeOf<std::int16_t>(), key.data(), key.size());
-    return {cubeType, key};
+    auto const parts = readAttribute(file, "", "key", key.size());
+    std::ranges::transform(parts, key.begin(), [](std::int64_t part) { return static_cast<std::int16_t>(part); });
+    return {static_cast<std::int32_t>(readAttribute(file, "", "cube_type", 1)[0]), key};
 }
 
-void requireKind(hid_t file, FileKind kind) {
-    std::string const found = H5Aexists(file, "format") > 0 ? textAttribute(file, "format") : "something else";
+void requireKind(hdf5::GuardedFile const& file, FileKind kind) {
+    std::string const found = file.attribute("", "format") ? textAttribute(file, "", "format") : "something else";
     if (found != kind.format) throw std::runtime_error("it holds " + found + ", not " + std::string(kind.format));
-    std::int32_t number = 0;
-    readAttribute(file, "version", typeOf<std::int32_t>(), &number, 1);
+    auto const number = readAttribute(file, "", "version", 1)[0];
     if (number != version) throw std::runtime_error("its version " + std::to_string(number) + " is unknown");
 }
 
@@ -57,13 +55,6 @@ platform::File openContent(std::string const& path) {
     auto file = platform::File::openForReading(path);
     if (file.size() == 0) throw std::runtime_error("it is empty");
     return file;
-}
-
-Bytes bytesOf(std::string const& path) {
-    platform::File const file = openContent(path);
-    Bytes bytes(static_cast<std::size_t>(file.size()));
-    file.readAt(0, bytes);
-    return bytes;
 }
 
 void commit(std::string const& path, Bytes bytes) {
@@ -75,14 +66,14 @@ void commit(std::string const& path, Bytes bytes) {
 
 }
 
-void readStoredFile(std::string const& path, FileKind kind, std::function<void(hid_t, FileRoot const&)> const& read) {
+void readStoredFile(std::string const& path, FileKind kind,
+    std::function<void(hdf5::GuardedFile const&, FileRoot const&)> const& read) {
     platform::File content = openContent(path);
     auto const found = hdf5::findRecord(content);
-    hdf5::Session const session;
-    Handle const file = hdf5::openFile(std::move(content));
-    requireKind(file.get(), kind);
-    bool const isRecorded = found && hdf5::hasRecordAt(file.get(), found->offset);
-    read(file.get(), {readStamp(file.get()), isRecorded ? found->record : IndexRecord{}});
+    hdf5::GuardedFile const file(std::move(content));
+    requireKind(file, kind);
+    bool const isRecorded = found && hdf5::hasRecordAt(file, found->offset);
+    read(file, {readStamp(file), isRecorded ? found->record : IndexRecord{}});
 }
 
 void writeStoredFile(
@@ -100,16 +91,6 @@ void writeStoredFile(
         return file.finish();
     };
     commit(path, made());
-}
-
-void restampStoredFile(std::string const& path, Stamp const& stamp) {
-    auto const stamped = [&] {
-        hdf5::Session const session;
-        hdf5::MemoryFile file(bytesOf(path));
-        writeStamp(file.get(), stamp);
-        return file.finish();
-    };
-    commit(path, stamped());
 }
 
 }

@@ -39,12 +39,10 @@ struct FileRoot {
 
 /// Calls `read` with the opened file. Throws std::system_error when it cannot be opened, and std::runtime_error when
 /// it is not a file of that kind or has an unknown version.
-void readStoredFile(
-    std::string const& path, FileKind kind, std::function<void(hid_t file, FileRoot const& root)> const& read);
+void readStoredFile(std::string const& path, FileKind kind,
+    std::function<void(hdf5::GuardedFile const& file, FileRoot const& root)> const& read);
 /// Calls `write` with an empty file, which then replaces the one at `path`. The record's size and kind are filled in.
 void writeStoredFile(
     std::string const& path, FileKind kind, FileRoot const& root, std::function<void(hid_t file)> const& write);
-/// Changes only the stamp of an existing file.
-void restampStoredFile(std::string const& path, Stamp const& stamp);
 
 }

@@ -85,15 +85,31 @@ private:
     }
 
     void openExisting(bool forAdding) {
+        Content read = readFile();
+        if (!stamp_.cubeType) stamp_.cubeType = inFile_.cubeType;
+        if (!stamp_.key) stamp_.key = inFile_.key;
+        hold(std::move(read), forAdding);
+    }
+
+    /// The content of the file, whose stamp and record become known.
+    Content readFile() {
         std::optional<Content> read;
-        readStoredFile(fileName_, Content::kind, [&](hid_t file, FileRoot const& root) {
+        readStoredFile(fileName_, Content::kind, [&](hdf5::GuardedFile const& file, FileRoot const& root) {
+            read = Content::read(file, root.record);
+            requireRecorded(*read, root.record.content);
             inFile_ = root.stamp;
             place_ = root.record.stamp;
-            read = Content::read(file, root.record);
-            if (!stamp_.cubeType) stamp_.cubeType = root.stamp.cubeType;
-            if (!stamp_.key) stamp_.key = root.stamp.key;
         });
-        hold(std::move(*read), forAdding);
+        return *std::move(read);
+    }
+
+    static void requireRecorded(Content const& content, hdf5::Id128 const& recorded) {
+        hdf5::IndexRecord found;
+        content.describe(found);
+        if (recorded.isKnown() && found.content != recorded)
+            throw std::runtime_error(
+                "it was changed outside Cubes or damaged: its content does not match its checksum; "
+                "restore it, or accept the change by deleting its dataset /cubes_index");
     }
 
     void hold(Content content, bool forAdding) {
@@ -109,13 +125,14 @@ private:
         inFile_ = stamp_;
     }
 
+    // An open file gets the stamp at once, with the content that it has: that in memory is not yet committed.
     void setStamp(Stamp const& changed) {
         answering("change the key of", [&] {
             stamp_ = changed;
             bool const isInFile = content_ && isForAdding_;
             if (!isInFile || inFile_ == changed) return VL::Interface::rrDone;
-            restampStoredFile(fileName_, changed);
-            inFile_ = changed;
+            Content stored = readFile();
+            write(stored);
             return VL::Interface::rrDone;
         });
     }

@@ -103,11 +103,8 @@ bool moveResult(std::string const& source, std::string const& target) {
     return platform::moveDirectory(source, target);
 }
 
-void removeResult(std::string const& path) {
-    if (platform::isDirectory(path))
-        platform::removeDirectory(path, true);
-    else
-        platform::removeFile(path);
+bool removeResult(std::string const& path) {
+    return platform::isDirectory(path) ? platform::removeDirectory(path, true) : platform::removeFile(path);
 }
 
 double readElement(std::unique_ptr<TRkMatrix> matrix, int row, int column) {

@@ -28,8 +28,8 @@ bool moveMatrixFile(std::string const& source, std::string const& target);
 /// existing one, and moved in place of whatever the target names. False for an empty path.
 bool copyResult(std::string const& source, std::string const& target);
 bool moveResult(std::string const& source, std::string const& target);
-/// Removes a file, or a directory with its content. What cannot be removed stays.
-void removeResult(std::string const& path);
+/// Removes a file, or a directory with its content. False when there is none, or when it or a part of it stays.
+bool removeResult(std::string const& path);
 
 /// One element of a matrix, -1.0 for null. The matrix object stays allocated, which callers rely on, but keeps nothing
 /// of the file. Throws TRkMatrixException outside the matrix; then the object is deleted.

@@ -57,6 +57,14 @@ std::string displayKey(std::span<short const> parts) {
     return text + "]";
 }
 
+void addAmongOthers(std::span<short const> key, std::function<bool()> const& attempt) {
+    constexpr int attempts = 100;
+    for (int i = 0; i < attempts; ++i)
+        if (attempt()) return;
+    throw TRkDatabaseException(
+        "cannot add entry " + displayKey(key) + ": others add and remove it at the same time; try again later");
+}
+
 CountedPtr<Rktable::TRkTableProxy> buildEntryTable(
     TRkDBDataDictionary& dictionary, AnsiString const& schema, char const* alias) {
     std::vector<CountedPtr<Rktable::TRkTableProxy>> tables;

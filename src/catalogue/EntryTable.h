@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <span>
@@ -44,6 +45,10 @@ std::optional<Key<Size>> storedKey(Key<Size> key, bool zeroBased) {
 
 /// "[1,2,3,4]": the parts of a key as users read them.
 std::string displayKey(std::span<short const> parts);
+
+/// Repeats an attempt to add the row of a key until it succeeds: it fails when another process adds the row first and
+/// removes it again before it is found. Throws TRkDatabaseException when that happens again and again.
+void addAmongOthers(std::span<short const> key, std::function<bool()> const& attempt);
 
 /// The table of that alias among those that the dictionary builds for a schema, neither connected
 /// nor open; empty when there is none.

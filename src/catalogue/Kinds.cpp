@@ -3,6 +3,7 @@
 #include "catalogue/StoredName.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace cubes::catalogue {
 
@@ -29,6 +30,35 @@ Kind const* findWith(Property const& isWanted) {
     return found == std::end(all) ? nullptr : found;
 }
 
+// The numbers of a decimal stem, the first of which may be negative; empty for any other text.
+std::vector<short> numbersIn(std::string_view stem) {
+    std::vector<short> numbers;
+    for (std::size_t start = 0; start <= stem.size();) {
+        std::size_t const end = std::min(stem.find('-', start + 1), stem.size());
+        short number = 0;
+        auto const [behind, error] = std::from_chars(stem.data() + start, stem.data() + end, number);
+        if (error != std::errc() || behind != stem.data() + end) return {};
+        numbers.push_back(number);
+        start = end + 1;
+    }
+    return numbers;
+}
+
+// The key of a file of that kind; empty for the name of another file.
+std::vector<short> keyIn(Kind const& kind, std::string_view name) {
+    std::string_view const directory = kind.directory;
+    std::string_view const extension = kind.extension;
+    if (!name.starts_with(directory) || !name.ends_with(extension)) return {};
+    auto const stem = name.substr(directory.size(), name.size() - directory.size() - extension.size());
+    auto key = numbersIn(stem);
+    constexpr std::size_t cubeNumbers = 5;
+    constexpr std::size_t resultParts = 6;
+    bool const isWritten = !key.empty() && decimalStem(key) == stem;
+    if (!isWritten || key.size() != (kind.isResult ? resultParts : cubeNumbers)) return {};
+    if (kind.isResult) key.insert(key.begin(), kind.number);
+    return kindOf(key.front()).number == kind.number ? key : std::vector<short>();
+}
+
 }
 
 std::span<Kind const> kinds() {
@@ -46,6 +76,17 @@ Kind const* findKind(short number) {
 Kind const& kindOf(short number) {
     auto const* const kind = findKind(number);
     return kind ? *kind : cubes;
+}
+
+bool hasEntryExtension(std::string_view name) {
+    return name.ends_with(cubes.extension) ||
+           findWith([name](Kind const& kind) { return name.ends_with(kind.extension); }) != nullptr;
+}
+
+std::vector<short> keyOfFileName(std::string_view name) {
+    for (Kind const& kind : all)
+        if (auto key = keyIn(kind, name); !key.empty()) return key;
+    return keyIn(cubes, name);
 }
 
 std::string newFileName(std::span<short const> key) {

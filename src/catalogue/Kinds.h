@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cubes::catalogue {
 
@@ -41,5 +42,9 @@ inline constexpr unsigned lastCubeKind = 31;
 
 /// The file name of a new entry: "3-1-1-1-1.odm", "1-1-1-1-2-0.skm".
 std::string newFileName(std::span<short const> key);
+/// Whether a file has the extension of one of the kinds.
+bool hasEntryExtension(std::string_view name);
+/// The key whose new file has this name, with decimal numbers; empty for any other name.
+std::vector<short> keyOfFileName(std::string_view name);
 
 }

@@ -3,6 +3,7 @@
 #include <cubes/text/TRkString.h>
 
 #include "host/platform/CallStack.h"
+#include "host/platform/File.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
 #include "host/platform/System.h"
@@ -12,9 +13,9 @@
 #include <array>
 #include <cstdint>
 #include <ctime>
-#include <fstream>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string_view>
 
 namespace platform = cubes::platform;
@@ -27,7 +28,7 @@ constexpr char const* defaultName = "debug.log";
 struct Log {
     std::mutex mutex;
     std::string name = defaultName;
-    std::ofstream stream;
+    std::optional<platform::File> file;
 };
 
 Log& theLog() {
@@ -36,20 +37,18 @@ Log& theLog() {
     return log;
 }
 
-void open(Log& log) {
-    if (log.stream.is_open()) return;
-    log.stream.open(platform::toPath(platform::temporaryDirectory()) / platform::toPath(log.name), std::ios::app);
+// The temporary directory belongs to everybody.
+platform::File opened(Log const& log) {
+    return platform::File::openLog(platform::resolved(platform::temporaryDirectory(), log.name));
 }
 
 void append(std::string const& lines) {
     Log& log = theLog();
     std::lock_guard const lock(log.mutex);
-    bool const wasOpen = log.stream.is_open();
-    open(log);
-    // An earlier message may have failed; this one is tried nevertheless.
-    log.stream.clear();
-    log.stream << lines << std::flush;
-    if (!wasOpen) log.stream.close();
+    if (log.file)
+        log.file->append(lines);
+    else
+        opened(log).append(lines);
 }
 
 // The log never affects its callers: errors are ignored, and the thread's last system error is restored.
@@ -107,8 +106,10 @@ bool ZebDebug::isDebuggingActive() {
 bool ZebDebug::openStream() {
     Log& log = theLog();
     std::lock_guard const lock(log.mutex);
-    bool const wasOpen = log.stream.is_open();
-    whenActive([&log] { open(log); });
+    bool const wasOpen = log.file.has_value();
+    whenActive([&log] {
+        if (!log.file) log.file = opened(log);
+    });
     return wasOpen;
 }
 
@@ -200,7 +201,7 @@ void ZebDebug::setDebugOutput(std::string const& name) {
     whenActive([&name] {
         Log& log = theLog();
         std::lock_guard const lock(log.mutex);
-        log.stream.close();
+        log.file.reset();
         log.name = name.empty() ? defaultName : name;
     });
 }

@@ -33,13 +33,9 @@ namespace {
 
 constexpr std::size_t keyParts = std::tuple_size_v<CubeKey>;
 
-// Adds the row of an entry that was not found by the look-up. Another process may have added it since, which is fine;
-// if that row has been deleted again, it is added again.
+// Adds the row of an entry that was not found by the look-up. Another process may have added it since, which is fine.
 void insertUnlessTaken(EntryTable& entries, CubeKey const& key, TRkString const& filename) {
-    if (entries.insert(key, filename.str()) || entries.locate(key)) return;
-    if (!entries.insert(key, filename.str()))
-        throw TRkDatabaseException(
-            "cannot add entry " + cubes::catalogue::displayKey(key) + ": others add and remove it at the same time");
+    cubes::catalogue::addAmongOthers(key, [&] { return entries.insert(key, filename.str()) || entries.locate(key); });
 }
 
 void removeEntry(Rktable::TRkTableProxy& table, TRkFString const& directory) {

@@ -57,13 +57,16 @@ std::string freeSchema(database::Session& session, std::string const& root) {
     return schema;
 }
 
-// SQLite creates the file that it is asked to open, and an empty database in place of a lost one would look like a
-// project without cubes.
-void requireDatabaseFile(std::string const& url) {
+// SQLite creates the file that it is asked to open, and an empty database in place of a lost one, or under a name with
+// a typing error, would look like a project without cubes.
+void requireDatabaseFile(std::string const& url, bool isOverridden) {
     if (!database::isSqliteUrl(url)) return;
     std::string const path = database::sqlitePath(url);
     if (!platform::exists(path))
-        throw TRkDatabaseException("the project's SQLite database '" + path + "' does not exist", "58P01");
+        throw TRkDatabaseException(std::string(isOverridden ? "the SQLite database that CUBES_DATABASE names"
+                                                            : "the project's SQLite database") +
+                                       ", '" + path + "', does not exist",
+            "58P01");
 }
 
 }
@@ -148,7 +151,7 @@ Project Project::open(std::string const& directory) {
     ProjectFile const file = project::readProjectFile(root);
     auto const otherDatabase = platform::environment("CUBES_DATABASE");
     std::string const url = resolvedUrl(root, otherDatabase.value_or(file.database));
-    if (!otherDatabase) requireDatabaseFile(url);
+    requireDatabaseFile(url, otherDatabase.has_value());
 
     auto parts = std::make_unique<Parts>(root, file, url);
     parts->link.schema =

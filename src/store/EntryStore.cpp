@@ -7,6 +7,8 @@
 #include "store/EntryWalk.h"
 #include "store/EntryWriting.h"
 #include "store/Failure.h"
+#include "store/ProjectCheck.h"
+#include "store/ProjectRepair.h"
 #include "store/StoreTables.h"
 
 #include <algorithm>
@@ -129,7 +131,10 @@ EntryKey EntryStore::parse(std::string_view text) const {
     // A cube may be called "2030/1/15".
     if (numbersAlone && (numbersAlone->size() == 1 + cubeParts || !findCube(split(text, cubeParts)->cube)))
         return keyOf(*numbersAlone);
-    Task const task{"read \"" + std::string(text) + "\" as an entry", std::string(text)};
+    // Messages are C strings.
+    std::string const shown(text.substr(0, text.find('\0')));
+    Task const task{"read \"" + shown + "\" as an entry", shown};
+    if (shown.size() < text.size()) task.fail(Reason::invalidKey, "it holds a zero byte");
     auto const* const kind = kindAt(text);
     bool const isResult = kind && kind->isResult;
     auto const pieces = split(text, isResult ? resultParts : cubeParts);
@@ -225,12 +230,14 @@ std::optional<EntryInfo> EntryStore::find(EntryKey const& key) const {
     return reporting([&] { return taskFor("look up", key); }, [&] { return EntryWriting(*tables_).find(key); });
 }
 
-TRkMatrix EntryStore::get(EntryKey const& key) const {
+TRkMatrix EntryStore::get(EntryKey const& key, GetOptions const& options) const {
     auto const task = taskFor("read", key);
     return reporting(task, [&] {
         EntryWriting const writing(*tables_);
         writing.requireMatrix(task, key);
-        return writing.read(task, writing.require(task, key));
+        auto matrix = writing.read(task, writing.require(task, key));
+        if (options.verify) EntryWriting::requireIntact(task, matrix);
+        return matrix;
     });
 }
 
@@ -437,6 +444,23 @@ long EntryStore::changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*
             task().fail(Reason::notFound, "it was removed meanwhile");
         }
         return rows->users();
+    });
+}
+
+std::vector<Finding> EntryStore::check(EntrySelection const& selection, CheckOptions const& options) const {
+    auto const cube = selectedCube(selection);
+    return reporting(
+        {"check the project", {}}, [&] { return store::ProjectCheck(*tables_, selection, cube, options).run(); });
+}
+
+std::vector<Repair> EntryStore::repair(std::vector<Finding> const& findings, RepairOptions const& options) {
+    Task const task{"repair the project", {}};
+    return reporting(task, [&] {
+        EntryWriting(*tables_).requireOwnTransaction(task);
+        store::ProjectRepair const project(*tables_, options);
+        std::vector<Repair> repairs;
+        for (auto const& finding : findings) repairs.push_back(project.repair(finding));
+        return repairs;
     });
 }
 

@@ -2,6 +2,8 @@
 
 #include "store/Failure.h"
 
+#include <array>
+
 namespace cubes::store {
 
 EntryWalk::EntryWalk(StoreTables const& tables, std::vector<Stage> stages)
@@ -34,16 +36,25 @@ void EntryWalk::advance() {
     read();
 }
 
-std::vector<EntryWalk::Stage> stagesOf(EntrySelection const& selection, std::optional<CubeInfo> const& cube) {
-    struct Part {
-        char const* column;
-        std::optional<short> number;
-    };
-    Part const parts[] = {{"cubenr", cube ? std::optional(cube->number) : std::nullopt}, {"purpose", selection.purpose},
+namespace {
+
+/// The part of a key that a selection sets; in the order of the key's numbers.
+struct SelectedPart {
+    char const* column;
+    std::optional<short> number;
+};
+
+std::array<SelectedPart, 7> partsOf(EntrySelection const& selection, std::optional<CubeInfo> const& cube) {
+    return {{{"cubenr", cube ? std::optional(cube->number) : std::nullopt}, {"purpose", selection.purpose},
         {"mode", selection.mode}, {"time", selection.time}, {"user", selection.user}, {"result", selection.result},
-        {"iteration", selection.iteration}};
+        {"iteration", selection.iteration}}};
+}
+
+}
+
+std::vector<EntryWalk::Stage> stagesOf(EntrySelection const& selection, std::optional<CubeInfo> const& cube) {
     std::string condition;
-    for (auto const& [column, number] : parts)
+    for (auto const& [column, number] : partsOf(selection, cube))
         if (number)
             condition += (condition.empty() ? "\"" : " and \"") + std::string(column) + "\"=" + std::to_string(*number);
 
@@ -52,6 +63,14 @@ std::vector<EntryWalk::Stage> stagesOf(EntrySelection const& selection, std::opt
     if (!asksForResults && !(cube && cube->holdsResults)) stages.push_back({false, condition});
     if (!cube || cube->holdsResults) stages.push_back({true, condition});
     return stages;
+}
+
+bool selects(EntrySelection const& selection, std::optional<CubeInfo> const& cube, EntryKey const& key) {
+    auto const numbers = key.numbers();
+    auto const parts = partsOf(selection, cube);
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        if (parts[i].number && (i >= numbers.size() || numbers[i] != *parts[i].number)) return false;
+    return true;
 }
 
 }

@@ -40,5 +40,7 @@ private:
 
 /// The rows that a selection means; `cube` is the one that it names, if it names one.
 std::vector<EntryWalk::Stage> stagesOf(EntrySelection const& selection, std::optional<CubeInfo> const& cube);
+/// Whether the selection means an entry of that key.
+bool selects(EntrySelection const& selection, std::optional<CubeInfo> const& cube, EntryKey const& key);
 
 }

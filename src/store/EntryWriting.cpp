@@ -9,6 +9,7 @@
 #include "host/matrix/WriteLock.h"
 #include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
+#include "host/platform/System.h"
 #include "host/platform/TemporaryFile.h"
 
 #include <cubes/matrix/TRkVLSelectedLinkMatrix.h>
@@ -33,38 +34,34 @@ class Replaced {
 public:
     explicit Replaced(StagedFile const& staged) : staged_(staged) {
         if (!platform::exists(staged.target())) return;
-        aside_ = platform::temporaryPath(staged.target());
-        try {
-            platform::linkOrCopy(staged.target(), aside_);
-        } catch (std::system_error const&) {
-            platform::discardFile(aside_);
-            throw;
-        }
+        aside_.emplace(staged.target());
+        aside_->linkTo(staged.target());
     }
     ~Replaced() {
         try {
             if (!stays_ && staged_.isPublished()) putBack();
         } catch (std::system_error const&) {
             // The error that led here is the one to report; the old file lies under its second name.
-            return;
+            if (aside_) aside_->leave();
         }
-        if (!aside_.empty()) platform::discardFile(aside_);
     }
     Replaced(Replaced const&) = delete;
     Replaced& operator=(Replaced const&) = delete;
 
     void stay(bool stays = true) noexcept { stays_ = stays; }
+    /// Whether there was a file.
+    bool hasOld() const noexcept { return aside_.has_value(); }
 
 private:
     void putBack() {
-        if (aside_.empty())
-            platform::discardFile(staged_.target());
+        if (aside_)
+            aside_->publish();
         else
-            platform::renameFile(aside_, staged_.target());
+            platform::discardFile(staged_.target());
     }
 
     StagedFile const& staged_;
-    std::string aside_;
+    std::optional<platform::TemporaryFile> aside_;
     bool stays_ = false;
 };
 
@@ -239,19 +236,6 @@ void EntryWriting::recordFile(EntryKey const& key, ContentRecord const& record) 
     }
 }
 
-// Read before the transaction begins: reading may need HDF5.
-ContentRecord EntryWriting::recordOf(EntryKey const& key, StagedFile const& staged) const {
-    ContentRecord record{tables_.identity(key.isResult()), {}, 0, 0};
-    try {
-        record.size = platform::fileSize(staged.path());
-        record.changed = platform::lastChange(staged.path());
-        if (auto const origin = matrix::readOrigin(staged.path())) record.content = origin->content;
-    } catch (std::exception const&) {
-        // What a damaged file holds is not known; it is copied as it is.
-    }
-    return record;
-}
-
 void EntryWriting::requireDirectory(Task const& task, std::string const& directory) {
     if (!platform::isDirectory(directory))
         task.fail(Reason::notFound, "the directory " + directory + " is missing; restore it or create it", directory);
@@ -275,13 +259,13 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
 
     StagedFile staged(target);
     write(staged);
-    auto const record = recordOf(key, staged);
+    auto const record = tables_.recordOf(key, staged.path());
     auto const late = commit(task, key, change, staged, record);
-    if (change.movedFrom) platform::discardFile(change.movedFrom->file);
-    if (late)
-        task.fail(reasonOf(late->Code()),
-            "it is done, but may not survive a power failure: the directory was not flushed: " + causeOf(*late),
-            target);
+    auto const left = change.movedFrom ? removeContent(*change.movedFrom) : std::error_code();
+    if (late) task.fail(reasonOf(late->Code()), platform::mayBeLost + causeOf(*late), target);
+    if (left)
+        task.fail(reasonOf(left), "it is done, but the file of " + change.movedFrom->text + " stays: " + left.message(),
+            change.movedFrom->file);
 }
 
 std::optional<TRkMatrixException> EntryWriting::commit(
@@ -293,10 +277,14 @@ std::optional<TRkMatrixException> EntryWriting::commit(
         auto const taken = takeRow(task, *change.movedFrom);
         if (key.isResult()) change.parentage.parent = taken.parent;
     }
-    bool const changesRows = changeRow(task, key, change, staged.target()) || change.movedFrom;
+    auto const rowChange = changeRow(task, key, change, staged.target());
+    bool const changesRows = rowChange != RowChange::none || change.movedFrom;
     std::optional<Replaced> replaced;
     if (changesRows) replaced.emplace(staged);
     auto late = publish(staged);
+    // The file that a removed entry left must not come back with the new row, whatever the rule of the directory.
+    if (rowChange == RowChange::added && replaced->hasOld())
+        platform::flushDirectory(platform::directoryOf(staged.target()));
     recordFile(key, record);
     if (!changesRows) {
         commitRecord(transaction);
@@ -337,7 +325,7 @@ bool EntryWriting::isCommitted(Task const& task, EntryKey const& key, Change con
 
 // What others did to the entry while the file was written counts: the row is read again, and then
 // stays as it is until the transaction ends.
-bool EntryWriting::changeRow(
+EntryWriting::RowChange EntryWriting::changeRow(
     Task const& task, EntryKey const& key, Change const& change, std::string const& target) const {
     auto rows = tables_.rows(key.isResult());
     auto const parent = numbersOf(change.parentage.parent);
@@ -350,12 +338,12 @@ bool EntryWriting::changeRow(
         if (!rows->insert(key.numbers(), catalogue::newFileName(key.numbers()), parent))
             task.fail(Reason::locked, "another program is adding it; try again");
         requireCube(task, key);
-        return true;
+        return RowChange::added;
     }
     requireReplaceable(task, *existing, change.exists);
-    if (!changesParent) return false;
+    if (!changesParent) return RowChange::none;
     if (!rows->setParent(parent)) task.fail(Reason::notFound, "it was removed meanwhile");
-    return true;
+    return RowChange::changed;
 }
 
 void EntryWriting::setParent(Task const& task, EntryKey const& key, std::optional<EntryKey> const& parent) const {
@@ -399,20 +387,38 @@ TRkMatrix EntryWriting::read(Task const& task, EntryInfo const& entry) const {
     Task{task.action, entry.text}.fail(mayBeRead(file) ? Reason::damaged : Reason::file, matrix.Reason(), file);
 }
 
+void EntryWriting::requireIntact(Task const& task, TRkMatrix const& matrix) {
+    if (!matrix.IsIntact()) task.fail(Reason::damaged, matrix::reasonOfDamage(matrix.FileName()), matrix.FileName());
+}
+
 void EntryWriting::put(Task const& task, EntryKey const& key, TRkMatrix const& matrix, Change const& change) const {
     requireMatrix(task, key);
     if (!matrix.IsValid()) task.fail(Reason::wrongShape, "the matrix is not valid: " + matrix.Reason());
     if (change.parentage.parent && !key.isResult()) task.fail(Reason::invalidKey, "only results have parents");
     matrix.Prepare();
+    requireIntact(task, matrix);
     store(task, key, change, [&](StagedFile& staged) { write(staged, key, matrix); });
+}
+
+void EntryWriting::rewrite(Task const& task, EntryKey const& key) const {
+    auto const entry = require(task, key);
+    store(task, key, {OnExisting::replace, {false, std::nullopt}},
+        [&](StagedFile& staged) { writeIntact(task, staged, key, entry); });
+}
+
+// The lock of the source is held by then: nobody replaces what was read.
+void EntryWriting::writeIntact(
+    Task const& task, StagedFile& staged, EntryKey const& key, EntryInfo const& source) const {
+    auto const matrix = read(task, source);
+    requireIntact(task, matrix);
+    write(staged, key, matrix);
 }
 
 void EntryWriting::moveMatrix(Task const& task, EntryKey const& to, Change const& change) const {
     requireMatrix(task, change.movedFrom->key);
     requireMatrix(task, to);
     requireFile(task, *change.movedFrom);
-    // The lock of the source is held by then: nobody replaces what was read before it is removed.
-    store(task, to, change, [&](StagedFile& staged) { write(staged, to, read(task, *change.movedFrom)); });
+    store(task, to, change, [&](StagedFile& staged) { writeIntact(task, staged, to, *change.movedFrom); });
 }
 
 void EntryWriting::requireMatrix(Task const& task, EntryKey const& key) const {
@@ -455,16 +461,22 @@ EntryWriting::Removal::Removal(EntryWriting const& writing, Task const& task, En
 
 void EntryWriting::Removal::finish() {
     writing_.takeRow(task_, *entry_);
-    removeContent(*entry_);
+    requireRemoved(task_, *entry_, removeContent(*entry_));
 }
 
 // The row of a result may name a directory.
-void EntryWriting::removeContent(EntryInfo const& entry) {
-    if (entry.file.empty()) return;
-    if (entry.key.isResult())
-        catalogue::removeResult(entry.file);
-    else
-        platform::removeFile(entry.file);
+std::error_code EntryWriting::removeContent(EntryInfo const& entry) {
+    bool const isOurs = entry.key.isResult() ? platform::exists(entry.file) : platform::isRegularFile(entry.file);
+    if (!isOurs) return {};
+    bool const isRemoved =
+        entry.key.isResult() ? catalogue::removeResult(entry.file) : platform::discardFile(entry.file);
+    return isRemoved ? std::error_code() : platform::lastSystemError();
+}
+
+void EntryWriting::requireRemoved(Task const& task, EntryInfo const& entry, std::error_code failure) {
+    if (!failure) return;
+    Task{task.action, entry.text}.fail(
+        reasonOf(failure), entry.text + " is removed, but its file stays: " + failure.message(), entry.file);
 }
 
 // The file itself keeps its old stamp, which is only a hint.
@@ -487,7 +499,7 @@ void EntryWriting::remove(Task const& task, EntryKey const& key) const {
 std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> const& keys) const {
     requireOwnTransaction(task);
     auto const removed = deleteRows(task, keys);
-    for (auto const& entry : removed) removeFile(entry);
+    removeFiles(task, removed);
     return removed.size();
 }
 
@@ -503,7 +515,7 @@ std::size_t EntryWriting::removeCube(Task const& task, short cube) const {
     auto const removed = deleteRows(task, keys);
     if (!names_.remove(cube)) task.fail(Reason::notFound, "there is no such cube");
     transaction.commit();
-    for (auto const& entry : removed) removeFile(entry);
+    removeFiles(task, removed);
     return removed.size();
 }
 
@@ -541,15 +553,31 @@ std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<En
     return deleted;
 }
 
+// As many as possible; the first one that stays is reported.
+void EntryWriting::removeFiles(Task const& task, std::vector<EntryInfo> const& removed) const {
+    std::optional<EntryInfo> first;
+    std::error_code failure;
+    for (auto const& entry : removed) {
+        auto const left = removeFile(entry);
+        if (!left || first) continue;
+        first = entry;
+        failure = left;
+    }
+    if (first) requireRemoved(task, *first, failure);
+}
+
 // Another program may have stored the entry anew since its row was deleted; then the file is in use.
-void EntryWriting::removeFile(EntryInfo const& entry) const {
-    if (entry.file.empty() || !platform::exists(entry.file)) return;
+std::error_code EntryWriting::removeFile(EntryInfo const& entry) const {
+    if (entry.file.empty() || !platform::exists(entry.file)) return {};
     try {
         auto const lock = lockSoon(entry.file);
-        if (lock && !tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) removeContent(entry);
+        bool const isFree = lock && !tables_.rows(entry.key.isResult())->locate(entry.key.numbers());
+        return isFree ? removeContent(entry) : std::error_code();
     } catch (TRkDatabaseException const&) {
-    } catch (std::system_error const&) {
         // A file without a row is harmless: the next entry of that name replaces it.
+        return {};
+    } catch (std::system_error const& error) {
+        return error.code();
     }
 }
 

@@ -41,6 +41,7 @@ public:
     void requireMatrix(Task const& task, EntryKey const& key) const;
     /// The matrix of an entry.
     TRkMatrix read(Task const& task, EntryInfo const& entry) const;
+    static void requireIntact(Task const& task, TRkMatrix const& matrix);
 
     /// The parent of the stored entry: a new entry gets `parent`, an existing one if it is replaced.
     struct Parentage {
@@ -58,6 +59,8 @@ public:
     void put(Task const& task, EntryKey const& key, TRkMatrix const& matrix, Change const& change) const;
     void putFile(
         Task const& task, EntryKey const& key, EntryStore::FileWriter const& write, Change const& change) const;
+    /// Writes the matrix of an entry to a new file.
+    void rewrite(Task const& task, EntryKey const& key) const;
     /// Copies a file as it is.
     void putCopy(Task const& task, EntryKey const& key, std::string const& source, Change const& change) const;
     /// Copies the file of the entry that is moved, or gives it a second name on a full disk.
@@ -69,6 +72,8 @@ public:
     public:
         /// REQUIRES: both outlive this object.
         Removal(EntryWriting const& writing, Task const& task, EntryKey const& key);
+        /// As the row has it, which nobody replaces meanwhile.
+        EntryInfo const& entry() const noexcept { return *entry_; }
         /// Removes row and file.
         void finish();
 
@@ -95,9 +100,9 @@ private:
     /// Changes the rows and puts the file in place. Returns why the change may not survive a power failure, if so.
     std::optional<TRkMatrixException> commit(Task const& task, EntryKey const& key, Change change,
         matrix::StagedFile& staged, ContentRecord const& record) const;
-    /// Inside a transaction: adds the row or changes its parent, and returns whether it had to. The file will be
-    /// `target`.
-    bool changeRow(Task const& task, EntryKey const& key, Change const& change, std::string const& target) const;
+    enum class RowChange { none, changed, added };
+    /// Inside a transaction: adds the row or changes its parent. The file will be `target`.
+    RowChange changeRow(Task const& task, EntryKey const& key, Change const& change, std::string const& target) const;
     /// Fails for a parent that is the entry itself or derived from it, or that the table has no columns for.
     void requireParentable(
         Task const& task, EntryKey const& key, std::optional<EntryKey> const& parent, Rows const& rows) const;
@@ -107,10 +112,16 @@ private:
     bool mayBeCommitted(TRkDatabaseException const& error) const;
     bool isCommitted(Task const& task, EntryKey const& key, Change const& change) const;
     void write(matrix::StagedFile& staged, EntryKey const& key, TRkMatrix const& matrix) const;
+    /// Writes the matrix of another entry, unless it is damaged.
+    void writeIntact(Task const& task, matrix::StagedFile& staged, EntryKey const& key, EntryInfo const& source) const;
     EntryInfo takeRow(Task const& task, EntryInfo const& entry) const;
     std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> keys) const;
-    void removeFile(EntryInfo const& entry) const;
-    static void removeContent(EntryInfo const& entry);
+    void removeFiles(Task const& task, std::vector<EntryInfo> const& removed) const;
+    /// Return why the file stays, if it does.
+    std::error_code removeFile(EntryInfo const& entry) const;
+    static std::error_code removeContent(EntryInfo const& entry);
+    /// Fails for a file that stays although its row is removed.
+    static void requireRemoved(Task const& task, EntryInfo const& entry, std::error_code failure);
     [[noreturn]] void missing(Task const& task, EntryKey const& key) const;
     [[noreturn]] void outside(Task const& task, EntryInfo const& entry, char const* advice) const;
     void requireStorable(Task const& task, EntryKey const& key) const;
@@ -122,7 +133,6 @@ private:
     bool isStoredHere(EntryKey const& key, hdf5::Id128 const& recorded) const;
     std::string targetOf(Task const& task, EntryKey const& key, std::optional<EntryInfo> const& existing) const;
     hdf5::FileStamp stampOf(EntryKey const& key) const;
-    ContentRecord recordOf(EntryKey const& key, matrix::StagedFile const& staged) const;
     void recordFile(EntryKey const& key, ContentRecord const& record) const;
 
     StoreTables const& tables_;

@@ -5,6 +5,7 @@
 #include "host/database/Cursor.h"
 #include "host/database/Session.h"
 #include "host/matrix/StagedFile.h"
+#include "host/platform/Files.h"
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/database/TRkDatabaseException.h>
@@ -99,6 +100,16 @@ std::map<short, std::size_t> StoreTables::counts(bool ofResults) const {
     return counts;
 }
 
+bool StoreTables::hasOtherProjects() const {
+    auto const lock = session().lock();
+    auto const question = session().dialect().schemasWith(catalogue::resultEntriesTable);
+    database::Cells cells;
+    std::size_t const rows = session().prepareOnce(question, {})->run({}, cells);
+    for (std::size_t i = 0; i < rows; ++i)
+        if (cells.row(i, 1)[0].Text() != schema_) return true;
+    return false;
+}
+
 std::string StoreTables::directory(bool ofResults) const {
     return TRkFString::Directory((ofResults ? settings_.WorkingDirectory() : settings_.MatrixDirectory()).str()).str();
 }
@@ -161,6 +172,19 @@ void StoreTables::requireContentTable(bool ofResults) const {
     if (sharesContentTable(ofResults)) return;
     whereAllowed(
         session(), [&] { catalogue::createContentTable(session(), contentSchema(ofResults), keyParts(ofResults)); });
+}
+
+// Read before a transaction begins: reading may need HDF5.
+ContentRecord StoreTables::recordOf(EntryKey const& key, std::string const& file) const {
+    ContentRecord record{identity(key.isResult()), {}, 0, 0};
+    try {
+        record.size = platform::fileSize(file);
+        record.changed = platform::lastChange(file);
+        if (auto const origin = matrix::readOrigin(file)) record.content = origin->content;
+    } catch (std::exception const&) {
+        // What a damaged file holds is not known; it is copied as it is.
+    }
+    return record;
 }
 
 void StoreTables::record(EntryKey const& key, ContentRecord const& record) const {

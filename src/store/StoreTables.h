@@ -68,6 +68,9 @@ public:
     /// The number of rows by the number of their cube.
     std::map<short, std::size_t> counts(bool ofResults) const;
 
+    /// Whether the database holds results of other projects.
+    bool hasOtherProjects() const;
+
     /// The directory of the files of these entries, with a delimiter at its end.
     std::string directory(bool ofResults) const;
     /// The identity of that directory; unknown when it has none and cannot be given one.
@@ -86,6 +89,9 @@ public:
     // These do nothing when the user lacks the right to.
     /// Creates the table of contents unless it exists.
     void requireContentTable(bool ofResults) const;
+    /// What is to be recorded of an entry's file, which may be a temporary one. The content of a damaged file is
+    /// unknown.
+    ContentRecord recordOf(EntryKey const& key, std::string const& file) const;
     /// Records an entry's file, or that entries are gone.
     void record(EntryKey const& key, ContentRecord const& record) const;
     void forget(std::vector<EntryInfo> const& entries) const;

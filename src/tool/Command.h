@@ -76,6 +76,8 @@ public:
     virtual void declare(Arguments arguments) = 0;
     /// Whether the command works in an existing project.
     virtual bool needsProject() const { return true; }
+    /// Whether it changes nothing, so that it has failed when its result cannot be printed.
+    virtual bool onlyReads() const { return false; }
     /// The task as error messages put it after "cannot".
     virtual std::string task() const = 0;
     virtual void run(Surroundings const& surroundings, Output& output) = 0;
@@ -102,6 +104,7 @@ std::unique_ptr<Command> makeParent();
 std::unique_ptr<Command> makeChildren();
 std::unique_ptr<Command> makeTree();
 std::unique_ptr<Command> makeUse();
+std::unique_ptr<Command> makeCheck();
 std::unique_ptr<Command> makeRoutesImport();
 std::unique_ptr<Command> makeRoutesShow();
 std::unique_ptr<Command> makeRoutesExport();

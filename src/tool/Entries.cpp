@@ -225,8 +225,8 @@ void Entries::removeIfEmpty(short cube) const noexcept {
     try {
         // Another program may have stored into the new cube meanwhile.
         if (!store().counts().contains(cube)) store().removeCube(cube);
-    } catch (std::exception const&) {
-        // The error that led here is the one to report.
+    } catch (std::exception const& error) {
+        printWarning(fmt::format("the cube {} was added and could not be removed again: {}", cube, error.what()));
     }
 }
 
@@ -235,6 +235,7 @@ EntryInfo Entries::write(std::string const& word, std::function<void(EntryKey co
     try {
         auto const entry = key(word);
         cube(std::to_string(entry.cube()));
+        stopIfInterrupted();
         action(entry);
         if (added) noteNewCube(word);
         return find(word);

@@ -1,6 +1,8 @@
 #include "tool/Errors.h"
 
 #include "host/platform/TemporaryFile.h"
+#include "tool/Terminal.h"
+#include "tool/Text.h"
 
 #include <cubes/core/TRkCubesException.h>
 #include <cubes/matrix/TRkMatrixException.h>
@@ -17,6 +19,8 @@
 namespace cubes::tool {
 
 namespace {
+
+constexpr int signalled = 128;
 
 template <typename Error>
 bool isA(std::exception const& error) {
@@ -36,7 +40,7 @@ constexpr Rule rules[] = {
 };
 
 void print(char const* severity, std::string const& message) {
-    fmt::print(stderr, "cubes: {}{}\n", severity, message);
+    fmt::print(stderr, "cubes: {}{}\n", severity, escaped(message));
 }
 
 // How errors of files begin; longer texts come first.
@@ -93,10 +97,15 @@ bool isRefusal(StoreError const& error) {
 
 }
 
+void stopIfInterrupted() {
+    if (interruption()) throw Interrupted();
+}
+
 FormatError::FormatError(std::size_t line, std::string const& problem)
     : std::runtime_error(fmt::format("line {}: {}", line, problem)) {}
 
 ExitCode exitCodeOf(std::exception const& error) {
+    if (int const signal = interruption()) return static_cast<ExitCode>(signalled + signal);
     for (auto const& rule : rules)
         if (rule.matches(error)) return rule.code;
     auto const* const ofStore = dynamic_cast<StoreError const*>(&error);

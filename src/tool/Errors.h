@@ -24,6 +24,15 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// The user or the system asked the tool to end, before anything was changed.
+class Interrupted : public std::runtime_error {
+public:
+    Interrupted() : std::runtime_error("interrupted; nothing was changed") {}
+};
+
+/// Throws Interrupted when the tool was asked to end.
+void stopIfInterrupted();
+
 /// A file that cannot be read or written in its format. The message gives the line where it is known,
 /// what was found and what was expected, but not the file's name: "line 7: found 'abc', expected a number".
 class FormatError : public std::runtime_error {
@@ -33,7 +42,8 @@ public:
     FormatError(std::size_t line, std::string const& problem);
 };
 
-/// The exit code of the tool. Scripts rely on the numbers: they are only ever added to.
+/// The exit code of the tool. Scripts rely on the numbers: they are only ever added to. A tool that was asked to end
+/// by a signal ends with 128 and the signal's number.
 enum class ExitCode : int {
     done = 0,
     /// Not found, or refused.

@@ -2,6 +2,7 @@
 
 #include "tool/Entries.h"
 #include "tool/Errors.h"
+#include "tool/Text.h"
 
 #include <fmt/format.h>
 
@@ -44,13 +45,13 @@ std::vector<Branch> takeBranches(Descendants& ahead, int generation, Lineage con
 
 void addText(Branch const& branch, std::size_t depth, std::string& text) {
     text += branch.isAsked ? "* " : "  ";
-    text += std::string(2 * depth, ' ') + branch.text + (branch.isThere ? "" : "  (missing)") + "\n";
+    text += std::string(2 * depth, ' ') + escaped(branch.text) + (branch.isThere ? "" : "  (missing)") + "\n";
     for (auto const& child : branch.children) addText(child, depth + 1, text);
 }
 
 std::string quoted(std::string const& word) {
     std::string text = "\"";
-    for (char const c : word) {
+    for (char const c : escaped(word)) {
         if (c == '"' || c == '\\') text += '\\';
         text += c;
     }

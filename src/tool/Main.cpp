@@ -63,14 +63,15 @@ constexpr char const* entryHelp =
     "or KIND/purpose/mode/time/user/result/iteration: skim/1/1/1/1/1/1. The kinds of results are skim,\n"
     "selectedlink, cordon, screen, transit, path, stop2stop, routes and routedata. Fares are\n"
     "fare/purpose/mode/time/user.";
-constexpr char const* more = "`cubes COMMAND --help` describes a command.\n"
-                             "Exit codes: 0 done, 1 not found or refused, 2 wrong usage, 3 failed";
+constexpr char const* more =
+    "`cubes COMMAND --help` describes a command.\n"
+    "Exit codes: 0 done, 1 not found or refused, 2 wrong usage, 3 failed, 128 + signal: interrupted";
 
 // In the order of the help.
 Commands allCommands() {
     constexpr std::unique_ptr<Command> (*makers[])() = {makeInit, makeDemo, makeAdd, makeList, makeEntries, makeImport,
         makeExport, makeShow, makeCell, makeCopy, makeMove, makeClear, makeRemove, makeParent, makeChildren, makeTree,
-        makeUse, makeRoutesImport, makeRoutesShow, makeRoutesExport, makeRoutesFields, makeRoutesSelect};
+        makeUse, makeCheck, makeRoutesImport, makeRoutesShow, makeRoutesExport, makeRoutesFields, makeRoutesSelect};
     Commands commands;
     for (auto const make : makers) commands.push_back(make());
     return commands;
@@ -133,12 +134,25 @@ std::string withoutLastBreak(std::string text) {
     return text;
 }
 
+// A command that has changed something is done, whether or not its result can be printed.
+ExitCode print(Command const& command, Output const& output) {
+    try {
+        output.write();
+    } catch (Failure const& error) {
+        if (command.onlyReads()) throw;
+        printError(fmt::format("cannot print the result: {}; the command succeeded: {}", error.what(), command.task()));
+        return exitCodeOf(error);
+    }
+    if (!interruption()) return output.exitCode();
+    printError("interrupted when this was done: " + command.task());
+    return exitCodeOf(Interrupted());
+}
+
 ExitCode run(Command& command, Surroundings const& surroundings) {
     try {
         Output output(surroundings.json ? Form::json : Form::text);
         command.run(surroundings, output);
-        output.write();
-        return ExitCode::done;
+        return print(command, output);
     } catch (std::exception const& error) {
         printError(fmt::format("cannot {}: {}", command.task(), withoutLastBreak(causeOf(error, command.task()))));
         return exitCodeOf(error);
@@ -229,5 +243,6 @@ ExitCode runTool(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     cubes::tool::prepareStreams();
+    cubes::tool::noteInterruptions();
     return static_cast<int>(cubes::tool::runTool(argc, argv));
 }

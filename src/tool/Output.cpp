@@ -2,6 +2,7 @@
 
 #include "tool/Errors.h"
 #include "tool/Terminal.h"
+#include "tool/Text.h"
 
 #include <fmt/format.h>
 
@@ -47,7 +48,7 @@ struct TextColumn {
 
 std::string plainText(Json const& value) {
     if (value.is_null()) return "-";
-    if (value.is_string()) return value.get<std::string>();
+    if (value.is_string()) return escaped(value.get<std::string>());
     if (value.is_number_float() && std::isnan(value.get<double>())) return "-";
     if (value.is_number_float()) return fmt::format("{}", value.get<double>());
     return value.dump();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tool/Errors.h"
+
 #include <nlohmann/json.hpp>
 
 #include <string>
@@ -9,7 +11,8 @@ namespace cubes::tool {
 
 using Json = nlohmann::ordered_json;
 
-/// A value for people: text without quotes, numbers with the digits they need, "-" for null and NaN.
+/// A value for people: text without quotes and with its control characters escaped, numbers with the digits they need,
+/// "-" for null and NaN.
 std::string plainText(Json const& value);
 
 /// The value, or null when it is not known.
@@ -76,6 +79,10 @@ public:
     void show(Json const& value);
     void add(std::string const& text) { text_ += text; }
 
+    /// What the tool exits with after it has printed the results; by default done.
+    void exitWith(ExitCode code) noexcept { exitCode_ = code; }
+    ExitCode exitCode() const noexcept { return exitCode_; }
+
     /// Prints everything to standard output. Throws Failure when that fails; a reader that closed the
     /// pipe, as `head` does, is not an error.
     void write() const;
@@ -83,6 +90,7 @@ public:
 private:
     Form form_;
     std::string text_;
+    ExitCode exitCode_ = ExitCode::done;
 };
 
 }

@@ -1,12 +1,14 @@
 #include "tool/Progress.h"
 
+#include "tool/Errors.h"
 #include "tool/Terminal.h"
+#include "tool/Text.h"
 
 #include <cstdio>
 
 namespace cubes::tool {
 
-Progress::Progress(std::string task) : task_(std::move(task)), isTerminal_(messagesAreWatched()) {
+Progress::Progress(std::string task) : task_(escaped(task)), isTerminal_(messagesAreWatched()) {
     reached(0);
 }
 
@@ -15,6 +17,7 @@ Progress::~Progress() {
 }
 
 void Progress::reached(double share) {
+    stopIfInterrupted();
     int const percent = static_cast<int>(share * 100);
     if (!isTerminal_ || percent == shown_) return;
     shown_ = percent;

@@ -28,7 +28,7 @@ private:
 };
 
 /// Shows the progress of a long task in one line of the terminal, which is erased at the end. Shows
-/// nothing when standard error is a file or a pipe.
+/// nothing when standard error is a file or a pipe. Ends the task when the tool is asked to end.
 class Progress {
 public:
     explicit Progress(std::string task);
@@ -36,7 +36,7 @@ public:
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
 
-    /// `share`: the part of the work that is done, 0 to 1.
+    /// `share`: the part of the work that is done, 0 to 1. Throws Interrupted.
     void reached(double share);
     void reached(std::size_t done, std::size_t total) {
         reached(static_cast<double>(done) / static_cast<double>(total));

@@ -63,7 +63,8 @@ std::set<fs::path> pathsOfProject(std::string const& directory, ProjectOptions c
     std::vector<fs::path> others = {root / "cubes.toml"};
     for (auto up = root; up != up.root_path(); up = up.parent_path()) others.push_back(up);
     if (auto const file = databaseFile(root, options); !file.empty())
-        for (auto const* const end : {"", "-wal", "-shm", "-journal"}) others.push_back(fs::path(file) += end);
+        for (auto const* const end : {"", "-wal", "-shm", "-journal", "-queue"})
+            others.push_back(fs::path(file) += end);
     std::error_code ignored;
     for (auto const& path : others)
         if (fs::exists(path, ignored)) found.insert(path);

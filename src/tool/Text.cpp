@@ -26,12 +26,20 @@ bool isControl(char c) {
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
 }
 
-// The beginning of the text, safe to print on a terminal.
+// The beginning of the text.
 std::string shown(std::string_view text) {
     std::string result(platform::firstCharacters(text, mostShown));
     bool const isCut = result.size() < text.size();
-    std::ranges::replace_if(result, isControl, '?');
-    return isCut ? result + "..." : result;
+    return escaped(result) + (isCut ? "..." : "");
+}
+
+// The letters of C for control characters.
+constexpr std::pair<char, char> letters[] = {{'\n', 'n'}, {'\r', 'r'}, {'\t', 't'}};
+
+std::string escape(char c) {
+    for (auto const& [control, letter] : letters)
+        if (c == control) return {'\\', letter};
+    return fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
 }
 
 enum class Reading { done, notANumber, outOfRange };
@@ -168,6 +176,12 @@ std::string_view trimmed(std::string_view text) {
     auto const first = text.find_first_not_of(" \t");
     if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+std::string escaped(std::string_view text) {
+    std::string result;
+    for (char const c : text) result += isControl(c) ? escape(c) : std::string(1, c);
+    return result;
 }
 
 bool isSameWord(std::string_view first, std::string_view second) {

@@ -44,6 +44,9 @@ double shortest(float cell);
 
 /// The text without blanks and tabs at both ends.
 std::string_view trimmed(std::string_view text);
+/// The text with control characters written as in C: "a\n" is printed as a\n, an escape character as \x1b. Terminals
+/// would obey them.
+std::string escaped(std::string_view text);
 /// Whether both texts are equal, ignoring the case of ASCII letters.
 bool isSameWord(std::string_view first, std::string_view second);
 /// A word quoted for the shell where it needs that.

@@ -287,10 +287,9 @@ bool TRkVarCubes::Add(Table table, short cubenr, short p, short m, short t, shor
     // Formed before the row is begun: a number that the name cannot hold leaves no half-made row.
     auto const& [cube, kp, km, kt, ku, kr, ki] = *key;
     std::string const name = (createFilename(kp, km, kt, ku, kr, ki) + extension_).str();
-    // Another process may add the entry at the same time, and remove it again.
-    if (entries.insert(*key, name, parent) || changeParentIfThere() || entries.insert(*key, name, parent)) return true;
-    throw TRkDatabaseException(
-        "cannot add entry " + cubes::catalogue::displayKey(*key) + ": others add and remove it at the same time");
+    // Another process may add the entry at the same time.
+    cubes::catalogue::addAmongOthers(*key, [&] { return entries.insert(*key, name, parent) || changeParentIfThere(); });
+    return true;
 }
 
 bool TRkVarCubes::Add(short p, short m, short t, short u, short r, short i, short parentcubenr, short pp, short pm,

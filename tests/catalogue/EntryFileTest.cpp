@@ -32,8 +32,12 @@ std::string contentOf(std::string const& path) {
 
 enum class Place { here, onAnotherFileSystem };
 
-std::string nameOf(testing::TestParamInfo<Place> const& place) {
-    return place.param == Place::here ? "here" : "onAnotherFileSystem";
+std::string nameOf(Place place) {
+    return place == Place::here ? "here" : "onAnotherFileSystem";
+}
+
+void PrintTo(Place place, std::ostream* out) {
+    *out << nameOf(place);
 }
 
 /// A source in one directory, a target in another.
@@ -93,7 +97,8 @@ void EntryFile::failEachStep(Placing place, int error) {
     EXPECT_GT(steps, 3);
 }
 
-INSTANTIATE_TEST_SUITE_P(, EntryFile, testing::Values(Place::here, Place::onAnotherFileSystem), nameOf);
+INSTANTIATE_TEST_SUITE_P(, EntryFile, testing::Values(Place::here, Place::onAnotherFileSystem),
+    [](auto const& place) { return nameOf(place.param); });
 
 TEST_P(EntryFile, replacesTheTargetWhenItIsMoved) {
     write();

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/Kinds.h"
 #include "support/CubeTesting.h"
 
 namespace cubes::test {
@@ -126,6 +127,46 @@ TEST(EntryNames, areParsedInBothFormsAtAnyVersion) {
             EXPECT_EQ(parse(name.stem, numbers), name.result);
             EXPECT_EQ(numbers, name.numbers);
         }
+    }
+}
+
+using Key = std::vector<short>;
+
+struct NamedKey {
+    char const* name;
+    Key key;
+};
+
+// Names of files with the key of their entry; none for a name that no new file has.
+NamedKey const namedKeys[] = {
+    {"3-1-2-3-4.odm", {3, 1, 2, 3, 4}},
+    {"-8-1-2-3-4.frs", {-8, 1, 2, 3, 4}},
+    {"1-2-3-4-5-0.skm", {-1, 1, 2, 3, 4, 5, 0}},
+    {"1-2-3-4-5-6.s2s", {-7, 1, 2, 3, 4, 5, 6}},
+    {"RouteStorage_Routes\\1-2-3-4-5-6.FDB", {-9, 1, 2, 3, 4, 5, 6}},
+    {"RouteStorage_RouteData\\1-2-3-4-5-6.FDB", {-10, 1, 2, 3, 4, 5, 6}},
+    {"32767-1-1-1-1.odm", {32767, 1, 1, 1, 1}},
+    {"32768-1-1-1-1.odm", {}},
+    {"03-1-2-3-4.odm", {}},
+    {"+3-1-2-3-4.odm", {}},
+    {"3-1-2-3.odm", {}},
+    {"3-1-2-3-4-5.odm", {}},
+    {"3-1-2-3-4-.odm", {}},
+    {"3-1-2-3-x.odm", {}},
+    {".odm", {}},
+    {"", {}},
+    {"3-1-2-3-4.omx", {}},
+    {"3-1-2-3-4.odm.old", {}},
+    {"-1-1-2-3-4.odm", {}},
+    {"3-1-2-3-4.frs", {}},
+    {"1-2-3-4-5.skm", {}},
+    {"1-2-3-4-5-6.FDB", {}},
+};
+
+TEST(EntryNames, giveTheKeyOfTheirEntry) {
+    for (auto const& [name, key] : namedKeys) {
+        EXPECT_EQ(catalogue::keyOfFileName(name), key) << name;
+        EXPECT_EQ(key.empty() ? name : catalogue::newFileName(key), name);
     }
 }
 

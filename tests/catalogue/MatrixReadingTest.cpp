@@ -13,6 +13,7 @@
 #include <numeric>
 #include <vector>
 
+#include "support/EachStorage.h"
 #include "support/TempDir.h"
 
 namespace cubes::test {
@@ -71,7 +72,6 @@ TEST_P(MatrixReading, refusesColumnsAndRowsOutsideTheMatrix) {
     EXPECT_EQ(catalogue::readElement(nullptr, 0, 0), -1.0);
 }
 
-INSTANTIATE_TEST_SUITE_P(, MatrixReading, testing::Values(Storage::plain, Storage::deflate),
-    [](auto const& storage) { return storage.param == Storage::plain ? "plain" : "deflate"; });
+CUBES_EACH_STORAGE(, MatrixReading);
 
 }

@@ -305,6 +305,10 @@ struct Coded {
     char const* characters;
 };
 
+void PrintTo(Coded const& coded, std::ostream* out) {
+    *out << coded.number << " as " << coded.characters;
+}
+
 class Base40 : public testing::TestWithParam<Coded> {};
 
 TEST_P(Base40, encodesNumbersAsTwoCharacters) {
@@ -318,7 +322,8 @@ TEST_P(Base40, decodesItsOwnOutput) {
 INSTANTIATE_TEST_SUITE_P(numbers, Base40,
     testing::Values(Coded{0, "00"}, Coded{9, "09"}, Coded{10, "0a"}, Coded{29, "0t"}, Coded{30, "0v"}, Coded{34, "0z"},
         Coded{35, "0_"}, Coded{36, "0@"}, Coded{37, "0#"}, Coded{38, "0&"}, Coded{39, "0^"}, Coded{40, "10"},
-        Coded{100, "2k"}, Coded{1199, "t^"}, Coded{1200, "v0"}, Coded{1599, "^^"}));
+        Coded{100, "2k"}, Coded{1199, "t^"}, Coded{1200, "v0"}, Coded{1599, "^^"}),
+    [](auto const& coded) { return std::to_string(coded.param.number); });
 
 TEST(Base40, hasFortyDigitsAndNoU) {
     EXPECT_STREQ(TRkBaseCubes::letters, "0123456789abcdefghijklmnopqrstvwxyz_@#&^");
@@ -356,6 +361,10 @@ struct Decoded {
     int count;
     short number;
 };
+
+void PrintTo(Decoded const& decoded, std::ostream* out) {
+    *out << decoded.count << " characters from " << decoded.start << " of " << (decoded.text ? decoded.text : "null");
+}
 
 class Base40Decoder : public testing::TestWithParam<Decoded> {};
 

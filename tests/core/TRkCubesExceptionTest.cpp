@@ -17,6 +17,10 @@ struct OwnText {
     char const* text;
 };
 
+void PrintTo(OwnText const& own, std::ostream* out) {
+    *out << std::hex << own.code << ": " << own.text;
+}
+
 class OwnErrors : public testing::TestWithParam<OwnText> {};
 
 TEST_P(OwnErrors, haveTheirFixedText) {

@@ -109,6 +109,32 @@ protected:
 
 }
 
+TEST_F(ZebDebugTest, isNotWrittenThroughALink) {
+    std::string const victim = directory_.file("victim");
+    writeFile(victim, "precious");
+    struct {
+        char const* kind;
+        std::function<void(std::error_code&)> plant;
+    } const links[] = {
+        {"symbolic", [&](auto& error) { fs::create_symlink(victim, path(), error); }},
+        {"dangling", [&](auto& error) { fs::create_symlink(directory_.file("none"), path(), error); }},
+        {"hard", [&](auto& error) { fs::create_hard_link(victim, path(), error); }},
+    };
+    for (auto const& [kind, plant] : links) {
+        std::error_code noLinks;
+        plant(noLinks);
+        if (noLinks) GTEST_SKIP() << "SKIPPED: no links here";
+        ZebDebug::writeError("text");
+        ZebDebug::openStream();
+        ZebDebug::writeError("text");
+        EXPECT_EQ(readFile(victim), "precious") << kind;
+        EXPECT_FALSE(fs::exists(directory_.file("none"))) << kind;
+        fs::remove(path());
+    }
+    ZebDebug::writeError("text");
+    EXPECT_EQ(log(), "E [time] text\n");
+}
+
 TEST_F(ZebDebugTest, isActiveForTrueInAnyLetterCase) {
     for (char const* const value : {"true", "TRUE", "True", "tRuE"}) {
         active_.set(value);
@@ -150,6 +176,10 @@ struct Writer {
     std::function<void()> write;
     char const* line;
 };
+
+void PrintTo(Writer const& writer, std::ostream* out) {
+    *out << writer.name;
+}
 
 class ZebDebugWriter : public ZebDebugTest, public testing::WithParamInterface<Writer> {};
 

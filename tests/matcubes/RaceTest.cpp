@@ -43,6 +43,18 @@ ChildTask const differentCubes = taskOf("different cubes", [](int number, TRkMat
 ChildTask const sameEntries = taskOf("same entries", [](int, TRkMatCubes& cubes) {
     for (short user = 1; user <= rounds; ++user) require(cubes.Add("Base", 1, 1, 1, user, false));
 });
+// Each adds and removes what the others copy and move.
+ChildTask const transfers = taskOf("transfers", [](int number, TRkMatCubes& cubes) {
+    short const own = cubes.CubeNameToNr("Base");
+    auto const a = static_cast<short>(1 + number % 2);
+    auto const b = static_cast<short>(2 - number % 2);
+    for (int round = 0; round < 60; ++round) {
+        cubes.Add("Base", a, 1, 1, 1, false);
+        cubes.Copy(own, a, 1, 1, 1, own, b, 1, 1, 1, false, false);
+        cubes.Move(own, b, 1, 1, 1, own, a, 1, 1, 1, false, false);
+        cubes.Clear(own, a, 1, 1, 1, false);
+    }
+});
 ChildTask const reservedRows =
     taskOf("reserved rows", [](int, TRkMatCubes& cubes) { TRkCubes const kinds(cubes.Settings()); });
 
@@ -60,6 +72,11 @@ TEST_P(Race, ofOneEntryCreatesOneRow) {
     EXPECT_EQ(run(sameEntries), processes);
     EXPECT_EQ(read("select count(*), max(\"user\") from " + table()), "5|5\n");
     EXPECT_EQ(cubeRows(), "1|Base\n");
+}
+
+TEST_P(Race, ofCopiesMovesAndRemovalsIsNoError) {
+    cubes().Add("Base");
+    EXPECT_EQ(run(transfers), processes);
 }
 
 TEST_P(Race, ofReservedRowsCreatesOneOfEach) {

@@ -8,6 +8,7 @@
 
 #include "host/platform/Paths.h"
 #include "matcubes/MatCubesTest.h"
+#include "support/Damage.h"
 
 namespace cubes::test {
 namespace {
@@ -253,6 +254,18 @@ TEST_P(MatCubes, copyTheFileOfAnUnchangedMatrixAndReturnFalse) {
     writeFile(pathOf("2-1-1-1-1.odm"), "replaced");
     EXPECT_FALSE(cubes().SaveMatrix(*source, 2, 1, 1, 1, 1, lsReadWrite, false));
     EXPECT_EQ(readFile(pathOf("2-1-1-1-1.odm")), readFile(pathOf("1-1-1-1-1.odm")));
+}
+
+// A new file gets a checksum of its own, which would hide the damage; a copy of the bytes keeps the old one.
+TEST_P(MatCubes, writeNoDamagedMatrixButCopyItsFile) {
+    storeBase();
+    store("Base", 2, 5);
+    damage(pathOf("1-1-1-1-1.odm"), "table[0, 1] = 12.5");
+    std::string const before = readFile(pathOf("1-1-1-1-2.odm"));
+    EXPECT_FALSE(cubes().Set(1, 1, 1, 1, 2, *open(lsRead), lsReadWrite, false));
+    EXPECT_EQ(readFile(pathOf("1-1-1-1-2.odm")), before);
+    cubes().Set(1, 1, 1, 1, 2, *open(lsUnchanged), lsReadWrite, false);
+    EXPECT_EQ(readFile(pathOf("1-1-1-1-2.odm")), readFile(pathOf("1-1-1-1-1.odm")));
 }
 
 TEST_P(MatCubes, doNotCopyOntoAFileThatAnotherObjectWrites) {

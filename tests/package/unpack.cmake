@@ -9,7 +9,7 @@ file(ARCHIVE_EXTRACT INPUT ${zip} DESTINATION ${work}/unpacked)
 file(GLOB top ${work}/unpacked/*)
 
 foreach(name
-    bin/cubes.exe bin/cubes.dll bin/routeprovider64.dll bin/vlinterfaceutilities64.dll
+    bin/cubes.exe bin/cubes.dll bin/cubes-reader.exe bin/routeprovider64.dll bin/vlinterfaceutilities64.dll
     bin/libpq.dll bin/libstdc++-6.dll bin/libgcc_s_seh-1.dll bin/libwinpthread-1.dll
     lib/libcubes.dll.a lib/cmake/cubes/cubesConfig.cmake include/cubes/cubes.h
     share/doc/cubes/licences/hdf5.txt share/doc/cubes/licences/gcc-mingw-w64-base.txt)

@@ -155,6 +155,7 @@ TEST_P(ProjectOver, leavesNothingBehindWhenATableCannotBeCreated) {
 
 TEST_P(ProjectOver, isOpenedOnTheDatabaseOfTheEnvironment) {
     { Project const plain = Project::create(directory.file("delta")); }
+    { Pgaccess::TPgConnection const empty(database->url()); }
     DatabaseOverride const override(database->url());
     Project const project = Project::open(directory.file("delta"));
     EXPECT_EQ(project.connection()->Url(), database->url());
@@ -246,7 +247,7 @@ TEST_F(DefaultProject, isRefusedWithAReasonAndLeavesNothingBehind) {
     Refusal const refusals[] = {
         {"storage", {{}, {}, {}, "zip", {}}, "project: storage must be \"plain\" or \"deflate\", not \"zip\""},
         {"durability", {{}, {}, {}, {}, "no"}, "project: durability must be \"full\" or \"process\", not \"no\""},
-        {"url", {"mysql://x", {}, {}, {}, {}}, "database: the database URL 'mysql://x' is neither"},
+        {"url", {"mysql://x", {}, {}, {}, {}}, "database: the database URL is neither"},
         {"port", {"postgresql://127.0.0.1:1/db", {}, {}, {}, {}}, "database: PostgreSQL server '127.0.0.1:1'"},
         {"directory", {"sqlite:.", {}, {}, {}, {}}, "database: SQLite database '"},
         {"missing", {"sqlite:x/y.db", {}, {}, {}, {}}, "database: SQLite database '"},
@@ -287,8 +288,13 @@ TEST_F(DefaultProject, isNotOpenedOnAnEmptyDatabaseInPlaceOfALostOne) {
     { Project const project = Project::create(directory.file("delta")); }
     fs::remove(directory.file("delta/cubes.db"));
     EXPECT_EQ(errorOf([&] { Project::open(directory.file("delta")); }),
-        "database: the project's SQLite database '" + directory.file("delta/cubes.db") + "' does not exist");
+        "database: the project's SQLite database, '" + directory.file("delta/cubes.db") + "', does not exist");
     EXPECT_FALSE(fs::exists(directory.file("delta/cubes.db")));
+    DatabaseOverride const misspelt("sqlite:" + directory.file("delta/cube.db"));
+    EXPECT_EQ(errorOf([&] { Project::open(directory.file("delta")); }),
+        "database: the SQLite database that CUBES_DATABASE names, '" + directory.file("delta/cube.db") +
+            "', does not exist");
+    EXPECT_FALSE(fs::exists(directory.file("delta/cube.db")));
 }
 
 TEST_F(DefaultProject, isNotCurrentWhenItCannotBeOpened) {
@@ -306,12 +312,21 @@ TEST(ProjectOnAServer, postgresNeitherStoresNorPrintsThePassword) {
     std::string const name = database.sql("SELECT current_database()")[0][0];
     database.execute("GRANT ALL ON DATABASE " + name + " TO guarded; GRANT ALL ON SCHEMA public TO guarded");
     TempDir const directory;
+    std::string const place = "127.0.0.1:" + cubes::test::postgresPort() + "/" + name;
+    int number = 0;
+    for (std::string const password : {"pass%77ord=open%20sesame", "password=open%20sesame"}) {
+        std::string const root = directory.file("p" + std::to_string(++number));
+        ProjectOptions options;
+        options.database = "postgresql://" + place + "?user=guarded&" + password;
+        Project const project = Project::create(root, options);
+        EXPECT_EQ(project.connection()->Url(), "postgresql://guarded@" + place);
+        EXPECT_EQ(cubes::test::readFile(root + "/cubes.toml").find("sesame"), std::string::npos);
+    }
     ProjectOptions options;
-    std::string const place = "@127.0.0.1:" + cubes::test::postgresPort() + "/" + name;
-    options.database = "postgresql://guarded:open%20sesame" + place;
+    options.database = "postgresql://guarded:open%20sesame@" + place;
     Project const project = Project::create(directory.file("delta"), options);
     std::string const toml = cubes::test::readFile(directory.file("delta/cubes.toml"));
-    EXPECT_NE(toml.find("postgresql://guarded" + place), std::string::npos) << toml;
+    EXPECT_NE(toml.find("postgresql://guarded@" + place), std::string::npos) << toml;
     EXPECT_EQ(toml.find("sesame"), std::string::npos) << toml;
     std::string const error = errorOf([&] { Project::open(directory.file("delta")); });
     EXPECT_NE(error.find("no password supplied"), std::string::npos) << error;

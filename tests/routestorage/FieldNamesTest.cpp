@@ -12,6 +12,10 @@ struct List {
     Names names;
 };
 
+void PrintTo(List const& list, std::ostream* out) {
+    *out << testing::PrintToString(list.text);
+}
+
 class FieldNames : public testing::TestWithParam<List> {};
 
 TEST_P(FieldNames, areSplit) {

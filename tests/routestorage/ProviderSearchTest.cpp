@@ -67,6 +67,10 @@ struct Variant {
     bool isFound;
 };
 
+void PrintTo(Variant const& variant, std::ostream* out) {
+    *out << variant.directory;
+}
+
 class NameVariants : public testing::TestWithParam<Variant> {};
 
 TEST_P(NameVariants, ofFactoriesAreTried) {

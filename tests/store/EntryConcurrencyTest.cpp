@@ -2,6 +2,7 @@
 
 #include <cubes/store/EntryStore.h>
 
+#include <cubes/database/TPgConnection.h>
 #include <cubes/matcubes/TRkMatCubes.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/TRkGlobalSettings.h>
@@ -21,6 +22,7 @@
 #include "support/Backend.h"
 #include "support/ChildTask.h"
 #include "support/CubeTesting.h"
+#include "support/Variable.h"
 
 namespace cubes::test {
 namespace {
@@ -198,6 +200,58 @@ TEST_P(EntryConcurrencyTest, everyEntryHasItsCubeAfterProcessesAddedAndRemovedIt
     for (auto const& entry : store().entries())
         EXPECT_TRUE(store().findCube(std::to_string(entry.key.cube()))) << entry.text;
     store().removeAll(EntrySelection{});
+    expectConsistent();
+}
+
+// A deadlock is reported as locked, too.
+ChildTask const removingACubeAndItsEntries("removing a cube and its entries", [](int number, std::string const& root) {
+    auto project = Project::open(root);
+    auto& store = project.store();
+    for (int i = 0; i < operations; ++i) {
+        try {
+            auto const cube = store.addCube("Passing");
+            EntryKey const key{cube, static_cast<short>(number + 1), 1, 1, 1};
+            store.put(key, smallMatrix(1));
+            if (number == 0)
+                store.removeCube(cube);
+            else
+                store.remove(key);
+        } catch (StoreError const& error) {
+            EXPECT_EQ(error.cause().find("deadlock"), std::string::npos) << error.what();
+        }
+    }
+});
+
+TEST_P(EntryConcurrencyTest, theRemovalOfACubeAndThoseOfItsEntriesDoNotDeadlock) {
+    EXPECT_EQ(removingACubeAndItsEntries.inProcesses(4, project().root()), 4);
+    store().removeAll(EntrySelection{});
+    expectConsistent();
+}
+
+TEST_P(EntryConcurrencyTest, anEntryIsNamedWhenTheWaitForItsRowEnds) {
+    EntryKey const key{1, 1, 1, 1, 1};
+    store().put(key, smallMatrix(1));
+    Variable const limit("CUBES_LOCK_TIMEOUT", "0.05");
+    auto other = Project::open(project().root());
+    auto* const connection = project().project().connection();
+    connection->Execute("BEGIN");
+    connection->Execute("UPDATE " + project().database().table("public", "cube4data1") + " SET \"usageCounter\" = 0");
+    auto const removal = [&] { other.store().remove(key); };
+    auto const change = [&] { other.store().put(key, smallMatrix(2)); };
+    for (std::function<void()> const& work : {std::function<void()>(removal), std::function<void()>(change)}) {
+        try {
+            work();
+            FAIL() << "done";
+        } catch (StoreError const& error) {
+            EXPECT_EQ(error.reason(), Reason::locked) << error.what();
+            EXPECT_EQ(error.entry(), "Trips/1/1/1/1");
+            EXPECT_NE(
+                std::string(error.what()).find("other connections, of this program or of others"), std::string::npos)
+                << error.what();
+        }
+    }
+    connection->Execute("ROLLBACK");
+    other.store().remove(key);
     expectConsistent();
 }
 

@@ -4,6 +4,7 @@
 
 #include <cubes/database/TPgConnection.h>
 #include <cubes/matrix/MatrixStorage.h>
+#include <cubes/matrix/OmxFile.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/TRkGlobalSettings.h>
 
@@ -15,6 +16,7 @@
 #include "host/matrix/FailingSystem.h"
 #include "support/Backend.h"
 #include "support/CubeTesting.h"
+#include "support/Forked.h"
 #include "support/TestServer.h"
 
 namespace cubes::test {
@@ -153,10 +155,47 @@ TEST_P(EntryFailureTest, removesAllEntriesOrNoneWhicheverStepFails) {
                 message = error.what();
             }
         }
-        // A file that cannot be locked stays without a row.
-        EXPECT_EQ(state() == before, !message.empty()) << step << ": " << message;
+        // A file that cannot be locked stays without a row, and the message says so.
+        bool const isRemoved = message.empty() || message.find("is removed, but its file stays") != std::string::npos;
+        EXPECT_EQ(state() == before, !isRemoved) << step << ": " << message;
         EXPECT_EQ(bool(store().find(trips_)), bool(store().find(skim_))) << step;
         EXPECT_EQ(files().find(".cubes-tmp"), std::string::npos) << step;
+    }
+}
+
+TEST_P(EntryFailureTest, reportsAFileThatCannotBeRemoved) {
+    struct {
+        char const* does;
+        std::function<void(EntryStore&)> work;
+        char const* message;
+    } const removals[] = {
+        {"remove", [this](EntryStore& in) { in.remove(trips_); },
+            "cannot remove Trips/1/1/1/1: Trips/1/1/1/1 is removed, but its file stays: Input/output error"},
+        {"remove two",
+            [this](EntryStore& in) {
+                in.removeAll({trips_, other_});
+            },
+            "cannot remove 2 entries: Trips/1/1/1/1 is removed, but its file stays: Input/output error"},
+        {"move", [this](EntryStore& in) { in.move(trips_, free_); },
+            "cannot move Trips/1/1/1/1 to Trips/3/1/1/1: it is done, but the file of Trips/1/1/1/1 stays: "
+            "Input/output error"},
+    };
+    for (auto const& removal : removals) {
+        reset();
+        std::string const file = store().find(trips_)->file;
+        std::string message;
+        {
+            RefusedRemovals const refused(EIO);
+            try {
+                removal.work(store());
+            } catch (StoreError const& error) {
+                message = error.what();
+                EXPECT_EQ(error.file(), file) << removal.does;
+            }
+        }
+        EXPECT_EQ(message, removal.message);
+        EXPECT_FALSE(store().find(trips_)) << removal.does;
+        EXPECT_TRUE(std::filesystem::exists(file)) << removal.does;
     }
 }
 
@@ -190,6 +229,74 @@ TEST_P(EntryFailureTest, reportsACompletedChangeWhenOnlyTheLastFlushFails) {
         EXPECT_EQ(store().get(trips_).Elements()[0], static_cast<float>(100 + step));
     }
     EXPECT_EQ(reported, 1);
+}
+
+/// A change that adds an entry, and the name of its file.
+struct Addition {
+    char const* name;
+    EntryKey key;
+    std::string file;
+    std::function<void(EntryStore&)> work;
+};
+
+/// A file of a removed entry was left behind: its process was killed before it removed the file.
+class StaleFileTest : public EntryFailureTest {
+protected:
+    void leaveStaleFile(Addition const& addition) { OmxFile::write(addition.file, "matrix", smallMatrix(stale)); }
+
+    static constexpr float stale = 99;
+    std::vector<Addition> additions() {
+        auto const matrices = project().matrixDirectory();
+        auto const results = project().settings()->WorkingDirectory().str();
+        return {{"put", free_, matrices + "1-3-1-1-1.odm", [this](EntryStore& to) { to.put(free_, smallMatrix(9)); }},
+            {"put a result", new_, results + "1-1-1-1-2-0.slm",
+                [this](EntryStore& to) { to.put(new_, smallMatrix(9), {.parent = trips_}); }},
+            {"copy", free_, matrices + "1-3-1-1-1.odm", [this](EntryStore& to) { to.copy(trips_, free_); }},
+            {"move", free_, matrices + "1-3-1-1-1.odm", [this](EntryStore& to) { to.move(trips_, free_); }}};
+    }
+};
+
+CUBES_BOTH_BACKENDS(StaleFileTest);
+
+TEST_P(StaleFileTest, neverAppearsAsANewEntryWhoseProcessIsKilled) {
+    for (auto const& addition : additions()) {
+        bool isDone = false;
+        for (int step = 1; !isDone; ++step) {
+            ASSERT_LT(step, 100);
+            reset();
+            leaveStaleFile(addition);
+            isDone = inProcesses(1, [&](int) {
+                auto const own = Project::open(project().root());
+                FailingSystem const system(step, EIO, FailingSystem::Failure::kill);
+                addition.work(own.store());
+            }) == 1;
+            if (!store().find(addition.key)) continue;
+            EXPECT_NE(store().get(addition.key).Elements()[0], stale) << addition.name << ", step " << step;
+        }
+        EXPECT_TRUE(store().find(addition.key)) << addition.name;
+    }
+}
+
+TEST_P(StaleFileTest, isReplacedOnTheDiskBeforeTheNewRowIsCommitted) {
+    for (auto const& directory : {project().matrixDirectory(), project().settings()->WorkingDirectory().str()})
+        setMatrixStorage(directory, {Storage::plain, Durability::process});
+    auto const flushes = [&](Addition const& addition) {
+        FailingSystem const system;
+        addition.work(store());
+        std::size_t count = 0;
+        auto const settled = system.settled();
+        for (auto at = settled.find("flush-directory"); at != std::string::npos;
+             at = settled.find("flush-directory", at + 1))
+            ++count;
+        return count;
+    };
+    for (auto const& addition : additions()) {
+        reset();
+        auto const usual = flushes(addition);
+        reset();
+        leaveStaleFile(addition);
+        EXPECT_EQ(flushes(addition), usual + 1) << addition.name;
+    }
 }
 
 /// A trigger that refuses one kind of statement on a table.

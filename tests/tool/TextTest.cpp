@@ -16,6 +16,15 @@ std::string written(float value) {
 
 }
 
+TEST(Escaped, makesControlCharactersVisible) {
+    struct {
+        char const* text;
+        char const* result;
+    } const texts[] = {{"Base", "Base"}, {"a\nb\tc\r", "a\\nb\\tc\\r"}, {"\x1b[31m", "\\x1b[31m"},
+        {"\x7f\x01", "\\x7f\\x01"}, {"Zürich", "Zürich"}, {"", ""}};
+    for (auto const& [text, expected] : texts) EXPECT_EQ(escaped(text), expected);
+}
+
 TEST(Text, writesTheShortestTextOfAValue) {
     EXPECT_EQ(written(0.1f), "0.1");
     EXPECT_EQ(written(1365.9f), "1365.9");

@@ -33,13 +33,15 @@ public:
     /// like, or of the only lookup, when they are distinct whole numbers, one for each row of a square table. In a file
     /// that this library wrote they need not be distinct.
     TRkMatrix read(std::string const& table) const;
+    /// The same, but throws when the table is not intact.
+    TRkMatrix readVerified(std::string const& table) const;
     /// Whether the elements of a table and their zone numbers agree with the content id that was recorded with them (in
     /// files of the first version, the elements with their checksum). A table of another program, which has neither,
     /// counts as intact.
     bool isIntact(std::string const& table) const;
 
     /// Writes a matrix as the only table of a file; an old file is replaced atomically. The storage rule of the
-    /// directory applies. Takes no lock.
+    /// directory applies. Takes no lock. A matrix that was opened from a file has to be intact (TRkMatrix::IsIntact).
     static void write(std::string const& path, std::string const& table, TRkMatrix const& matrix);
 
 private:

@@ -66,8 +66,8 @@ public:
     /// The file this matrix is bound to; empty in memory. Valid as long as the object.
     virtual char const* FileName() const;
     /// Copies all elements of another matrix of the same dimensions, and its zone numbers; for a
-    /// new file it then writes the file. When that fails the object is no longer valid and the old file stays. Throws
-    /// TRkMatrixException when dimensions differ.
+    /// new file it then writes the file. When that fails, or the source is not intact (see IsIntact), the object is no
+    /// longer valid and the old file stays. Throws TRkMatrixException when dimensions differ.
     virtual void AssignFrom(TRkMatrix const& source);
     /// The second dimension: number of destinations.
     virtual int Columns() const;
@@ -101,6 +101,12 @@ public:
     /// Where a zone number occurs twice the first row or column counts. Throws TRkMatrixException when there is no such
     /// zone, and like Row.
     float At(int originZone, int destinationZone) const;
+
+    /// Whether the elements and zone numbers that were opened from a file agree with the checksum in it: otherwise
+    /// another program changed them, or they are damaged. Reads all. Opening and reading do not verify. True in memory
+    /// and for files of other programs, which have no checksum. What is written to this object is no damage: the file
+    /// under its name is then verified in its present state, while it is there. Throws like Elements.
+    bool IsIntact() const;
 
     /// The header of a matrix file; null when it cannot be read. Kept alive by the library until
     /// this thread's next GetHeader.

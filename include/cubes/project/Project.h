@@ -43,9 +43,9 @@ public:
     /// opened; nothing is left behind then.
     static Project create(std::string const& directory, ProjectOptions const& options = {});
     /// Opens the project in `directory`. Missing tables are created, existing ones are never altered. CUBES_DATABASE in
-    /// the environment overrides the database of "cubes.toml"; a missing SQLite file is created only if CUBES_DATABASE
-    /// names it. Throws TRkProjectException when the directory is not a project or its "cubes.toml" is not valid,
-    /// TRkDatabaseException when the database cannot be opened.
+    /// the environment overrides the database of "cubes.toml". A missing SQLite file is an error. Throws
+    /// TRkProjectException when the directory is not a project or its "cubes.toml" is not valid, TRkDatabaseException
+    /// when the database cannot be opened.
     static Project open(std::string const& directory);
 
     Project(Project&&) noexcept;

@@ -2,6 +2,7 @@
 
 #include <cubes/Export.h>
 #include <cubes/matrix/TRkMatrix.h>
+#include <cubes/store/EntryCheck.h>
 #include <cubes/store/EntryInfo.h>
 #include <cubes/store/EntryKey.h>
 #include <cubes/store/StoreError.h>
@@ -37,6 +38,12 @@ struct PutOptions {
     /// The entry that a result was derived from. Nothing: an entry that exists keeps its parent.
     std::optional<EntryKey> parent = {};
     OnExisting exists = OnExisting::replace;
+};
+
+struct GetOptions {
+    /// Whether the matrix is verified, which reads all of it: damaged when its elements or zone numbers do not agree
+    /// with the checksum in its file. Otherwise a plain file is mapped and read as it is accessed, unverified.
+    bool verify = false;
 };
 
 struct CopyOptions {
@@ -160,7 +167,7 @@ public:
     std::optional<EntryInfo> find(EntryKey const& key) const;
     /// The entry's matrix. Later changes to the entry do not affect it.
     /// Throws notFound, outsideDirectory, otherDirectory, damaged, invalidKey for routes.
-    TRkMatrix get(EntryKey const& key) const;
+    TRkMatrix get(EntryKey const& key, GetOptions const& options = {}) const;
     /// Entries in the order of their keys: those of cubes, then those of results.
     EntryRange entries(EntrySelection const& selection = {}) const;
     /// The number of entries by the number of their cube or kind; those without entries are omitted.
@@ -169,16 +176,19 @@ public:
     /// Stores a matrix as an entry, atomically: readers find the old matrix or the new one. An entry that exists keeps
     /// its row, counter and parent; a new one has no parent unless the options say so. Throws notFound for a cube that
     /// is not in the register, alreadyExists, inUse, locked, otherDirectory, invalidKey for a parent as in setParent,
-    /// wrongShape for a matrix that is not valid, noSpace, readOnly.
+    /// wrongShape for a matrix that is not valid, damaged for one from a file that TRkMatrix::IsIntact rejects,
+    /// noSpace, readOnly.
     void put(EntryKey const& key, TRkMatrix const& matrix, PutOptions const& options = {});
     /// The same for routes and data of routes: `write` writes a temporary file, which then replaces
     /// the entry's file. What `write` throws passes through unchanged.
     void putFile(EntryKey const& key, FileWriter const& write, PutOptions const& options = {});
 
     /// Copy and move an entry, replacing the target. A copy has no parent; a moved entry keeps its
-    /// own, and its children still name the old key. Files are copied as they are, except matrices
-    /// from a cube to a result or back. Nothing happens when both keys are the same. Throw inUse for
-    /// a target in use, and for the source of a move.
+    /// own, and its children still name the old key. When only the removal of the source's file fails, the
+    /// move is complete and the error says so. Files are copied as they are, unverified and with
+    /// their checksum, except matrices from a cube to a result or back: they are verified, and a damaged
+    /// one is not stored. Nothing happens when both keys are the same. Throw inUse for a target in use,
+    /// and for the source of a move.
     void copy(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void move(EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     /// The same from another project. Throw otherDirectory where both projects keep the files in one
@@ -188,11 +198,12 @@ public:
     void copyFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
     void moveFrom(EntryStore& source, EntryKey const& from, EntryKey const& to, CopyOptions const& options = {});
 
-    /// Removes the row, then the file. A file that cannot be removed stays. Throws notFound, inUse,
-    /// locked, otherDirectory.
+    /// Removes the row, then the file. Throws notFound, inUse, locked, otherDirectory; and for a file that
+    /// cannot be removed, with the file's name: the row is removed nevertheless.
     void remove(EntryKey const& key);
     /// Removes all entries of the selection, and returns how many. Throws inUse or otherDirectory
-    /// when one of them is in use or belongs to another project; then nothing has changed.
+    /// when one of them is in use or belongs to another project; then nothing has changed. A file that
+    /// cannot be removed is reported like by remove(), after all others have been removed.
     std::size_t removeAll(EntrySelection const& selection);
     /// The same for entries by their keys; missing ones are skipped.
     std::size_t removeAll(std::vector<EntryKey> const& keys);
@@ -216,6 +227,18 @@ public:
     /// Raise and lower the usage counter, never below 0, and return it. Throw notFound.
     long addUser(EntryKey const& key);
     long removeUser(EntryKey const& key);
+
+    // Check and repair
+
+    /// Compares the rows of the selected entries with their files, and reports what is wrong: the findings of entries
+    /// in the order of their keys, of cubes, then of files without a row. Files that name no entry are reported only
+    /// when all entries are selected. Changes nothing. Throws notFound for an unknown cube, database, file.
+    std::vector<Finding> check(EntrySelection const& selection = {}, CheckOptions const& options = {}) const;
+    /// Repairs what a check has found, and returns what was done about each finding, in their order. What others have
+    /// changed since is left alone, and so are notes and entries of other projects. No matrix is deleted: files that
+    /// belong to no entry are moved to the directory "quarantine" beside them, with a note. Throws database inside a
+    /// transaction that the caller has begun.
+    std::vector<Repair> repair(std::vector<Finding> const& findings, RepairOptions const& options = {});
 
 private:
     friend class Project;

@@ -56,6 +56,25 @@ std::size_t Cursor::run(Statement& statement, std::span<Value const> values, Cel
     }
 }
 
+// The same for a statement on the row of a key, which an error about locks then names.
+std::size_t Cursor::run(Statement& statement, std::span<Value const> values, Cells& cells, std::span<Value const> key) {
+    try {
+        return run(statement, values, cells);
+    } catch (TRkDatabaseException const& error) {
+        if (error.SqlState() != sqlstate::locked) throw;
+        throw TRkDatabaseException("row " + textOf(key) + " of table " + description().quotedName + ": " + error.what(),
+            error.SqlState(), error.Statement());
+    }
+}
+
+// "cubenr=1, purpose=2"
+std::string Cursor::textOf(std::span<Value const> key) const {
+    std::string text;
+    for (std::size_t i = 0; i < key.size(); ++i)
+        text += (i ? ", " : "") + column(description().key[i]).name + "=" + asText(key[i]);
+    return text;
+}
+
 // Statements with a filter are not kept: there are as many as there are filters.
 std::size_t Cursor::run(
     std::string const& sql, std::vector<ColumnType> const& types, std::span<Value const> values, Cells& cells) {
@@ -248,7 +267,7 @@ void Cursor::insertDraft() {
     std::vector<Value> values;
     for (std::size_t const column : columns) values.push_back(draft_[column]);
     Cells posted;
-    if (run(table_->statement(Operation::insert, columns), values, posted) == 0)
+    if (run(table_->statement(Operation::insert, columns), values, posted, keyOf(draft_)) == 0)
         throw TRkDatabaseException(
             "table " + description().quotedName + ": the database did not take the new row", sqlstate::noData);
     row_ = std::move(posted);
@@ -260,9 +279,10 @@ void Cursor::updateDraft() {
     if (columns.empty()) return;
     std::vector<Value> values;
     for (std::size_t const column : columns) values.push_back(draft_[column]);
-    for (Value& value : keyOf(current())) values.push_back(std::move(value));
+    auto const key = keyOf(current());
+    values.insert(values.end(), key.begin(), key.end());
     Cells posted;
-    if (run(table_->statement(Operation::update, columns), values, posted) == 0)
+    if (run(table_->statement(Operation::update, columns), values, posted, key) == 0)
         throw TRkDatabaseException(
             "table " + description().quotedName + ": the row to be changed was deleted", sqlstate::noData);
     standOn(posted.row(0, description().columns.size()));
@@ -273,33 +293,30 @@ void Cursor::standOn(std::span<Value const> row) {
     std::copy(row.begin(), row.end(), current().begin());
 }
 
+// Another process may delete the row at the same moment, and a third one add it again.
 void Cursor::remove() {
+    constexpr int attempts = 20;
     auto const key = keyOf(current());
-    Cells nothing;
-    if (run(table_->statement(Operation::remove, {}), key, nothing) == 0) requireGone(key);
-    next();
-}
-
-// Another process may have deleted the row just before. A row that is still there would otherwise
-// be met again and again by a loop that deletes all rows.
-void Cursor::requireGone(std::span<Value const> key) {
-    Cells found;
-    if (run(table_->statement(Operation::isThere, {}), key, found) == 0) return;
-    std::string text;
-    bool hasNull = false;
-    for (std::size_t i = 0; i < key.size(); ++i) {
-        hasNull = hasNull || key[i].IsNull();
-        text += (i ? ", " : "") + column(description().key[i]).name + "=" + asText(key[i]);
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        Cells nothing;
+        if (run(table_->statement(Operation::remove, {}), key, nothing, key) > 0 || isGone(key)) return next();
     }
-    throw TRkDatabaseException("cannot delete the row " + text + " of table " + description().quotedName + ": " +
+    // A loop that deletes all rows would meet it again and again.
+    bool const hasNull = std::any_of(key.begin(), key.end(), [](Value const& value) { return value.IsNull(); });
+    throw TRkDatabaseException("cannot delete the row " + textOf(key) + " of table " + description().quotedName + ": " +
                                    (hasNull ? "its key holds NULL" : "the database keeps it, as a trigger may do"),
         sqlstate::rowNotDeleted);
+}
+
+bool Cursor::isGone(std::span<Value const> key) {
+    Cells found;
+    return run(table_->statement(Operation::isThere, {}), key, found) == 0;
 }
 
 bool Cursor::changeInPlace(Operation operation, std::string_view name) {
     auto const key = keyOf(current());
     Cells changed;
-    if (run(table_->statement(operation, {table_->column(name)}), key, changed) == 0) return false;
+    if (run(table_->statement(operation, {table_->column(name)}), key, changed, key) == 0) return false;
     standOn(changed.row(0, description().columns.size()));
     return true;
 }
@@ -309,7 +326,7 @@ bool Cursor::lockRow() {
     if (session_.dialect().lockRows().empty()) return true;
     auto const key = keyOf(current());
     Cells found;
-    if (run(table_->statement(Operation::lockRow, {}), key, found) == 0) return false;
+    if (run(table_->statement(Operation::lockRow, {}), key, found, key) == 0) return false;
     standOn(found.row(0, description().columns.size()));
     return true;
 }

@@ -68,6 +68,8 @@ private:
     std::size_t run(
         std::string const& sql, std::vector<ColumnType> const& types, std::span<Value const> values, Cells& cells);
     std::size_t run(Statement& statement, std::span<Value const> values, Cells& cells);
+    std::size_t run(Statement& statement, std::span<Value const> values, Cells& cells, std::span<Value const> key);
+    std::string textOf(std::span<Value const> key) const;
     void goTo(Place place) noexcept;
     void fetch();
     std::size_t fetchInto(Cells& cells, std::size_t limit);
@@ -77,7 +79,7 @@ private:
     std::vector<std::size_t> changedColumns() const;
     void insertDraft();
     void updateDraft();
-    void requireGone(std::span<Value const> key);
+    bool isGone(std::span<Value const> key);
     bool changeInPlace(Operation operation, std::string_view name);
     std::size_t runLookUp(std::string_view keys, std::span<Value const> values, Match match);
     Match matchFor(std::span<Value const> values, Rktable::LocateOptions options) const;

@@ -1,7 +1,11 @@
 #include "host/database/DatabaseUrl.h"
 
+#include <libpq-fe.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
 #include <string_view>
-#include <vector>
 
 namespace cubes::database {
 
@@ -9,45 +13,90 @@ namespace {
 
 constexpr std::string_view sqliteScheme = "sqlite:";
 
-struct Span {
-    std::size_t start;
-    std::size_t length;
+struct FreeOptions {
+    void operator()(PQconninfoOption* options) const noexcept { PQconninfoFree(options); }
 };
+using Options = std::unique_ptr<PQconninfoOption, FreeOptions>;
 
-std::size_t schemeEnd(std::string const& url) {
-    std::size_t const end = url.find("://");
-    return end == std::string::npos ? std::string::npos : end + 3;
+// What libpq reads in a text, in all its spellings; null when it reads nothing.
+Options optionsIn(std::string const& url) {
+    return Options(PQconninfoParse(url.c_str(), nullptr));
 }
 
-// ":password" before the last "@" that stands in front of the parameters. A password with a "/"
-// or "@" in it should have been written with "%", but must not show all the same.
-void addUserPassword(std::string const& url, std::vector<Span>& spans) {
-    std::size_t const start = schemeEnd(url);
-    if (start == std::string::npos) return;
-    std::size_t const end = url.rfind('@', url.find('?'));
-    if (end == std::string::npos || end < start) return;
-    std::size_t const colon = url.find(':', start);
-    if (colon < end) spans.push_back({colon, end - colon});
+template <typename Visit>
+void forEachGiven(Options const& options, Visit const& visit) {
+    for (auto const* option = options.get(); option->keyword; ++option)
+        if (option->val) visit(*option);
 }
 
-// "password=..." and "sslpassword=..." among the parameters, with the separator behind it.
-void addParameters(std::string const& url, std::vector<Span>& spans) {
-    for (std::size_t at = url.find('?'); at != std::string::npos && at + 1 < url.size();) {
-        std::size_t const end = url.find('&', at + 1);
-        std::size_t const stop = end == std::string::npos ? url.size() : end + 1;
-        std::string_view const parameter = std::string_view(url).substr(at + 1, stop - at - 1);
-        if (parameter.starts_with("password=") || parameter.starts_with("sslpassword="))
-            spans.push_back({at + 1, stop - at - 1});
-        at = end;
+// libpq marks what is not to be shown.
+bool isSecret(PQconninfoOption const& option) {
+    return option.dispchar[0] == '*';
+}
+
+// A password with a "/" or "@" in it, that should have been written with "%": libpq takes a part of it for the host or
+// for the database.
+bool hasBarePassword(std::string const& url) {
+    auto rest = std::string_view(url).substr(url.find("://") + 3);
+    auto const end = rest.find_first_of("@/");
+    if (end != std::string_view::npos && rest[end] == '@') rest.remove_prefix(end + 1);
+    return rest.substr(0, rest.find('?')).find('@') != std::string_view::npos;
+}
+
+// "postgresql://user:password" without a host names a port that is a password.
+bool hasPorts(Options const& options) {
+    bool areNumbers = true;
+    forEachGiven(options, [&](PQconninfoOption const& option) {
+        if (std::string_view(option.keyword) == "port")
+            areNumbers = std::string_view(option.val).find_first_not_of("0123456789,") == std::string_view::npos;
+    });
+    return areNumbers;
+}
+
+std::string escaped(std::string_view text) {
+    constexpr std::string_view plain = "-._~";
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string result;
+    for (char const c : text) {
+        auto const byte = static_cast<unsigned char>(c);
+        bool const isLetterOrDigit = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+        if (isLetterOrDigit || plain.find(c) != std::string_view::npos)
+            result += c;
+        else
+            result.append({'%', digits[byte / 16], digits[byte % 16]});
     }
+    return result;
 }
 
-std::vector<Span> passwords(std::string const& url) {
-    std::vector<Span> spans;
-    if (isSqliteUrl(url)) return spans;
-    addUserPassword(url, spans);
-    addParameters(url, spans);
-    return spans;
+// The values by their keywords; one that is asked for is taken out.
+using Values = std::map<std::string, std::string>;
+
+std::string taken(Values& values, char const* keyword) {
+    auto const node = values.extract(keyword);
+    return node.empty() ? std::string() : escaped(node.mapped());
+}
+
+// Several hosts, sockets and IPv6 addresses are written as parameters.
+std::string server(Values& values) {
+    auto const host = values.find("host");
+    bool const isName = host != values.end() && host->second.find_first_of(",/:") == std::string::npos;
+    if (!isName) return {};
+    auto const name = taken(values, "host");
+    auto const port = taken(values, "port");
+    return name + (port.empty() ? "" : ":" + port);
+}
+
+std::string urlOf(Values values) {
+    auto user = taken(values, "user");
+    if (!user.empty()) user += '@';
+    auto const place = server(values);
+    std::string url = "postgresql://" + user + place + "/" + taken(values, "dbname");
+    char separator = '?';
+    for (auto const& [keyword, value] : values) {
+        url += separator + keyword + "=" + escaped(value);
+        separator = '&';
+    }
+    return url;
 }
 
 }
@@ -68,18 +117,23 @@ std::string sqliteUrl(std::string const& path) {
     return std::string(sqliteScheme) + path;
 }
 
-bool isAmbiguous(std::string const& url) {
-    std::vector<Span> spans;
-    addUserPassword(url, spans);
-    return !spans.empty() && url.substr(spans[0].start, spans[0].length).find_first_of("/@") != std::string::npos;
+bool isReadable(std::string const& url) {
+    auto const options = optionsIn(url);
+    return options && hasPorts(options) && !hasBarePassword(url);
 }
 
 std::string withoutPassword(std::string const& url) {
-    std::string text = url;
-    auto const spans = passwords(url);
-    for (auto span = spans.rbegin(); span != spans.rend(); ++span) text.erase(span->start, span->length);
-    while (!spans.empty() && !text.empty() && (text.back() == '&' || text.back() == '?')) text.pop_back();
-    return text;
+    if (isSqliteUrl(url)) return url;
+    if (!isPostgresUrl(url) || !isReadable(url)) return {};
+    Values shown;
+    bool hasSecret = false;
+    forEachGiven(optionsIn(url), [&](PQconninfoOption const& option) {
+        if (isSecret(option))
+            hasSecret = true;
+        else
+            shown.emplace(option.keyword, option.val);
+    });
+    return hasSecret ? urlOf(std::move(shown)) : url;
 }
 
 }

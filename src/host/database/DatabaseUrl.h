@@ -11,10 +11,11 @@ bool isPostgresUrl(std::string const& url);
 std::string sqlitePath(std::string const& url);
 std::string sqliteUrl(std::string const& path);
 
-/// The URL fit to be shown and stored: without passwords, in the user part and among the
-/// parameters. Errs on the side of removing too much.
+/// Whether libpq can read a PostgreSQL URL, and its password is not taken for a host or a port. REQUIRES:
+/// isPostgresUrl(url).
+bool isReadable(std::string const& url);
+/// The URL fit to be shown and stored: without the passwords that libpq reads in it, in any spelling. Empty for a text
+/// that is not readable: nobody knows where its password is.
 std::string withoutPassword(std::string const& url);
-/// Whether the user part holds characters that make it unclear where the password ends.
-bool isAmbiguous(std::string const& url);
 
 }

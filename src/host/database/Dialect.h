@@ -28,7 +28,9 @@ public:
     /// Serves look-ups in a text column that ignore letter case.
     virtual std::string caseIgnoringIndex(
         std::string const& table, std::string const& column, std::string const& key) const = 0;
-    /// Begins a transaction that writes. It waits at most 10 s for others.
+    /// The query for the schemas that have a table of that name.
+    virtual std::string schemasWith(std::string const& table) const = 0;
+    /// Begins a transaction that writes.
     virtual std::string beginWriting() const = 0;
     /// Inside a transaction: keeps others from defining tables. Empty: the transaction does.
     virtual std::string lockDefinitions() const = 0;

@@ -25,8 +25,8 @@ Session::Session(std::string url) : url_(std::move(url)), number_(nextNumber()),
 std::unique_ptr<Session> Session::open(std::string const& url) {
     if (isSqliteUrl(url)) return std::make_unique<sqlite::Session>(url);
     if (isPostgresUrl(url)) return std::make_unique<postgres::Session>(url);
-    throw TRkDatabaseException(
-        "the database URL '" + withoutPassword(url) + "' is neither \"sqlite:PATH\" nor \"postgresql://...\"");
+    throw TRkDatabaseException("the database URL is neither \"sqlite:PATH\" nor \"postgresql://...\"; it is not shown "
+                               "because it may hold a password");
 }
 
 // If the lock is taken, it is held by a thread that exists in the parent only, or by a transaction.

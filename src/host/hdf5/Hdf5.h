@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/platform/File.h"
+#include "host/hdf5/ReaderProtocol.h"
 
 #include <hdf5.h>
 
@@ -13,7 +13,8 @@
 #include <string_view>
 #include <utility>
 
-/// Owners and helpers for HDF5's C interface, shared by the library and the provider.
+/// Owners and helpers for HDF5's C interface, shared by the library, the provider and cubes-reader. The first two only
+/// write with it; see GuardedFile for reading.
 namespace cubes::hdf5 {
 
 /// Every use of HDF5 is made within a Session, by one thread of the module (the library, the provider) at a time;
@@ -68,14 +69,10 @@ Status check(Status status, std::string_view action) {
     return status;
 }
 
-/// Deflate compresses to about a thousandth at best: a file that claims more is damaged.
-inline constexpr std::size_t mostInflation = 1040;
-
-/// Opens a file for reading through `file`: on every system it can be replaced and removed meanwhile, errors have the
-/// system's messages, and closing it closes everything opened in it.
-Handle openFile(platform::File file);
-/// Owns the file that H5Fopen returned. Throws std::runtime_error when it failed: "it is not an HDF5 file".
-Handle openedFile(hid_t id);
+/// Registers a driver of ours once for the process, and again if the application has closed HDF5 since. `known` keeps
+/// its identifier. HDF5 still uses a driver when it closes the last file of it: one that is unregistered would be freed
+/// by then. Throws Error. REQUIRES: within a Session.
+hid_t registeredDriver(H5FD_class_t const& description, hid_t& known);
 /// Access without HDF5's own locks: files are replaced atomically.
 Handle fileAccess();
 
@@ -84,15 +81,7 @@ Handle untimedProperties(hid_t classOfProperties);
 Handle createGroup(hid_t parent, std::string const& name);
 /// Writes bytes as a dataset without chunks and returns their place in the file.
 std::uint64_t writeBytes(hid_t parent, char const* name, std::span<std::byte const> bytes);
-/// The size of the file that an object lies in.
-std::uint64_t fileSize(hid_t object);
-bool hasLink(hid_t parent, std::string const& name);
-/// Whether a name in a group stands for an object of its own: soft, external and user-defined links are never followed.
-bool isOwnLink(hid_t parent, std::string const& name);
-/// Whether the elements of a dataset are stored in its own file: external and virtual storage is never read.
-bool isOwnStorage(hid_t dataset);
-/// These throw std::runtime_error for a link that is not the object's own, and for storage in another place.
-Handle openGroup(hid_t parent, std::string const& name);
-Handle openDataset(hid_t parent, std::string const& name);
+/// The type of numbers in memory, and in files of ours.
+hid_t hdfType(NumberType type);
 
 }

@@ -158,12 +158,11 @@ std::optional<FoundRecord> findRecord(platform::File const& file) {
     return findRecord(beginning);
 }
 
-bool hasRecordAt(hid_t file, std::uint64_t offset) {
-    if (!hasLink(file, IndexRecord::dataset) || !isOwnLink(file, IndexRecord::dataset)) return false;
-    hid_t const dataset = H5Dopen2(file, IndexRecord::dataset, H5P_DEFAULT);
-    if (dataset < 0) return false;
-    Handle const owner(dataset, H5Dclose, "open the index record");
-    return H5Dget_offset(dataset) == offset;
+bool hasRecordAt(GuardedFile const& file, std::uint64_t offset) {
+    auto const isRecord = [](Link const& link) {
+        return link.name == IndexRecord::dataset && link.kind == LinkKind::dataset;
+    };
+    return std::ranges::any_of(file.links(""), isRecord) && file.dataset(IndexRecord::dataset).offset == offset;
 }
 
 bool restamp(platform::File& file, FileStamp const& stamp) {
@@ -240,10 +239,10 @@ void writeProvenance(hid_t object, Provenance const& provenance) {
         if (!(provenance.*text).empty()) writeText(object, attribute, provenance.*text);
 }
 
-Provenance readProvenance(hid_t object) {
+Provenance readProvenance(GuardedFile const& file) {
     Provenance provenance;
-    provenance.inputs = inputsOf(readText(object, inputsAttribute));
-    for (auto const& [attribute, text] : provenanceTexts) provenance.*text = readText(object, attribute);
+    provenance.inputs = inputsOf(readText(file, "", inputsAttribute));
+    for (auto const& [attribute, text] : provenanceTexts) provenance.*text = readText(file, "", attribute);
     return provenance;
 }
 
@@ -257,23 +256,6 @@ void writeText(hid_t object, char const* name, std::string const& text, Encoding
     Handle const attribute(
         H5Acreate2(object, name, type.get(), space.get(), H5P_DEFAULT, H5P_DEFAULT), H5Aclose, action);
     check(H5Awrite(attribute.get(), type.get(), text.c_str()), action);
-}
-
-std::optional<std::string> findText(hid_t object, char const* name) {
-    if (H5Aexists(object, name) <= 0) return std::nullopt;
-    Handle const attribute(H5Aopen(object, name, H5P_DEFAULT), H5Aclose, "open an attribute");
-    Handle const type(H5Aget_type(attribute.get()), H5Tclose, "open an attribute");
-    Handle const space(H5Aget_space(attribute.get()), H5Sclose, "open an attribute");
-    bool const isText = H5Tget_class(type.get()) == H5T_STRING && H5Tis_variable_str(type.get()) == 0;
-    std::size_t const size = H5Tget_size(type.get());
-    if (!isText || H5Sget_simple_extent_npoints(space.get()) != 1 || size > fileSize(object)) return std::nullopt;
-    std::string text(size, '\0');
-    if (H5Aread(attribute.get(), type.get(), text.data()) < 0) return std::nullopt;
-    return text.substr(0, text.find('\0'));
-}
-
-std::string readText(hid_t object, char const* name) {
-    return findText(object, name).value_or("");
 }
 
 }

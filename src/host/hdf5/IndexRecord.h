@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/hdf5/GuardedFile.h"
 #include "host/hdf5/Hdf5.h"
 #include "host/platform/File.h"
 
@@ -100,8 +101,7 @@ std::optional<FoundRecord> findRecord(std::span<std::byte const> file);
 std::optional<FoundRecord> findRecord(platform::File const& file);
 
 /// Whether the record found at that place is still the file's: deleting its dataset leaves the bytes where they are.
-/// REQUIRES: within a Session.
-bool hasRecordAt(hid_t file, std::uint64_t offset);
+bool hasRecordAt(GuardedFile const& file, std::uint64_t offset);
 
 /// Rewrites the stamp of a file that has a record; returns whether it has one. Throws std::system_error.
 bool restamp(platform::File& file, FileStamp const& stamp);
@@ -141,17 +141,12 @@ struct Provenance {
 /// Writes the attributes of an object, usually "/"; empty texts make no attribute. Throws Error.
 /// REQUIRES: within a Session.
 void writeProvenance(hid_t object, Provenance const& provenance);
-/// Reads them; a missing attribute or one of another type is empty. Throws Error. REQUIRES: within a Session.
-Provenance readProvenance(hid_t object);
+/// Reads those of the root; a missing attribute or one of another type is empty. Throws std::runtime_error.
+Provenance readProvenance(GuardedFile const& file);
 
 enum class Encoding { ascii, utf8 };
 
 /// Writes an attribute with a text of fixed length. Throws Error. REQUIRES: within a Session.
 void writeText(hid_t object, char const* name, std::string const& text, Encoding encoding = Encoding::utf8);
-/// Reads a text of fixed length. Nothing when there is none, and when it claims more than the whole file. Throws Error.
-/// REQUIRES: within a Session.
-std::optional<std::string> findText(hid_t object, char const* name);
-/// The same; empty for nothing.
-std::string readText(hid_t object, char const* name);
 
 }

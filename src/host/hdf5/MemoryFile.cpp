@@ -76,17 +76,9 @@ Handle createIn(Bytes& bytes) {
         H5Fcreate(memoryName, H5F_ACC_TRUNC, properties.get(), access.get()), H5Fclose, "create a file in memory");
 }
 
-Handle openIn(Bytes& bytes, Bytes existing) {
-    Handle const access = accessTo(bytes);
-    check(H5Pset_file_image(access.get(), existing.data(), existing.size()), "read the file into memory");
-    return openedFile(H5Fopen(memoryName, H5F_ACC_RDWR, access.get()));
-}
-
 }
 
 MemoryFile::MemoryFile() : file_(createIn(bytes_)) {}
-
-MemoryFile::MemoryFile(Bytes existing) : file_(openIn(bytes_, std::move(existing))) {}
 
 std::vector<std::byte> MemoryFile::finish() {
     check(H5Fflush(file_.get(), H5F_SCOPE_GLOBAL), "complete the file in memory");

@@ -7,14 +7,11 @@
 
 namespace cubes::hdf5 {
 
-/// An HDF5 file that is created or changed in memory, so that HDF5 never writes to a full disk: its bytes are written
+/// A new HDF5 file in memory, so that HDF5 never writes to a full disk: its bytes are written
 /// afterwards as a whole. REQUIRES: within a Session, and one object at a time.
 class MemoryFile {
 public:
-    /// A new file.
     MemoryFile();
-    /// With the bytes of an existing file. Throws Error when they are no HDF5 file.
-    explicit MemoryFile(std::vector<std::byte> existing);
     MemoryFile(MemoryFile const&) = delete;
     MemoryFile& operator=(MemoryFile const&) = delete;
 

@@ -1,6 +1,7 @@
 #include "host/matrix/Body.h"
 
 #include "host/matrix/Failure.h"
+#include "host/platform/Files.h"
 
 #include <algorithm>
 #include <cstring>
@@ -25,36 +26,59 @@ void MemoryBody::assign(TRkMatrixHeader const& header, float const* elements) {
 }
 
 FileBody::FileBody(std::string file, OpenedFile opened)
-    : Body(std::move(file)), rows_(opened.header.rows), columns_(opened.header.columns),
-      elements_(std::move(opened.elements)) {}
+    : Body(std::move(file)), rows_(opened.header.rows), columns_(opened.header.columns), opened_(std::move(opened)) {}
 
 FileBody::FileBody(std::string file, int rows, int columns) : Body(std::move(file)), rows_(rows), columns_(columns) {}
 
-Elements& FileBody::opened() {
-    if (elements_) return *elements_;
+OpenedFile& FileBody::opened() {
+    if (opened_) return *opened_;
     OpenedFile again = openMatrixFile(file());
     if (again.header.rows != rows_ || again.header.columns != columns_)
         throw TRkMatrixException(
             "cannot open matrix file " + file() + " again: it has been replaced by one of other dimensions", file());
-    elements_ = std::move(again.elements);
-    return *elements_;
+    opened_ = std::move(again);
+    return *opened_;
 }
 
 float* FileBody::row(int row) {
-    return describingFailure("cannot read matrix file", file(), [&] { return opened().row(row); });
+    return describingFailure("cannot read matrix file", file(), [&] { return opened().elements->row(row); });
+}
+
+float* FileBody::writableRow(int row) {
+    isWritable_ = true;
+    return this->row(row);
 }
 
 float* FileBody::all() {
-    return describingFailure("cannot read matrix file", file(), [&] { return opened().all(); });
+    return describingFailure("cannot read matrix file", file(), [&] { return opened().elements->all(); });
+}
+
+float* FileBody::writableAll() {
+    isWritable_ = true;
+    return all();
 }
 
 bool FileBody::release() {
-    elements_.reset();
+    opened_.reset();
+    isWritable_ = false;
     return true;
 }
 
 void FileBody::assign(TRkMatrixHeader const& header, float const* elements) {
-    copyElements(header, elements, all());
+    copyElements(header, elements, writableAll());
+}
+
+// What the caller has written is not damage: then the file itself is verified, as long as it is there.
+bool FileBody::isIntact() {
+    bool const isReadAlone = opened().recorded.has_value();
+    if (isReadAlone && agreesWithRecord()) return true;
+    if (isReadAlone && !isWritable_) return false;
+    return !platform::exists(file()) || isIntactFile(file());
+}
+
+bool FileBody::agreesWithRecord() {
+    auto const& [header, elements, recorded] = opened();
+    return !recorded->isKnown() || recorded->agreesWith(header, all());
 }
 
 NewFileBody::NewFileBody(std::string file, int rows, int columns)
@@ -73,8 +97,9 @@ float* NewFileBody::row(int row) {
 }
 
 float* NewFileBody::writableRow(int row) {
+    if (published_ && !memory_) return published_->writableRow(row);
     if (!published_) filled_ = true;
-    return this->row(row);
+    return memory().row(row);
 }
 
 float* NewFileBody::all() {
@@ -82,8 +107,9 @@ float* NewFileBody::all() {
 }
 
 float* NewFileBody::writableAll() {
+    if (published_ && !memory_) return published_->writableAll();
     if (!published_) filled_ = true;
-    return all();
+    return memory().all();
 }
 
 void NewFileBody::assign(TRkMatrixHeader const& header, float const* elements) {
@@ -112,6 +138,10 @@ bool NewFileBody::release() {
 
 void NewFileBody::finish(TRkMatrixHeader const& header) {
     if (filled_ && !published_) publish(header, memory().all());
+}
+
+bool NewFileBody::isIntact() {
+    return !published_ || memory_ || published_->isIntact();
 }
 
 }

@@ -31,6 +31,8 @@ public:
     virtual bool release() { return false; }
     /// Writes pending elements to the file.
     virtual void finish(TRkMatrixHeader const&) {}
+    /// See TRkMatrix::IsIntact.
+    virtual bool isIntact() { return true; }
 
 protected:
     std::string const& file() const noexcept { return file_; }
@@ -57,16 +59,22 @@ public:
     /// For a file that is opened when elements are first requested.
     FileBody(std::string file, int rows, int columns);
     float* row(int row) override;
+    float* writableRow(int row) override;
     float* all() override;
+    float* writableAll() override;
     void assign(TRkMatrixHeader const& header, float const* elements) override;
     bool release() override;
+    bool isIntact() override;
 
 private:
-    Elements& opened();
+    OpenedFile& opened();
+    bool agreesWithRecord();
 
     int rows_;
     int columns_;
-    std::unique_ptr<Elements> elements_;
+    std::optional<OpenedFile> opened_;
+    // Whether the elements may have been changed in memory.
+    bool isWritable_ = false;
 };
 
 /// A matrix for a new file. Its elements are in memory while they are filled by rows; the file is written when all are
@@ -83,6 +91,7 @@ public:
     void assign(TRkMatrixHeader const& header, float const* elements) override;
     bool release() override;
     void finish(TRkMatrixHeader const& header) override;
+    bool isIntact() override;
 
 private:
     MemoryElements& memory();

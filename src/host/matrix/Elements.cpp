@@ -2,6 +2,8 @@
 
 #include "host/matrix/Failure.h"
 
+#include <cubes/matrix/MatrixLimits.h>
+
 #include <stdexcept>
 #include <utility>
 
@@ -11,6 +13,7 @@ namespace {
 
 float* allocate(int rows, int columns) {
     auto const count = elementCount(static_cast<std::uint64_t>(rows), static_cast<std::uint64_t>(columns));
+    requireMatrixFits(static_cast<std::uint64_t>(rows), static_cast<std::uint64_t>(columns));
     auto* const elements = static_cast<float*>(std::calloc(count, sizeof(float)));
     if (!elements) throw std::bad_alloc();
     return elements;
@@ -52,6 +55,17 @@ std::unique_ptr<Elements> elementsOf(platform::FileView view, FileIndex const& i
     return std::make_unique<BandedElements>(std::make_unique<IndexedBands>(std::move(view), index));
 }
 
+std::optional<RecordedContent> recordedIn(FileIndex const& index) {
+    return index.content ? std::optional(RecordedContent{.id = *index.content}) : std::nullopt;
+}
+
+OpenedFile openThroughHdf5(std::string const& path) {
+    auto table = std::make_unique<OmxTable>(OmxReader(path).onlyTable());
+    FileHeader header = table->header();
+    auto const recorded = table->recorded();
+    return {std::move(header), std::make_unique<BandedElements>(std::move(table)), recorded};
+}
+
 }
 
 MemoryElements::MemoryElements(int rows, int columns)
@@ -90,12 +104,19 @@ OpenedFile openMatrixFile(std::string const& path) {
         auto view = platform::FileView::open(path);
         if (view.bytes().empty()) throw std::runtime_error("it is empty");
         if (auto index = findIndex(view.bytes())) {
+            auto const recorded = recordedIn(*index);
             auto elements = elementsOf(std::move(view), *index);
-            return {std::move(index->header), std::move(elements)};
+            return {std::move(index->header), std::move(elements), recorded};
         }
-        auto table = std::make_unique<OmxTable>(OmxReader(path).onlyTable());
-        FileHeader header = table->header();
-        return {std::move(header), std::make_unique<BandedElements>(std::move(table))};
+        return openThroughHdf5(path);
+    });
+}
+
+bool isIntactFile(std::string const& path) {
+    return describingFailure("cannot read matrix file", path, [&] {
+        OpenedFile opened = openMatrixFile(path);
+        if (!opened.recorded) opened = openThroughHdf5(path);
+        return !opened.recorded->isKnown() || opened.recorded->agreesWith(opened.header, opened.elements->all());
     });
 }
 

@@ -73,9 +73,14 @@ private:
 struct OpenedFile {
     FileHeader header;
     std::unique_ptr<Elements> elements;
+    /// Nothing when HDF5 has to read it, as in plain files of the first version.
+    std::optional<RecordedContent> recorded = RecordedContent{};
 };
 
 /// Opens a matrix file of any kind. Throws TRkMatrixException with the file and the reason.
 OpenedFile openMatrixFile(std::string const& path);
+
+/// Whether the matrix in a file agrees with the content that the file records. Throws TRkMatrixException.
+bool isIntactFile(std::string const& path);
 
 }

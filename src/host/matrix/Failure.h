@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/hdf5/GuardedFile.h"
 #include "host/platform/TemporaryFile.h"
 
 #include <cubes/matrix/TRkMatrixException.h>
@@ -35,6 +36,8 @@ auto describingFailure(std::string_view action, std::string const& file, Work co
         return work();
     } catch (TRkMatrixException const&) {
         throw;
+    } catch (hdf5::NoReader const& error) {
+        throwFailure(action, file, error.what(), std::make_error_code(std::errc::resource_unavailable_try_again));
     } catch (std::bad_alloc const&) {
         throwFailure(action, file, "not enough memory");
     } catch (std::system_error const& error) {

@@ -36,10 +36,6 @@ struct Details {
 };
 static_assert(sizeof(Details) == IndexRecord::detailBytes);
 
-bool isWithin(Extent const& extent, std::uint64_t size) {
-    return extent.offset <= size && extent.size <= size - extent.offset;
-}
-
 template <typename Value>
 std::vector<Value> readAt(std::span<std::byte const> file, std::uint64_t offset, std::size_t count) {
     std::vector<Value> values(count);
@@ -117,7 +113,7 @@ std::optional<FileIndex> indexOf(hdf5::FoundRecord const& found, std::span<std::
     std::memcpy(&details, record.details.data(), sizeof details);
     bool const isOurs = record.holds == IndexRecord::Holds::matrix && record.fileSize == file.size();
     if (!isOurs || !placesHold(details, file.size())) return std::nullopt;
-    FileIndex index{headerOf(details, file), placesOf(details, file)};
+    FileIndex index{headerOf(details, file), placesOf(details, file), record.content};
     if (!chunksHold(index.places.chunks, file.size())) return std::nullopt;
     if (hdf5::structureChecksum(file, found.offset, dataOf(index)) != record.structure) return std::nullopt;
     return index;
@@ -137,7 +133,8 @@ StorageCode storageCodeOf(FileIndex const& index) {
 }
 
 Details detailsOf(FileIndex const& index) {
-    auto const& [header, places] = index;
+    FileHeader const& header = index.header;
+    FilePlaces const& places = index.places;
     Details details{};
     details.rows = header.rows;
     details.columns = header.columns;
@@ -153,6 +150,11 @@ Details detailsOf(FileIndex const& index) {
     details.nameLength = static_cast<std::uint32_t>(std::min(header.name.size(), details.name.size()));
     std::copy_n(header.name.begin(), details.nameLength, details.name.begin());
     return details;
+}
+
+std::span<std::byte const> bytesOf(FileHeader const& header, float const* elements) {
+    return std::as_bytes(std::span(
+        elements, elementCount(static_cast<std::uint64_t>(header.rows), static_cast<std::uint64_t>(header.columns))));
 }
 
 // The record of the first version, which only plain files have: all structure precedes the elements.
@@ -209,6 +211,10 @@ std::optional<FileIndex> findFirstIndex(std::span<std::byte const> file) {
 
 }
 
+bool isWithin(Extent const& extent, std::uint64_t size) {
+    return extent.offset <= size && extent.size <= size - extent.offset;
+}
+
 std::size_t elementCount(std::uint64_t rows, std::uint64_t columns) {
     constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<int>::max());
     constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max()) / sizeof(float);
@@ -231,9 +237,20 @@ hdf5::Id128 MatrixHash::finish() {
 
 hdf5::Id128 contentId(FileHeader const& header, float const* elements) {
     MatrixHash hash(header);
-    hash.add(std::as_bytes(std::span(
-        elements, elementCount(static_cast<std::uint64_t>(header.rows), static_cast<std::uint64_t>(header.columns)))));
+    hash.add(bytesOf(header, elements));
     return hash.finish();
+}
+
+bool RecordedContent::agreesWith(FileHeader const& header, float const* elements) const {
+    if (id.isKnown() && hasZones) return contentId(header, elements) == id;
+    if (id.isKnown()) return contentId({.rows = header.rows, .columns = header.columns}, elements) == id;
+    auto const bytes = bytesOf(header, elements);
+    return !checksum || XXH3_64bits(bytes.data(), bytes.size()) == *checksum;
+}
+
+std::string reasonOfDamage(std::string const& subject) {
+    return subject + " was changed outside Cubes or damaged: its content does not match its checksum; restore it, or "
+                     "accept the change with cubes import --ignore-checksum";
 }
 
 IndexRecord indexRecord(

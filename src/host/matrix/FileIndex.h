@@ -27,6 +27,9 @@ struct FileHeader {
     bool selectedLink = false;
 };
 
+/// Whether a run of bytes lies in a file of that size.
+bool isWithin(hdf5::Extent const& extent, std::uint64_t size);
+
 /// Throws std::length_error when a dimension is below 1 or the elements exceed the address space.
 std::size_t elementCount(std::uint64_t rows, std::uint64_t columns);
 
@@ -47,6 +50,23 @@ private:
 
 hdf5::Id128 contentId(FileHeader const& header, float const* elements);
 
+/// What a file records about its content, by which damage is detected. Nothing in a file of another program.
+struct RecordedContent {
+    /// Unknown in files of the first version.
+    hdf5::Id128 id = {};
+    /// XXH3 (64 bits) of the elements, in files of the first version.
+    std::optional<std::uint64_t> checksum = {};
+    /// Whether the id covers the zone numbers of the header.
+    bool hasZones = true;
+
+    bool isKnown() const noexcept { return id.isKnown() || checksum; }
+    /// Whether a matrix is the recorded one; true when nothing is recorded.
+    bool agreesWith(FileHeader const& header, float const* elements) const;
+};
+
+/// Why a matrix that differs from its recorded content is refused, and what to do. `subject`: the file, or its table.
+std::string reasonOfDamage(std::string const& subject);
+
 enum class Filters { none, deflate, shuffleAndDeflate };
 
 /// How the elements of a table are divided: into chunks of whole rows.
@@ -55,21 +75,14 @@ struct ChunkLayout {
     Filters filters = Filters::none;
 };
 
-/// The place of the stored bytes of a band, as recorded in the file's table of chunks; all 0 for a band of zeros, which
-/// is not stored.
-struct ChunkPlace {
-    std::uint64_t offset = 0;
-    std::uint64_t size = 0;
-    /// A bit for each filter that was skipped.
-    std::uint64_t skipped = 0;
-};
+using hdf5::ChunkPlace;
 
 /// The places of the elements and zone numbers in a matrix file of the library.
 struct FilePlaces {
     ChunkLayout layout;
     /// Unfiltered elements: one run of bytes, which may be longer than the elements.
     hdf5::Extent elements;
-    /// Filtered elements: the table of chunks, and its content, one per band.
+    /// Filtered elements: the table of chunks, and its content, one per band. A band of zeros is not stored.
     std::uint64_t chunkTable = 0;
     std::vector<ChunkPlace> chunks;
     /// 0 when there are none.
@@ -82,6 +95,8 @@ struct FilePlaces {
 struct FileIndex {
     FileHeader header;
     FilePlaces places;
+    /// Nothing in files of the first version, where HDF5 has to read it.
+    std::optional<hdf5::Id128> content = {};
 };
 
 /// Completes a record for a finished file, given as a whole. A file that the record cannot describe, because of a long

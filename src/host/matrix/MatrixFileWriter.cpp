@@ -150,7 +150,7 @@ std::vector<ChunkPlace> chunksOf(OmxWriter const& writer, Bands const& bands) {
 void writeDeflate(platform::File& file, MatrixContent const& content) {
     Bands const bands = deflateBands(content.header);
     ChunkLayout const layout{bands.bandRows, chooseFilters(bands, content.elements)};
-    OmxWriter writer(file.path(), content, layout);
+    OmxWriter writer(file, content, layout);
     writeBands(writer, bands, content.elements, layout.filters);
     auto chunks = chunksOf(writer, bands);
     std::uint64_t const chunkTable = writer.writeChunkTable(chunks);
@@ -171,7 +171,7 @@ void writePlainInChunks(platform::File& file, MatrixContent const& content, std:
     FileHeader const& header = content.header;
     Bands const bands{header.rows, header.columns, plainChunkRows(header, limit)};
     ChunkLayout const layout{bands.bandRows, Filters::none};
-    OmxWriter writer(file.path(), content, layout);
+    OmxWriter writer(file, content, layout);
     auto const runs = runsOf(writer, content, bands);
     auto const id = writeRuns(file, header, runs);
     writer.finish(id);

@@ -20,6 +20,14 @@ auto reading(std::string const& path, Work const& work) {
     return describingFailure("cannot read OMX file", path, work);
 }
 
+TRkMatrix matrixIn(OmxTable const& table) {
+    TRkMatrix result = TRkMatrix::inMemory(table.header().rows, table.header().columns);
+    table.readAll(result.RowAt(0, 0));
+    result.MatrixKind(table.header().kind.value_or(mkDefault));
+    result.SetZones(table.header().zones);
+    return result;
+}
+
 void requireTableName(std::string const& name) {
     if (name.empty() || name == "." || name.find('/') != std::string::npos)
         throw std::runtime_error("\"" + name + "\" is not a valid name of a table");
@@ -47,12 +55,15 @@ std::vector<std::string> OmxFile::lookups() const {
 }
 
 TRkMatrix OmxFile::read(std::string const& table) const {
+    return reading(path_, [&] { return matrixIn(reader_->table(table)); });
+}
+
+TRkMatrix OmxFile::readVerified(std::string const& table) const {
     return reading(path_, [&] {
         OmxTable const source = reader_->table(table);
-        TRkMatrix result = TRkMatrix::inMemory(source.header().rows, source.header().columns);
-        source.readAll(result.RowAt(0, 0));
-        result.MatrixKind(source.header().kind.value_or(mkDefault));
-        result.SetZones(source.header().zones);
+        TRkMatrix result = matrixIn(source);
+        if (!source.recorded().agreesWith(source.header(), result.Elements().data()))
+            throw std::runtime_error(matrix::reasonOfDamage("table \"" + table + "\""));
         return result;
     });
 }
@@ -60,7 +71,8 @@ TRkMatrix OmxFile::read(std::string const& table) const {
 bool OmxFile::isIntact(std::string const& table) const {
     return reading(path_, [&] {
         OmxTable const source = reader_->table(table);
-        return source.isIntact().value_or(true);
+        auto const recorded = source.recorded();
+        return !recorded.isKnown() || recorded.agreesWith(source.header(), matrixIn(source).Elements().data());
     });
 }
 
@@ -68,6 +80,7 @@ void OmxFile::write(std::string const& path, std::string const& table, TRkMatrix
     constexpr char const* action = "cannot write OMX file";
     describingFailure(action, path, [&] {
         requireTableName(table);
+        if (!matrix.IsIntact()) throw std::runtime_error(matrix::reasonOfDamage(matrix.FileName()));
         matrix::replaceMatrixFile(path,
             {.header = matrix::fileHeader(matrix.Header()), .elements = matrix.Elements().data(), .table = table},
             action);

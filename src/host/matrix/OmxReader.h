@@ -1,10 +1,11 @@
 #pragma once
 
-#include "host/hdf5/Hdf5.h"
+#include "host/hdf5/GuardedFile.h"
 #include "host/matrix/BlockCodec.h"
 #include "host/matrix/FileIndex.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -53,12 +54,12 @@ protected:
 /// One table of an OMX file, of any layout and numeric type. Keeps the file open.
 class OmxTable : public BandSource {
 public:
-    OmxTable(hdf5::Handle file, hdf5::Handle dataset);
+    /// The tables of a file and its OmxReader share the process that reads it.
+    OmxTable(std::shared_ptr<hdf5::GuardedFile const> file, std::string const& name);
 
     FileHeader const& header() const noexcept { return header_; }
-    /// Whether elements and zone numbers agree with the content id recorded for them, or the elements with the
-    /// checksum; nothing when neither is recorded. The content id counts as long as the file has its index record.
-    std::optional<bool> isIntact() const;
+    /// The content id counts as long as the file has its index record.
+    RecordedContent recorded() const;
     /// Reads all. REQUIRES: all elements are 0.
     void readAll(float* all) const { readAllBut(std::nullopt, all); }
 
@@ -67,31 +68,30 @@ public:
     void readAllBut(std::optional<std::size_t> done, float* all) const override;
 
 private:
-    // What the file records about its content, with the zone numbers that belong to it.
-    struct RecordedIds {
-        hdf5::Id128 content;
-        std::optional<std::uint64_t> checksum;
-        FileHeader header;
-    };
+    // How elements are read: at their places in the file, or converted by the process that reads the file.
+    enum class Access { contiguous, chunks, converted };
 
+    void readHeader();
+    void requireElements() const;
     void readLayout();
-    RecordedIds recordedIds() const;
-    void inflate(BlockDecoder& decoder, std::size_t band, float* all) const;
+    void readChunks(Filters filters);
+    void decode(BlockDecoder& decoder, std::size_t band, float* all) const;
     void readRows(int first, int behind, float* all) const;
 
+    std::shared_ptr<hdf5::GuardedFile const> file_;
+    std::string path_;
+    hdf5::Dataset dataset_;
     FileHeader header_;
-    hdf5::Handle file_;
-    hdf5::Handle dataset_;
     int bandRows_ = 1;
+    Access access_ = Access::converted;
     Filters filters_ = Filters::none;
-    // Whether the chunks are whole rows of single-precision elements that the library can inflate itself.
-    bool ownCodec_ = false;
+    std::vector<ChunkPlace> chunks_;
 };
 
-/// An OMX file opened through HDF5.
+/// An OMX file of any program, read by another process.
 class OmxReader {
 public:
-    /// Throws hdf5::Error for a file that is damaged or not HDF5.
+    /// Throws std::runtime_error for a file that is damaged or not HDF5.
     explicit OmxReader(std::string const& path);
 
     /// The names of the two-dimensional datasets under /data, sorted.
@@ -102,12 +102,14 @@ public:
     OmxTable table(std::string const& name) const;
     /// The table "matrix", or the only one.
     OmxTable onlyTable() const;
+    /// Whether the file has the dataset of an index record, valid or not.
+    bool hasRecord() const { return file_->exists(hdf5::IndexRecord::dataset); }
     /// See hdf5::hasRecordAt.
-    bool hasRecordAt(std::uint64_t offset) const;
-    hdf5::Provenance provenance() const;
+    bool hasRecordAt(std::uint64_t offset) const { return hdf5::hasRecordAt(*file_, offset); }
+    hdf5::Provenance provenance() const { return hdf5::readProvenance(*file_); }
 
 private:
-    hdf5::Handle file_;
+    std::shared_ptr<hdf5::GuardedFile const> file_;
 };
 
 }

@@ -1,7 +1,6 @@
 #include "host/matrix/OmxWriter.h"
 
 #include "host/matrix/OmxReader.h"
-#include "host/platform/NarrowText.h"
 
 #include <algorithm>
 #include <array>
@@ -47,19 +46,16 @@ void markForPyTables(hid_t dataset, char const* kind, char const* version) {
     writeText(dataset, "TITLE", "");
 }
 
-Handle createFile(std::string const& path, Filters filters) {
-    Handle const access = hdf5::fileAccess();
+Handle accessFor(Filters filters) {
+    hdf5::Session const session;
+    Handle access = hdf5::fileAccess();
     // The format of HDF5 1.8: the oldest whose structure has checksums.
     check(H5Pset_libver_bounds(access.get(), H5F_LIBVER_V18, H5F_LIBVER_V18), "choose the format");
     // Filtered chunks follow each other, so that only structure is between them.
     if (filters == Filters::none) check(H5Pset_alignment(access.get(), page, page), "align the elements");
     check(H5Pset_meta_block_size(access.get(), structureBytes), "prepare the structure");
     check(H5Pset_small_data_block_size(access.get(), smallDataBytes), "prepare the structure");
-    std::string const name = platform::toUtf8(path);
-    // The other properties of a file keep their defaults: HDF5 would write them with the time.
-    Handle const properties = untimedProperties(H5P_FILE_CREATE);
-    return Handle(
-        H5Fcreate(name.c_str(), H5F_ACC_TRUNC, properties.get(), access.get()), H5Fclose, "create an HDF5 file");
+    return access;
 }
 
 void setFilters(hid_t properties, Filters filters) {
@@ -79,10 +75,10 @@ Handle createDataset(hid_t parent, std::string const& name, hid_t type, hid_t sp
 
 }
 
-OmxWriter::OmxWriter(std::string const& path, MatrixContent const& content, ChunkLayout layout) {
-    FileHeader const& header = content.header;
+OmxWriter::OmxWriter(platform::File& file, MatrixContent const& content, ChunkLayout layout)
+    : file_(file, accessFor(layout.filters)) {
     hdf5::Session const session;
-    file_ = createFile(path, layout.filters);
+    FileHeader const& header = content.header;
     recordOffset_ = hdf5::writeRecord(file_.get(), {});
     writeText(file_.get(), omx::version, "0.2", hdf5::Encoding::ascii);
     std::array<hsize_t, 1> const two = {2};
@@ -91,6 +87,7 @@ OmxWriter::OmxWriter(std::string const& path, MatrixContent const& content, Chun
     hdf5::writeProvenance(file_.get(), content.provenance);
     createTable(content.table, header, layout);
     writeZones(header.zones);
+    file_.requireWritten();
 }
 
 void OmxWriter::createTable(std::string const& table, FileHeader const& header, ChunkLayout layout) {
@@ -136,6 +133,7 @@ void OmxWriter::writeChunk(int firstRow, std::span<std::byte const> bytes) {
     hdf5::Session const session;
     std::array<hsize_t, 2> const start = {static_cast<hsize_t>(firstRow), 0};
     check(H5Dwrite_chunk(table_.get(), H5P_DEFAULT, 0, start.data(), bytes.size(), bytes.data()), "write a chunk");
+    file_.requireWritten();
 }
 
 std::uint64_t OmxWriter::writeChunkTable(std::vector<ChunkPlace> const& chunks) {
@@ -147,7 +145,7 @@ void OmxWriter::finish(hdf5::Id128 const& content) {
     hdf5::Session const session;
     writeText(table_.get(), omx::content, content.text(), hdf5::Encoding::ascii);
     table_.close("finish the table");
-    file_.close("finish the file");
+    file_.finish();
 }
 
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/hdf5/IndexRecord.h"
+#include "host/hdf5/WrittenFile.h"
 #include "host/matrix/FileIndex.h"
 
 #include <cstddef>
@@ -25,8 +26,9 @@ struct MatrixContent {
 /// space, and the caller writes them; filtered ones are passed as chunks.
 class OmxWriter {
 public:
-    /// Creates or overwrites the file; writes everything but elements and stamp. Throws hdf5::Error.
-    OmxWriter(std::string const& path, MatrixContent const& content, ChunkLayout layout);
+    /// Writes everything but elements and stamp into an empty file, which must outlive this object. Throws hdf5::Error
+    /// and, like all functions here, std::system_error for a failed write, at the latest in finish().
+    OmxWriter(platform::File& file, MatrixContent const& content, ChunkLayout layout);
 
     /// The place of the chunk that begins with a row, for unfiltered chunks also before they are written; all 0 when it
     /// has no place.
@@ -46,7 +48,7 @@ private:
     void createTable(std::string const& table, FileHeader const& header, ChunkLayout layout);
     void writeZones(std::vector<std::int32_t> const& zones);
 
-    hdf5::Handle file_;
+    hdf5::WrittenFile file_;
     hdf5::Handle table_;
     std::uint64_t zonesOffset_ = 0;
     std::uint64_t recordOffset_ = 0;

@@ -3,6 +3,7 @@
 #include "host/matrix/Failure.h"
 #include "host/platform/Files.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace cubes::matrix {
@@ -36,7 +37,7 @@ void SelectedLinkBody::Add(int row, int column, float value) {
                 std::to_string(header_.Rows()) + " rows and " + std::to_string(header_.Columns()) + " columns");
     // All are read at once: flushing replaces the file, which must not be open then.
     elements_->all();
-    elements_->row(row)[column] += value;
+    elements_->writableRow(row)[column] += value;
     isChanged_ = true;
 }
 
@@ -47,6 +48,7 @@ void SelectedLinkBody::Flush() const {
 
 void SelectedLinkBody::publish() const {
     describingFailure("cannot write matrix file", file(), [&] {
+        if (!elements_->isIntact()) throw std::runtime_error(reasonOfDamage("it"));
         StagedFile staged = staged_ ? std::move(*staged_) : StagedFile(file());
         staged_.reset();
         FileHeader header = fileHeader(header_);
@@ -61,12 +63,12 @@ void SelectedLinkBody::publish() const {
 // Rows written in an opened file are private to the object, as in every matrix.
 float* SelectedLinkBody::writableRow(int row) {
     if (isNew_) isChanged_ = true;
-    return elements_->row(row);
+    return elements_->writableRow(row);
 }
 
 float* SelectedLinkBody::writableAll() {
     if (isNew_) isChanged_ = true;
-    return elements_->all();
+    return elements_->writableAll();
 }
 
 void SelectedLinkBody::assign(TRkMatrixHeader const& header, float const* elements) {
@@ -80,6 +82,10 @@ bool SelectedLinkBody::release() {
 
 void SelectedLinkBody::finish(TRkMatrixHeader const&) {
     if (isChanged_) Flush();
+}
+
+bool SelectedLinkBody::isIntact() {
+    return elements_->isIntact();
 }
 
 }

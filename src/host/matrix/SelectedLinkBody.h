@@ -29,6 +29,7 @@ public:
     void assign(TRkMatrixHeader const& header, float const* elements) override;
     bool release() override;
     void finish(TRkMatrixHeader const& header) override;
+    bool isIntact() override;
 
 private:
     void publish() const;

@@ -131,14 +131,14 @@ void StagedFile::write(MatrixContent const& content) {
 
 void StagedFile::copy(std::string const& source) {
     writing([&] {
-        platform::copyContent(source, temporary_->file());
+        temporary_->copyFrom(source);
         flush();
     });
 }
 
 void StagedFile::copy(std::string const& source, FileStamp const& stamp) {
     writing([&] {
-        platform::copyContent(source, temporary_->file());
+        temporary_->copyFrom(source);
         hdf5::restamp(temporary_->file(), stamp);
         flush();
     });
@@ -146,9 +146,7 @@ void StagedFile::copy(std::string const& source, FileStamp const& stamp) {
 
 void StagedFile::link(std::string const& source) {
     writing([&] {
-        temporary_->file().close();
-        platform::discardFile(temporary_->path());
-        platform::linkOrCopy(source, temporary_->path());
+        temporary_->linkTo(source);
         if (isToBeFlushed(target())) platform::flushFile(temporary_->path());
     });
 }
@@ -157,10 +155,10 @@ void StagedFile::write(std::function<void(std::string const& path)> const& write
     writing([&] {
         std::string const& path = temporary_->path();
         writer(path);
-        auto written = platform::File::openShared(path);
-        if (written.size() == 0) throw std::runtime_error("nothing was written");
-        hdf5::restamp(written, stamp);
-        if (isToBeFlushed(target())) written.flush();
+        temporary_->reopen();
+        if (temporary_->file().size() == 0) throw std::runtime_error("nothing was written");
+        hdf5::restamp(temporary_->file(), stamp);
+        flush();
     });
 }
 
@@ -180,7 +178,12 @@ void replaceMatrixFile(std::string const& target, MatrixContent const& content, 
     describingFailure(action, target, [&] {
         StagedFile staged(target, action);
         staged.write(content);
-        staged.publish();
+        try {
+            staged.publish();
+        } catch (TRkMatrixException const& error) {
+            if (!staged.isPublished()) throw;
+            throwFailure(action, target, platform::mayBeLost + error.Code().message(), error.Code());
+        }
     });
 }
 

@@ -225,6 +225,8 @@ void TRkMatrix::AssignFrom(TRkMatrix const& source) {
                                      (state_->file.empty() ? "" : ", " + state_->file),
             FileName());
     try {
+        if (!source.IsIntact())
+            throw std::runtime_error("cannot assign a matrix: " + cubes::matrix::reasonOfDamage(source.FileName()));
         state_->setZones(source.Zones());
         state_->body->assign(state_->header, source.Elements().data());
     } catch (std::exception const& error) {
@@ -280,6 +282,11 @@ float TRkMatrix::At(int originZone, int destinationZone) const {
     throw TRkMatrixException("cannot read OD pair " + std::to_string(originZone) + ", " +
                                  std::to_string(destinationZone) + file + ": " + why,
         state.file);
+}
+
+bool TRkMatrix::IsIntact() const {
+    State const& state = required(state_);
+    return describingFailure("cannot read matrix file", state.file, [&] { return state.usableBody().isIntact(); });
 }
 
 void TRkMatrix::Release() {

@@ -4,6 +4,7 @@
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
 #include "host/platform/System.h"
+#include "host/platform/TemporaryFile.h"
 
 #include <xxhash.h>
 
@@ -17,8 +18,6 @@ namespace cubes::matrix {
 
 namespace {
 
-constexpr char lockName[] = ".cubes-lock";
-
 // The directory without links, so that a file has the same key by any path.
 std::string keyOf(std::string const& path) {
     auto const file = platform::fromRoot(platform::toPath(path));
@@ -31,7 +30,7 @@ std::string keyOf(std::string const& path) {
 std::optional<platform::ByteLock> tryLock(std::string const& path, std::uint64_t position) {
     auto const directory = platform::fromRoot(platform::toPath(path)).parent_path();
     try {
-        return platform::ByteLock::tryTake(platform::fromPath(directory / lockName), position);
+        return platform::ByteLock::tryTake(platform::fromPath(directory / platform::lockFileName), position);
     } catch (std::system_error const& error) {
         throw std::system_error(error.code(), "cannot write " + platform::fromPath(directory));
     }
@@ -99,7 +98,7 @@ WriteLock::~WriteLock() {
 }
 
 bool isLockName(std::string const& name) {
-    return name == lockName;
+    return name == platform::lockFileName;
 }
 
 }

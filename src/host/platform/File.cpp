@@ -1,5 +1,7 @@
 #include "host/platform/File.h"
 
+#include "host/platform/System.h"
+
 #include <utility>
 
 namespace cubes::platform {
@@ -36,6 +38,18 @@ File& File::operator=(File&& other) noexcept {
 
 File::~File() {
     close();
+}
+
+ByteLock::ByteLock(File file) : file_(new File(std::move(file)), {forkCount()}) {}
+
+void ByteLock::Releasing::operator()(File* file) const noexcept {
+    if (forkCount() == forks) file->unlock();
+    delete file;
+}
+
+std::optional<ByteLock> ByteLock::tryTake(std::string const& path, std::uint64_t position) {
+    File file = File::openShared(path);
+    return file.tryLock(position) ? std::optional(ByteLock(std::move(file))) : std::nullopt;
 }
 
 FileView::FileView(FileView&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}

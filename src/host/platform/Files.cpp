@@ -89,16 +89,14 @@ bool copyFile(std::string const& source, std::string const& target) {
 
 void replaceByCopy(std::string const& source, std::string const& target) {
     TemporaryFile beside(target);
-    copyContent(source, beside.file());
+    beside.copyFrom(source);
     beside.commit();
 }
 
-void linkOrCopy(std::string const& source, std::string const& target) {
+bool linkFile(std::string const& source, std::string const& target) noexcept {
     std::error_code noLink;
-    std::filesystem::create_hard_link(toPath(source), toPath(target), noLink);
-    if (!noLink) return;
-    auto copied = File::createNew(target);
-    copyContent(source, copied);
+    fs::create_hard_link(toPath(source), toPath(target), noLink);
+    return !noLink;
 }
 
 bool moveDirectory(std::string const& source, std::string const& target) {
@@ -135,6 +133,14 @@ std::string absolutePath(std::string const& path) {
 
 std::uint64_t fileSize(std::string const& path) {
     return fs::file_size(toPath(path));
+}
+
+std::vector<std::string> fileNamesIn(std::string const& directory) {
+    std::vector<std::string> names;
+    for (auto const& entry : fs::directory_iterator(toPath(directory)))
+        if (entry.is_regular_file()) names.push_back(fromPath(entry.path().filename()));
+    std::ranges::sort(names);
+    return names;
 }
 
 std::int64_t lastChange(std::string const& path) {

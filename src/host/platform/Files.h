@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 /// Files and directories by their names, as narrow texts.
 namespace cubes::platform {
@@ -40,17 +41,25 @@ bool moveDirectory(std::string const& source, std::string const& target);
 /// system: then nothing is done.
 bool renameFile(std::string const& from, std::string const& to);
 std::uint64_t fileSize(std::string const& path);
+/// The names of the regular files in a directory, sorted.
+std::vector<std::string> fileNamesIn(std::string const& directory);
 /// The time of a file's last change: microseconds since 1970 (UTC).
 std::int64_t lastChange(std::string const& path);
 /// Makes everything written to a file, by anyone, survive a power failure.
 void flushFile(std::string const& path);
 /// Makes new names in a directory survive a power failure.
 void flushDirectory(std::string const& directory);
-/// Copies the content of a regular file, off Windows also its permissions, into a new, empty file by the system's own
-/// copy, which shares blocks if the file system supports that.
+/// Copies the content of a regular file into a new, empty file by the system's own copy, which shares blocks if the
+/// file system supports that. On Windows the file is closed and opened again.
 void copyContent(std::string const& source, File& target);
-/// Gives a regular file a second name, which must be free; copies it if the file system has no second names.
-void linkOrCopy(std::string const& source, std::string const& target);
+/// Gives a regular file a second name, which must be free. False if the file system has no second names.
+bool linkFile(std::string const& source, std::string const& target) noexcept;
+/// Sets the time of a file's last change to now, for anyone who may write it. Returns whether it succeeded.
+bool touch(std::string const& path) noexcept;
+/// Give an open file the rights of another one, or take away those that the other one does not grant. Nothing happens
+/// when the other one is missing, on Windows, and on file systems without rights.
+void takeRights(File& file, std::string const& model) noexcept;
+void limitRights(File& file, std::string const& model) noexcept;
 /// Like copyFile, for two different files. The copy survives a power failure.
 void replaceByCopy(std::string const& source, std::string const& target);
 

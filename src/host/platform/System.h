@@ -13,6 +13,11 @@ namespace cubes::platform {
 std::uint32_t lastError();
 void setLastError(std::uint32_t code);
 
+/// The same as an error code.
+inline std::error_code lastSystemError() {
+    return {static_cast<int>(lastError()), std::system_category()};
+}
+
 /// The system's own text for an error number, unchanged (with its line end on Windows); nothing when the system does
 /// not know the number.
 std::optional<std::string> errorText(std::uint32_t code);
@@ -52,7 +57,12 @@ std::tm localTime();
 
 std::uint64_t processId();
 
-/// Makes standard output and error pass bytes unchanged, and a terminal show them in the narrow encoding.
+/// The bytes of memory that the process can use without swapping, as the system estimates them: at most what the limits
+/// of its container leave. Nothing when the system does not say.
+std::optional<std::uint64_t> availableMemory();
+
+/// Makes standard output and error pass bytes unchanged, and a terminal show them in the narrow encoding. Writing to a
+/// stream that is closed, or whose reader is gone, fails from now on; no file that is opened later takes its place.
 void prepareStreams();
 /// Whether standard error is a terminal.
 bool messagesAreWatched();

@@ -3,12 +3,22 @@
 #include "host/platform/Files.h"
 #include "host/platform/Paths.h"
 
+#include <chrono>
+#include <filesystem>
+#include <mutex>
 #include <random>
+#include <set>
 #include <system_error>
 
 namespace cubes::platform {
 
+namespace fs = std::filesystem;
+
 namespace {
+
+// Behind every content: on Windows a locked byte can neither be read nor written by others.
+constexpr std::uint64_t heldByte = std::uint64_t{1} << 62;
+constexpr auto leftoverAge = std::chrono::hours(24);
 
 constexpr std::string_view suffix = ".cubes-tmp";
 // Leaves room for the rest of the name if a file system allows 255 bytes.
@@ -25,6 +35,40 @@ std::string randomDigits() {
         number >>= 4;
     }
     return text;
+}
+
+bool isOlderThanADay(fs::path const& path) {
+    std::error_code error;
+    auto const changed = fs::last_write_time(path, error);
+    return !error && fs::file_time_type::clock::now() - changed > leftoverAge;
+}
+
+// Once for each process, and in directories with a lock file once a day for all of them.
+bool isSearchDue(std::string const& directory) {
+    static std::mutex mutex;
+    static std::set<std::string> searched;
+    std::lock_guard const guard(mutex);
+    if (!searched.insert(directory).second) return false;
+    auto const lockFile = toPath(directory) / lockFileName;
+    std::error_code error;
+    return !fs::exists(lockFile, error) || (isOlderThanADay(lockFile) && touch(fromPath(lockFile)));
+}
+
+void removeLeftovers(std::string const& directory) noexcept {
+    try {
+        if (!isSearchDue(directory)) return;
+        std::error_code error;
+        for (fs::directory_iterator entry(toPath(directory), error), end; !error && entry != end;
+             entry.increment(error))
+            if (isTemporaryName(fromPath(entry->path().filename()))) removeLeftover(fromPath(entry->path()));
+    } catch (std::exception const&) {
+        // The new file is what matters.
+    }
+}
+
+File createBeside(std::string const& target) {
+    removeLeftovers(directoryOf(target));
+    return File::createLike(temporaryPath(target), target);
 }
 
 void rename(std::string const& file, std::string const& target) {
@@ -56,25 +100,69 @@ bool mentionsTemporaryFile(std::string_view message) {
     return message.find(std::string(suffix) + ":") != std::string_view::npos;
 }
 
-void commitFile(std::string const& file, std::string const& target) {
-    flushFile(file);
-    rename(file, target);
-    flushDirectory(directoryOf(target));
+bool removeLeftover(std::string const& path) noexcept {
+    try {
+        std::error_code error;
+        auto const file = toPath(path);
+        if (fs::symlink_status(file, error).type() != fs::file_type::regular || !isOlderThanADay(file)) return false;
+        auto held = File::openExisting(path);
+        return held.tryLock(heldByte) && discardFile(path);
+    } catch (std::exception const&) {
+        return false;
+    }
 }
 
 TemporaryFile::TemporaryFile(std::string const& target)
-    : target_(target), file_(File::createNew(temporaryPath(target))) {}
+    : target_(target), isNew_(!exists(target)), file_(createBeside(target)) {
+    hold();
+}
 
 TemporaryFile::~TemporaryFile() {
-    if (published_) return;
+    if (isPublished_ || isLeft_) return;
     file_.close();
     discardFile(path());
 }
 
-void TemporaryFile::publish() {
+// Where nothing can be locked, a file is only protected by its age.
+void TemporaryFile::hold() noexcept {
+    try {
+        file_.tryLock(heldByte);
+    } catch (std::system_error const&) {
+        return;
+    }
+}
+
+void TemporaryFile::copyFrom(std::string const& source) {
+    copyContent(source, file_);
+    if (isNew_) limitRights(file_, source);
+    hold();
+}
+
+void TemporaryFile::linkTo(std::string const& source) {
     file_.close();
+    discardFile(path());
+    if (!linkFile(source, path())) {
+        file_ = File::createLike(path(), target_);
+        return copyFrom(source);
+    }
+    try {
+        reopen();
+    } catch (std::system_error const&) {
+        // It may only be read, and is protected by its age alone.
+        return;
+    }
+}
+
+void TemporaryFile::reopen() {
+    file_ = File::openExisting(path());
+    hold();
+}
+
+void TemporaryFile::publish() {
+    if (!isNew_) takeRights(file_, target_);
+    file_.finish();
     rename(path(), target_);
-    published_ = true;
+    isPublished_ = true;
 }
 
 void TemporaryFile::commit() {

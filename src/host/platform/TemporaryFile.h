@@ -19,15 +19,24 @@ bool mentionsTemporaryFile(std::string_view message);
 /// The target of a temporary path; any other path unchanged. (Of a very long name only the beginning is known.)
 std::string targetOfTemporary(std::string const& path);
 
-/// Atomically replaces the target, which need not exist, by a complete and closed file beside it, and survives a power
-/// failure. Throws std::system_error; the target is then the old or the new file.
-void commitFile(std::string const& file, std::string const& target);
+/// The beginning of the message when only the flush of the directory failed, after the file was replaced.
+inline constexpr char mayBeLost[] = "it is done, but may not survive a power failure: the directory was not flushed: ";
 
-/// A new file beside its target that replaces the target atomically when it is complete. Otherwise the destructor
-/// removes it.
+/// The lock file of a directory of matrix or route files. The search for leftovers there sets its time.
+inline constexpr char lockFileName[] = ".cubes-lock";
+
+/// Removes a temporary file that an interrupted process left: one that nobody holds and that was last changed more than
+/// a day ago. Returns whether it is removed; never throws.
+bool removeLeftover(std::string const& path) noexcept;
+
+/// A new file beside its target that replaces the target atomically when it is complete, and keeps the target's rights.
+/// Otherwise the destructor removes it. It is locked as long as it exists, so that it can be told from a leftover; a
+/// process that makes its first temporary file in a directory removes the leftovers there, in directories with a lock
+/// file at most once a day.
 class TemporaryFile {
 public:
-    /// Creates the empty file. Throws std::system_error.
+    /// Creates the empty file, with the target's rights or, for a new target, as the umask says. Throws
+    /// std::system_error.
     explicit TemporaryFile(std::string const& target);
     TemporaryFile(TemporaryFile const&) = delete;
     TemporaryFile& operator=(TemporaryFile const&) = delete;
@@ -36,6 +45,17 @@ public:
     File& file() noexcept { return file_; }
     std::string const& path() const noexcept { return file_.path(); }
     std::string const& target() const noexcept { return target_; }
+    bool isPublished() const noexcept { return isPublished_; }
+    /// Copies the content of a regular file into the empty file. A new target gets no rights that the source does not
+    /// grant. Throws std::system_error.
+    void copyFrom(std::string const& source);
+    /// Makes the empty file a second name of a regular file, or a copy if the file system has no second names.
+    /// Throws std::system_error.
+    void linkTo(std::string const& source);
+    /// Opens the file again after another program has written or replaced it by its path. Throws std::system_error.
+    void reopen();
+    /// Leaves the file under its temporary name.
+    void leave() noexcept { isLeft_ = true; }
     /// Closes the file and renames it to the target. When it throws, the target is unchanged.
     void publish();
     /// The same, safe against a power failure: flushes the file before and the directory afterwards.
@@ -43,9 +63,13 @@ public:
     void commit();
 
 private:
+    void hold() noexcept;
+
     std::string target_;
+    bool isNew_;
     File file_;
-    bool published_ = false;
+    bool isPublished_ = false;
+    bool isLeft_ = false;
 };
 
 }

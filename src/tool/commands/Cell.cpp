@@ -36,6 +36,7 @@ public:
         arguments.required("DESTINATION", destination_, "The same for the destination");
     }
 
+    bool onlyReads() const override { return true; }
     std::string task() const override {
         return fmt::format("read the cell from {} to {} of {}", origin_, destination_, entry_);
     }

@@ -18,6 +18,7 @@ public:
         arguments.required("ENTRY", entry_, "The entry, which need not exist any more");
     }
 
+    bool onlyReads() const override { return true; }
     std::string task() const override { return "list the children of " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {

@@ -37,8 +37,9 @@ private:
             else
                 ++kept;
         }
+        stopIfInterrupted();
         auto const count = entries.store().removeAll(keysOf(cleared));
-        warnOfRemains("an entry of " + entries.nameOf(cube), cleared, entries.store());
+        warnOfOrphans("an entry of " + entries.nameOf(cube), cleared, entries.store());
         if (kept > 0) printWarning(fmt::format("entries in use were kept: {}", kept));
         Record done;
         done.add("cleared", "cleared", entries.nameOf(cube));

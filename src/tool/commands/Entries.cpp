@@ -58,6 +58,7 @@ public:
         arguments.optional("CUBE", cube_, "Name or number of a cube, fare, or a kind of results; default: all entries");
     }
 
+    bool onlyReads() const override { return true; }
     std::string task() const override { return cube_.empty() ? "list the entries" : "list the entries of " + cube_; }
 
     void run(Surroundings const& surroundings, Output& output) override {

@@ -30,7 +30,7 @@ public:
     void run(Surroundings const& surroundings, Output& output) override {
         Entries const entries(surroundings, {entry_});
         auto const entry = entries.findReadable(entry_);
-        auto const trips = tableOf(entries.store().get(entry.key));
+        auto const trips = tableOf(entries.store().get(entry.key, {.verify = true}));
         write(trips);
         Record written;
         written.add("entry", "entry", entry.text);

@@ -9,6 +9,8 @@
 #include "tool/formats/TripTable.h"
 #include "tool/formats/WholeFile.h"
 
+#include <cubes/matrix/MatrixLimits.h>
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -25,8 +27,11 @@ public:
         arguments.required("FILE", file_, "The file; its extension determines the format: .omx, .csv or .tntp");
         arguments.required("ENTRY", entry_, "The entry; a new cube is added");
         arguments.optional("--table", table_, "Table of an OMX file with several tables").calls("NAME");
+        arguments.flag("--ignore-checksum", ignoreChecksum_, "Accept an OMX file that does not match its checksum");
         arguments.flag(
             "--allow-negative", allowNegative_, "Store negative cells as well, which trip tables do not have");
+        arguments.optional("--max-zones", mostZones_, "Largest size of the matrix; default CUBES_MAX_ZONES, or 40000")
+            .calls("N");
     }
 
     std::string task() const override { return fmt::format("import {} into {}", file_, entry_); }
@@ -34,6 +39,7 @@ public:
     // The whole file is read before the project is changed.
     void run(Surroundings const& surroundings, Output& output) override {
         requireEntry(entry_, surroundings);
+        if (mostZones_) setMostZones(limitIn(*mostZones_));
         auto const directory = findProject(surroundings.project);
         auto const trips = read();
         if (!allowNegative_) refuseNegative(trips);
@@ -47,9 +53,16 @@ public:
     }
 
 private:
+    static std::int32_t limitIn(std::string const& text) {
+        constexpr std::size_t onlyLine = 1;
+        if (!isZoneNumber(text))
+            throw UsageError(fmt::format("--max-zones must be a number of zones from 1 on, not \"{}\"", text));
+        return zoneNumber(text, onlyLine);
+    }
+
     TripTable read() const {
         Progress progress("reading " + file_);
-        return readTripTable(file_, table_, progress.callback());
+        return readTripTable(file_, {table_, ignoreChecksum_}, progress.callback());
     }
 
     void refuseNegative(TripTable const& trips) const {
@@ -88,6 +101,8 @@ private:
     std::string file_;
     std::string entry_;
     std::optional<std::string> table_;
+    std::optional<std::string> mostZones_;
+    bool ignoreChecksum_ = false;
     bool allowNegative_ = false;
 };
 

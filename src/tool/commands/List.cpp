@@ -11,6 +11,7 @@ public:
     List() : Command("list", "List the cubes, fares and kinds of results of the project") {}
 
     void declare(Arguments) override {}
+    bool onlyReads() const override { return true; }
     std::string task() const override { return "list the cubes"; }
 
     void run(Surroundings const& surroundings, Output& output) override {

@@ -1,6 +1,5 @@
 #include "tool/commands/Removal.h"
 
-#include "host/platform/Files.h"
 #include "tool/Errors.h"
 
 #include <fmt/format.h>
@@ -13,7 +12,7 @@ void removeEntry(std::string const& word, char const* done, Surroundings const& 
     Entries const entries(surroundings, {word});
     auto const entry = entries.find(word);
     entries.store().remove(entry.key);
-    warnOfRemains(entry.text, {entry}, entries.store());
+    warnOfOrphans(entry.text, {entry}, entries.store());
     Record record;
     record.add(done, done, entry.text);
     output.show(record);
@@ -25,9 +24,7 @@ std::vector<EntryKey> keysOf(std::vector<EntryInfo> const& entries) {
     return keys;
 }
 
-void warnOfRemains(std::string const& parents, std::vector<EntryInfo> const& removed, EntryStore const& store) {
-    for (auto const& entry : removed)
-        if (platform::exists(entry.file)) printWarning("cannot remove the file " + entry.file);
+void warnOfOrphans(std::string const& parents, std::vector<EntryInfo> const& removed, EntryStore const& store) {
     auto const keys = keysOf(removed);
     std::set<EntryKey> const gone(keys.begin(), keys.end());
     std::size_t orphans = 0;

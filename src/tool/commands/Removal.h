@@ -9,8 +9,8 @@ namespace cubes::tool {
 void removeEntry(std::string const& word, char const* done, Surroundings const& surroundings, Output& output);
 
 std::vector<EntryKey> keysOf(std::vector<EntryInfo> const& entries);
-/// Warns of files of removed entries that remain, and of results whose parent was removed. `parents`:
+/// Warns of results whose parent was removed. `parents`:
 /// what messages call the removed entries, "an entry of Base".
-void warnOfRemains(std::string const& parents, std::vector<EntryInfo> const& removed, EntryStore const& store);
+void warnOfOrphans(std::string const& parents, std::vector<EntryInfo> const& removed, EntryStore const& store);
 
 }

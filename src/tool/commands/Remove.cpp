@@ -32,7 +32,7 @@ private:
         for (auto const& descendant : entries.store().lineage(entry.key).descendants)
             if (auto found = entries.store().find(descendant.key)) removed.push_back(*std::move(found));
         auto const count = entries.store().removeAll(keysOf(removed));
-        warnOfRemains(entry.text, removed, entries.store());
+        warnOfOrphans(entry.text, removed, entries.store());
         show(entry.text, count, output);
     }
 
@@ -45,7 +45,7 @@ private:
             removed.push_back(entry);
         auto const count = isKind(cube) ? entries.store().removeAll({.cube = std::to_string(cube.number)})
                                         : entries.store().removeCube(cube.number);
-        warnOfRemains("an entry of " + name, removed, entries.store());
+        warnOfOrphans("an entry of " + name, removed, entries.store());
         show(name, count, output);
     }
 

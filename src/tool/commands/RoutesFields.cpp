@@ -17,6 +17,7 @@ public:
 
     void declare(Arguments arguments) override { arguments.required("ENTRY", entry_, "The entry, of routedata"); }
 
+    bool onlyReads() const override { return true; }
     std::string task() const override { return "list the fields of " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {

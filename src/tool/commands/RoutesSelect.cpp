@@ -36,7 +36,7 @@ public:
         auto const routes = entries.find(entry_);
         auto const tripsEntry = entries.find(trips_);
         if (tripsEntry.key.isResult()) refuseUse(tripsEntry, tripsEntry.text);
-        auto const trips = tableOf(entries.store().get(tripsEntry.key));
+        auto const trips = tableOf(entries.store().get(tripsEntry.key, {.verify = true}));
         RouteSetFile const set(findRoutes(entry_, entries).file);
         auto const matrix = matrixOf(tripsOverLink(set, link, trips));
         auto const stored = entries.write(

@@ -21,6 +21,7 @@ public:
         arguments.optional("--link", link_, "Print the routes over a link").calls("LINK").without(pair);
     }
 
+    bool onlyReads() const override { return true; }
     std::string task() const override { return "show " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {

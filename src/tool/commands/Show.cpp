@@ -52,12 +52,13 @@ public:
 
     void declare(Arguments arguments) override { arguments.required("ENTRY", entry_, "The entry"); }
 
+    bool onlyReads() const override { return true; }
     std::string task() const override { return "show " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
         Entries const entries(surroundings, {entry_});
         auto const entry = entries.findReadable(entry_);
-        auto const matrix = entries.store().get(entry.key);
+        auto const matrix = entries.store().get(entry.key, {.verify = true});
         auto const figures = statisticsOf(matrix);
         Record record;
         record.add("entry", "entry", entry.text);

@@ -2,6 +2,9 @@
 #include "tool/Paths.h"
 #include "tool/Projects.h"
 #include "tool/commands/Removal.h"
+#include "tool/commands/Routes.h"
+
+#include <cubes/routestorage/DynamiclinkLibraryT.h>
 
 #include <fmt/format.h>
 
@@ -50,16 +53,28 @@ private:
         bool const isOfOne = &source == &target;
         bool const isRead = !isOfOne || !resultKindOf(to_);
         if (from.key.isResult() && isRead) refuseUse(from, from.text);
-        // A damaged file is not stored in another project.
-        auto const kind = resultKindOf(from.text);
-        if (!isOfOne && !(kind && kind->holdsRoutes)) source.store().get(from.key);
+        if (!isOfOne) verify(from, source);
         auto const to = target.write(to_, [&](EntryKey const& key) {
             if (failIfExists_ && target.store().find(key)) throw Refusal(target.store().text(key) + " already exists");
             transfer(source.store(), from.key, target.store(), key,
                 {.exists = failIfExists_ ? OnExisting::fail : OnExisting::replace});
         });
-        if (!source.store().find(from.key)) warnOfRemains(from.text, {from}, source.store());
+        if (!source.store().find(from.key)) warnOfOrphans(from.text, {from}, source.store());
         show(from, isOfOne ? nullptr : &source.project(), to, output);
+    }
+
+    // A damaged file is not stored in another project. Without a provider, route files are copied unverified.
+    void verify(EntryInfo const& from, Entries const& source) const {
+        auto const kind = resultKindOf(from.text);
+        if (!kind || !kind->holdsRoutes) {
+            source.store().get(from.key, {.verify = true});
+            return;
+        }
+        auto const file = findRoutes(from_, source).file;
+        try {
+            isRouteSet(from.text) ? verifyRouteSet(file) : verifyRouteData(file);
+        } catch (DllNotLoaded const&) {
+        }
     }
 
     static void show(EntryInfo const& from, Project const* source, EntryInfo const& to, Output& output) {

@@ -16,6 +16,7 @@ public:
         arguments.flag("--dot", dot_, "Print a graph for Graphviz");
     }
 
+    bool onlyReads() const override { return true; }
     std::string task() const override { return "show the lineage of " + entry_; }
 
     void run(Surroundings const& surroundings, Output& output) override {

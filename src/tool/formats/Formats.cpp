@@ -1,5 +1,6 @@
 #include "tool/formats/Formats.h"
 
+#include "host/platform/File.h"
 #include "tool/Errors.h"
 #include "tool/Paths.h"
 #include "tool/Text.h"
@@ -13,6 +14,9 @@
 #include <array>
 #include <filesystem>
 #include <new>
+#include <span>
+#include <string_view>
+#include <system_error>
 
 namespace cubes::tool {
 
@@ -35,20 +39,9 @@ std::string chosenTable(Tables const& tables, std::string const& name) {
         near.empty() ? fmt::format("; choose one with --table: {}", fmt::join(tables, ", ")) : near));
 }
 
-TripTable readOmx(std::string const& path, std::optional<std::string> const& table) {
-    auto const file = OmxFile::open(path);
-    auto const name = table ? chosenTable(file.tables(), *table) : onlyTable(file.tables());
-    if (!file.isIntact(name))
-        throw FormatError(fmt::format("table '{}' was changed by another program or is damaged; to accept the change, "
-                                      "delete the file's dataset /cubes_index, or in a file of version 1 the table's "
-                                      "attribute cubes_checksum",
-            name));
-    return tableOf(file.read(name));
-}
-
 struct Source {
     std::string const& path;
-    std::optional<std::string> const& table;
+    ReadOptions const& options;
     ProgressCallback const& progress;
 };
 
@@ -61,7 +54,7 @@ struct Target {
 };
 
 void refuseTableName(Source const& source) {
-    if (source.table) throw FormatError("it holds one table without a name; omit --table");
+    if (source.options.table) throw FormatError("it holds one table without a name; omit --table");
 }
 
 TripTable readCsvSource(Source const& source) {
@@ -75,7 +68,10 @@ TripTable readTntpSource(Source const& source) {
 }
 
 TripTable readOmxSource(Source const& source) {
-    return readOmx(source.path, source.table);
+    auto const file = OmxFile::open(source.path);
+    auto const& table = source.options.table;
+    auto const name = table ? chosenTable(file.tables(), *table) : onlyTable(file.tables());
+    return tableOf(source.options.ignoreChecksum ? file.read(name) : file.readVerified(name));
 }
 
 void writeCsvTarget(Target const& target) {
@@ -98,17 +94,34 @@ struct Format {
     void (*write)(Target const&);
 };
 
+constexpr Format omx = {".omx", readOmxSource, writeOmxTarget};
+
 constexpr std::array formats = {
-    Format{".omx", readOmxSource, writeOmxTarget},
+    omx,
     Format{".csv", readCsvSource, writeCsvTarget},
     Format{".tntp", readTntpSource, refuseTntpTarget},
 };
 
-Format const& formatOf(std::string const& path) {
+Format const* formatOf(std::string const& path) {
     auto const extension = toText(toPath(path).extension());
     auto const found = std::find_if(
         formats.begin(), formats.end(), [&](Format const& format) { return isSameWord(format.extension, extension); });
-    if (found != formats.end()) return *found;
+    return found == formats.end() ? nullptr : &*found;
+}
+
+bool isHdf5(std::string const& path) {
+    constexpr std::string_view signature = "\x89HDF\r\n\x1a\n";
+    std::array<char, signature.size()> beginning{};
+    try {
+        platform::File::openForReading(path).readAt(0, std::as_writable_bytes(std::span(beginning)));
+    } catch (std::system_error const&) {
+        return false;
+    }
+    return std::string_view(beginning.data(), beginning.size()) == signature;
+}
+
+[[noreturn]] void refuseFormat(std::string const& path) {
+    auto const extension = toText(toPath(path).extension());
     Tables known;
     for (auto const& format : formats) known.emplace_back(format.extension);
     throw FormatError(fmt::format("{}; expected one of {}",
@@ -129,16 +142,18 @@ auto withinMemory(Work work) {
 
 }
 
-TripTable readTripTable(
-    std::string const& path, std::optional<std::string> const& table, ProgressCallback const& progress) {
-    auto const& format = formatOf(path);
-    return withinMemory([&] { return format.read({path, table, progress}); });
+TripTable readTripTable(std::string const& path, ReadOptions const& options, ProgressCallback const& progress) {
+    auto const* const byExtension = formatOf(path);
+    if (!byExtension && !isHdf5(path)) refuseFormat(path);
+    auto const& format = byExtension ? *byExtension : omx;
+    return withinMemory([&] { return format.read({path, options, progress}); });
 }
 
 void writeTripTable(std::string const& path, TripTable const& trips, std::string const& table, CsvForm form,
     ProgressCallback const& progress) {
-    auto const& format = formatOf(path);
-    withinMemory([&] { format.write({path, trips, table, form, progress}); });
+    auto const* const format = formatOf(path);
+    if (!format) refuseFormat(path);
+    withinMemory([&] { format->write({path, trips, table, form, progress}); });
 }
 
 }

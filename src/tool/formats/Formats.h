@@ -18,10 +18,18 @@ enum class CsvForm {
     wide,
 };
 
-/// Reads a file in the format of its extension, ignoring case: .omx, .csv or .tntp. `table` chooses a
-/// table of an .omx file that holds several; it is refused for the formats that hold just one.
+/// What is read from a file.
+struct ReadOptions {
+    /// Chooses a table of an .omx file that holds several; refused for the formats that hold just one.
+    std::optional<std::string> table = {};
+    /// Accepts a table that does not match the checksum in its .omx file. The other formats have none.
+    bool ignoreChecksum = false;
+};
+
+/// Reads a file in the format of its extension, ignoring case: .omx, .csv or .tntp. An HDF5 file of another extension
+/// is read as .omx, such as the matrix files of projects.
 TripTable readTripTable(
-    std::string const& path, std::optional<std::string> const& table = {}, ProgressCallback const& progress = {});
+    std::string const& path, ReadOptions const& options = {}, ProgressCallback const& progress = {});
 
 /// Writes a file in the format of its extension: .omx or .csv. `table` names the table of an .omx file.
 /// When an error is thrown, an old file is unchanged and no new one is left.

@@ -4,11 +4,14 @@
 #include "tool/formats/Formats.h"
 #include "tool/formats/WholeFile.h"
 
+#include <cubes/matrix/MatrixLimits.h>
+
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 namespace cubes::tool {
 
@@ -143,9 +146,16 @@ std::vector<std::int32_t> zonesUpTo(std::int32_t count) {
     return zones;
 }
 
+// Whether a text of that size can have so many zones: it is sparse, but a large one names each of them.
+bool isPossible(std::int32_t zones, std::size_t textSize) {
+    constexpr std::int32_t alwaysPossible = 4000;
+    return zones <= mostZones() && (zones <= alwaysPossible || std::cmp_less_equal(zones, textSize));
+}
+
 // The header's zones, unless others occur or it gives an absurd number.
-std::vector<std::int32_t> zonesOf(std::optional<std::int32_t> count, std::vector<std::int32_t> occurring) {
-    bool const isUsable = count && static_cast<std::size_t>(*count) <= mostZones && occurring.back() <= *count;
+std::vector<std::int32_t> zonesOf(
+    std::optional<std::int32_t> count, std::vector<std::int32_t> occurring, std::size_t textSize) {
+    bool const isUsable = count && isPossible(*count, textSize) && occurring.back() <= *count;
     return isUsable ? zonesUpTo(*count) : occurring;
 }
 
@@ -182,7 +192,7 @@ TripTable readTntp(std::string const& path, ProgressCallback const& progress) {
     auto const cells = readCells(scanner, ProgressThrottle(text.size(), progress));
     auto const occurring = cells.zones();
     if (occurring.empty()) throw FormatError("it has no trips after <END OF METADATA>");
-    auto table = cells.table(zonesOf(header.zones, occurring));
+    auto table = cells.table(zonesOf(header.zones, occurring, text.size()));
     compareWithHeader(header, occurring.size(), table);
     return table;
 }

@@ -2,9 +2,13 @@
 
 #include "tool/Errors.h"
 
+#include <cubes/matrix/MatrixLimits.h>
+
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <stdexcept>
+#include <utility>
 
 namespace cubes::tool {
 
@@ -51,7 +55,16 @@ std::vector<std::uint32_t> placesOf(std::vector<std::int32_t> const& numbers, st
 }
 
 void requireFit(std::size_t zones) {
-    if (zones > mostZones) throw FormatError(fmt::format("it has {} zones, more than {}", zones, mostZones));
+    // The table, and the matrix that is made of it.
+    constexpr int copies = 2;
+    if (std::cmp_greater(zones, mostZones()))
+        throw FormatError(fmt::format(
+            "it has {} zones, more than {}; allow more with --max-zones or CUBES_MAX_ZONES", zones, mostZones()));
+    try {
+        requireMatrixFits(zones, zones, copies);
+    } catch (std::length_error const& error) {
+        throw FormatError(fmt::format("it has {} zones: {}", zones, error.what()));
+    }
 }
 
 void CellList::add(std::int32_t origin, std::int32_t destination, float value, std::size_t line) {

@@ -40,9 +40,6 @@ TRkMatrix matrixOf(TripTable const& table);
 /// The matrix's cells and zone numbers.
 TripTable tableOf(TRkMatrix const& matrix);
 
-/// The largest table, of 4 GiB.
-constexpr std::size_t mostZones = 32'767;
-
 /// Collects the zones and cells of a file that lists them in any order, and builds their table. Cells
 /// that the file does not list are 0.
 class CellList {
@@ -73,7 +70,7 @@ private:
     std::vector<Cell> cells_;
 };
 
-/// Throws FormatError when a table of so many zones is too large.
+/// Throws FormatError when a table of so many zones exceeds the limit, or takes more memory than is available.
 void requireFit(std::size_t zones);
 
 }

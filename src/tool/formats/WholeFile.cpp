@@ -1,6 +1,5 @@
 #include "tool/formats/WholeFile.h"
 
-#include "host/platform/TemporaryFile.h"
 #include "tool/Errors.h"
 #include "tool/Paths.h"
 
@@ -8,7 +7,8 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <random>
+#include <fstream>
+#include <span>
 #include <system_error>
 
 namespace cubes::tool {
@@ -22,9 +22,16 @@ namespace {
     throw FormatError(errno ? std::generic_category().message(errno) : std::string("input/output error"));
 }
 
-std::string temporaryBeside(std::string const& path) {
-    std::random_device random;
-    return fmt::format("{}.{:08x}{:08x}.part", path, random(), random());
+// Few large writes instead of many small ones.
+constexpr std::size_t blockSize = std::size_t{1} << 20;
+
+template <typename Work>
+auto describing(Work const& work) {
+    try {
+        return work();
+    } catch (std::system_error const& error) {
+        throw FormatError(error.code().message());
+    }
 }
 
 }
@@ -59,31 +66,29 @@ std::string readWholeFile(std::string const& path) {
     return bytes;
 }
 
-NewFile::NewFile(std::string path) : path_(std::move(path)), temporary_(temporaryBeside(path_)) {
-    requireWritablePath(path_);
-    errno = 0;
-    stream_.open(toPath(temporary_), std::ios::binary);
-    if (!stream_) fail();
-}
-
-NewFile::~NewFile() {
-    stream_.close();
-    std::error_code ignored;
-    fs::remove(toPath(temporary_), ignored);
+NewFile::NewFile(std::string const& path) {
+    requireWritablePath(path);
+    temporary_ = describing([&] { return std::make_unique<platform::TemporaryFile>(path); });
 }
 
 void NewFile::write(std::string_view bytes) {
-    if (!stream_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()))) fail();
+    waiting_ += bytes;
+    if (waiting_.size() >= blockSize) describing([&] { writeWaiting(); });
+}
+
+void NewFile::writeWaiting() {
+    temporary_->file().writeAt(written_, std::as_bytes(std::span(waiting_)));
+    written_ += waiting_.size();
+    waiting_.clear();
 }
 
 void NewFile::commit() {
-    errno = 0;
-    stream_.close();
-    if (!stream_) fail();
     try {
-        platform::commitFile(temporary_, path_);
+        writeWaiting();
+        temporary_->commit();
     } catch (std::system_error const& error) {
-        throw FormatError(error.code().message());
+        char const* const state = temporary_->isPublished() ? platform::mayBeLost : "";
+        throw FormatError(state + error.code().message());
     }
 }
 

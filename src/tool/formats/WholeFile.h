@@ -1,6 +1,9 @@
 #pragma once
 
-#include <fstream>
+#include "host/platform/TemporaryFile.h"
+
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -18,19 +21,17 @@ void requireWritablePath(std::string const& path);
 /// FormatError when something cannot be written; until commit() returns, the old file is unchanged.
 class NewFile {
 public:
-    explicit NewFile(std::string path);
-    /// Removes what was not committed.
-    ~NewFile();
-    NewFile(NewFile const&) = delete;
-    NewFile& operator=(NewFile const&) = delete;
+    explicit NewFile(std::string const& path);
 
     void write(std::string_view bytes);
     void commit();
 
 private:
-    std::string path_;
-    std::string temporary_;
-    std::ofstream stream_;
+    void writeWaiting();
+
+    std::unique_ptr<platform::TemporaryFile> temporary_;
+    std::string waiting_;
+    std::uint64_t written_ = 0;
 };
 
 }

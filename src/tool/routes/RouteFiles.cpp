@@ -39,6 +39,11 @@ void open(File& file, std::string const& path, long mode) {
 }
 
 template <typename File>
+void verify(File file, std::string const& path) {
+    if (file.open(romRead, nullptr) == 0) fail(path);
+}
+
+template <typename File>
 void create(File& file, std::string const& path, RouteKey const& key) {
     auto const& [p, m, t, u, r, i] = key.key;
     if (auto* const made = file.getInterface()) {
@@ -125,6 +130,14 @@ void writeRouteData(std::string const& path, RouteKey const& key, std::vector<Ro
                           static_cast<std::int64_t>(field.values.size())}));
     }
     isFound(path, file.getInterface()->commit());
+}
+
+void verifyRouteSet(std::string const& path) {
+    verify(TVlRouteStorageRouteSet(path.c_str()), path);
+}
+
+void verifyRouteData(std::string const& path) {
+    verify(TVlRouteStorageDataSet(path.c_str()), path);
 }
 
 std::vector<RouteValues> readRouteData(std::string const& path) {

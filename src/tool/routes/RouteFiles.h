@@ -93,6 +93,9 @@ private:
 /// Write a file, replacing an old one.
 void writeRouteSet(std::string const& path, RouteKey const& key, RouteList const& routes);
 void writeRouteData(std::string const& path, RouteKey const& key, std::vector<RouteValues> const& fields);
+/// Reads a file as a whole where the provider offers that, and so finds damage.
+void verifyRouteSet(std::string const& path);
+void verifyRouteData(std::string const& path);
 /// The fields of a file of route data.
 std::vector<RouteValues> readRouteData(std::string const& path);
 

@@ -1,7 +1,7 @@
 #include "host/database/TableTest.h"
 #include "host/database/Transaction.h"
-#include "host/database/sqlite/Handle.h"
 #include "support/ChildTask.h"
+#include "support/Variable.h"
 
 namespace {
 
@@ -145,13 +145,11 @@ TEST_P(Exclusive, accessLeavesTheCallersTransactionOpen) {
 }
 
 TEST_P(Exclusive, accessLocksTheTableInsideTheCallersTransaction) {
+    cubes::test::Variable const limit("CUBES_LOCK_TIMEOUT", "0.05");
     Opened other(database->url());
     connection->Execute("BEGIN");
     ExclusiveAccess access(table);
-    if (backend() == cubes::test::Backend::postgres) other.connection.Execute("SET lock_timeout = '50ms'");
-    cubes::database::sqlite::longestWait = std::chrono::milliseconds(50);
     EXPECT_EQ(sqlStateOf([&] { other.connection.Execute("INSERT INTO \"cube\" VALUES (9, 'x', 0)"); }), "55P03");
-    cubes::database::sqlite::longestWait = std::chrono::milliseconds(10000);
     access.commit();
     connection->Execute("COMMIT");
     other.connection.Execute("INSERT INTO \"cube\" VALUES (9, 'x', 0)");

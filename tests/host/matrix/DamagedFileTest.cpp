@@ -1,6 +1,7 @@
 #include "host/hdf5/IndexRecord.h"
 #include "host/matrix/FileIndex.h"
 #include "host/matrix/Samples.h"
+#include "support/EachStorage.h"
 
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/OmxFile.h>
@@ -151,9 +152,7 @@ TEST_P(EachDamagedStorage, bytesAfterTheEndAreIgnored) {
     EXPECT_EQ(difference(opened(file), opened(good)), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(DamagedFile, EachDamagedStorage,
-    testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
-    [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+CUBES_EACH_STORAGE(DamagedFile, EachDamagedStorage);
 
 TEST(DamagedFile, aPathThatIsNotARegularFileIsRefusedWithItsNameAndACause) {
     TempDir const directory;

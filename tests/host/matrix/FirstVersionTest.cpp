@@ -43,7 +43,9 @@ TEST_P(EachFirstVersion, isDetectedAsDamagedByItsChecksum) {
     TempDir const directory;
     std::string const file = directory.file("a.omx");
     std::filesystem::copy_file(sampleFile(GetParam()), file);
+    EXPECT_TRUE(opened(file).IsIntact());
     flipBit(file, 0, 1);
+    EXPECT_FALSE(opened(file).IsIntact());
     EXPECT_EQ(opened(file).RowAt(0, 8)[1], std::nextafter(-1.0f, -2.0f));
     EXPECT_FALSE(OmxFile::open(file).isIntact("matrix"));
 }

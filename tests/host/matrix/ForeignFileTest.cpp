@@ -1,9 +1,12 @@
+#include "host/hdf5/GuardedFile.h"
 #include "host/matrix/Samples.h"
+#include "host/matrix/StagedFile.h"
 
 #include "support/Process.h"
 #include "support/SharedData.h"
 #include "support/SystemMessages.h"
 
+#include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/OmxFile.h>
 #include <cubes/matrix/TRkMatrixException.h>
 
@@ -12,6 +15,7 @@
 #include <cmath>
 #include <limits>
 #include <sstream>
+#include <thread>
 
 using cubes::OmxFile;
 using namespace cubes::test;
@@ -228,7 +232,15 @@ TEST(ForeignFile, aFileWithoutAMatrixIsRefusedWithTheCause) {
         Case{"f['data/t'] = np.zeros((2, 2), [('a', 'f4'), ('b', 'i4')])", "not numbers"},
         Case{"f.create_dataset('data/t', (0, 5))", "0 x 5"},
         Case{"f.create_dataset('data/t', (2**40, 2), chunks=(1, 2))", "is not possible"},
-        Case{"f.create_dataset('data/t', (10**5, 10**5), 'f4', chunks=(100, 100))", "larger than the file"},
+        Case{"f.create_dataset('data/t', (30000, 30000), 'f4', chunks=(100, 100))", "larger than the file"},
+        Case{"f.create_dataset('data/t', (1001, 1001), 'f4', chunks=(100, 100))", "none of its elements are stored"},
+        Case{"f.create_dataset('data/t', (1001, 1001), 'f4')", "none of its elements are stored"},
+        Case{"f.create_dataset('data/t', (30000, 30000), 'f4', chunks=(64, 30000)).attrs['cubes_checksum'] = "
+             "np.uint64(1)",
+            "none of its elements are stored"},
+        Case{"f.create_dataset('data/t', (50000, 40000), 'f4', chunks=(64, 40000)).attrs['cubes_checksum'] = "
+             "np.uint64(1)",
+            "50000 x 40000 elements are more than the limit of 40000 x 40000; set CUBES_MAX_ZONES to allow more"},
         Case{"f['data/t'] = h5py.SoftLink('/nowhere')", "t is a soft or external link"},
         Case{"f.create_dataset('data/t', (4, 4), chunks=(2, 2), compression='lzf')", "filter 32000"},
     };
@@ -289,6 +301,130 @@ TEST(ForeignFile, neverLeadsToAnotherFile) {
         std::string const reason = reasonOf(directory.file(std::to_string(i)));
         EXPECT_NE(reason.find(cases[i].reason), std::string::npos) << cases[i].program << ": " << reason;
     }
+}
+
+// The node of a B-tree that names the first chunk: the size of its bytes, the mask of skipped filters, its place.
+TEST(ForeignFile, isNeverReadBeyondAChunkThatIsSmallerThanItsShape) {
+    TempDir const directory;
+    std::string const patch = R"(
+f.close()
+def patch(at, *values):
+    path = f'{sys.argv[1]}/{number}'
+    b = bytearray(open(path, 'rb').read())
+    node = next(i for i in range(len(b)) if b[i:i + 4] == b'TREE' and b[i + 4] == 1)
+    for v in values:
+        b[node + at:node + at + 4] = v.to_bytes(4, 'little'); at += 4
+    open(path, 'wb').write(b)
+def patchDimension(old, new):
+    path = f'{sys.argv[1]}/{number}'
+    b = bytearray(open(path, 'rb').read())
+    at = b.index(b''.join(v.to_bytes(4, 'little') for v in old))
+    b[at:at + 4] = new.to_bytes(4, 'little')
+    open(path, 'wb').write(b)
+)";
+    std::string const make = "f.create_dataset('data/t', data=np.ones((200, 200), '";
+    struct Case {
+        std::string program;
+        char const* reason;
+    };
+    std::vector<Case> const cases = {
+        {make + "f4'), chunks=(200, 200))" + patch + "patch(24, 8)", "a chunk has the wrong size"},
+        {make + "f4'), chunks=(200, 200))" + patch + "patch(24, 159999)", "a chunk has the wrong size"},
+        {make + "f8'), chunks=(200, 200))" + patch + "patch(24, 8)", "a chunk has the wrong size"},
+        {make + "f8'), chunks=(50, 50))" + patch + "patch(24, 8)", "a chunk has the wrong size"},
+        {make + "f4'), chunks=(200, 200), compression='gzip')" + patch + "patch(28, 1)", "chunk"},
+        {make + "f8'), chunks=(50, 50), compression='gzip')" + patch + "patch(28, 1)", "a chunk has the wrong size"},
+        {make + "f4'), chunks=(200, 200))" + patch + "patch(56, 2**31)", "a chunk is not within the file"},
+        {make + "f8'), chunks=(50, 50))" + patch + "patch(56, 2**31)", "a chunk is not within the file"},
+        // Shapes that need more than the compressed bytes give.
+        {make + "f8'), chunks=(50, 40), compression='gzip')" + patch + "patchDimension((50, 40, 8), 60)",
+            "a compressed chunk is damaged"},
+        {make + "f8'), chunks=(50, 40), compression='gzip')" + patch + "patchDimension((50, 40, 8), 2**24)",
+            "no table"},
+    };
+    std::vector<std::string> programs;
+    for (auto const& [code, reason] : cases)
+        programs.push_back("number = " + std::to_string(programs.size()) + "\n" + code);
+    makeAllWithH5py(programs, directory);
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        std::string const file = directory.file(std::to_string(i));
+        try {
+            TRkMatrix const matrix = opened(file);
+            if (!matrix.IsValid()) throw TRkMatrixException(matrix.Reason(), file);
+            matrix.Elements();
+            ADD_FAILURE() << cases[i].program;
+        } catch (TRkMatrixException const& error) {
+            EXPECT_NE(std::string(error.what()).find(cases[i].reason), std::string::npos) << i << ": " << error.what();
+        }
+    }
+}
+
+// Bytes all over the structure, each changed: HDF5 crashes and hangs at some of them.
+TEST(ForeignFile, withAnyChangedByteOnlyFailsByItself) {
+    TempDir const directory;
+    makeAllWithH5py({"f.create_dataset('data/t', data=np.ones((30, 30)), chunks=(10, 10), compression='gzip')",
+                        "f['data/t'] = np.ones((4, 4)); f['lookup/zone'] = [1, 2, 3, 4]"},
+        directory);
+    cubes::hdf5::readerSettings().patience = std::chrono::milliseconds(500);
+    int refused = 0;
+    for (char const* name : {"0", "1"}) {
+        std::string const good = readFile(directory.file(name));
+        std::string const file = directory.file("bad");
+        for (std::size_t place = 0; place < good.size(); place += 97) {
+            std::string damaged = good;
+            damaged[place] = static_cast<char>(damaged[place] ^ 0x7F);
+            writeFile(file, damaged);
+            try {
+                TRkMatrix const matrix = opened(file);
+                if (!matrix.IsValid() || matrix.Elements().empty()) ++refused;
+            } catch (TRkMatrixException const& error) {
+                EXPECT_NE(std::string(error.what()).find(file), std::string::npos) << error.what();
+                ++refused;
+            }
+        }
+    }
+    cubes::hdf5::readerSettings() = {};
+    EXPECT_GT(refused, 5);
+}
+
+TEST(ForeignFile, canBeOpenedByManyThreadsAtOnce) {
+    TempDir const directory;
+    makeAllWithH5py({"f['data/t'] = np.arange(10000).reshape(100, 100)",
+                        "f.create_dataset('data/t', data=np.ones((100, 100), 'f4'), chunks=(10, 100), shuffle=True, "
+                        "compression='gzip')"},
+        directory);
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 8; ++number)
+        threads.emplace_back([&, number] {
+            TRkMatrix const matrix = opened(directory.file(std::to_string(number % 2)));
+            EXPECT_EQ(matrix.RowAt(50, 8)[3], number % 2 == 0 ? 5003 : 1) << matrix.Reason();
+        });
+    for (auto& thread : threads) thread.join();
+}
+
+TEST(ForeignFile, needsTheReaderAndOneOfOursDoesNot) {
+    TempDir const directory;
+    makeAllWithH5py({"f['data/t'] = np.eye(3)"}, directory);
+    ASSERT_TRUE(save(times(50, 50), directory.file("plain")));
+    cubes::setMatrixStorage(directory.str(), {cubes::Storage::deflate, cubes::Durability::process});
+    ASSERT_TRUE(save(times(50, 50), directory.file("deflate")));
+    cubes::hdf5::readerSettings().program = directory.file("none");
+    EXPECT_NE(
+        reasonOf(directory.file("0")).find("the program that reads HDF5 files was not found at "), std::string::npos);
+    try {
+        OmxFile::open(directory.file("0"));
+        ADD_FAILURE();
+    } catch (TRkMatrixException const& error) {
+        EXPECT_TRUE(error.Code()) << "the file is not damaged";
+    }
+    for (char const* name : {"plain", "deflate"}) {
+        std::string const file = directory.file(name);
+        EXPECT_EQ(opened(file).RowAt(30, 8)[5], times(50, 50).RowAt(30, 8)[5]);
+        EXPECT_EQ(difference(opened(file), times(50, 50)), "");
+        EXPECT_NE(TRkMatrix().GetHeader(file.c_str()), nullptr);
+        EXPECT_TRUE(cubes::matrix::readOrigin(file));
+    }
+    cubes::hdf5::readerSettings() = {};
 }
 
 TEST(OmxFile, writesATableOfAnyNameWithZones) {

@@ -5,6 +5,7 @@
 #include "host/matrix/StagedFile.h"
 #include "host/platform/File.h"
 #include "host/platform/NarrowText.h"
+#include "support/EachStorage.h"
 #include "support/Process.h"
 
 #include <cubes/matrix/MatrixStorage.h>
@@ -138,9 +139,7 @@ TEST_P(EachStorageRead, changesByAnotherProgramAreRead) {
     EXPECT_EQ(opened(file).Columns(), 3);
 }
 
-INSTANTIATE_TEST_SUITE_P(IndependentReader, EachStorageRead,
-    testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
-    [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+CUBES_EACH_STORAGE(IndependentReader, EachStorageRead);
 
 TEST(PlainStorage, isOneUnfilteredChunkOnAPageBoundary) {
     TempDir const directory;

@@ -1,5 +1,6 @@
 #include "host/matrix/Samples.h"
 
+#include "support/EachStorage.h"
 #include "support/SystemMessages.h"
 
 #include <cubes/matrix/MatrixStorage.h>
@@ -191,8 +192,7 @@ TEST_P(EachStorage, filesHaveNoTimes) {
     EXPECT_GE(headers, 4);
 }
 
-INSTANTIATE_TEST_SUITE_P(MatrixFile, EachStorage, testing::Values(cubes::Storage::plain, cubes::Storage::deflate),
-    [](auto const& storage) { return storage.param == cubes::Storage::plain ? "plain" : "deflate"; });
+CUBES_EACH_STORAGE(MatrixFile, EachStorage);
 
 TEST(MatrixFile, nothingIsCreatedWhenNothingWasWritten) {
     TempDir const directory;

@@ -6,6 +6,7 @@
 #include "host/matrix/Samples.h"
 #include "host/platform/TemporaryFile.h"
 #include "support/ChildTask.h"
+#include "support/EachStorage.h"
 #include "support/Process.h"
 
 #include <cubes/matrix/MatrixStorage.h>
@@ -198,8 +199,7 @@ TEST_P(EachStaged, staysReadableForHdf5WithAnotherStamp) {
     EXPECT_EQ(seen.output, "CUBEIDX2\n") << seen.errors;
 }
 
-INSTANTIATE_TEST_SUITE_P(StagedFile, EachStaged, testing::Values(Storage::plain, Storage::deflate),
-    [](auto const& storage) { return storage.param == Storage::plain ? "plain" : "deflate"; });
+CUBES_EACH_STORAGE(StagedFile, EachStaged);
 
 TEST(StagedFile, copiesFilesWithoutARecord) {
     TempDir const directory;

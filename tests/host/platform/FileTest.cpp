@@ -10,6 +10,12 @@
 #include <string>
 #include <system_error>
 
+#ifndef _WIN32
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 using namespace cubes::platform;
 using cubes::test::bytesOf;
 using cubes::test::endlessDevice;
@@ -106,4 +112,44 @@ TEST(ByteLock, excludesOthersFromItsByteOnly) {
     EXPECT_TRUE(ByteLock::tryTake(file, farthest));
     EXPECT_EQ(
         failureOf([&] { ByteLock::tryTake(directory.file("none/lock"), 1); }), std::errc::no_such_file_or_directory);
+}
+
+#ifndef _WIN32
+// A child has the files of its parent until it runs its own program.
+TEST(ByteLock, isReleasedByItsOwnerAlsoWhileAChildHasTheFileOpen) {
+    TempDir const directory;
+    std::string const file = directory.file("lock");
+    auto lock = ByteLock::tryTake(file, 7);
+    pid_t const forgetful = fork();
+    if (forgetful == 0) {
+        lock.reset();
+        _exit(0);
+    }
+    waitpid(forgetful, nullptr, 0);
+    EXPECT_FALSE(ByteLock::tryTake(file, 7));
+    pid_t const child = fork();
+    if (child == 0) {
+        pause();
+        _exit(0);
+    }
+    lock.reset();
+    EXPECT_TRUE(ByteLock::tryTake(file, 7));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+}
+#endif
+
+TEST(ByteLock, findsTheBytesThatOthersHold) {
+    TempDir const directory;
+    std::string const file = directory.file("lock");
+    auto const first = ByteLock::tryTake(file, 10);
+    auto const second = ByteLock::tryTake(file, 20);
+    struct {
+        std::uint64_t position, length;
+        bool isHeld;
+    } const cases[] = {
+        {0, 10, false}, {0, 11, true}, {10, 1, true}, {11, 9, false}, {15, ~std::uint64_t{0} >> 2, false}};
+    for (auto const& [position, length, isHeld] : cases)
+        EXPECT_EQ(second->isHeldByOthers(position, length), isHeld) << position;
+    EXPECT_TRUE(first->isHeldByOthers(15, 10));
 }

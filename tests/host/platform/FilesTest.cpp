@@ -237,14 +237,3 @@ TEST(CopyContent, copiesToAnotherFileSystem) {
     expectCopies(directory, other);
     expectCopies(other, directory);
 }
-
-TEST(CopyContent, keepsThePermissions) {
-    TempDir const directory;
-    writeFile(directory.file("source"), "private");
-    fs::permissions(directory.file("source"), fs::perms::owner_read);
-    if (fs::status(directory.file("source")).permissions() != fs::perms::owner_read)
-        GTEST_SKIP() << "SKIPPED: files are for all or for none to read here";
-    File target = File::createNew(directory.file("target"));
-    copyContent(directory.file("source"), target);
-    EXPECT_EQ(fs::status(directory.file("target")).permissions(), fs::perms::owner_read);
-}

@@ -1,10 +1,14 @@
 #include "host/platform/TemporaryFile.h"
 
 #include "host/platform/FileTesting.h"
+#include "host/platform/Files.h"
+#include "support/ChildTask.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
 #include <set>
 #include <string>
 #include <system_error>
@@ -90,14 +94,143 @@ TEST(TemporaryFile, isCommittedOrLeavesTheTargetUnchanged) {
     EXPECT_EQ(listing(directory.str()), "a\nd\n");
 }
 
-TEST(TemporaryFile, isCommittedByItsNameWhenAnotherProgramWroteIt) {
+TEST(TemporaryFile, isANewFileAfterAnotherProgramHasReplacedIt) {
     TempDir const directory;
     writeFile(directory.file("a"), "old");
-    std::string const written = temporaryPath(directory.file("a"));
-    EXPECT_THROW(commitFile(written, directory.file("a")), std::system_error);
-    EXPECT_EQ(readFile(directory.file("a")), "old");
-    writeFile(written, "new");
-    commitFile(written, directory.file("a"));
+    TemporaryFile file(directory.file("a"));
+    writeFile(directory.file("b"), "new");
+    std::filesystem::rename(directory.file("b"), file.path());
+    file.reopen();
+    EXPECT_EQ(file.file().size(), 3u);
+    file.commit();
     EXPECT_EQ(readFile(directory.file("a")), "new");
     EXPECT_EQ(listing(directory.str()), "a\n");
+}
+
+namespace {
+
+void setDaysBack(std::string const& path, int days) {
+    std::filesystem::last_write_time(
+        path, std::filesystem::file_time_type::clock::now() - std::chrono::hours(24 * days + 1));
+}
+
+cubes::test::ChildTask const writing(
+    "write a file", [](int, std::string const& path) { TemporaryFile const file(path); });
+
+// As an interrupted process leaves it.
+std::string leftover(std::string const& target, int days) {
+    auto const path = temporaryPath(target);
+    writeFile(path, "half");
+    setDaysBack(path, days);
+    return path;
+}
+
+}
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr fs::perms ownerWrites = fs::perms::owner_read | fs::perms::owner_write;
+constexpr fs::perms groupReads = ownerWrites | fs::perms::group_read;
+constexpr fs::perms allRead = groupReads | fs::perms::others_read;
+
+fs::perms rightsOf(std::string const& path) {
+    return fs::status(path).permissions();
+}
+
+bool hasRights(TempDir const& directory) {
+    writeFile(directory.file("rights"), "");
+    fs::permissions(directory.file("rights"), fs::perms::owner_read);
+    return rightsOf(directory.file("rights")) == fs::perms::owner_read;
+}
+
+}
+
+#define CUBES_REQUIRE_RIGHTS(directory)                                                                                \
+    if (!hasRights(directory)) GTEST_SKIP() << "SKIPPED: files are for all or for none to read here"
+
+TEST(TemporaryFile, keepsTheRightsOfTheFileThatItReplaces) {
+    TempDir const directory;
+    CUBES_REQUIRE_RIGHTS(directory);
+    auto const target = directory.file("a");
+    writeFile(target, "old");
+    for (auto const rights : {ownerWrites, groupReads, allRead | fs::perms::group_write, fs::perms::owner_read}) {
+        fs::permissions(target, rights);
+        TemporaryFile file(target);
+        EXPECT_EQ(rightsOf(file.path()) & ~(rights | fs::perms::owner_write), fs::perms::none);
+        file.file().writeAt(0, bytesOf("new"));
+        file.commit();
+        EXPECT_EQ(rightsOf(target), rights);
+    }
+}
+
+TEST(TemporaryFile, copiesAFileWithItsRightsUnlessItReplacesOne) {
+    TempDir const directory;
+    CUBES_REQUIRE_RIGHTS(directory);
+    writeFile(directory.file("private"), "content");
+    fs::permissions(directory.file("private"), ownerWrites);
+    writeFile(directory.file("old"), "old");
+    fs::permissions(directory.file("old"), groupReads);
+    replaceByCopy(directory.file("private"), directory.file("new"));
+    replaceByCopy(directory.file("private"), directory.file("old"));
+    EXPECT_EQ(rightsOf(directory.file("new")), ownerWrites);
+    EXPECT_EQ(rightsOf(directory.file("old")), groupReads);
+    EXPECT_EQ(readFile(directory.file("old")), "content");
+}
+
+TEST(Leftover, ofADayAgoIsRemovedByTheNextProcessThatWritesThere) {
+    TempDir const directory;
+    auto const old = leftover(directory.file("a"), 1);
+    auto const recent = leftover(directory.file("b"), 0);
+    { TemporaryFile const first(directory.file("c")); }
+    EXPECT_FALSE(exists(old));
+    EXPECT_TRUE(exists(recent));
+    auto const later = leftover(directory.file("a"), 1);
+    { TemporaryFile const second(directory.file("c")); }
+    EXPECT_TRUE(exists(later)) << "searched again by the same process";
+}
+
+TEST(Leftover, isSearchedOnceADayInADirectoryWithALockFile) {
+    TempDir const directory;
+    writeFile(directory.file(lockFileName), "");
+    auto const old = leftover(directory.file("a"), 1);
+    auto const write = [&] { EXPECT_EQ(writing.inProcesses(1, directory.file("c")), 1); };
+    write();
+    EXPECT_TRUE(exists(old));
+    setDaysBack(directory.file(lockFileName), 1);
+    write();
+    EXPECT_FALSE(exists(old));
+    auto const next = leftover(directory.file("a"), 1);
+    write();
+    EXPECT_TRUE(exists(next));
+}
+
+TEST(Leftover, isNotRemovedWhileItsWriterLives) {
+    TempDir const directory;
+    TemporaryFile written(directory.file("a"));
+    writeFile(directory.file("source"), "old content");
+    TemporaryFile copied(directory.file("b"));
+    copied.copyFrom(directory.file("source"));
+    TemporaryFile linked(directory.file("c"));
+    linked.linkTo(directory.file("source"));
+    for (auto const* const file : {&written, &copied, &linked}) {
+        setDaysBack(file->path(), 2);
+        EXPECT_FALSE(removeLeftover(file->path())) << file->path();
+    }
+    linked.publish();
+    EXPECT_EQ(readFile(directory.file("c")), "old content");
+    written.leave();
+    written.file().close();
+    setDaysBack(written.path(), 2);
+    EXPECT_TRUE(removeLeftover(written.path()));
+}
+
+TEST(Leftover, isNothingButAFile) {
+    TempDir const directory;
+    auto const folder = temporaryPath(directory.file("a"));
+    std::filesystem::create_directory(folder);
+    setDaysBack(folder, 2);
+    EXPECT_FALSE(removeLeftover(folder));
+    EXPECT_FALSE(removeLeftover(directory.file("missing")));
 }

@@ -43,8 +43,7 @@ TEST(ProjectFile, describesAProject) {
                                       "working_directory = 'w'\n"
                                       "storage = 'deflate'\n"
                                       "durability = 'process'\n"
-                                      "schema = 'delta_2'\n"
-                                      "something_later = 3\n");
+                                      "schema = 'delta_2'\n");
     EXPECT_EQ(file.database, "postgresql://server/db");
     EXPECT_EQ(file.matrixDirectory, fromUtf8("/m ü"));
     EXPECT_EQ(file.workingDirectory, "w");
@@ -77,10 +76,23 @@ TEST(ProjectFile, isRefusedWithItsLineWhenItIsInvalid) {
         {"\nstorage = 'zip'", ", line 2: 'storage' must be \"plain\" or \"deflate\", not \"zip\""},
         {"durability = 'Full'", ", line 1: 'durability' must be \"full\" or \"process\", not \"Full\""},
         {"[database]\nurl = 'x'", ", line 1: 'database' must be a text"},
+        {"\ndatabse = 'x'", ", line 2: there is no key 'databse'; did you mean 'database'?"},
+        {"Storage = 'plain'", ", line 1: there is no key 'Storage'; did you mean 'storage'?"},
+        {"directory = 'x'", ", line 1: there is no key 'directory'; did you mean 'matrix_directory'?"},
+        {"[store]\nx = 1", ", line 1: there is no key 'store'; did you mean 'storage'?"},
+        {"'' = 1", ", line 1: there is no key ''; did you mean 'schema'?"},
     };
     for (auto const& [text, reason] : refusals) EXPECT_EQ(whyRefused(text), reason) << text;
-    for (char const* const text : {"x\n", "\n\ndatabase = \"sqlite", "a = 1\na = 2", "\x01", "schema = \"\xff\""})
+    for (char const* const text :
+        {"x\n", "\n\ndatabase = \"sqlite", "schema = 'a'\nschema = 'b'", "\x01", "schema = \"\xff\""})
         EXPECT_EQ(whyRefused(text).substr(0, 7), ", line ") << text;
+}
+
+TEST(ProjectFile, isRefusedWhenItIsTooLarge) {
+    TempDir const directory;
+    std::string const most(65536, '\n');
+    EXPECT_EQ(read(directory, most).database, "sqlite:cubes.db");
+    EXPECT_EQ(whyRefused(most + "\n"), " is larger than 64 KiB, so it is not the file of a project");
 }
 
 TEST(ProjectFile, isRefusedWhenItCannotBeRead) {

@@ -1,5 +1,6 @@
 #include "Samples.h"
 
+#include "support/Damage.h"
 #include "support/Process.h"
 
 #include <gtest/gtest.h>
@@ -142,6 +143,39 @@ TEST_F(RouteRecord, ofRouteDataKeepsTheContentIdOfTheirRoutes) {
     EXPECT_EQ(dataSet(file, romRead)->countFields(), 7);
 }
 
+TEST_F(RouteRecord, showsThatAnotherProgramHasChangedTheContent) {
+    struct Kind {
+        void (*store)(std::string const& file);
+        void (*open)(std::string const& file, RouteOpenMode mode);
+        char const* change;
+    };
+    auto const storeRoutes = [](std::string const& path) { store(path, smallSet()); };
+    auto const openRoutes = [](std::string const& path, RouteOpenMode mode) { routeSet(path, mode); };
+    auto const openData = [](std::string const& path, RouteOpenMode mode) { dataSet(path, mode); };
+    Kind const kinds[] = {
+        {storeRoutes, openRoutes, "f['shares'][0] = 0.5"},
+        {storeRoutes, openRoutes, "f['links'][0] = 11"},
+        {storeFields, openData, "f['fields/0000'][0] = 1 - f['fields/0000'][0]"},
+    };
+    for (auto const& [storeFile, open, change] : kinds) {
+        SCOPED_TRACE(change);
+        storeFile(file);
+        damage(file, change);
+        std::string const before = readFile(file);
+        for (auto const mode : {romRead, romExtend}) {
+            open(file, mode);
+            EXPECT_EQ(lastError(), "cannot open " + file +
+                                       ": it was changed outside Cubes or damaged: its content does not match its "
+                                       "checksum; restore it, or accept the change by deleting its dataset "
+                                       "/cubes_index");
+        }
+        EXPECT_EQ(readFile(file), before);
+        damage(file, "del f['cubes_index']");
+        open(file, romRead);
+        EXPECT_EQ(lastError(), "");
+    }
+}
+
 TEST_F(RouteRecord, isNotNeededToReadAFile) {
     store(file, smallSet());
     Id128 const content = recordOf(file).content;
@@ -177,7 +211,7 @@ TEST_F(RouteRecord, isAddedToAFileOfTheFirstVersionWhenItIsWrittenAgain) {
     auto const set = routeSet(file, romExtend);
     set->setKey(6, 5, 4, 3, 2, 1);
     EXPECT_EQ(lastError(), "");
-    EXPECT_FALSE(cubes::hdf5::findRecord(cubes::platform::File::openForReading(file)));
+    EXPECT_EQ(recordOf(file).content, contentOf(directory.file("b.FDB"), smallSet()));
     EXPECT_EQ(set->commit(), rrDone);
     EXPECT_EQ(recordOf(file).content, contentOf(directory.file("b.FDB"), smallSet()));
     EXPECT_EQ(routesOf(*routeSet(file, romRead)), smallSet());

@@ -14,7 +14,7 @@ template <typename Content = cubes::routes::IndexedRoutes>
 Stamp stampOf(std::string const& file) {
     Stamp stamp;
     cubes::routes::readStoredFile(
-        file, Content::kind, [&](hid_t, cubes::routes::FileRoot const& root) { stamp = root.stamp; });
+        file, Content::kind, [&](auto const&, cubes::routes::FileRoot const& root) { stamp = root.stamp; });
     return stamp;
 }
 

@@ -1,8 +1,9 @@
-// A small disk that only one shell sees, and that fills up. If none can be mounted, a limit on the size of files
-// replaces it.
+// A small disk that fills up, and that only one shell sees. If none can be mounted, or CUBES_TEST_NO_MOUNT is set, the
+// programs of the shell pretend it.
 
 #include "ToolSession.h"
 
+#include <cstdlib>
 #include <optional>
 #include <random>
 
@@ -16,19 +17,17 @@ protected:
         BackendTest::SetUp();
         if (IsSkipped() || HasFatalFailure()) return;
         session_.emplace(backend());
-        mayMount_ = session_->run("unshare --mount mount -t tmpfs none .").exitCode == 0;
     }
 
-    /// Runs the lines with a small disk mounted on a directory.
-    ProcessResult runWithDisk(std::string const& where, std::string const& lines) const {
-        if (!mayMount_) return runWithLimit("256", lines);
-        session_->write("lines.sh", "mount -t tmpfs -o size=256k none " + where + "\n" + lines);
-        return session_->run("unshare --mount sh lines.sh");
-    }
-    /// Runs the lines with a full disk as the working directory.
-    ProcessResult runWithFullDisk(std::string const& lines) const {
-        if (!mayMount_) return runWithLimit("0", lines);
-        return runWithDisk(". && cd .", "head -c 10M /dev/zero > filler 2>/dev/null\n" + lines + "rm filler\n");
+    /// Runs the lines with a small disk as the content of a directory, which `fill FILE` fills up.
+    ProcessResult runWithDisk(std::string const& directory, std::string const& lines) const {
+        session_->write("lines.sh", "fill() { dd if=/dev/zero of=$1 bs=4096 count=1000 2>/dev/null; }\n" + lines);
+        session_->run("mkdir -p " + directory);
+        if (mayMount())
+            return session_->run(
+                "unshare --mount sh -c 'mount -t tmpfs -o size=256k none " + directory + "; . ./lines.sh'");
+        return session_->run("CUBES_DISK=" + session_->file(directory) +
+                             " CUBES_DISK_SIZE=262144 LD_PRELOAD=" CUBES_FAULTY_DISK " sh lines.sh");
     }
     /// Small files of routes and their data, and a large one that is hard to compress.
     void writeRoutes() const {
@@ -44,20 +43,16 @@ protected:
                      std::to_string(random()) + ",1\n";
         session_->write("large.csv", large);
     }
-    void expectReason(std::string const& errors) const {
-        auto const* const reason = mayMount_ ? "No space left on device" : "File too large";
-        EXPECT_NE(errors.find(reason), std::string::npos) << errors;
+    static void expectReason(std::string const& errors) {
+        EXPECT_NE(errors.find("No space left on device"), std::string::npos) << errors;
     }
 
     std::optional<ToolSession> session_;
-    bool mayMount_ = false;
 
 private:
-    ProcessResult runWithLimit(std::string const& kibibytes, std::string const& lines) const {
-        // Results and messages are redirected to files, so that they do not need the disk.
-        session_->write("lines.sh",
-            "{ { trap '' XFSZ; ulimit -f " + kibibytes + "\n" + lines + "\n} 2>&1 1>&3 | cat >&2; } 3>&1 | cat\n");
-        return session_->run("bash lines.sh");
+    bool mayMount() const {
+        return !std::getenv("CUBES_TEST_NO_MOUNT") &&
+               session_->run("unshare --mount mount -t tmpfs none .").exitCode == 0;
     }
 };
 
@@ -85,7 +80,6 @@ cubes list
 
 // The disk has room for one file of this size.
 TEST_P(FullDisk, leavesNothingOfACopyAndDoesNotPreventAMove) {
-    if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
     session_->makeProject();
     session_->run("/usr/bin/python3 -c \"n = range(1, 191)\nprint(',' + ','.join(map(str, n)))\n"
                   "for i in n: print(i, *n, sep=',')\" > medium.csv");
@@ -145,13 +139,12 @@ cubes list
 }
 
 TEST_P(FullDisk, hasNoRoomEvenForASmallRouteFile) {
-    if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
     session_->makeProject();
     writeRoutes();
     auto const result = runWithDisk("results", R"(
 cubes routes import small.csv routes/1/1/1/1/1/1 >/dev/null
 cubes routes import data.csv routedata/1/1/1/1/1/1 >/dev/null
-head -c 10M /dev/zero > results/filler 2>/dev/null
+fill results/filler
 cubes routes import other.csv routes/1/1/1/1/1/1; echo $?
 cubes routes import data.csv routedata/1/1/1/1/1/1; echo $?
 cubes routes import data.csv routedata/1/1/1/1/1/2; echo $?
@@ -168,14 +161,17 @@ ls -A results/RouteStorage_Routes
     expectReason(result.errors);
 }
 
-TEST_P(FullDisk, isReportedByAProjectThatCanOnlyBeRead) {
-    if (!mayMount_) GTEST_SKIP() << "SKIPPED: no disk may be mounted here";
-    if (backend() != Backend::sqlite) GTEST_SKIP() << "SKIPPED: the database of the server is on another disk";
+// Only the database of SQLite is on the project's disk.
+class FullDatabaseDisk : public FullDisk {};
+INSTANTIATE_TEST_SUITE_P(, FullDatabaseDisk, testing::Values(Backend::sqlite),
+    [](auto const& parameter) { return backendName(parameter.param); });
+
+TEST_P(FullDatabaseDisk, isReportedByAProjectThatCanOnlyBeRead) {
     session_->run("mkdir disk");
     session_->write("trips.csv", "origin,destination,value\n1,2,3\n");
     auto const result = runWithDisk("disk",
         "cubes init disk/delta > made && cubes import trips.csv Trips/1/1/1/1 --project disk/delta > made\n"
-        "head -c 10M /dev/zero > disk/filler 2>/dev/null\n"
+        "fill disk/filler\n"
         "cubes cell Trips/1/1/1/1 1 2 --project disk/delta\n"
         "cubes use Trips/1/1/1/1 +1 --project disk/delta\n"
         "rm disk/filler\n"
@@ -186,7 +182,8 @@ TEST_P(FullDisk, isReportedByAProjectThatCanOnlyBeRead) {
 
 // What the directory held before stays.
 TEST_P(FullDisk, leavesNothingOfADemo) {
-    auto const result = runWithDisk(". && cd .", R"(
+    auto const result = runWithDisk("disk", R"(
+cd disk
 mkdir mine && echo text > mine/notes
 cubes demo mine; echo $?
 cubes demo other/city; echo $?
@@ -198,7 +195,9 @@ ls -d other
 }
 
 TEST_P(FullDisk, leavesNothingOfANewProject) {
-    auto const result = runWithFullDisk(R"(
+    auto const result = runWithDisk("disk", R"(
+cd disk
+fill filler
 cubes init city; echo $?
 ls -d city
 )");

@@ -1,5 +1,7 @@
 #include "BadFile.h"
 
+#include "support/Variable.h"
+
 #include <fmt/format.h>
 
 #include <bit>
@@ -148,8 +150,12 @@ TEST(CsvReader, readsAValueTooSmallForACellAsZero) {
 
 TEST(CsvReader, refusesMoreZonesThanATableCanHave) {
     std::string content = "origin,destination,value\n";
-    for (int zone = 1; zone <= 32'768; ++zone) content += fmt::format("{0},{0},1\n", zone);
-    EXPECT_EQ(refusal("t.csv", content), "it has 32768 zones, more than 32767");
+    for (int zone = 1; zone <= 40'001; ++zone) content += fmt::format("{0},{0},1\n", zone);
+    EXPECT_EQ(refusal("t.csv", content),
+        "it has 40001 zones, more than 40000; allow more with --max-zones or CUBES_MAX_ZONES");
+    cubes::test::Variable const lower("CUBES_MAX_ZONES", "2");
+    EXPECT_EQ(refusal("t.csv", "zone,1,2,3\n"),
+        "it has 3 zones, more than 2; allow more with --max-zones or CUBES_MAX_ZONES");
 }
 
 namespace {

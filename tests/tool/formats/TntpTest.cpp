@@ -65,6 +65,15 @@ TEST(TntpReader, ignoresAnImpossibleNumberOfZones) {
     EXPECT_EQ(trips.warnings, Warnings{"the header gives 2000000000 zones, but 2 occur in the file"});
 }
 
+TEST(TntpReader, ignoresMoreZonesThanAShortTextCanHave) {
+    std::string const rest = "\n<END OF METADATA>\nOrigin 1\n2 : 4;";
+    EXPECT_EQ(read("<NUMBER OF ZONES> 3000" + rest).rows, 3000);
+    auto const trips = read("<NUMBER OF ZONES> 32767" + rest);
+    EXPECT_EQ(trips.zones, (Zones{1, 2}));
+    EXPECT_EQ(trips.warnings, Warnings{"the header gives 32767 zones, but 2 occur in the file"});
+    EXPECT_EQ(read("<NUMBER OF ZONES> 4500" + rest + std::string(4500, '\n')).rows, 4500);
+}
+
 TEST(TntpReader, warnsOfATotalThatDisagreesWithTheCells) {
     auto const trips = read(header + "Origin 1\n2 : 9;\nOrigin 2\n");
     EXPECT_EQ(trips.warnings, Warnings{"the header gives a total of 10, but the cells add up to 9"});

@@ -109,7 +109,7 @@ INSTANTIATE_TEST_SUITE_P(Header, BadRouteDataCsv,
         BadFile{"emptyNameBeforeAType", "route,:float\n0,1\n", std::string("line 1: found ':float', ") + typeError},
         BadFile{"unknownType", "route,a:text\n0,1\n", std::string("line 1: found 'a:text', ") + typeError},
         BadFile{"controlCharacterInAName", "route,a\tb\n0,1\n",
-            "line 1: found 'a?b', expected a name without control characters"},
+            "line 1: found 'a\\tb', expected a name without control characters"},
         BadFile{"emptyType", "route,a:\n0,1\n", std::string("line 1: found 'a:', ") + typeError}),
     nameOf);
 

@@ -34,8 +34,14 @@ std::string Dialect::caseIgnoringIndex(
     return "CREATE INDEX ON " + quoted(table) + " (" + lower(quoted(column)) + ", " + quoted(key) + ")";
 }
 
+std::string Dialect::schemasWith(std::string const& table) const {
+    return "SELECT nspname::text FROM pg_catalog.pg_class JOIN pg_catalog.pg_namespace n ON n.oid = relnamespace "
+           "WHERE relkind IN ('r', 'p', 'v', 'f') AND relname = '" +
+           table + "'";
+}
+
 std::string Dialect::beginWriting() const {
-    return "BEGIN ISOLATION LEVEL READ COMMITTED; SET LOCAL lock_timeout = '10s'";
+    return "BEGIN ISOLATION LEVEL READ COMMITTED";
 }
 
 // "IF NOT EXISTS" alone fails when two processes pass it at once.
@@ -43,8 +49,10 @@ std::string Dialect::lockDefinitions() const {
     return "SELECT pg_advisory_xact_lock(hashtext('cubes: table definitions'))";
 }
 
+// The weakest mode that also keeps others from locking rows: whoever holds one and waits for the table would deadlock
+// with this transaction.
 std::string Dialect::lockTable(std::string const& quotedTable) const {
-    return "LOCK TABLE " + quotedTable + " IN SHARE ROW EXCLUSIVE MODE";
+    return "LOCK TABLE " + quotedTable + " IN EXCLUSIVE MODE";
 }
 
 std::string Dialect::lockRows() const {

@@ -17,6 +17,7 @@ public:
     std::string tableOptions() const override;
     std::string caseIgnoringIndex(
         std::string const& table, std::string const& column, std::string const& key) const override;
+    std::string schemasWith(std::string const& table) const override;
     std::string beginWriting() const override;
     std::string lockDefinitions() const override;
     std::string lockTable(std::string const& quotedTable) const override;

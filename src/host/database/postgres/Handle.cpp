@@ -6,30 +6,21 @@
 
 #include <libpq-fe.h>
 
+#include <cctype>
 #include <cstring>
 
 namespace cubes::database::postgres {
 
 namespace {
 
-// Throws unless libpq can read the URL. Its reason quotes the URL, so it is shown only where
-// there is nothing to hide.
+// libpq's reason would quote the URL.
 void requireReadable(std::string const& url) {
-    if (isAmbiguous(url))
-        throw TRkDatabaseException("the database URL '" + withoutPassword(url) +
-                                       "' is not valid: \"/\" and \"@\" in a password are written %2F and %40",
-            sqlstate::cannotConnect);
-    char* reason = nullptr;
-    PQconninfoOption* const options = PQconninfoParse(url.c_str(), &reason);
-    std::string const detail = reason ? trimmed(reason) : "out of memory";
-    PQfreemem(reason);
-    if (!options) {
-        std::string const shown = withoutPassword(url);
-        throw TRkDatabaseException(
-            "the database URL '" + shown + "' is not valid" + (shown == url ? ": " + detail : std::string()),
-            sqlstate::cannotConnect);
-    }
-    PQconninfoFree(options);
+    if (isReadable(url)) return;
+    throw TRkDatabaseException(
+        "the database URL is not valid: it is written postgresql://USER@HOST:PORT/DATABASE, with "
+        "%2F and %40 for \"/\" and \"@\" in a password; it is not shown because it may hold a "
+        "password",
+        sqlstate::cannotConnect);
 }
 
 void ignoreNotice(void* /*context*/, PGresult const* /*notice*/) {}
@@ -38,18 +29,19 @@ std::string textOf(char const* text) {
     return text ? text : "";
 }
 
-// The server's reason and what to do about it. That a database is read-only is put in terms of the statement.
-std::string explained(std::string const& reason, std::string const& sqlState) {
-    if (sqlState == sqlstate::readOnly) return "it is read-only; ask its owner for permission to write";
-    if (sqlState == sqlstate::missingRight) return reason + "; ask the owner of the database for this right";
-    return sqlState == sqlstate::locked ? reason + "; try again later" : reason;
 }
 
-}
-
+// On one line: libpq puts what to look at on lines of its own.
 std::string trimmed(char const* text) {
-    std::string result = textOf(text);
-    while (!result.empty() && (result.back() == '\n' || result.back() == ' ')) result.pop_back();
+    std::string result;
+    for (char const* letter = text ? text : ""; *letter; ++letter) {
+        bool const isBlank = std::isspace(static_cast<unsigned char>(*letter)) != 0;
+        if (!isBlank)
+            result += *letter;
+        else if (!result.empty() && result.back() != ' ')
+            result += ' ';
+    }
+    if (result.ends_with(' ')) result.pop_back();
     return result;
 }
 
@@ -91,6 +83,16 @@ std::string Handle::where() const {
     std::string const port = textOf(PQport(connection_));
     return "PostgreSQL server '" + host + (port.empty() ? "" : ":" + port) + "', database '" +
            textOf(PQdb(connection_)) + "'";
+}
+
+// The server's reason and what to do about it. That a database is read-only is put in terms of the statement.
+std::string Handle::explained(std::string const& reason, std::string const& sqlState) const {
+    if (sqlState == sqlstate::readOnly) return "it is read-only; ask its owner for permission to write";
+    if (sqlState == sqlstate::missingRight) return reason + "; ask the owner of the database for this right";
+    if (sqlState == sqlstate::locked)
+        return "other connections, of this program or of others, have kept it locked for more than " + lockTimeout_ +
+               "; try again later";
+    return reason;
 }
 
 TRkDatabaseException Handle::failure(pg_result const* result, std::string const& statement) const {

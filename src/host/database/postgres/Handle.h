@@ -30,6 +30,8 @@ public:
     /// The encoding of the database, as the server names it.
     std::string encoding() const;
     bool isLost() const noexcept;
+    /// How long statements wait for locks, as the server writes it: "10s".
+    void waitsForLocks(std::string time) { lockTimeout_ = std::move(time); }
     /// Also after the connection was lost inside a transaction.
     bool isInTransaction() const noexcept { return isInTransaction_; }
     /// The result when it is a success. Throws TRkDatabaseException.
@@ -38,11 +40,13 @@ public:
 
 private:
     std::string where() const;
+    std::string explained(std::string const& reason, std::string const& sqlState) const;
     TRkDatabaseException failure(pg_result const* result, std::string const& statement) const;
 
     pg_conn* connection_ = nullptr;
     unsigned long forkCount_ = platform::forkCount();
     mutable bool isInTransaction_ = false;
+    std::string lockTimeout_;
 };
 
 /// The texts of libpq without the line ends around them.

@@ -2,6 +2,7 @@
 
 #include "host/database/Conversion.h"
 #include "host/database/DatabaseUrl.h"
+#include "host/database/LockTimeout.h"
 #include "host/database/SqlState.h"
 
 #include <libpq-fe.h>
@@ -15,11 +16,20 @@ namespace cubes::database::postgres {
 namespace {
 
 // A look-up's plan does not depend on its values, so that planning once is enough. The result is
-// whether there is a collation that knows the letters of all languages.
+// whether there is a collation that knows the letters of all languages, and how long locks are waited for.
 constexpr char const* introduction =
     "SET plan_cache_mode = force_generic_plan;"
     "SELECT EXISTS (SELECT FROM pg_catalog.pg_collation WHERE collname = 'und-x-icu'"
-    " AND collnamespace = 'pg_catalog'::regnamespace) AND getdatabaseencoding() = 'UTF8'";
+    " AND collnamespace = 'pg_catalog'::regnamespace) AND getdatabaseencoding() = 'UTF8',"
+    " current_setting('lock_timeout')";
+
+// The URL, the environment of libpq, the role or the database may set a limit; there always is one.
+std::string settingLockTimeout() {
+    auto const given = givenLockTimeout();
+    auto const milliseconds = std::to_string(given.value_or(defaultLockTimeout).count());
+    return "SELECT set_config('lock_timeout', '" + milliseconds + "', false)" +
+           (given ? ";" : " WHERE current_setting('lock_timeout') = '0';");
+}
 
 constexpr char const* description =
     "SELECT a.attname, t.typname, a.atttypmod, array_position(i.indkey::int2[], a.attnum)"
@@ -119,9 +129,10 @@ void Session::connect() {
     server_.reset();
     server_ = std::make_unique<Handle>(fullUrl_);
     ++connectionNumber_;
-    Result const answer = server_->execute(introduction);
+    Result const answer = server_->execute(settingLockTimeout() + introduction);
     bool const knowsLetters = std::strcmp(PQgetvalue(answer.get(), 0, 0), "t") == 0;
     dialect_.setCollation(knowsLetters ? "pg_catalog.\"und-x-icu\"" : "");
+    server_->waitsForLocks(PQgetvalue(answer.get(), 0, 1));
 }
 
 Handle const& Session::connected() {

@@ -43,6 +43,13 @@ std::string Dialect::caseIgnoringIndex(
            " COLLATE NOCASE, " + quoted(key) + ")";
 }
 
+// The schema is the part of a table's name before the last point.
+std::string Dialect::schemasWith(std::string const& table) const {
+    std::string const length = std::to_string(table.size() + 1);
+    return "SELECT substr(name, 1, length(name) - " + length + ") FROM sqlite_master WHERE type IN ('table', 'view') " +
+           "AND substr(name, -" + length + ") = '." + table + "'";
+}
+
 std::string Dialect::beginWriting() const {
     return "BEGIN IMMEDIATE";
 }

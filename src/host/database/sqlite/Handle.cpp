@@ -1,5 +1,6 @@
 #include "host/database/sqlite/Handle.h"
 
+#include "host/database/LockTimeout.h"
 #include "host/database/SqlState.h"
 #include "host/database/sqlite/Dialect.h"
 #include "host/platform/Files.h"
@@ -8,41 +9,26 @@
 
 #include <sqlite3.h>
 
-#include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <string_view>
-#include <thread>
+#include <system_error>
 #include <utility>
 
 namespace cubes::database::sqlite {
 
-std::chrono::milliseconds longestWait{10000};
-
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-// A thread waits in one operation at a time, whose first attempt starts the clock: the session's
-// lock keeps other threads off the connection meanwhile.
-thread_local Clock::time_point waitingSince;
-
-// Waits a moment and returns 1 to try again, 0 to give up. A commit takes a few hundred
-// microseconds, so the waits are of that size; SQLite's own handler soon sleeps for a tenth of a second.
-int waitForOthers(void* /*context*/, int attempt) noexcept {
-    if (attempt == 0) waitingSince = Clock::now();
-    if (Clock::now() - waitingSince > longestWait) return 0;
-    // 20 microseconds at first, up to 1 ms for a writer that takes its time.
-    std::this_thread::sleep_for(std::chrono::microseconds(std::min(20 * (attempt + 1), 1000)));
-    return 1;
+// SQLite calls it while others have the lock that it needs: 1 tries again, 0 gives up.
+int waitForOthers(void* queue, int attempt) noexcept {
+    return static_cast<WriterQueue*>(queue)->waitForLocks(attempt) ? 1 : 0;
 }
 
 // Repeats an operation that SQLite refuses while others write without asking the handler.
 template <typename Operation>
-int retryWhileBusy(Operation const& operation) {
+int retryWhileBusy(WriterQueue& queue, Operation const& operation) {
     for (int attempt = 0;; ++attempt) {
         int const code = operation();
-        if ((code & 0xFF) != SQLITE_BUSY || !waitForOthers(nullptr, attempt)) return code;
+        if ((code & 0xFF) != SQLITE_BUSY || !queue.waitForLocks(attempt)) return code;
     }
 }
 
@@ -76,15 +62,26 @@ char const* sqlStateOf(int code) {
     return sqlstate::general;
 }
 
-std::string reason(int code, sqlite3* database) {
+// A page that cannot be read is a damaged one to SQLite.
+std::string lastFailureToRead(sqlite3* database) {
+    int code = 0;
+    sqlite3_file_control(database, nullptr, SQLITE_FCNTL_LAST_ERRNO, &code);
+    std::error_code const failure(code, std::system_category());
+    return failure == std::errc::io_error ? failure.message() : std::string();
+}
+
+std::string reason(int code, sqlite3* database, std::chrono::milliseconds longestWait) {
     if (code == SQLITE_BUSY_SNAPSHOT)
         return "another connection has changed it since this transaction began to read; roll back and try again";
     if ((code & 0xFF) == SQLITE_BUSY)
-        return "another connection has been writing to it for more than " + std::to_string(longestWait.count()) +
-               " ms; try again later";
+        return "other connections, of this program or of others, have been writing to it for more than " +
+               textOf(longestWait) + "; try again later";
     if ((code & 0xFF) == SQLITE_READONLY)
         return "it is read-only; to change it, get permission to write the file and its directory";
-    if ((code & 0xFF) == SQLITE_CORRUPT) return "it is damaged; restore it from a backup";
+    if ((code & 0xFF) == SQLITE_CORRUPT) {
+        auto const failure = lastFailureToRead(database);
+        return failure.empty() ? "it is damaged; restore it from a backup" : "it cannot be read: " + failure;
+    }
     return platform::fromUtf8(sqlite3_errmsg(database));
 }
 
@@ -161,7 +158,8 @@ bool needsToWrite(TRkDatabaseException const& error) {
 
 }
 
-Handle::Handle(std::string path) : path_(std::move(path)) {
+Handle::Handle(std::string path)
+    : path_(std::move(path)), queue_(path_, givenLockTimeout().value_or(defaultLockTimeout)) {
     refuseFragment(path_);
     try {
         open(platform::toUtf8(path_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
@@ -182,7 +180,8 @@ void Handle::open(std::string const& name, int flags) {
         sqlite3_open_v2(name.c_str(), &database_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     if (code != SQLITE_OK)
         throw TRkDatabaseException(
-            "SQLite database '" + path_ + "': " + whyNotOpened(path_, reason(code, database_)), sqlStateOf(code));
+            "SQLite database '" + path_ + "': " + whyNotOpened(path_, reason(code, database_, queue_.longestWait())),
+            sqlStateOf(code));
 }
 
 // Without its log, the file holds everything as long as nobody writes to it, which is checked
@@ -211,7 +210,9 @@ void Handle::requireUnchanged() const {
 
 // Statements that a cursor still holds keep what they need until they are gone.
 Handle::~Handle() {
-    if (!isInherited()) sqlite3_close_v2(database_);
+    if (isInherited()) return;
+    if (canWrite()) queue_.removeFile();
+    sqlite3_close_v2(database_);
 }
 
 bool Handle::isInTransaction() const noexcept {
@@ -219,7 +220,7 @@ bool Handle::isInTransaction() const noexcept {
 }
 
 void Handle::prepareForUse() const {
-    sqlite3_busy_handler(database_, waitForOthers, nullptr);
+    sqlite3_busy_handler(database_, waitForOthers, &queue_);
     sqlite3_create_function(
         database_, lowerCaseFunction, 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, lowerCase, nullptr, nullptr);
     // The first question that reads the file finds out whether it is a database at all.
@@ -227,7 +228,8 @@ void Handle::prepareForUse() const {
     if (sqlite3_db_readonly(database_, "main") == 1) return;
     // With a log beside it, the file can be read while another process writes, and a commit
     // flushes once. Where the file system does not let the log be shared SQLite does without.
-    retryWhileBusy([this] { return sqlite3_exec(database_, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr); });
+    retryWhileBusy(
+        queue_, [this] { return sqlite3_exec(database_, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr); });
     execute("PRAGMA synchronous = FULL");
 }
 
@@ -238,14 +240,44 @@ TRkDatabaseException Handle::failure(std::string const& statement) const {
                     "': the disk was full when it was opened, so that it can only be read; make room on the disk and "
                     "open it again",
             sqlstate::diskFull, statement};
-    std::string const message = "SQLite database '" + path_ + "': " + reason(code, database_);
+    std::string const message = "SQLite database '" + path_ + "': " + reason(code, database_, queue_.longestWait());
     bool const noTable = std::string_view(sqlite3_errmsg(database_)).starts_with("no such table");
     return {message, noTable ? sqlstate::missingTable : sqlStateOf(code), statement};
 }
 
+// A database in memory has no file.
+bool Handle::canWrite() const noexcept {
+    char const* const file = sqlite3_db_filename(database_, "main");
+    return file && *file && sqlite3_db_readonly(database_, "main") == 0;
+}
+
+// A transaction that has begun to read must not wait: its snapshot would be outdated by then, and in the journal mode
+// without shared memory a writer waits for it.
+Handle::Turn::Turn(Handle const& handle, sqlite3_stmt* statement) : handle_(handle) {
+    bool const begins = sqlite3_txn_state(handle.database_, "main") == SQLITE_TXN_NONE;
+    if (begins && sqlite3_stmt_readonly(statement) == 0 && handle.canWrite()) handle.queue_.enter();
+}
+
+Handle::Turn::~Turn() {
+    handle_.queue_.leave(sqlite3_txn_state(handle_.database_, "main") == SQLITE_TXN_WRITE);
+}
+
+void Handle::run(sqlite3_stmt* statement, std::string const& sql) const {
+    Turn const turn(*this, statement);
+    int code = sqlite3_step(statement);
+    while (code == SQLITE_ROW) code = sqlite3_step(statement);
+    sqlite3_finalize(statement);
+    if (code != SQLITE_DONE) throw failure(sql);
+}
+
 void Handle::execute(std::string const& sql) const {
-    if (sqlite3_exec(database_, platform::toUtf8(sql).c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-        throw failure(sql);
+    std::string const text = platform::toUtf8(sql);
+    for (char const* rest = text.c_str(); *rest != '\0';) {
+        sqlite3_stmt* statement = nullptr;
+        if (sqlite3_prepare_v2(database_, rest, -1, &statement, &rest) != SQLITE_OK) throw failure(sql);
+        // White space and comments are no statement.
+        if (statement) run(statement, sql);
+    }
 }
 
 }

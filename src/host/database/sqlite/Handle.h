@@ -1,22 +1,19 @@
 #pragma once
 
+#include "host/database/sqlite/WriterQueue.h"
 #include "host/platform/System.h"
 
 #include <cubes/database/TRkDatabaseException.h>
 
-#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 
 struct sqlite3;
+struct sqlite3_stmt;
 
 namespace cubes::database::sqlite {
-
-/// How long one operation waits for other processes that write.
-/// Tests make it shorter.
-extern std::chrono::milliseconds longestWait;
 
 /// By which a change of a database file is noticed.
 struct FileState {
@@ -50,7 +47,23 @@ public:
     /// Throws where the file was opened as one that nobody changes, and changed since.
     void requireUnchanged() const;
 
+    /// A statement's turn to write, in fair order with all connections of ours; the transaction that it begins keeps
+    /// the turn. Without effect for a statement that only reads, and inside a transaction.
+    class Turn {
+    public:
+        /// REQUIRES: both outlive this object.
+        Turn(Handle const& handle, sqlite3_stmt* statement);
+        ~Turn();
+        Turn(Turn const&) = delete;
+        Turn& operator=(Turn const&) = delete;
+
+    private:
+        Handle const& handle_;
+    };
+
 private:
+    bool canWrite() const noexcept;
+    void run(sqlite3_stmt* statement, std::string const& sql) const;
     void open(std::string const& name, int flags);
     void openUnchanging();
     void prepareForUse() const;
@@ -61,6 +74,7 @@ private:
     // Set where the file is read without the means to notice writers.
     std::optional<FileState> unchanged_;
     bool isDiskFull_ = false;
+    mutable WriterQueue queue_;
 };
 
 }

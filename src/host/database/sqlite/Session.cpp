@@ -147,6 +147,7 @@ void Statement::addRow(int columns, Cells& cells) {
 
 std::size_t Statement::run(std::span<Value const> values, Cells& cells) {
     std::lock_guard const lock(*mutex_);
+    Handle::Turn const turn(*handle_, statement_);
     Reset const reset{statement_};
     int place = 0;
     for (Value const& value : values) bind(++place, value);

@@ -17,9 +17,20 @@ namespace {
 // descriptor of the file releases nothing.
 #ifdef F_OFD_SETLK
 constexpr int setLock = F_OFD_SETLK;
+constexpr int getLock = F_OFD_GETLK;
 #else
 constexpr int setLock = F_SETLK;
+constexpr int getLock = F_GETLK;
 #endif
+
+struct flock exclusive(std::uint64_t position, std::uint64_t length) {
+    struct flock request {};
+    request.l_type = F_WRLCK;
+    request.l_whence = SEEK_SET;
+    request.l_start = static_cast<off_t>(position);
+    request.l_len = static_cast<off_t>(length);
+    return request;
+}
 
 int descriptor(std::intptr_t native) {
     return static_cast<int>(native);
@@ -50,10 +61,40 @@ File File::createNew(std::string const& path) {
     return File(opened, path);
 }
 
+File File::createLike(std::string const& path, std::string const& model) {
+    struct stat status {};
+    bool const isKnown = ::stat(model.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    mode_t const mode = isKnown ? (status.st_mode & 0777) | S_IRUSR | S_IWUSR : 0666;
+    int const opened = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (opened < 0) throwSystemFailure("cannot create", path);
+    return File(opened, path);
+}
+
+File File::openExisting(std::string const& path) {
+    // Opening a named pipe must not block.
+    int const opened = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (opened < 0) throwSystemFailure("cannot open", path);
+    File file(opened, path);
+    if (!S_ISREG(statusOf(opened, path).st_mode))
+        throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
+    return file;
+}
+
 File File::openShared(std::string const& path) {
     int const opened = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
     if (opened < 0) throwSystemFailure("cannot open", path);
     return File(opened, path);
+}
+
+File File::openLog(std::string const& path) {
+    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    int const opened = ::open(path.c_str(), flags, 0666);
+    if (opened < 0) throwSystemFailure("cannot open", path);
+    File file(opened, path);
+    auto const status = statusOf(opened, path);
+    if (!S_ISREG(status.st_mode) || status.st_nlink != 1)
+        throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
+    return file;
 }
 
 std::uint64_t File::size() const {
@@ -81,6 +122,15 @@ void File::writeAt(std::uint64_t offset, std::span<std::byte const> bytes) {
     }
 }
 
+void File::append(std::string_view text) {
+    while (!text.empty()) {
+        ssize_t const put = ::write(descriptor(native_), text.data(), text.size());
+        if (put < 0 && errno == EINTR) continue;
+        if (put < 0) throwSystemFailure("cannot write", path_);
+        text.remove_prefix(static_cast<std::size_t>(put));
+    }
+}
+
 void File::beginFlush([[maybe_unused]] std::uint64_t offset, [[maybe_unused]] std::uint64_t length) noexcept {
 #ifdef SYNC_FILE_RANGE_WRITE
     ::sync_file_range(
@@ -94,6 +144,25 @@ void File::flush() {
 
 void File::close() noexcept {
     if (native_ != none) ::close(descriptor(std::exchange(native_, none)));
+}
+
+void File::finish() {
+    if (native_ == none) return;
+    if (::close(descriptor(std::exchange(native_, none))) != 0 && errno != EINTR)
+        throwSystemFailure("cannot write", path_);
+}
+
+bool File::tryLock(std::uint64_t position) {
+    struct flock request = exclusive(position, 1);
+    if (::fcntl(descriptor(native_), setLock, &request) == 0) return true;
+    if (errno == EAGAIN || errno == EACCES) return false;
+    throwSystemFailure("cannot lock", path_);
+}
+
+void File::unlock() noexcept {
+    struct flock request = exclusive(0, 0);
+    request.l_type = F_UNLCK;
+    ::fcntl(descriptor(native_), setLock, &request);
 }
 
 FileView FileView::open(std::string const& path) {
@@ -112,16 +181,10 @@ void FileView::unmap() noexcept {
     bytes_ = {};
 }
 
-std::optional<ByteLock> ByteLock::tryTake(std::string const& path, std::uint64_t position) {
-    File file = File::openShared(path);
-    struct flock request {};
-    request.l_type = F_WRLCK;
-    request.l_whence = SEEK_SET;
-    request.l_start = static_cast<off_t>(position);
-    request.l_len = 1;
-    if (::fcntl(descriptor(file.native()), setLock, &request) == 0) return ByteLock(std::move(file));
-    if (errno == EAGAIN || errno == EACCES) return std::nullopt;
-    throwSystemFailure("cannot lock", path);
+bool ByteLock::isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
+    struct flock request = exclusive(position, length);
+    if (::fcntl(descriptor(file_->native()), getLock, &request) != 0) throwSystemFailure("cannot lock", file_->path());
+    return request.l_type != F_UNLCK;
 }
 
 }

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -29,10 +30,11 @@ int descriptorOf(File const& file) {
     return static_cast<int>(file.native());
 }
 
-// The copy is readable by the same users. A file system without permissions has none to copy.
-void keepRights(File const& source, File const& target) {
+// The permissions of a regular file; nothing for anything else.
+std::optional<mode_t> rightsOf(std::string const& path) {
     struct stat status {};
-    if (::fstat(descriptorOf(source), &status) == 0) ::fchmod(descriptorOf(target), status.st_mode);
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    return status.st_mode & 0777;
 }
 
 bool isSameInode(struct stat const& first, struct stat const& second) {
@@ -113,7 +115,6 @@ bool discardFile(std::string const& path) noexcept {
 
 void copyContent(std::string const& source, File& target) {
     File const original = File::openForReading(source);
-    keepRights(original, target);
     if (clone(original, target)) return;
     auto const size = original.size();
     std::vector<std::byte> buffer;
@@ -122,6 +123,20 @@ void copyContent(std::string const& source, File& target) {
         original.readAt(done, buffer);
         target.writeAt(done, buffer);
     }
+}
+
+bool touch(std::string const& path) noexcept {
+    return ::utimensat(AT_FDCWD, path.c_str(), nullptr, 0) == 0;
+}
+
+void takeRights(File& file, std::string const& model) noexcept {
+    if (auto const rights = rightsOf(model)) ::fchmod(descriptorOf(file), *rights);
+}
+
+void limitRights(File& file, std::string const& model) noexcept {
+    struct stat own {};
+    auto const rights = rightsOf(model);
+    if (rights && ::fstat(descriptorOf(file), &own) == 0) ::fchmod(descriptorOf(file), own.st_mode & *rights);
 }
 
 bool removeTree(std::string const& directory) {

@@ -36,6 +36,17 @@ OVERLAPPED at(std::uint64_t offset) {
     return position;
 }
 
+// False when somebody else holds one of the bytes.
+bool lockBytes(File const& file, std::uint64_t position, std::uint64_t length) {
+    OVERLAPPED where = at(position);
+    constexpr DWORD exclusiveNow = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+    auto const low = static_cast<DWORD>(length);
+    auto const high = static_cast<DWORD>(length >> 32);
+    if (::LockFileEx(handle(file.native()), exclusiveNow, 0, low, high, &where)) return true;
+    if (::GetLastError() == ERROR_LOCK_VIOLATION || ::GetLastError() == ERROR_IO_PENDING) return false;
+    throwSystemFailure("cannot lock", file.path());
+}
+
 }
 
 File File::openForReading(std::string const& path) {
@@ -46,8 +57,30 @@ File File::createNew(std::string const& path) {
     return File(openFile("cannot create", path, GENERIC_READ | GENERIC_WRITE, CREATE_NEW), path);
 }
 
+// A file gets the rights that its directory hands down.
+File File::createLike(std::string const& path, std::string const&) {
+    return createNew(path);
+}
+
+File File::openExisting(std::string const& path) {
+    return File(openFile("cannot open", path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING), path);
+}
+
 File File::openShared(std::string const& path) {
     return File(openFile("cannot open", path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS), path);
+}
+
+File File::openLog(std::string const& path) {
+    // Opens a link itself and not its target.
+    HANDLE const opened = ::CreateFileW(toPath(path).c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES, shareAll,
+        nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) throwSystemFailure("cannot open", path);
+    File file(reinterpret_cast<std::intptr_t>(opened), path);
+    BY_HANDLE_FILE_INFORMATION found{};
+    bool const isKnown = ::GetFileType(opened) == FILE_TYPE_DISK && ::GetFileInformationByHandle(opened, &found);
+    if (!isKnown || (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) || found.nNumberOfLinks > 1)
+        throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
+    return file;
 }
 
 std::uint64_t File::size() const {
@@ -81,6 +114,14 @@ void File::writeAt(std::uint64_t offset, std::span<std::byte const> bytes) {
     }
 }
 
+void File::append(std::string_view text) {
+    std::string lines;
+    for (char const c : text) lines += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    DWORD put = 0;
+    if (!::WriteFile(handle(native_), lines.data(), static_cast<DWORD>(lines.size()), &put, nullptr))
+        throwSystemFailure("cannot write", path_);
+}
+
 void File::beginFlush(std::uint64_t, std::uint64_t) noexcept {}
 
 void File::flush() {
@@ -90,6 +131,18 @@ void File::flush() {
 void File::close() noexcept {
     if (native_ != none) ::CloseHandle(handle(std::exchange(native_, none)));
 }
+
+void File::finish() {
+    if (native_ == none) return;
+    if (!::CloseHandle(handle(std::exchange(native_, none)))) throwSystemFailure("cannot write", path_);
+}
+
+bool File::tryLock(std::uint64_t position) {
+    return lockBytes(*this, position, 1);
+}
+
+// Children inherit no files, so closing it is enough.
+void File::unlock() noexcept {}
 
 FileView FileView::open(std::string const& path) {
     File const file = File::openForReading(path);
@@ -109,13 +162,12 @@ void FileView::unmap() noexcept {
     bytes_ = {};
 }
 
-std::optional<ByteLock> ByteLock::tryTake(std::string const& path, std::uint64_t position) {
-    File file = File::openShared(path);
+// Windows has no question for locks: the bytes are locked for a moment.
+bool ByteLock::isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
+    if (!lockBytes(*file_, position, length)) return true;
     OVERLAPPED where = at(position);
-    constexpr DWORD exclusiveNow = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
-    if (::LockFileEx(handle(file.native()), exclusiveNow, 0, 1, 0, &where)) return ByteLock(std::move(file));
-    if (::GetLastError() == ERROR_LOCK_VIOLATION || ::GetLastError() == ERROR_IO_PENDING) return std::nullopt;
-    throwSystemFailure("cannot lock", path);
+    ::UnlockFileEx(handle(file_->native()), 0, static_cast<DWORD>(length), static_cast<DWORD>(length >> 32), &where);
+    return false;
 }
 
 }

@@ -180,6 +180,21 @@ void copyContent(std::string const& source, File& target) {
     target = File::openShared(path);
 }
 
+bool touch(std::string const& path) noexcept {
+    HANDLE const opened = ::CreateFileW(toPath(path).c_str(), FILE_WRITE_ATTRIBUTES,
+        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return false;
+    FILETIME now{};
+    ::GetSystemTimeAsFileTime(&now);
+    bool const isSet = ::SetFileTime(opened, nullptr, nullptr, &now) != FALSE;
+    ::CloseHandle(opened);
+    return isSet;
+}
+
+void takeRights(File&, std::string const&) noexcept {}
+
+void limitRights(File&, std::string const&) noexcept {}
+
 bool removeTree(std::string const& directory) {
     Entry const entry = entryAt(toPath(directory));
     return entry.exists() && remove(entry);

@@ -1,5 +1,6 @@
 #include "host/platform/System.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -58,6 +59,13 @@ std::tm localTime() {
 
 std::uint64_t processId() {
     return ::GetCurrentProcessId();
+}
+
+std::optional<std::uint64_t> availableMemory() {
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    if (!::GlobalMemoryStatusEx(&status)) return std::nullopt;
+    return std::min<std::uint64_t>(status.ullAvailPhys, status.ullAvailPageFile);
 }
 
 void prepareStreams() {

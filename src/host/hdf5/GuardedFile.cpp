@@ -1,0 +1,196 @@
+#include "host/hdf5/GuardedFile.h"
+
+#include "host/platform/Files.h"
+#include "host/platform/Paths.h"
+#include "host/platform/SharedLibrary.h"
+#include "host/platform/System.h"
+
+#include <algorithm>
+#include <memory>
+#include <system_error>
+
+namespace cubes::hdf5 {
+
+namespace {
+
+// No description of an object is larger.
+constexpr std::uint64_t largestAnswer = std::uint64_t{64} << 20;
+constexpr std::uint64_t longestError = 4096;
+// Numbers are read in blocks of about this size.
+constexpr std::uint64_t blockBytes = std::uint64_t{4} << 20;
+
+constexpr char readerName[] = "cubes-reader" CUBES_EXECUTABLE_SUFFIX;
+constexpr char failed[] = "HDF5 failed on it";
+
+// Never in the working directory, which an unknown directory of our own would be.
+std::vector<std::string> possibleReaders() {
+    if (auto const& chosen = readerSettings().program; !chosen.empty()) return {chosen};
+    std::string const own = platform::ownDirectory();
+    if (own.empty()) return {};
+    return {own + "cubes" + platform::pathDelimiter() + readerName, own + readerName};
+}
+
+std::string readerProgram() {
+    std::string places;
+    for (std::string const& program : possibleReaders()) {
+        if (platform::isRegularFile(program)) return program;
+        places += (places.empty() ? " at " : " or ") + program;
+    }
+    throw NoReader("the program that reads HDF5 files was not found" + places + "; install Cubes again");
+}
+
+std::unique_ptr<platform::ChildProcess> startReader(platform::File const& file) {
+    try {
+        return std::make_unique<platform::ChildProcess>(readerProgram(), file, readerSettings().patience);
+    } catch (std::system_error const& error) {
+        throw NoReader(error.what());
+    }
+}
+
+Message question(Ask what, std::string const& path = {}) {
+    Message message;
+    message.put(what);
+    message.putText(path);
+    return message;
+}
+
+bool isControl(char letter) {
+    return static_cast<unsigned char>(letter) < ' ' || letter == '\x7f';
+}
+
+// Whole chunks, so that none is read twice.
+std::uint64_t rowsOfBlock(Dataset const& dataset, std::uint64_t rowBytes) {
+    std::uint64_t const unit = dataset.layout == DatasetLayout::chunked
+                                   ? std::clamp<std::uint64_t>(dataset.chunk[0], 1, dataset.dimensions[0])
+                                   : 1;
+    return unit * std::max<std::uint64_t>(1, blockBytes / rowBytes / unit);
+}
+
+std::uint64_t rowBytesOf(Dataset const& dataset, NumberType type) {
+    std::uint64_t bytes = sizeOf(type);
+    for (std::size_t i = 1; i < dataset.dimensions.size(); ++i) bytes *= dataset.dimensions[i];
+    return bytes;
+}
+
+}
+
+ReaderSettings& readerSettings() {
+    static ReaderSettings settings;
+    return settings;
+}
+
+template <typename Take>
+auto GuardedFile::ask(Message const& question, Take take) const {
+    std::lock_guard const lock(mutex_);
+    AnswerHead const head = answerTo(question);
+    if (head.size > largestAnswer) fail(failed);
+    std::vector<std::byte> bytes(static_cast<std::size_t>(head.size));
+    receive(bytes);
+    try {
+        Message answer(std::move(bytes));
+        return take(answer);
+    } catch (MessageError const&) {
+        fail(failed);
+    }
+}
+
+GuardedFile::GuardedFile(platform::File file)
+    : file_(std::move(file)), size_(file_.size()), forks_(platform::forkCount()), reader_(startReader(file_)) {
+    ask(question(Ask::open), [](Message&) { return true; });
+}
+
+bool GuardedFile::exists(std::string const& path) const {
+    return ask(question(Ask::exists, path), [](Message& answer) { return answer.takeFlag(); });
+}
+
+std::vector<Link> GuardedFile::links(std::string const& group) const {
+    return ask(question(Ask::links, group), [](Message& answer) { return answer.takeLinks(); });
+}
+
+Dataset GuardedFile::dataset(std::string const& path) const {
+    return ask(question(Ask::dataset, path), [](Message& answer) { return answer.takeDataset(); });
+}
+
+std::optional<Attribute> GuardedFile::attribute(std::string const& object, std::string const& name) const {
+    Message asked = question(Ask::attribute, object);
+    asked.putText(name);
+    return ask(asked,
+        [](Message& answer) { return answer.takeFlag() ? std::optional(answer.takeAttribute()) : std::nullopt; });
+}
+
+std::vector<ChunkPlace> GuardedFile::chunks(std::string const& path, std::size_t count) const {
+    std::vector<ChunkPlace> places(count);
+    receiveExactly(question(Ask::chunks, path), std::as_writable_bytes(std::span(places)));
+    return places;
+}
+
+void GuardedFile::read(std::string const& path, Dataset const& dataset, NumberType type, std::uint64_t first,
+    std::span<std::byte> to) const {
+    std::uint64_t const rowBytes = rowBytesOf(dataset, type);
+    std::uint64_t const most = rowsOfBlock(dataset, rowBytes);
+    while (!to.empty()) {
+        std::uint64_t const rows = std::min<std::uint64_t>(most - first % most, to.size() / rowBytes);
+        Message asked = question(Ask::numbers, path);
+        asked.put(type);
+        asked.put(first);
+        asked.put(rows);
+        receiveExactly(asked, to.first(static_cast<std::size_t>(rows * rowBytes)));
+        to = to.subspan(static_cast<std::size_t>(rows * rowBytes));
+        first += rows;
+    }
+}
+
+void GuardedFile::receiveExactly(Message const& question, std::span<std::byte> bytes) const {
+    std::lock_guard const lock(mutex_);
+    if (answerTo(question).size != bytes.size()) fail(failed);
+    receive(bytes);
+}
+
+// The head of an answer that is not an error.
+AnswerHead GuardedFile::answerTo(Message const& question) const {
+    if (platform::forkCount() != forks_)
+        throw std::runtime_error("it was opened before this process was forked; open it again");
+    if (!failure_.empty()) throw std::runtime_error(failure_);
+    auto const size = static_cast<std::uint32_t>(question.bytes().size());
+    require(reader_->write(std::as_bytes(std::span(&size, 1))));
+    require(reader_->write(question.bytes()));
+    AnswerHead head{};
+    receive(std::as_writable_bytes(std::span(&head, 1)));
+    if (head.kind != AnswerKind::content) throwError(head.size);
+    return head;
+}
+
+void GuardedFile::receive(std::span<std::byte> bytes) const {
+    require(reader_->read(bytes));
+}
+
+void GuardedFile::require(platform::Transfer transfer) const {
+    if (transfer == platform::Transfer::ended) fail(failed);
+    if (transfer == platform::Transfer::silent) fail("HDF5 did not come to an end with it");
+}
+
+void GuardedFile::fail(char const* reason) const {
+    failure_ = std::string("it is damaged (") + reason + ")";
+    throw std::runtime_error(failure_);
+}
+
+void GuardedFile::throwError(std::uint64_t size) const {
+    if (size > longestError) fail(failed);
+    std::string text(static_cast<std::size_t>(size), '\0');
+    receive(std::as_writable_bytes(std::span(text)));
+    std::ranges::replace_if(text, isControl, '?');
+    throw std::runtime_error(text);
+}
+
+std::optional<std::string> findText(GuardedFile const& file, std::string const& object, std::string const& name) {
+    auto const attribute = file.attribute(object, name);
+    if (!attribute || attribute->type.kind != TypeClass::text || attribute->value.empty()) return std::nullopt;
+    std::string const text(reinterpret_cast<char const*>(attribute->value.data()), attribute->value.size());
+    return text.substr(0, text.find('\0'));
+}
+
+std::string readText(GuardedFile const& file, std::string const& object, std::string const& name) {
+    return findText(file, object, name).value_or("");
+}
+
+}

@@ -1,0 +1,37 @@
+#include "host/platform/Interruption.h"
+
+#include <atomic>
+#include <csignal>
+
+namespace cubes::platform {
+
+namespace {
+
+std::atomic<int> noted = 0;
+static_assert(std::atomic<int>::is_always_lock_free);
+
+extern "C" void note(int signal) {
+    noted = signal;
+}
+
+bool isIgnored(int signal) {
+    struct sigaction present {};
+    return ::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
+}
+
+}
+
+void noteInterruptions() {
+    // Calls that wait, as for input from a pipe, fail with EINTR.
+    struct sigaction action {};
+    action.sa_handler = note;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (int const signal : {SIGINT, SIGTERM, SIGHUP})
+        if (!isIgnored(signal)) ::sigaction(signal, &action, nullptr);
+}
+
+int interruption() noexcept {
+    return noted;
+}
+
+}

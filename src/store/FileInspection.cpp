@@ -1,0 +1,105 @@
+#include "store/FileInspection.h"
+
+#include "host/matrix/Elements.h"
+#include "host/matrix/Failure.h"
+#include "host/matrix/OmxReader.h"
+#include "host/platform/File.h"
+#include "host/platform/Files.h"
+#include "store/Failure.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <system_error>
+
+namespace cubes::store {
+
+namespace {
+
+constexpr std::array<unsigned char, 8> hdf5Signature = {0x89, 'H', 'D', 'F', '\r', '\n', 0x1a, '\n'};
+
+bool isHdf5(std::span<std::byte const> file) {
+    auto const signature = std::as_bytes(std::span(hdf5Signature));
+    return file.size() >= signature.size() && std::ranges::equal(file.first(signature.size()), signature);
+}
+
+// Only files of ours are known: an application may store routes in files of its own.
+void inspectRoutes(std::span<std::byte const> file, FileFacts& facts) {
+    auto const damaged = [&facts](std::string const& why) {
+        facts.problem = Problem::damagedFile;
+        facts.detail = why;
+    };
+    if (file.empty()) return damaged("it is empty");
+    auto const found = hdf5::findRecord(file);
+    if (!found) return;
+    if (!isHdf5(file)) return damaged("its beginning is damaged");
+    if (file.size() < found->record.fileSize)
+        damaged("it is truncated: it has " + std::to_string(file.size()) + " bytes of " +
+                std::to_string(found->record.fileSize));
+}
+
+void inspectMatrix(std::string const& path, FileFacts& facts) {
+    auto const opened = matrix::openMatrixFile(path);
+    facts.rows = opened.header.rows;
+    facts.columns = opened.header.columns;
+}
+
+bool hasDamagedRecord(std::string const& path, std::span<std::byte const> file) {
+    if (!isHdf5(file) || hdf5::findRecord(file)) return false;
+    return matrix::describingFailure("cannot read", path, [&] { return matrix::OmxReader(path).hasRecord(); });
+}
+
+void inspectContent(std::string const& path, FileFacts& facts) {
+    if (matrix::isIntactFile(path)) return;
+    facts.problem = Problem::wrongContent;
+    facts.detail = "it was changed outside Cubes or damaged: its content does not agree with its content id";
+}
+
+void inspect(std::string const& path, bool holdsRoutes, bool deep, FileFacts& facts) {
+    auto const view = platform::FileView::open(path);
+    if (auto const found = hdf5::findRecord(view.bytes())) facts.stamp = found->record.stamp;
+    if (holdsRoutes)
+        inspectRoutes(view.bytes(), facts);
+    else
+        inspectMatrix(path, facts);
+    if (facts.problem) return;
+    if (hasDamagedRecord(path, view.bytes())) {
+        facts.problem = Problem::damagedIndex;
+        facts.detail = "its index record is damaged";
+    }
+    if (deep && !holdsRoutes) inspectContent(path, facts);
+}
+
+}
+
+FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep) {
+    FileFacts facts;
+    auto const failed = [&facts](Problem problem, std::string why) {
+        facts.problem = problem;
+        facts.detail = std::move(why);
+    };
+    try {
+        inspect(path, holdsRoutes, deep, facts);
+    } catch (TRkMatrixException const& error) {
+        failed(error.Code() ? Problem::unreadableFile : Problem::damagedFile, causeOf(error));
+    } catch (std::system_error const& error) {
+        failed(Problem::unreadableFile, error.code().message());
+    } catch (std::bad_alloc const&) {
+        failed(Problem::unreadableFile, "not enough memory");
+    } catch (std::exception const& error) {
+        failed(Problem::damagedFile, error.what());
+    }
+    return facts;
+}
+
+bool mayBeComplete(std::string const& path) {
+    try {
+        auto const file = platform::File::openForReading(path);
+        if (auto const found = hdf5::findRecord(file)) return found->record.fileSize == file.size();
+    } catch (std::system_error const&) {
+        return false;
+    }
+    return inspectFile(path, false, false).problem != Problem::damagedFile;
+}
+
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "host/matrix/StagedFile.h"
+
+#include <cubes/store/EntryCheck.h>
+
+#include <optional>
+#include <string>
+
+namespace cubes::store {
+
+/// What a check needs to know about the file of an entry.
+struct FileFacts {
+    /// What is wrong with the file, and why.
+    std::optional<Problem> problem = {};
+    std::string detail = {};
+    /// 0 for files of routes and for files that cannot be read.
+    int rows = 0;
+    int columns = 0;
+    /// As the file records it.
+    std::optional<matrix::FileStamp> stamp = {};
+};
+
+/// Examines an existing file. `deep`: also reads a matrix and compares it with its content id. Any number of threads
+/// may call it.
+FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep);
+
+/// Whether a temporary file was written to its end, as far as it can be read now.
+bool mayBeComplete(std::string const& path);
+
+}

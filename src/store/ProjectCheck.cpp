@@ -1,0 +1,209 @@
+#include "store/ProjectCheck.h"
+
+#include "host/platform/Files.h"
+#include "host/platform/NarrowText.h"
+#include "host/platform/Parallel.h"
+#include "store/StrayFiles.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace cubes::store {
+
+using catalogue::findKind;
+
+namespace {
+
+// The entries whose files are examined at a time, on all cores.
+constexpr std::size_t batchSize = 1024;
+
+std::string textOf(std::pair<int, int> const& shape) {
+    return std::to_string(shape.first) + " x " + std::to_string(shape.second);
+}
+
+// Nothing for a row without a file, and for a result that is a directory.
+std::optional<FileFacts> factsOf(EntryInfo const& entry, bool deep) {
+    if (!platform::exists(entry.file) || platform::isDirectory(entry.file)) return std::nullopt;
+    return inspectFile(entry.file, catalogue::kindOf(entry.key.cube()).holdsRoutes, deep);
+}
+
+// The numbers of a key as its file records them.
+bool names(matrix::FileStamp const& stamp, EntryKey const& key) {
+    return stamp.cubeNumber == key.cube() && std::ranges::equal(stamp.key, key.parts());
+}
+
+std::string textOf(matrix::FileStamp const& stamp) {
+    auto text = platform::fromUtf8(stamp.cube);
+    for (auto const part : stamp.key) text += "/" + std::to_string(part);
+    return text;
+}
+
+}
+
+ProjectCheck::ProjectCheck(StoreTables const& tables, EntrySelection const& selection,
+    std::optional<CubeInfo> const& cube, CheckOptions const& options)
+    : tables_(tables), selection_(selection), cube_(cube), options_(options), names_(tables.cubes()),
+      contents_(tables.contents(false)), hasOtherProjects_(tables.hasOtherProjects()) {}
+
+std::vector<Finding> ProjectCheck::run() {
+    checkEntries();
+    reportCubes();
+    checkStrayFiles();
+    return std::move(findings_);
+}
+
+void ProjectCheck::checkEntries() {
+    std::size_t total = 0;
+    for (bool const ofResults : {false, true})
+        for (auto const& [number, count] : tables_.counts(ofResults))
+            if (!cube_ || cube_->number == number) total += count;
+    std::size_t done = 0;
+    std::vector<EntryInfo> batch;
+    auto const finishBatch = [&] {
+        checkBatch(batch);
+        done += batch.size();
+        batch.clear();
+        if (options_.progress) options_.progress(done, std::max(done, total));
+    };
+    for (EntryWalk walk(tables_, stagesOf(selection_, cube_)); !walk.isAtEnd(); walk.advance()) {
+        batch.push_back(walk.current());
+        if (batch.size() == batchSize) finishBatch();
+    }
+    finishBatch();
+    checkShapes();
+}
+
+void ProjectCheck::checkBatch(std::vector<EntryInfo> const& entries) {
+    std::vector<std::optional<FileFacts>> facts(entries.size());
+    platform::inParallel(
+        entries.size(), [&] { return [&](std::size_t item) { facts[item] = factsOf(entries[item], options_.deep); }; });
+    for (std::size_t i = 0; i < entries.size(); ++i) check(entries[i], facts[i]);
+}
+
+void ProjectCheck::check(EntryInfo const& entry, std::optional<FileFacts> const& facts) {
+    checkFile(entry, facts);
+    noteCube(entry, facts);
+    if (entry.parent) checkParent(entry);
+    if (entry.users > 0) report(Problem::inUse, entry, "users: " + std::to_string(entry.users));
+}
+
+void ProjectCheck::checkFile(EntryInfo const& entry, std::optional<FileFacts> const& facts) {
+    bool const isHere = !entry.file.empty() && platform::exists(entry.file);
+    Owner const owner = ownerOf(entry, isHere);
+    if (owner == Owner::other)
+        return report(Problem::otherDirectory, entry, "its file belongs to another project on this database");
+    if (owner == Owner::unknown)
+        return report(
+            Problem::unknownOwner, entry, "its file is not here; another project on this database may have it");
+    if (entry.file.empty())
+        return report(Problem::outsideDirectory, entry,
+            "its row names the file \"" + entry.storedName + "\", which is not inside " +
+                tables_.directory(entry.key.isResult()));
+    if (!isHere) {
+        // Others may have removed the entry, or have stored it again: a row that is there has its file.
+        auto rows = tables_.rows(entry.key.isResult());
+        if (!rows->locate(entry.key.numbers()) || platform::exists(entry.file)) return;
+        auto const directory = tables_.directory(entry.key.isResult());
+        if (platform::isDirectory(directory)) return report(Problem::missingFile, entry, "there is no such file");
+        return report(Problem::unreadableFile, entry, "the directory " + directory + " is missing; restore it");
+    }
+    if (!facts) return;
+    if (facts->problem) report(*facts->problem, entry, facts->detail);
+    checkStamp(entry, *facts);
+    noteShape(entry, *facts);
+}
+
+// The fixed classes copy files as they are.
+void ProjectCheck::checkStamp(EntryInfo const& entry, FileFacts const& facts) {
+    if (facts.stamp && !facts.stamp->key.empty() && !names(*facts.stamp, entry.key))
+        report(Problem::copiedFile, entry, "the file records " + textOf(*facts.stamp) + ": it was copied from there");
+}
+
+void ProjectCheck::checkParent(EntryInfo const& entry) {
+    auto const& parent = *entry.parent;
+    if (tables_.rows(parent.isResult())->locate(parent.numbers())) return;
+    auto const& kind = catalogue::kindOf(entry.key.cube());
+    bool const isRouteData = kind.holdsRoutes && catalogue::kindOf(parent.cube()).holdsRoutes;
+    auto const text = tables_.text(parent, names_);
+    if (isRouteData)
+        report(Problem::orphanedRouteData, entry, "there are no routes " + text);
+    else
+        report(Problem::missingParent, entry, "there is no entry " + text + ", from which it was derived");
+}
+
+// The matrices of a cube belong to one zoning. Those of fares and results may differ: a cordon has other zones.
+void ProjectCheck::noteShape(EntryInfo const& entry, FileFacts const& facts) {
+    if (findKind(entry.key.cube()) || facts.rows == 0) return;
+    if (!shaped_.empty() && shaped_.front().key.cube() != entry.key.cube()) checkShapes();
+    shaped_.push_back({entry.key, {facts.rows, facts.columns}});
+}
+
+void ProjectCheck::checkShapes() {
+    std::map<std::pair<int, int>, std::size_t> counts;
+    for (auto const& shaped : shaped_) ++counts[shaped.shape];
+    auto const most = std::ranges::max_element(counts, {}, [](auto const& count) { return count.second; });
+    auto rows = tables_.rows(false);
+    for (auto const& [key, shape] : shaped_)
+        if (shape != most->first && 2 * most->second > shaped_.size() && rows->locate(key.numbers()))
+            report(Problem::wrongShape, tables_.info(rows, false, names_),
+                "it has " + textOf(shape) + " cells, most entries of its cube have " + textOf(most->first));
+    shaped_.clear();
+}
+
+void ProjectCheck::noteCube(EntryInfo const& entry, std::optional<FileFacts> const& facts) {
+    short const number = entry.key.cube();
+    if (findKind(number) || names_.name(number)) return;
+    auto& cube = unregistered_[number];
+    ++cube.entries;
+    if (cube.name.empty() && facts && facts->stamp && facts->stamp->cubeNumber == number)
+        cube.name = platform::fromUtf8(facts->stamp->cube);
+}
+
+void ProjectCheck::reportCubes() {
+    for (auto const& [number, cube] : unregistered_) {
+        bool const isFree = !cube.name.empty() && !names_.number(cube.name.c_str());
+        Finding finding{.problem = Problem::unregisteredCube, .text = std::to_string(number), .cube = number};
+        finding.cubeName = isFree ? cube.name : "cube " + finding.text;
+        finding.detail = "it is not in the register, and has entries: " + std::to_string(cube.entries);
+        finding.repair = "register it as \"" + finding.cubeName + "\"";
+        findings_.push_back(std::move(finding));
+    }
+}
+
+void ProjectCheck::checkStrayFiles() {
+    StrayFiles files(tables_);
+    for (EntryWalk walk(tables_, stagesOf({}, {})); !walk.isAtEnd(); walk.advance()) files.claim(walk.current());
+    auto const stages = stagesOf(selection_, cube_);
+    bool const isWhole = stages.size() == 2 && stages.front().condition.empty();
+    for (auto& finding : files.findings())
+        if (finding.entry ? selects(selection_, cube_, *finding.entry) : isWhole)
+            findings_.push_back(std::move(finding));
+}
+
+ProjectCheck::Owner ProjectCheck::ownerOf(EntryInfo const& entry, bool isHere) {
+    // Without the directory nothing can be said about any file.
+    if (entry.key.isResult() || !platform::isDirectory(tables_.directory(false))) return Owner::own;
+    auto const recorded = contents_ ? StoreTables::recordedDirectory(entry.key, *contents_) : hdf5::Id128();
+    if (!recorded.isKnown()) return isHere || !hasOtherProjects_ ? Owner::own : Owner::unknown;
+    auto const own = tables_.identity(false);
+    if (own == recorded) return Owner::own;
+    // A directory that lost its "cubes-id" has another identity than was recorded.
+    if (!isHere) return own.isKnown() ? Owner::other : Owner::unknown;
+    try {
+        auto const stamp = matrix::readStamp(entry.file);
+        return stamp && stamp->directory == recorded ? Owner::own : Owner::other;
+    } catch (std::system_error const&) {
+        return Owner::own;
+    }
+}
+
+void ProjectCheck::report(Problem problem, EntryInfo const& entry, std::string detail) {
+    findings_.push_back({.problem = problem,
+        .entry = entry.key,
+        .text = entry.text,
+        .file = entry.file,
+        .detail = std::move(detail),
+        .repair = infoOf(problem).repair});
+}
+
+}

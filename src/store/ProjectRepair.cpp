@@ -1,0 +1,99 @@
+#include "store/ProjectRepair.h"
+
+#include "host/database/Transaction.h"
+#include "host/matrix/Elements.h"
+#include "host/platform/Files.h"
+#include "host/platform/TemporaryFile.h"
+#include "store/FileInspection.h"
+#include "store/Quarantine.h"
+#include "store/StrayFiles.h"
+
+namespace cubes::store {
+
+using matrix::WriteLock;
+
+Repair ProjectRepair::repair(Finding const& finding) const {
+    struct Action {
+        Problem problem;
+        std::string (ProjectRepair::*act)(Finding const&) const;
+    };
+    constexpr Action actions[] = {{Problem::unregisteredCube, &ProjectRepair::registerCube},
+        {Problem::fileWithoutRow, &ProjectRepair::placeFile}, {Problem::leftoverFile, &ProjectRepair::removeLeftover},
+        {Problem::missingFile, &ProjectRepair::dropRow}, {Problem::outsideDirectory, &ProjectRepair::dropRow},
+        {Problem::damagedIndex, &ProjectRepair::rewrite}};
+    for (auto const& action : actions) {
+        if (action.problem != finding.problem) continue;
+        try {
+            return {reporting({"repair " + (finding.file.empty() ? finding.text : finding.file), finding.text},
+                        [&] { return (this->*action.act)(finding); }),
+                {}};
+        } catch (StoreError const& error) {
+            return {{}, error.cause()};
+        }
+    }
+    return {};
+}
+
+std::string ProjectRepair::registerCube(Finding const& finding) const {
+    auto cubes = tables_.cubes();
+    if (cubes.name(finding.cube)) return {};
+    cubes.ensure(finding.cube, finding.cubeName.c_str());
+    return "the cube was registered as \"" + finding.cubeName + "\"";
+}
+
+std::string ProjectRepair::placeFile(Finding const& finding) const {
+    WriteLock const lock(finding.file, WriteLock::Purpose::create);
+    if (!platform::exists(finding.file)) return {};
+    if (isNamedByARow(tables_, finding.file, matrix::readStamp(finding.file))) return {};
+    if (finding.entry && !EntryWriting(tables_).find(*finding.entry)) return restoreRow(finding);
+    return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
+}
+
+std::string ProjectRepair::restoreRow(Finding const& finding) const {
+    auto const& key = *finding.entry;
+    auto const record = tables_.recordOf(key, finding.file);
+    tables_.requireContentTable(key.isResult());
+    database::Transaction transaction(tables_.session());
+    if (finding.cube != 0) requireCube(finding);
+    auto rows = tables_.rows(key.isResult());
+    auto const name = storedNameOf(tables_, key.isResult(), finding.file);
+    if (!rows->insert(key.numbers(), name)) return {};
+    tables_.record(key, record);
+    transaction.commit();
+    return "the row was restored";
+}
+
+// Another one may have got the number since the check.
+void ProjectRepair::requireCube(Finding const& finding) const {
+    auto const cubes = tables_.cubes();
+    cubes.ensure(finding.cube, finding.cubeName.c_str());
+    if (cubes.number(finding.cubeName.c_str()) == finding.cube) return;
+    Task{"restore the row of " + finding.text, finding.text}.fail(Reason::alreadyExists,
+        "the cube number " + std::to_string(finding.cube) + " belongs to another cube than " + finding.cubeName);
+}
+
+std::string ProjectRepair::removeLeftover(Finding const& finding) const {
+    if (!platform::exists(finding.file) || !isLeftover(finding.file)) return {};
+    if (mayBeComplete(finding.file)) return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
+    return platform::removeLeftover(finding.file) ? "it was removed" : "";
+}
+
+std::string ProjectRepair::dropRow(Finding const& finding) const {
+    if (!options_.dropRows) return {};
+    Task const task{"remove the row of " + finding.text, finding.text};
+    EntryWriting const writing(tables_);
+    if (!writing.find(*finding.entry)) return {};
+    EntryWriting::Removal removal(writing, task, *finding.entry);
+    // The row may be another one by now.
+    if (auto const& file = removal.entry().file; !file.empty() && platform::exists(file)) return {};
+    removal.finish();
+    return "the row was removed";
+}
+
+std::string ProjectRepair::rewrite(Finding const& finding) const {
+    Task const task{"write " + finding.text + " anew", finding.text};
+    EntryWriting(tables_).rewrite(task, *finding.entry);
+    return "the file was written anew";
+}
+
+}

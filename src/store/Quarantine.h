@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace cubes::store {
+
+/// Moves a file to the directory "quarantine" beside it, and writes a note there that says when, why and from where.
+/// Both survive a power failure. Returns the new path. Throws std::system_error; the file then stays.
+std::string moveToQuarantine(std::string const& file, std::string const& why);
+
+}

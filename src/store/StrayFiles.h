@@ -1,0 +1,67 @@
+#pragma once
+
+#include "store/FileInspection.h"
+#include "store/StoreTables.h"
+
+#include <cubes/store/EntryCheck.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cubes::store {
+
+/// Files in the directories of a project that no row names: those of entries whose rows were lost or removed, and
+/// temporary files that a killed process left behind.
+class StrayFiles {
+public:
+    /// Lists the files. Whoever then claims those of all rows misses no file that was stored meanwhile.
+    /// REQUIRES: `tables` outlives this object.
+    explicit StrayFiles(StoreTables const& tables);
+
+    /// The row of that entry names the file.
+    void claim(EntryInfo const& entry);
+    /// What is to be reported of the files that nobody has claimed. REQUIRES: the rows of all entries did.
+    std::vector<Finding> findings();
+
+private:
+    struct File {
+        /// As a row would name it.
+        std::string storedName;
+        bool ofResults;
+    };
+    /// The entry that a file without a row holds.
+    struct Origin {
+        std::optional<EntryKey> key;
+        /// Why its row cannot be restored; empty when it can.
+        std::string obstacle;
+        /// The name of its cube as the file records it; empty when it does not.
+        std::string cube;
+    };
+
+    void list(bool ofResults, std::string const& subdirectory);
+    std::string pathOf(File const& file) const;
+    std::string comparable(bool ofResults, std::string const& path) const;
+    std::optional<Finding> findingOf(File const& file);
+    static Finding temporaryFile(std::string const& path);
+    void describeRow(Finding& finding, Origin const& origin);
+    Origin originOf(File const& file, FileFacts const& facts);
+    std::string obstacleOf(EntryKey const& key, std::string const& cube);
+
+    StoreTables const& tables_;
+    catalogue::Register names_;
+    /// Without links, so that a file has one path; of entries of cubes, and of results.
+    std::string directories_[2];
+    /// By their comparable paths.
+    std::map<std::string, File> files_;
+};
+
+/// The name of a file as a row would store it; empty for one that is not in the directory of such entries.
+std::string storedNameOf(StoreTables const& tables, bool ofResults, std::string const& path);
+/// Whether a row names the file: that of the entry of its name, or that of the entry which the file records.
+bool isNamedByARow(StoreTables const& tables, std::string const& path, std::optional<matrix::FileStamp> const& stamp);
+/// Whether a temporary file was left behind: it is a day old, and nobody is writing its target.
+bool isLeftover(std::string const& path);
+
+}

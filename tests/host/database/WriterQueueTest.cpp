@@ -1,0 +1,158 @@
+#include "host/database/sqlite/WriterQueue.h"
+
+#include "support/ChildTask.h"
+#include "support/TempDir.h"
+
+#include <cubes/database/TPgConnection.h>
+#include <cubes/database/TRkTableProxy.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <limits>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using cubes::database::sqlite::WriterQueue;
+using cubes::platform::ByteLock;
+using cubes::test::TempDir;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+namespace fs = std::filesystem;
+
+constexpr std::uint64_t last = std::numeric_limits<std::int64_t>::max();
+
+// Places are numbered by the time of arrival.
+std::uint64_t now() {
+    auto const time = std::chrono::system_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(time).count());
+}
+
+/// A time after all places that were taken before: some clocks advance in steps.
+std::uint64_t nextMoment() {
+    auto const before = now();
+    while (now() <= before) std::this_thread::yield();
+    return now();
+}
+
+/// Waits until somebody has queued since that time.
+void awaitArrivalSince(std::uint64_t time, std::string const& database) {
+    auto const probe = ByteLock::tryTake(database + "-queue", last);
+    auto const end = steady_clock::now() + seconds(20);
+    while (!probe->isHeldByOthers(time, last - time)) {
+        ASSERT_LT(steady_clock::now(), end) << "nobody queues";
+        std::this_thread::yield();
+    }
+}
+
+class SqliteQueue : public testing::Test {
+protected:
+    SqliteQueue() { cubes::test::writeFile(database, ""); }
+    WriterQueue place(std::chrono::milliseconds longestWait = seconds(20)) const { return {database, longestWait}; }
+
+    TempDir directory;
+    std::string database = directory.file("cubes.db");
+};
+
+TEST_F(SqliteQueue, servesInTheOrderOfArrival) {
+    auto first = place();
+    first.enter();
+    std::vector<int> served;
+    std::vector<std::jthread> waiting;
+    for (int number = 1; number <= 5; ++number) {
+        auto const before = nextMoment();
+        waiting.emplace_back([this, number, &served] {
+            auto own = place();
+            own.enter();
+            served.push_back(number);
+            own.leave(false);
+        });
+        awaitArrivalSince(before, database);
+    }
+    EXPECT_EQ(served, std::vector<int>());
+    first.leave(false);
+    waiting.clear();
+    EXPECT_EQ(served, (std::vector<int>{1, 2, 3, 4, 5}));
+}
+
+TEST_F(SqliteQueue, keepsTheTurnInsideATransaction) {
+    auto first = place();
+    first.enter();
+    first.leave(true);
+    auto second = place(std::chrono::milliseconds(20));
+    second.enter();
+    EXPECT_FALSE(second.waitForLocks(0)) << "the wait in the queue was not counted";
+    first.leave(false);
+    second.leave(false);
+    auto third = place();
+    third.enter();
+    EXPECT_TRUE(third.waitForLocks(0));
+}
+
+cubes::test::ChildTask const dyingInTheQueue("dying in the queue", [](int, std::string const& database) {
+    WriterQueue place(database, seconds(20));
+    place.enter();
+    cubes::test::killThisProcess();
+});
+
+TEST_F(SqliteQueue, forgetsAProcessThatWasKilled) {
+    EXPECT_EQ(dyingInTheQueue.inProcesses(1, database), 0);
+    auto own = place();
+    own.enter();
+    EXPECT_TRUE(own.waitForLocks(0));
+}
+
+TEST_F(SqliteQueue, isNotNeededToWrite) {
+    WriterQueue nowhere(directory.file("none/cubes.db"), seconds(20));
+    nowhere.enter();
+    EXPECT_TRUE(nowhere.waitForLocks(0));
+    nowhere.removeFile();
+    fs::create_directory(database + "-queue");
+    auto own = place();
+    own.enter();
+    EXPECT_TRUE(own.waitForLocks(0));
+}
+
+TEST_F(SqliteQueue, keepsItsFileWhileOthersQueue) {
+    auto first = place();
+    auto second = place();
+    first.enter();
+    second.removeFile();
+    EXPECT_TRUE(fs::exists(database + "-queue"));
+    first.removeFile();
+    EXPECT_EQ(cubes::test::listing(directory.str()), "cubes.db\n");
+}
+
+TEST_F(SqliteQueue, isOpenToAllWhoMayWriteToTheDatabase) {
+    fs::permissions(database, fs::perms(0666));
+    auto own = place();
+    own.enter();
+    EXPECT_EQ(fs::status(database + "-queue").permissions(), fs::status(database).permissions());
+}
+
+// Without the queue, the connection that writes again and again finds the lock free, and the other one asleep.
+TEST_F(SqliteQueue, servesAWaitingWriterBeforeOneThatComesAgain) {
+    Pgaccess::TPgConnection eager("sqlite:" + database);
+    eager.Execute("CREATE TABLE \"cube\" (\"cubenr\" smallint PRIMARY KEY)");
+    Rktable::TRkTableProxy table("cube", "", "cube");
+    table.SetConnection(&eager);
+    table.Open();
+    for (int number = 1; number <= 5; ++number) {
+        eager.Execute("BEGIN IMMEDIATE");
+        auto const before = nextMoment();
+        std::jthread const other([this, number] {
+            Pgaccess::TPgConnection patient("sqlite:" + database);
+            patient.Execute("INSERT INTO \"cube\" VALUES (" + std::to_string(number) + ")");
+        });
+        awaitArrivalSince(before, database);
+        eager.Execute("COMMIT");
+        eager.Execute("BEGIN IMMEDIATE");
+        EXPECT_TRUE(table.Locate("cubenr", number));
+        eager.Execute("COMMIT");
+    }
+}
+
+}
