@@ -76,6 +76,35 @@ bool namesThePairs(Lists<ZonePair> const& lists, RouteTable const& table) {
     return true;
 }
 
+// Each use of a link is the next one in the link's list, or that before it where a route uses a link again.
+class LinkUses {
+public:
+    explicit LinkUses(Lists<std::uint32_t> const& lists) : lists_(lists), next_(lists.offsets) {}
+
+    bool takes(std::uint32_t link, std::uint32_t route) {
+        auto const key = std::ranges::lower_bound(lists_.keys, link);
+        if (key == lists_.keys.end() || *key != link) return false;
+        auto const place = static_cast<std::size_t>(key - lists_.keys.begin());
+        auto& next = next_[place];
+        if (next > lists_.offsets[place] && lists_.routes[next - 1] == route) return true;
+        return next < lists_.offsets[place + 1] && lists_.routes[next++] == route;
+    }
+    bool isEveryRouteTaken() const { return std::equal(next_.begin(), next_.end() - 1, lists_.offsets.begin() + 1); }
+
+private:
+    Lists<std::uint32_t> const& lists_;
+    // By key; the last one is not used.
+    std::vector<std::uint64_t> next_;
+};
+
+bool namesTheLinks(Lists<std::uint32_t> const& lists, RouteTable const& table) {
+    LinkUses uses(lists);
+    for (std::uint32_t route = 0; route < table.size(); ++route)
+        for (auto at = table.offsets[route]; at < table.offsets[route + 1]; ++at)
+            if (!uses.takes(table.links[at], route)) return false;
+    return uses.isEveryRouteTaken();
+}
+
 }
 
 RouteIndex RouteIndex::of(RouteTable const& table) {
@@ -90,7 +119,7 @@ RouteIndex::RouteIndex(Lists<ZonePair> byPair, Lists<std::uint32_t> byLink, Rout
     requireSound("by_pair", byPair_, table);
     requireSound("by_link", byLink_, table);
     if (!namesThePairs(byPair_, table)) throw std::runtime_error("by_pair does not fit the routes");
-    if (byLink_.routes.size() > table.links.size()) throw std::runtime_error("by_link does not fit the routes");
+    if (!namesTheLinks(byLink_, table)) throw std::runtime_error("by_link does not fit the routes");
 }
 
 std::span<std::uint32_t const> RouteIndex::routesOfPair(ZonePair pair) const {

@@ -105,6 +105,16 @@ Foreign const refused[] = {
     {"withAnIndexTooShort", "replace('by_pair/routes', [0, 1], 'u4')", "by_pair does not fit"},
     {"withOtherPairs", "replace('by_pair/destinations', [2, 4, 5], 'i4')", "by_pair does not fit"},
     {"withUnequalPairs", "replace('by_pair/destinations', [2, 3], 'i4')", "by_pair does not fit"},
+    {"withAnIndexOfOtherLinks", "replace('by_link/links', [10, 21], 'u4')", "by_link does not fit"},
+    {"withAnIndexOfOtherRoutes", "replace('by_link/routes', [0, 2, 1, 2], 'u4')", "by_link does not fit"},
+    {"withAnIndexThatLacksALink",
+        "replace('by_link/links', [10], 'u4')\nreplace('by_link/offsets', [0, 2], 'u8')\n"
+        "replace('by_link/routes', [0, 1], 'u4')",
+        "by_link does not fit"},
+    {"withAnIndexThatLacksARoute",
+        "replace('by_link/offsets', [0, 2, 3], 'u8')\nreplace('by_link/routes', [0, 1, 1], 'u4')",
+        "by_link does not fit"},
+    {"withAnIndexThatHasARouteTooMuch", "replace('links', [10, 10, 10, 20], 'u4')", "by_link does not fit"},
     {"withAnIndexLargerThanTheLinks",
         "replace('by_link/links', [10, 20, 30], 'u4')\nreplace('by_link/offsets', [0, 2, 4, 5], 'u8')\n"
         "replace('by_link/routes', [0, 1, 1, 2, 2], 'u4')",

@@ -154,7 +154,7 @@ TEST_F(RouteRecord, showsThatAnotherProgramHasChangedTheContent) {
     auto const openData = [](std::string const& path, RouteOpenMode mode) { dataSet(path, mode); };
     Kind const kinds[] = {
         {storeRoutes, openRoutes, "f['shares'][0] = 0.5"},
-        {storeRoutes, openRoutes, "f['links'][0] = 11"},
+        {storeRoutes, openRoutes, "f['links'][0:2] = [20, 10]"},
         {storeFields, openData, "f['fields/0000'][0] = 1 - f['fields/0000'][0]"},
     };
     for (auto const& [storeFile, open, change] : kinds) {
