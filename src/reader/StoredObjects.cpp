@@ -1,7 +1,6 @@
 #include "reader/StoredObjects.h"
 
 #include "reader/ChunkCheck.h"
-#include "reader/OpenedFile.h"
 
 #include <algorithm>
 #include <limits>
@@ -197,7 +196,7 @@ hid_t numbersIn(hdf5::StoredType const& type) {
 
 }
 
-StoredObjects::StoredObjects(platform::File file) : file_(openFile(std::move(file))) {}
+StoredObjects::StoredObjects(platform::File file) : file_(std::move(file)) {}
 
 std::uint64_t StoredObjects::fileSize() const {
     hsize_t size = 0;

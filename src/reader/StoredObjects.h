@@ -3,6 +3,7 @@
 #include "host/hdf5/Hdf5.h"
 #include "host/hdf5/ReaderProtocol.h"
 #include "host/platform/File.h"
+#include "reader/OpenedFile.h"
 
 #include <optional>
 #include <string>
@@ -29,7 +30,7 @@ private:
     std::uint64_t fileSize() const;
     void requireSoundChunks(hid_t dataset, std::uint64_t first, std::uint64_t rows) const;
 
-    hdf5::Handle file_;
+    OpenedFile file_;
     // The last dataset, whose chunks HDF5 has cached.
     std::string path_;
     hdf5::Handle dataset_;

@@ -64,11 +64,6 @@ void Handle::closeQuietly() noexcept {
     close_(std::exchange(id_, H5I_INVALID_HID));
 }
 
-hid_t registeredDriver(H5FD_class_t const& description, hid_t& known) {
-    if (H5Iget_type(known) != H5I_VFL) known = check(H5FDregister(&description), "prepare the access to a file");
-    return known;
-}
-
 Handle fileAccess() {
     Handle access(H5Pcreate(H5P_FILE_ACCESS), H5Pclose, "prepare the access to a file");
     check(H5Pset_file_locking(access.get(), false, true), "prepare the access to a file");

@@ -69,10 +69,6 @@ Status check(Status status, std::string_view action) {
     return status;
 }
 
-/// Registers a driver of ours once for the process, and again if the application has closed HDF5 since. `known` keeps
-/// its identifier. HDF5 still uses a driver when it closes the last file of it: one that is unregistered would be freed
-/// by then. Throws Error. REQUIRES: within a Session.
-hid_t registeredDriver(H5FD_class_t const& description, hid_t& known);
 /// Access without HDF5's own locks: files are replaced atomically.
 Handle fileAccess();
 

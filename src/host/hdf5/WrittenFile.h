@@ -27,7 +27,7 @@ public:
     void finish();
 
 private:
-    struct Target;
+    class Target;
 
     // Outlives the file, which HDF5 writes through it.
     std::unique_ptr<Target> target_;
