@@ -20,8 +20,8 @@ char searchPathDelimiter();
 /// The path of the program or library that contains an address; empty when the system does not know it.
 std::string moduleFile(void const* address);
 
-/// The directory of the program or library that this code is linked into, with its delimiter; empty
-/// when the system does not know it.
+/// The absolute directory of the program or library that this code is linked into, with its delimiter, whatever the
+/// working directory has become since; empty when the system does not know it.
 std::string ownDirectory();
 
 }

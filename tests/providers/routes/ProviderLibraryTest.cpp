@@ -1,4 +1,5 @@
 #include "host/platform/SharedLibrary.h"
+#include "support/ChildTask.h"
 #include "support/SystemMessages.h"
 #include "support/TempDir.h"
 
@@ -27,6 +28,20 @@ Function* exported(char const* path, char const* name) {
     EXPECT_NE(found, nullptr) << name;
     return reinterpret_cast<Function*>(found);
 }
+
+// An application may change its working directory before cubes-reader is looked for beside the library.
+ChildTask const readingAfterLeaving("reading after leaving", [](int, std::string const& file) {
+    std::filesystem::path const provider = ROUTE_PROVIDER;
+    std::filesystem::current_path(provider.parent_path());
+    std::string const relative = (std::filesystem::path(".") / provider.filename()).string();
+    auto* const create = exported<RouteSetFactory>(relative.c_str(), "CreateVelmoraRouteStorageRouteSetInterface");
+    std::filesystem::current_path(std::filesystem::path(file).parent_path());
+    auto* const set = create(file.c_str());
+    set->open(romCreate, nullptr);
+    set->open(romRead, nullptr);
+    EXPECT_EQ(set->countRoutes(), 0);
+    set->release();
+});
 
 std::string lastError() {
     return exported<LastErrorGetter>(UTILITIES, "VlInterfaceGetLastError")();
@@ -72,6 +87,12 @@ TEST_F(ProviderLibrary, storesAndReadsThroughItsExports) {
     EXPECT_EQ(set->findRoutesOfLink(4, &found), rrDone);
     EXPECT_EQ(found.count, 1);
     set->release();
+}
+
+// Not with the fixture, which has loaded the provider already.
+TEST(ProviderLoadedByARelativePath, findsTheReaderAfterTheWorkingDirectoryHasChanged) {
+    TempDir const directory;
+    EXPECT_EQ(readingAfterLeaving.inProcesses(1, directory.file("a.FDB")), 1);
 }
 
 TEST_F(ProviderLibrary, anObjectThatIsOnlyReleasedIsDeleted) {
