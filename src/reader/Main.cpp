@@ -11,6 +11,7 @@
 #include <exception>
 #include <new>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 using cubes::hdf5::AnswerHead;
@@ -112,7 +113,9 @@ public:
             if (!objects_) objects_.emplace(std::move(file_));
             return send(AnswerKind::content, answerTo(*objects_, question).bytes());
         } catch (std::bad_alloc const&) {
-            return sendError("not enough memory");
+            return send(AnswerKind::tooLittleMemory, {});
+        } catch (std::length_error const&) {
+            return send(AnswerKind::tooLittleMemory, {});
         } catch (std::exception const& error) {
             return sendError(error.what());
         }

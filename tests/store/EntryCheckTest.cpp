@@ -4,6 +4,7 @@
 #include <cubes/store/EntryStore.h>
 
 #include <cubes/database/TPgConnection.h>
+#include <cubes/matrix/MatrixLimits.h>
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/OmxFile.h>
 #include <cubes/project/Project.h>
@@ -328,6 +329,15 @@ TEST_P(EntryCheckTest, takesNoFileForDamagedWhenTheReaderIsMissing) {
     hdf5::readerSettings() = {};
     EXPECT_FALSE(fs::exists(leftover));
     EXPECT_TRUE(fs::exists(results("quarantine/" + fs::path(leftover).filename().string())));
+}
+
+TEST_P(EntryCheckTest, takesNoFileForDamagedThatIsBeyondTheLimits) {
+    auto const path = file(tripsOf(1));
+    flip(path, placeOf(path, "CUBEIDX2"));
+    setMostZones(1);
+    auto const found = checked();
+    setMostZones(0);
+    EXPECT_EQ(found, std::string(rowOfB) + "unreadableFile Trips/1/1/1/1\n");
 }
 
 TEST_P(EntryCheckTest, reportsAMissingDirectoryAndDropsNoRow) {

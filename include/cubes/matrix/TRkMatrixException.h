@@ -16,7 +16,8 @@ public:
 
     /// The file concerned; empty for a matrix in memory.
     std::string const& File() const noexcept { return file_; }
-    /// The system's error, as std::errc::no_space_on_device; empty when the cause is not a system error.
+    /// The system's error, as std::errc::no_space_on_device; std::errc::not_enough_memory also for a matrix beyond
+    /// the limits (see MatrixLimits.h). Empty when the cause is the content of the file.
     std::error_code Code() const noexcept { return code_; }
 
 private:

@@ -32,7 +32,7 @@ enum class Reason {
     noProvider,
     /// The key or its text is not valid for what was asked.
     invalidKey,
-    /// Any other error of the file system.
+    /// Any other error of the file system, or too little memory for a file.
     file,
 };
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <system_error>
 
 namespace cubes::hdf5 {
@@ -84,13 +85,17 @@ auto GuardedFile::ask(Message const& question, Take take) const {
     std::lock_guard const lock(mutex_);
     AnswerHead const head = answerTo(question);
     if (head.size > largestAnswer) fail(failed);
-    std::vector<std::byte> bytes(static_cast<std::size_t>(head.size));
-    receive(bytes);
     try {
+        std::vector<std::byte> bytes(static_cast<std::size_t>(head.size));
+        receive(bytes);
         Message answer(std::move(bytes));
         return take(answer);
     } catch (MessageError const&) {
         fail(failed);
+    } catch (std::bad_alloc const&) {
+        // The answer may not have been received, so that no other can be.
+        failure_ = "not enough memory";
+        throw;
     }
 }
 
@@ -156,6 +161,7 @@ AnswerHead GuardedFile::answerTo(Message const& question) const {
     require(reader_->write(question.bytes()));
     AnswerHead head{};
     receive(std::as_writable_bytes(std::span(&head, 1)));
+    if (head.kind == AnswerKind::tooLittleMemory) throw std::bad_alloc();
     if (head.kind != AnswerKind::content) throwError(head.size);
     return head;
 }

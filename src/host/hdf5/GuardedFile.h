@@ -27,7 +27,8 @@ public:
 /// process. Each object starts a program of its own, cubes-reader, which keeps the file in the state in which it was
 /// opened. Everything that the program answers is checked before it is used. Any number of threads may use an object.
 ///
-/// What fails throws std::runtime_error: "it is not an HDF5 file", "it is damaged (HDF5 failed on it)"; NoReader.
+/// What fails throws std::runtime_error: "it is not an HDF5 file", "it is damaged (HDF5 failed on it)"; NoReader, or
+/// std::bad_alloc when this process or the reader has too little memory.
 class GuardedFile {
 public:
     explicit GuardedFile(platform::File file);

@@ -1,6 +1,7 @@
 #include "host/hdf5/Hdf5.h"
 
 #include <bit>
+#include <new>
 
 namespace cubes::hdf5 {
 
@@ -27,6 +28,16 @@ std::string innermostReason() {
     return reason.empty() ? reason : " (" + reason + ")";
 }
 
+bool isShortOfMemory() {
+    bool isShort = false;
+    auto const compare = [](unsigned, H5E_error2_t const* error, void* found) -> herr_t {
+        if (error->maj_num == H5E_RESOURCE && error->min_num == H5E_NOSPACE) *static_cast<bool*>(found) = true;
+        return 0;
+    };
+    H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, compare, &isShort);
+    return isShort;
+}
+
 }
 
 Session::Session() : lock_(mutex()) {
@@ -40,6 +51,11 @@ Session::~Session() {
 
 Error::Error(std::string_view action)
     : std::runtime_error("HDF5 could not " + std::string(action) + innermostReason()) {}
+
+void throwFailure(std::string_view action) {
+    if (isShortOfMemory()) throw std::bad_alloc();
+    throw Error(action);
+}
 
 Handle::Handle(hid_t id, Close closer, std::string_view action) : id_(check(id, action)), close_(closer) {}
 

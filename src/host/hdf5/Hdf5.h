@@ -39,6 +39,9 @@ public:
     explicit Error(std::string_view action);
 };
 
+/// Throws Error for the last failed call, or std::bad_alloc where HDF5 had too little memory for it.
+[[noreturn]] void throwFailure(std::string_view action);
+
 /// Owns an identifier of any kind. Movable.
 class Handle {
 public:
@@ -62,10 +65,10 @@ private:
     Close close_ = nullptr;
 };
 
-/// Throws Error for the status of a failed call; returns any other status.
+/// Throws like throwFailure for the status of a failed call; returns any other status.
 template <typename Status>
 Status check(Status status, std::string_view action) {
-    if (status < 0) throw Error(action);
+    if (status < 0) throwFailure(action);
     return status;
 }
 

@@ -39,7 +39,8 @@ constexpr std::size_t sizeOf(NumberType type) {
     return sizes[static_cast<std::size_t>(type)];
 }
 
-enum class AnswerKind : std::uint64_t { content, error };
+/// `tooLittleMemory` has no text.
+enum class AnswerKind : std::uint64_t { content, error, tooLittleMemory };
 
 struct AnswerHead {
     AnswerKind kind;

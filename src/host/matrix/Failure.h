@@ -8,11 +8,18 @@
 #include <charconv>
 #include <exception>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
 
 namespace cubes::matrix {
+
+/// A matrix is larger than the limit, or than the memory that is available. Says nothing about a file.
+class BeyondLimits : public std::length_error {
+public:
+    using std::length_error::length_error;
+};
 
 [[noreturn]] inline void throwFailure(
     std::string_view action, std::string const& file, std::string const& reason, std::error_code code = {}) {
@@ -39,7 +46,9 @@ auto describingFailure(std::string_view action, std::string const& file, Work co
     } catch (hdf5::NoReader const& error) {
         throwFailure(action, file, error.what(), std::make_error_code(std::errc::resource_unavailable_try_again));
     } catch (std::bad_alloc const&) {
-        throwFailure(action, file, "not enough memory");
+        throwFailure(action, file, "not enough memory", std::make_error_code(std::errc::not_enough_memory));
+    } catch (BeyondLimits const& error) {
+        throwFailure(action, file, error.what(), std::make_error_code(std::errc::not_enough_memory));
     } catch (std::system_error const& error) {
         // The system's message alone if it concerns this file or the temporary file that replaces it.
         std::string_view const text = error.what();

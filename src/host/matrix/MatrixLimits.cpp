@@ -1,5 +1,6 @@
 #include <cubes/matrix/MatrixLimits.h>
 
+#include "host/matrix/Failure.h"
 #include "host/platform/System.h"
 
 #include <atomic>
@@ -41,16 +42,16 @@ std::string gigabytes(double bytes) {
 void requireLimit(double rows, double columns) {
     double const most = mostZones();
     if (rows * columns <= most * most) return;
-    throw std::length_error(sizeText(rows, columns) + " elements are more than the limit of " + sizeText(most, most) +
-                            "; set " + variable + " to allow more");
+    throw matrix::BeyondLimits(sizeText(rows, columns) + " elements are more than the limit of " +
+                               sizeText(most, most) + "; set " + variable + " to allow more");
 }
 
 void requireMemory(double rows, double columns, double bytes) {
     if (bytes < worthAsking) return;
     auto const available = platform::availableMemory();
     if (!available || bytes <= static_cast<double>(*available)) return;
-    throw std::length_error(sizeText(rows, columns) + " elements need " + gigabytes(bytes) + " of memory, and only " +
-                            gigabytes(static_cast<double>(*available)) + " are available");
+    throw matrix::BeyondLimits(sizeText(rows, columns) + " elements need " + gigabytes(bytes) +
+                               " of memory, and only " + gigabytes(static_cast<double>(*available)) + " are available");
 }
 
 }

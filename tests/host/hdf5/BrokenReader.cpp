@@ -58,6 +58,7 @@ int main() {
     if (failure == "claims a long error") send({AnswerKind::error, std::uint64_t{1} << 60});
     if (failure == "ends in an answer") send({AnswerKind::content, 1000}, "abc");
     if (failure == "counts wrongly") send({AnswerKind::content, 8}, std::string(8, '\xFF'));
+    if (failure == "has too little memory") send({AnswerKind::tooLittleMemory, 0});
     if (failure == "sends control characters") send({AnswerKind::error, 3}, "a\x1b!");
     return 0;
 }

@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <memory>
+#include <new>
 #include <numeric>
 #include <thread>
 
@@ -150,6 +151,13 @@ TEST_F(GuardedFileTest, turnsEveryFailureOfTheReaderIntoOneError) {
         readerSettings().patience = message == silent ? std::chrono::milliseconds(100) : std::chrono::seconds(60);
         EXPECT_EQ(failureOfOpening(), message) << failure;
     }
+}
+
+TEST_F(GuardedFileTest, reportsAReaderThatHasTooLittleMemoryAsThat) {
+    readerSettings().program = BROKEN_READER;
+    Variable const chosen("CUBES_TEST_FAILURE", "has too little memory");
+    GuardedFile const file = open();
+    EXPECT_THROW(file.links(""), std::bad_alloc);
 }
 
 TEST_F(GuardedFileTest, namesAReaderThatIsMissing) {

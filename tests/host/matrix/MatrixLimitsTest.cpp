@@ -72,6 +72,19 @@ TEST_F(MatrixLimits, concernFilesBeforeTheirElementsAreRead) {
     EXPECT_NE(failureOf([&] { opened(file).Elements(); }).find("60 x 60 elements are more than"), std::string::npos);
 }
 
+TEST_F(MatrixLimits, areNoFaultOfTheFile) {
+    TempDir const directory;
+    std::string const file = directory.file("a.omx");
+    ASSERT_TRUE(save(times(60, 60), file));
+    cubes::setMostZones(50);
+    try {
+        cubes::OmxFile::open(file).read("matrix");
+        FAIL() << "it was read";
+    } catch (TRkMatrixException const& error) {
+        EXPECT_EQ(error.Code(), std::errc::not_enough_memory);
+    }
+}
+
 TEST_F(MatrixLimits, includeTheMemoryThatIsAvailable) {
     auto const available = cubes::platform::availableMemory();
     ASSERT_TRUE(available);
