@@ -108,8 +108,7 @@ private:
         content.describe(found);
         if (recorded.isKnown() && found.content != recorded)
             throw std::runtime_error(
-                "it was changed outside Cubes or damaged: its content does not match its checksum; "
-                "restore it, or accept the change by deleting its dataset /cubes_index");
+                hdf5::reasonOfDamage("it") + "; restore it, or accept the change by deleting its dataset /cubes_index");
     }
 
     void hold(Content content, bool forAdding) {

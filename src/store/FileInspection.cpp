@@ -7,21 +7,12 @@
 #include "host/platform/Files.h"
 #include "store/Failure.h"
 
-#include <algorithm>
-#include <array>
 #include <exception>
 #include <system_error>
 
 namespace cubes::store {
 
 namespace {
-
-constexpr std::array<unsigned char, 8> hdf5Signature = {0x89, 'H', 'D', 'F', '\r', '\n', 0x1a, '\n'};
-
-bool isHdf5(std::span<std::byte const> file) {
-    auto const signature = std::as_bytes(std::span(hdf5Signature));
-    return file.size() >= signature.size() && std::ranges::equal(file.first(signature.size()), signature);
-}
 
 // Only files of ours are known: an application may store routes in files of its own.
 void inspectRoutes(std::span<std::byte const> file, FileFacts& facts) {
@@ -32,7 +23,7 @@ void inspectRoutes(std::span<std::byte const> file, FileFacts& facts) {
     if (file.empty()) return damaged("it is empty");
     auto const found = hdf5::findRecord(file);
     if (!found) return;
-    if (!isHdf5(file)) return damaged("its beginning is damaged");
+    if (!hdf5::beginsAsHdf5(file)) return damaged("its beginning is damaged");
     if (file.size() < found->record.fileSize)
         damaged("it is truncated: it has " + std::to_string(file.size()) + " bytes of " +
                 std::to_string(found->record.fileSize));
@@ -45,14 +36,14 @@ void inspectMatrix(std::string const& path, FileFacts& facts) {
 }
 
 bool hasDamagedRecord(std::string const& path, std::span<std::byte const> file) {
-    if (!isHdf5(file) || hdf5::findRecord(file)) return false;
+    if (!hdf5::beginsAsHdf5(file) || hdf5::findRecord(file)) return false;
     return matrix::describingFailure("cannot read", path, [&] { return matrix::OmxReader(path).hasRecord(); });
 }
 
 void inspectContent(std::string const& path, FileFacts& facts) {
     if (matrix::isIntactFile(path)) return;
     facts.problem = Problem::wrongContent;
-    facts.detail = "it was changed outside Cubes or damaged: its content does not agree with its content id";
+    facts.detail = hdf5::reasonOfDamage("it");
 }
 
 void inspect(std::string const& path, bool holdsRoutes, bool deep, FileFacts& facts) {

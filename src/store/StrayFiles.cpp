@@ -8,7 +8,6 @@
 #include "host/platform/TemporaryFile.h"
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
 #include <system_error>
 
@@ -186,14 +185,7 @@ bool isNamedByARow(StoreTables const& tables, std::string const& path, std::opti
 }
 
 bool isLeftover(std::string const& path) {
-    constexpr std::chrono::hours leastAge(24);
-    auto const now = std::chrono::system_clock::now().time_since_epoch();
-    try {
-        return now - std::chrono::microseconds(platform::lastChange(path)) >= leastAge &&
-               isFree(platform::targetOfTemporary(path));
-    } catch (std::system_error const&) {
-        return false;
-    }
+    return platform::isOlderThanADay(path) && isFree(platform::targetOfTemporary(path));
 }
 
 }

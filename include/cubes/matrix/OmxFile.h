@@ -19,6 +19,9 @@ class OmxReader;
 class CUBES_API OmxFile {
 public:
     static OmxFile open(std::string const& path);
+    /// Whether a file begins as HDF5 files do, and so may be an OMX file, whatever its name; false when it cannot be
+    /// read.
+    static bool mayBe(std::string const& path) noexcept;
     OmxFile(OmxFile&&) noexcept;
     OmxFile& operator=(OmxFile&&) noexcept;
     ~OmxFile();

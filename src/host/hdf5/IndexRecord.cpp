@@ -158,6 +158,16 @@ std::optional<FoundRecord> findRecord(platform::File const& file) {
     return findRecord(beginning);
 }
 
+bool beginsAsHdf5(std::span<std::byte const> beginning) {
+    constexpr std::string_view signature = "\x89HDF\r\n\x1a\n";
+    auto const expected = std::as_bytes(std::span(signature));
+    return beginning.size() >= expected.size() && std::ranges::equal(beginning.first(expected.size()), expected);
+}
+
+std::string reasonOfDamage(std::string_view subject) {
+    return std::string(subject) + " was changed outside Cubes or damaged: its content does not match its checksum";
+}
+
 bool hasRecordAt(GuardedFile const& file, std::uint64_t offset) {
     auto const isRecord = [](Link const& link) {
         return link.name == IndexRecord::dataset && link.kind == LinkKind::dataset;

@@ -89,6 +89,9 @@ std::array<std::byte, IndexRecord::bytes> encode(IndexRecord const& record);
 /// REQUIRES: within a Session.
 std::uint64_t writeRecord(hid_t file, std::optional<IndexRecord> const& record);
 
+/// Whether a file with these first bytes is an HDF5 file, as far as they show: HDF5 also allows others before its own.
+bool beginsAsHdf5(std::span<std::byte const> beginning);
+
 struct FoundRecord {
     std::uint64_t offset = 0;
     IndexRecord record;
@@ -99,6 +102,9 @@ struct FoundRecord {
 std::optional<FoundRecord> findRecord(std::span<std::byte const> file);
 /// The same for an open file. Throws std::system_error.
 std::optional<FoundRecord> findRecord(platform::File const& file);
+
+/// "`subject` was changed outside Cubes or damaged: ...", for content that does not have its recorded id.
+std::string reasonOfDamage(std::string_view subject);
 
 /// Whether the record found at that place is still the file's: deleting its dataset leaves the bytes where they are.
 bool hasRecordAt(GuardedFile const& file, std::uint64_t offset);

@@ -249,8 +249,7 @@ bool RecordedContent::agreesWith(FileHeader const& header, float const* elements
 }
 
 std::string reasonOfDamage(std::string const& subject) {
-    return subject + " was changed outside Cubes or damaged: its content does not match its checksum; restore it, or "
-                     "accept the change with cubes import --ignore-checksum";
+    return hdf5::reasonOfDamage(subject) + "; restore it, or accept the change with cubes import --ignore-checksum";
 }
 
 IndexRecord indexRecord(

@@ -5,6 +5,8 @@
 #include "host/matrix/OmxReader.h"
 #include "host/matrix/StagedFile.h"
 
+#include <array>
+#include <exception>
 #include <stdexcept>
 
 namespace cubes {
@@ -41,6 +43,16 @@ OmxFile::OmxFile(std::string path, std::unique_ptr<OmxReader> reader)
 OmxFile::OmxFile(OmxFile&&) noexcept = default;
 OmxFile& OmxFile::operator=(OmxFile&&) noexcept = default;
 OmxFile::~OmxFile() = default;
+
+bool OmxFile::mayBe(std::string const& path) noexcept {
+    try {
+        std::array<std::byte, 8> beginning{};
+        platform::File::openForReading(path).readAt(0, beginning);
+        return hdf5::beginsAsHdf5(beginning);
+    } catch (std::exception const&) {
+        return false;
+    }
+}
 
 OmxFile OmxFile::open(std::string const& path) {
     return reading(path, [&] { return OmxFile(path, std::make_unique<OmxReader>(path)); });

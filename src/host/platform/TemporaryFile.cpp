@@ -37,21 +37,14 @@ std::string randomDigits() {
     return text;
 }
 
-bool isOlderThanADay(fs::path const& path) {
-    std::error_code error;
-    auto const changed = fs::last_write_time(path, error);
-    return !error && fs::file_time_type::clock::now() - changed > leftoverAge;
-}
-
 // Once for each process, and in directories with a lock file once a day for all of them.
 bool isSearchDue(std::string const& directory) {
     static std::mutex mutex;
     static std::set<std::string> searched;
     std::lock_guard const guard(mutex);
     if (!searched.insert(directory).second) return false;
-    auto const lockFile = toPath(directory) / lockFileName;
-    std::error_code error;
-    return !fs::exists(lockFile, error) || (isOlderThanADay(lockFile) && touch(fromPath(lockFile)));
+    auto const lockFile = fromPath(toPath(directory) / lockFileName);
+    return !exists(lockFile) || (isOlderThanADay(lockFile) && touch(lockFile));
 }
 
 void removeLeftovers(std::string const& directory) noexcept {
@@ -100,11 +93,20 @@ bool mentionsTemporaryFile(std::string_view message) {
     return message.find(std::string(suffix) + ":") != std::string_view::npos;
 }
 
+bool isOlderThanADay(std::string const& path) noexcept {
+    try {
+        auto const now = std::chrono::system_clock::now().time_since_epoch();
+        return now - std::chrono::microseconds(lastChange(path)) > leftoverAge;
+    } catch (std::exception const&) {
+        return false;
+    }
+}
+
 bool removeLeftover(std::string const& path) noexcept {
     try {
         std::error_code error;
-        auto const file = toPath(path);
-        if (fs::symlink_status(file, error).type() != fs::file_type::regular || !isOlderThanADay(file)) return false;
+        auto const type = fs::symlink_status(toPath(path), error).type();
+        if (type != fs::file_type::regular || !isOlderThanADay(path)) return false;
         auto held = File::openExisting(path);
         return held.tryLock(heldByte) && discardFile(path);
     } catch (std::exception const&) {

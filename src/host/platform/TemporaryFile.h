@@ -25,6 +25,8 @@ inline constexpr char mayBeLost[] = "it is done, but may not survive a power fai
 /// The lock file of a directory of matrix or route files. The search for leftovers there sets its time.
 inline constexpr char lockFileName[] = ".cubes-lock";
 
+/// Whether a file was last changed more than a day ago, so that no running process is likely to be writing it.
+bool isOlderThanADay(std::string const& path) noexcept;
 /// Removes a temporary file that an interrupted process left: one that nobody holds and that was last changed more than
 /// a day ago. Returns whether it is removed; never throws.
 bool removeLeftover(std::string const& path) noexcept;

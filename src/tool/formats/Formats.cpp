@@ -1,6 +1,5 @@
 #include "tool/formats/Formats.h"
 
-#include "host/platform/File.h"
 #include "tool/Errors.h"
 #include "tool/Paths.h"
 #include "tool/Text.h"
@@ -109,17 +108,6 @@ Format const* formatOf(std::string const& path) {
     return found == formats.end() ? nullptr : &*found;
 }
 
-bool isHdf5(std::string const& path) {
-    constexpr std::string_view signature = "\x89HDF\r\n\x1a\n";
-    std::array<char, signature.size()> beginning{};
-    try {
-        platform::File::openForReading(path).readAt(0, std::as_writable_bytes(std::span(beginning)));
-    } catch (std::system_error const&) {
-        return false;
-    }
-    return std::string_view(beginning.data(), beginning.size()) == signature;
-}
-
 [[noreturn]] void refuseFormat(std::string const& path) {
     auto const extension = toText(toPath(path).extension());
     Tables known;
@@ -144,7 +132,7 @@ auto withinMemory(Work work) {
 
 TripTable readTripTable(std::string const& path, ReadOptions const& options, ProgressCallback const& progress) {
     auto const* const byExtension = formatOf(path);
-    if (!byExtension && !isHdf5(path)) refuseFormat(path);
+    if (!byExtension && !OmxFile::mayBe(path)) refuseFormat(path);
     auto const& format = byExtension ? *byExtension : omx;
     return withinMemory([&] { return format.read({path, options, progress}); });
 }
