@@ -225,13 +225,13 @@ std::size_t elementCount(std::uint64_t rows, std::uint64_t columns) {
     return static_cast<std::size_t>(rows * columns);
 }
 
-MatrixHash::MatrixHash(FileHeader const& header) : header_(header) {
+MatrixHash::MatrixHash(FileHeader const& header) : zones_(header.zones) {
     std::array<std::int32_t, 2> const shape = {header.rows, header.columns};
     hash_.add(std::as_bytes(std::span(shape)));
 }
 
 hdf5::Id128 MatrixHash::finish() {
-    hash_.add(std::as_bytes(std::span(header_.zones)));
+    hash_.add(std::as_bytes(std::span(zones_)));
     return hash_.id();
 }
 

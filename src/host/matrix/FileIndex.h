@@ -36,7 +36,6 @@ std::size_t elementCount(std::uint64_t rows, std::uint64_t columns);
 /// The content id of a matrix: over rows and columns, the elements row by row, and the zone numbers.
 class MatrixHash {
 public:
-    /// REQUIRES: the header outlives this object.
     explicit MatrixHash(FileHeader const& header);
     /// Adds the next elements.
     void add(std::span<std::byte const> elements) { hash_.add(elements); }
@@ -44,7 +43,7 @@ public:
     hdf5::Id128 finish();
 
 private:
-    FileHeader const& header_;
+    std::vector<std::int32_t> zones_;
     hdf5::ContentHash hash_;
 };
 
