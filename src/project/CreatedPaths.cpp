@@ -31,7 +31,15 @@ void CreatedPaths::makeDirectory(std::string const& path) {
 }
 
 void CreatedPaths::expectFile(std::string const& path) {
-    if (!platform::exists(path)) paths_.push_back(path);
+    if (!isPresent(path)) paths_.push_back(path);
+}
+
+bool isPresent(std::string const& path) {
+    try {
+        return platform::isPresent(path);
+    } catch (std::system_error const& error) {
+        throw TRkProjectException(error.what(), path);
+    }
 }
 
 }

@@ -62,7 +62,7 @@ std::string freeSchema(database::Session& session, std::string const& root) {
 void requireDatabaseFile(std::string const& url, bool isOverridden) {
     if (!database::isSqliteUrl(url)) return;
     std::string const path = database::sqlitePath(url);
-    if (!platform::exists(path))
+    if (!project::isPresent(path))
         throw TRkDatabaseException(std::string(isOverridden ? "the SQLite database that CUBES_DATABASE names"
                                                             : "the project's SQLite database") +
                                        ", '" + path + "', does not exist",
@@ -120,7 +120,8 @@ void Project::Parts::makeCurrent() {
 
 Project Project::create(std::string const& directory, ProjectOptions const& options) {
     std::string const root = absoluteDirectory(directory);
-    if (project::isProject(root)) throw TRkProjectException("'" + root + "' already is a project", root);
+    if (project::isPresent(project::projectFilePath(root)))
+        throw TRkProjectException("'" + root + "' already is a project", root);
     ProjectFile file = project::projectFileFor(options, root);
     if (options.database.empty()) file.database = platform::environment("CUBES_DATABASE").value_or(file.database);
 
@@ -146,7 +147,7 @@ Project Project::create(std::string const& directory, ProjectOptions const& opti
 
 Project Project::open(std::string const& directory) {
     std::string const root = absoluteDirectory(directory);
-    if (!project::isProject(root))
+    if (!project::isPresent(project::projectFilePath(root)))
         throw TRkProjectException("'" + root + "' is not a project: it has no \"cubes.toml\"", root);
     ProjectFile const file = project::readProjectFile(root);
     auto const otherDatabase = platform::environment("CUBES_DATABASE");

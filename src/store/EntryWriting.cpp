@@ -33,8 +33,8 @@ namespace {
 class Replaced {
 public:
     explicit Replaced(StagedFile const& staged) : staged_(staged) {
-        if (!platform::exists(staged.target())) return;
-        aside_.emplace(staged.target());
+        if (!platform::isPresent(staged.target())) return;
+        aside_.emplace(staged.target(), platform::TemporaryFile::Purpose::keepOld);
         aside_->linkTo(staged.target());
     }
     ~Replaced() {
@@ -140,7 +140,7 @@ void EntryWriting::outside(Task const& task, EntryInfo const& entry, char const*
 
 std::string EntryWriting::requireFile(Task const& task, EntryInfo const& entry) const {
     if (entry.file.empty()) outside(task, entry, "");
-    if (!platform::exists(entry.file))
+    if (!platform::isPresent(entry.file))
         Task{task.action, entry.text}.fail(Reason::notFound, "there is no file " + entry.file, entry.file);
     return entry.file;
 }
@@ -261,10 +261,10 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
     write(staged);
     auto const record = tables_.recordOf(key, staged.path());
     auto const late = commit(task, key, change, staged, record);
-    auto const left = change.movedFrom ? removeContent(*change.movedFrom) : std::error_code();
+    auto const left = change.movedFrom ? removeContent(*change.movedFrom) : Left();
     if (late) task.fail(reasonOf(late->Code()), platform::mayBeLost + causeOf(*late), target);
     if (left)
-        task.fail(reasonOf(left), "it is done, but the file of " + change.movedFrom->text + " stays: " + left.message(),
+        task.fail(left->reason, "it is done, but the file of " + change.movedFrom->text + " stays: " + left->cause,
             change.movedFrom->file);
 }
 
@@ -464,19 +464,30 @@ void EntryWriting::Removal::finish() {
     requireRemoved(task_, *entry_, removeContent(*entry_));
 }
 
+EntryWriting::Obstacle::Obstacle(std::error_code code) : Obstacle(reasonOf(code), code.message()) {}
+
 // The row of a result may name a directory.
-std::error_code EntryWriting::removeContent(EntryInfo const& entry) {
-    bool const isOurs = entry.key.isResult() ? platform::exists(entry.file) : platform::isRegularFile(entry.file);
-    if (!isOurs) return {};
+EntryWriting::Left EntryWriting::removeContent(EntryInfo const& entry) {
+    try {
+        bool const isOurs = !entry.file.empty() && platform::isPresent(entry.file) &&
+                            (entry.key.isResult() || platform::isRegularFile(entry.file));
+        if (!isOurs) return {};
+    } catch (std::system_error const& error) {
+        return Obstacle(error.code());
+    }
     bool const isRemoved =
         entry.key.isResult() ? catalogue::removeResult(entry.file) : platform::discardFile(entry.file);
-    return isRemoved ? std::error_code() : platform::lastSystemError();
+    return isRemoved ? Left() : Obstacle(platform::lastSystemError());
 }
 
-void EntryWriting::requireRemoved(Task const& task, EntryInfo const& entry, std::error_code failure) {
-    if (!failure) return;
-    Task{task.action, entry.text}.fail(
-        reasonOf(failure), entry.text + " is removed, but its file stays: " + failure.message(), entry.file);
+void EntryWriting::requireRemoved(Task const& task, EntryInfo const& entry, Left const& left, std::size_t others) {
+    if (!left) return;
+    std::string const advice = others == 0
+                                   ? "; delete it, or restore the entry with: cubes check --repair --yes"
+                                   : "; so do " + std::to_string(others) +
+                                         " more; delete them, or restore the entries with: cubes check --repair --yes";
+    Task{task.action, entry.text}.fail(left->reason,
+        entry.text + " is removed, but its file " + entry.file + " stays: " + left->cause + advice, entry.file);
 }
 
 // The file itself keeps its old stamp, which is only a hint.
@@ -555,29 +566,31 @@ std::vector<EntryInfo> EntryWriting::deleteRows(Task const& task, std::vector<En
 
 // As many as possible; the first one that stays is reported.
 void EntryWriting::removeFiles(Task const& task, std::vector<EntryInfo> const& removed) const {
-    std::optional<EntryInfo> first;
-    std::error_code failure;
+    EntryInfo const* first = nullptr;
+    Left why;
+    std::size_t staying = 0;
     for (auto const& entry : removed) {
-        auto const left = removeFile(entry);
-        if (!left || first) continue;
-        first = entry;
-        failure = left;
+        auto left = removeFile(entry);
+        if (!left || staying++ > 0) continue;
+        first = &entry;
+        why = std::move(left);
     }
-    if (first) requireRemoved(task, *first, failure);
+    if (first) requireRemoved(task, *first, why, staying - 1);
 }
 
-// Another program may have stored the entry anew since its row was deleted; then the file is in use.
-std::error_code EntryWriting::removeFile(EntryInfo const& entry) const {
-    if (entry.file.empty() || !platform::exists(entry.file)) return {};
+// Another program may have stored the entry anew since its row was deleted, or may be storing it: then the file is its.
+EntryWriting::Left EntryWriting::removeFile(EntryInfo const& entry) const {
     try {
+        if (entry.file.empty() || !platform::isPresent(entry.file)) return {};
         auto const lock = lockSoon(entry.file);
-        bool const isFree = lock && !tables_.rows(entry.key.isResult())->locate(entry.key.numbers());
-        return isFree ? removeContent(entry) : std::error_code();
-    } catch (TRkDatabaseException const&) {
-        // A file without a row is harmless: the next entry of that name replaces it.
-        return {};
+        if (tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) return {};
+        if (lock) return removeContent(entry);
+        if (platform::isBeingReplaced(entry.file)) return {};
+        return Obstacle(Reason::locked, matrix::LockRefused(entry.file).what());
+    } catch (TRkDatabaseException const& error) {
+        return Obstacle(reasonOf(error), error.what());
     } catch (std::system_error const& error) {
-        return error.code();
+        return Obstacle(error.code());
     }
 }
 

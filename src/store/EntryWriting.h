@@ -117,11 +117,18 @@ private:
     EntryInfo takeRow(Task const& task, EntryInfo const& entry) const;
     std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> keys) const;
     void removeFiles(Task const& task, std::vector<EntryInfo> const& removed) const;
-    /// Return why the file stays, if it does.
-    std::error_code removeFile(EntryInfo const& entry) const;
-    static std::error_code removeContent(EntryInfo const& entry);
-    /// Fails for a file that stays although its row is removed.
-    static void requireRemoved(Task const& task, EntryInfo const& entry, std::error_code failure);
+    /// Why the file of a removed entry stays.
+    struct Obstacle {
+        explicit Obstacle(std::error_code code);
+        Obstacle(Reason why, std::string text) : reason(why), cause(std::move(text)) {}
+        Reason reason;
+        std::string cause;
+    };
+    using Left = std::optional<Obstacle>;
+    Left removeFile(EntryInfo const& entry) const;
+    static Left removeContent(EntryInfo const& entry);
+    /// Fails for a file that stays although its row is removed; `others` stay as well.
+    static void requireRemoved(Task const& task, EntryInfo const& entry, Left const& left, std::size_t others = 0);
     [[noreturn]] void missing(Task const& task, EntryKey const& key) const;
     [[noreturn]] void outside(Task const& task, EntryInfo const& entry, char const* advice) const;
     void requireStorable(Task const& task, EntryKey const& key) const;

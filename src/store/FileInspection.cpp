@@ -5,6 +5,8 @@
 #include "host/matrix/OmxReader.h"
 #include "host/platform/File.h"
 #include "host/platform/Files.h"
+#include "host/platform/Paths.h"
+#include "host/platform/TemporaryFile.h"
 #include "store/Failure.h"
 
 #include <exception>
@@ -84,11 +86,12 @@ FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep) {
 }
 
 bool mayBeComplete(std::string const& path) {
+    if (platform::isOldName(platform::fromPath(platform::toPath(path).filename()))) return true;
     try {
         auto const file = platform::File::openForReading(path);
         if (auto const found = hdf5::findRecord(file)) return found->record.fileSize == file.size();
     } catch (std::system_error const&) {
-        return false;
+        return true;
     }
     return inspectFile(path, false, false).problem != Problem::damagedFile;
 }

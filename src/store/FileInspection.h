@@ -25,7 +25,8 @@ struct FileFacts {
 /// may call it.
 FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep);
 
-/// Whether a temporary file was written to its end, as far as it can be read now.
+/// Whether a temporary file may hold a whole matrix: unless it can be read and shows that it was not written to its
+/// end.
 bool mayBeComplete(std::string const& path);
 
 }

@@ -21,9 +21,18 @@ std::string textOf(std::pair<int, int> const& shape) {
     return std::to_string(shape.first) + " x " + std::to_string(shape.second);
 }
 
+// What cannot be examined is there: reading it gives the reason.
+bool mayBePresent(std::string const& file) {
+    try {
+        return platform::isPresent(file);
+    } catch (std::system_error const&) {
+        return true;
+    }
+}
+
 // Nothing for a row without a file, and for a result that is a directory.
 std::optional<FileFacts> factsOf(EntryInfo const& entry, bool deep) {
-    if (!platform::exists(entry.file) || platform::isDirectory(entry.file)) return std::nullopt;
+    if (!mayBePresent(entry.file) || platform::isDirectory(entry.file)) return std::nullopt;
     return inspectFile(entry.file, catalogue::kindOf(entry.key.cube()).holdsRoutes, deep);
 }
 
@@ -88,7 +97,7 @@ void ProjectCheck::check(EntryInfo const& entry, std::optional<FileFacts> const&
 }
 
 void ProjectCheck::checkFile(EntryInfo const& entry, std::optional<FileFacts> const& facts) {
-    bool const isHere = !entry.file.empty() && platform::exists(entry.file);
+    bool const isHere = !entry.file.empty() && mayBePresent(entry.file);
     Owner const owner = ownerOf(entry, isHere);
     if (owner == Owner::other)
         return report(Problem::otherDirectory, entry, "its file belongs to another project on this database");
@@ -102,7 +111,7 @@ void ProjectCheck::checkFile(EntryInfo const& entry, std::optional<FileFacts> co
     if (!isHere) {
         // Others may have removed the entry, or have stored it again: a row that is there has its file.
         auto rows = tables_.rows(entry.key.isResult());
-        if (!rows->locate(entry.key.numbers()) || platform::exists(entry.file)) return;
+        if (!rows->locate(entry.key.numbers()) || mayBePresent(entry.file)) return;
         auto const directory = tables_.directory(entry.key.isResult());
         if (platform::isDirectory(directory)) return report(Problem::missingFile, entry, "there is no such file");
         return report(Problem::unreadableFile, entry, "the directory " + directory + " is missing; restore it");

@@ -43,7 +43,7 @@ std::string ProjectRepair::registerCube(Finding const& finding) const {
 
 std::string ProjectRepair::placeFile(Finding const& finding) const {
     WriteLock const lock(finding.file, WriteLock::Purpose::create);
-    if (!platform::exists(finding.file)) return {};
+    if (!platform::isPresent(finding.file)) return {};
     if (isNamedByARow(tables_, finding.file, matrix::readStamp(finding.file))) return {};
     if (finding.entry && !EntryWriting(tables_).find(*finding.entry)) return restoreRow(finding);
     return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
@@ -73,7 +73,7 @@ void ProjectRepair::requireCube(Finding const& finding) const {
 }
 
 std::string ProjectRepair::removeLeftover(Finding const& finding) const {
-    if (!platform::exists(finding.file) || !isLeftover(finding.file)) return {};
+    if (!platform::isPresent(finding.file) || !isLeftover(finding.file)) return {};
     if (mayBeComplete(finding.file)) return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
     return platform::removeLeftover(finding.file) ? "it was removed" : "";
 }
@@ -85,7 +85,7 @@ std::string ProjectRepair::dropRow(Finding const& finding) const {
     if (!writing.find(*finding.entry)) return {};
     EntryWriting::Removal removal(writing, task, *finding.entry);
     // The row may be another one by now.
-    if (auto const& file = removal.entry().file; !file.empty() && platform::exists(file)) return {};
+    if (auto const& file = removal.entry().file; !file.empty() && platform::isPresent(file)) return {};
     removal.finish();
     return "the row was removed";
 }

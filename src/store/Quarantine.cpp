@@ -27,7 +27,7 @@ std::string noteOn(std::string const& file, std::string const& why) {
 platform::File newNote(std::string const& path) {
     for (int number = 1;; ++number) {
         auto const name = number == 1 ? path : path + "." + std::to_string(number);
-        if (platform::exists(name) || platform::exists(name + noteExtension)) continue;
+        if (platform::isPresent(name) || platform::isPresent(name + noteExtension)) continue;
         try {
             return platform::File::createNew(name + noteExtension);
         } catch (std::system_error const& error) {

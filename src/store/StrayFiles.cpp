@@ -15,7 +15,6 @@ namespace cubes::store {
 
 using catalogue::findKind;
 using matrix::FileStamp;
-using matrix::WriteLock;
 
 namespace {
 
@@ -40,18 +39,6 @@ std::optional<EntryKey> keyOf(FileStamp const& stamp) {
     if (numbers.size() != (isResult ? std::tuple_size_v<catalogue::ResultKey> : std::tuple_size_v<catalogue::CubeKey>))
         return std::nullopt;
     return store::keyOf(numbers);
-}
-
-// Whether nobody is writing the file of that name. In a directory that cannot be written to nobody is.
-bool isFree(std::string const& path) {
-    try {
-        WriteLock const lock(path, WriteLock::Purpose::create);
-        return true;
-    } catch (matrix::LockRefused const&) {
-        return false;
-    } catch (std::system_error const&) {
-        return true;
-    }
 }
 
 }
@@ -104,7 +91,7 @@ std::optional<Finding> StrayFiles::findingOf(File const& file) {
     bool const isStamped = facts.stamp && keyOf(*facts.stamp);
     if (!isStamped && !catalogue::hasEntryExtension(name)) return std::nullopt;
     // Who is storing the entry has not committed its row yet; the file of a removed one may be gone by now.
-    if (!isFree(path) || !platform::exists(path)) return std::nullopt;
+    if (matrix::isLocked(path) || !platform::isPresent(path)) return std::nullopt;
     if (isNamedByARow(tables_, path, facts.stamp)) return std::nullopt;
     auto const origin = originOf(file, facts);
     Finding finding{.problem = Problem::fileWithoutRow, .file = path};
@@ -185,7 +172,9 @@ bool isNamedByARow(StoreTables const& tables, std::string const& path, std::opti
 }
 
 bool isLeftover(std::string const& path) {
-    return platform::isOlderThanADay(path) && isFree(platform::targetOfTemporary(path));
+    auto const name = platform::fromPath(platform::toPath(path).filename());
+    bool const isOld = platform::isOldName(name) || platform::isOlderThanADay(path);
+    return isOld && !matrix::isLocked(platform::targetOfTemporary(path));
 }
 
 }

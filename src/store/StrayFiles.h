@@ -61,7 +61,8 @@ private:
 std::string storedNameOf(StoreTables const& tables, bool ofResults, std::string const& path);
 /// Whether a row names the file: that of the entry of its name, or that of the entry which the file records.
 bool isNamedByARow(StoreTables const& tables, std::string const& path, std::optional<matrix::FileStamp> const& stamp);
-/// Whether a temporary file was left behind: it is a day old, and nobody is writing its target.
+/// Whether a temporary file was left behind: it is a day old, or the old file of a target, and nobody is writing the
+/// target.
 bool isLeftover(std::string const& path);
 
 }

@@ -316,6 +316,30 @@ TEST_P(EntryCheckTest, neverDropsARowThatMayBeOfAnotherProject) {
     EXPECT_TRUE(b().find({1, 2, 1, 1, 1}));
 }
 
+TEST_P(EntryCheckTest, neverDropsTheRowOfAFileThatCannotBeExamined) {
+    auto const looping = file(tripsOf(1));
+    fs::remove(looping);
+    std::error_code failure;
+    fs::create_symlink(looping, looping, failure);
+    if (failure) GTEST_SKIP() << "SKIPPED: no links for this user here";
+    EXPECT_EQ(checked(), std::string(rowOfB) + "unreadableFile Trips/1/1/1/1\n");
+    repairAll();
+    EXPECT_TRUE(a().find(tripsOf(1)));
+}
+
+TEST_P(EntryCheckTest, movesAnOldFileThatWasBeingReplacedToTheQuarantineAtOnce) {
+    auto const old = matrices(".1-1-1-1-1.odm.0123456789abcdef.cubes-old");
+    writeFile(old, "made by another program");
+    {
+        matrix::WriteLock const lock(file(tripsOf(1)), matrix::WriteLock::Purpose::create);
+        EXPECT_EQ(checked(), std::string(rowOfB) + "recentTemporaryFile\n");
+    }
+    EXPECT_EQ(checked(), std::string("leftoverFile\n") + rowOfB);
+    repairAll();
+    EXPECT_EQ(checked(), rowOfB);
+    EXPECT_EQ(readFile(matrices("quarantine/" + fs::path(old).filename().string())), "made by another program");
+}
+
 TEST_P(EntryCheckTest, takesNoFileForDamagedWhenTheReaderIsMissing) {
     auto const leftover = results(".9-9-9-9-9-9.skm.0123456789abcdef.cubes-tmp");
     for (auto const& path : {file(tripsOf(1)), leftover}) {

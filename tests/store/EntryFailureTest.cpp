@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "host/matrix/FailingSystem.h"
+#include "host/matrix/WriteLock.h"
 #include "support/Backend.h"
 #include "support/CubeTesting.h"
 #include "support/Forked.h"
@@ -156,7 +157,7 @@ TEST_P(EntryFailureTest, removesAllEntriesOrNoneWhicheverStepFails) {
             }
         }
         // A file that cannot be locked stays without a row, and the message says so.
-        bool const isRemoved = message.empty() || message.find("is removed, but its file stays") != std::string::npos;
+        bool const isRemoved = message.empty() || message.find("is removed, but its file ") != std::string::npos;
         EXPECT_EQ(state() == before, !isRemoved) << step << ": " << message;
         EXPECT_EQ(bool(store().find(trips_)), bool(store().find(skim_))) << step;
         EXPECT_EQ(files().find(".cubes-tmp"), std::string::npos) << step;
@@ -164,18 +165,22 @@ TEST_P(EntryFailureTest, removesAllEntriesOrNoneWhicheverStepFails) {
 }
 
 TEST_P(EntryFailureTest, reportsAFileThatCannotBeRemoved) {
+    auto const staying = [this](std::string const& action, std::string const& rest) {
+        return "cannot " + action + ": Trips/1/1/1/1 is removed, but its file " + store().find(trips_)->file +
+               " stays: " + rest + " with: cubes check --repair --yes";
+    };
     struct {
         char const* does;
         std::function<void(EntryStore&)> work;
-        char const* message;
+        std::string message;
     } const removals[] = {
         {"remove", [this](EntryStore& in) { in.remove(trips_); },
-            "cannot remove Trips/1/1/1/1: Trips/1/1/1/1 is removed, but its file stays: Input/output error"},
+            staying("remove Trips/1/1/1/1", "Input/output error; delete it, or restore the entry")},
         {"remove two",
             [this](EntryStore& in) {
                 in.removeAll({trips_, other_});
             },
-            "cannot remove 2 entries: Trips/1/1/1/1 is removed, but its file stays: Input/output error"},
+            staying("remove 2 entries", "Input/output error; so do 1 more; delete them, or restore the entries")},
         {"move", [this](EntryStore& in) { in.move(trips_, free_); },
             "cannot move Trips/1/1/1/1 to Trips/3/1/1/1: it is done, but the file of Trips/1/1/1/1 stays: "
             "Input/output error"},
@@ -196,6 +201,73 @@ TEST_P(EntryFailureTest, reportsAFileThatCannotBeRemoved) {
         EXPECT_EQ(message, removal.message);
         EXPECT_FALSE(store().find(trips_)) << removal.does;
         EXPECT_TRUE(std::filesystem::exists(file)) << removal.does;
+    }
+}
+
+TEST_P(EntryFailureTest, reportsAFileOfARemovedEntryThatOthersHaveLocked) {
+    std::string const file = store().find(trips_)->file;
+    struct {
+        char const* does;
+        std::function<void(EntryStore&)> work;
+    } const removals[] = {{"remove all", [](EntryStore& in) { in.removeAll(EntrySelection{}); }},
+        {"remove the cube", [](EntryStore& in) { in.removeCube(1); }}};
+    for (auto const& removal : removals) {
+        std::string message;
+        {
+            matrix::WriteLock const lock(file, matrix::WriteLock::Purpose::create);
+            try {
+                removal.work(store());
+            } catch (StoreError const& error) {
+                message = error.what();
+                EXPECT_EQ(error.reason(), Reason::locked) << removal.does;
+                EXPECT_EQ(error.file(), file) << removal.does;
+            }
+        }
+        EXPECT_NE(message.find("Trips/1/1/1/1 is removed, but its file " + file + " stays: it is locked by another"),
+            std::string::npos)
+            << removal.does << ": " << message;
+        EXPECT_FALSE(store().find(trips_)) << removal.does;
+        EXPECT_TRUE(std::filesystem::exists(file)) << removal.does;
+        EXPECT_EQ(files().find("1-2-1-1-1.odm"), std::string::npos) << removal.does << ": " << files();
+        store().addCube("Trips");
+        reset();
+    }
+}
+
+TEST_P(EntryFailureTest, leavesTheFileOfARemovedEntryToWhoeverIsStoringItAnew) {
+    EntryKey const routes{-9, 1, 1, 1, 1, 1, 0};
+    auto const writing = [](std::string const& content) {
+        return [content](std::string const& path) { writeFile(path, content); };
+    };
+    store().putFile(routes, writing("old"));
+    store().putFile(routes, [&](std::string const& path) {
+        writeFile(path, "new");
+        EXPECT_NO_THROW(store().removeAll({routes}));
+        EXPECT_FALSE(store().find(routes));
+    });
+    ASSERT_TRUE(store().find(routes));
+    EXPECT_EQ(readFile(store().find(routes)->file), "new");
+}
+
+TEST_P(EntryFailureTest, reportsAFileThatCannotBeExamined) {
+    std::function<void(EntryStore&)> const uses[] = {[this](EntryStore& in) { in.remove(trips_); },
+        [this](EntryStore& in) { in.removeAll({trips_}); },
+        [this](EntryStore& in) { static_cast<void>(in.get(trips_)); },
+        [this](EntryStore& in) { in.copy(trips_, free_); }};
+    for (auto const& use : uses) {
+        reset();
+        std::string const file = store().find(trips_)->file;
+        std::filesystem::remove(file);
+        std::filesystem::create_symlink(file, file);
+        std::string message;
+        try {
+            use(store());
+        } catch (StoreError const& error) {
+            message = error.what();
+        }
+        EXPECT_NE(message.find("Too many levels of symbolic links"), std::string::npos) << message;
+        EXPECT_TRUE(std::filesystem::is_symlink(file));
+        std::filesystem::remove(file);
     }
 }
 

@@ -203,7 +203,8 @@ public:
     void remove(EntryKey const& key);
     /// Removes all entries of the selection, and returns how many. Throws inUse or otherDirectory
     /// when one of them is in use or belongs to another project; then nothing has changed. A file that
-    /// cannot be removed is reported like by remove(), after all others have been removed.
+    /// cannot be removed, or is locked by others, is reported like by remove(), after all others have been removed;
+    /// one whose entry is being stored anew is left to its writer.
     std::size_t removeAll(EntrySelection const& selection);
     /// The same for entries by their keys; missing ones are skipped.
     std::size_t removeAll(std::vector<EntryKey> const& keys);

@@ -1,6 +1,7 @@
 #include "host/matrix/WriteLock.h"
 
 #include "host/platform/File.h"
+#include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
 #include "host/platform/System.h"
@@ -25,14 +26,18 @@ std::string keyOf(std::string const& path) {
     return platform::foldCase(platform::fromPath(directory / file.filename()));
 }
 
+std::string lockFileOf(std::string const& path) {
+    return platform::fromPath(platform::fromRoot(platform::toPath(path)).parent_path() / platform::lockFileName);
+}
+
 // The lock on a byte of the lock file; nothing when somebody else holds it. Users know the directory, not the lock
 // file.
 std::optional<platform::ByteLock> tryLock(std::string const& path, std::uint64_t position) {
-    auto const directory = platform::fromRoot(platform::toPath(path)).parent_path();
+    auto const lockFile = lockFileOf(path);
     try {
-        return platform::ByteLock::tryTake(platform::fromPath(directory / platform::lockFileName), position);
+        return platform::ByteLock::tryTake(lockFile, position);
     } catch (std::system_error const& error) {
-        throw std::system_error(error.code(), "cannot write " + platform::fromPath(directory));
+        throw std::system_error(error.code(), "cannot write " + platform::directoryOf(lockFile));
     }
 }
 
@@ -95,6 +100,14 @@ WriteLock::~WriteLock() {
     held_.reset();
     auto const entry = known.byKey.find(key_);
     if (entry != known.byKey.end() && entry->second.expired()) known.byKey.erase(entry);
+}
+
+bool isLocked(std::string const& path) {
+    try {
+        return platform::File::openForReading(lockFileOf(path)).isLockedByOthers(positionOf(keyOf(path)), 1);
+    } catch (std::system_error const&) {
+        return false;
+    }
 }
 
 bool isLockName(std::string const& name) {

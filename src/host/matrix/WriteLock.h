@@ -44,6 +44,10 @@ private:
     std::shared_ptr<Held> held_;
 };
 
+/// Whether an object or a process has the lock of a file at the moment. False where that cannot be found out, as in a
+/// directory whose lock file may not be read.
+bool isLocked(std::string const& path);
+
 /// Whether a file of this name (without directory) is the lock file of its directory.
 bool isLockName(std::string const& name);
 

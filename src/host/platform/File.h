@@ -60,6 +60,9 @@ public:
     /// Takes an exclusive lock on one byte, which need not exist, against every other open file in this and in other
     /// processes, until it is closed. False when another holder has it.
     bool tryLock(std::uint64_t position);
+    /// Whether another open file, in this or in another process, has a lock on one of these bytes at the moment.
+    /// REQUIRES: they are more than a byte that this one has locked.
+    bool isLockedByOthers(std::uint64_t position, std::uint64_t length) const;
     /// Releases all locks on the file, also where closing it does not yet: in a child process that is being started and
     /// has it open as well.
     void unlock() noexcept;
@@ -105,7 +108,9 @@ public:
     /// std::system_error when the file cannot be opened for writing or cannot be locked.
     static std::optional<ByteLock> tryTake(std::string const& path, std::uint64_t position);
     /// Whether another holder has one of these bytes at the moment. Throws std::system_error.
-    bool isHeldByOthers(std::uint64_t position, std::uint64_t length) const;
+    bool isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
+        return file_->isLockedByOthers(position, length);
+    }
 
 private:
     // A forked process releases nothing: the lock is its parent's.

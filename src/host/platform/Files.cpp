@@ -131,14 +131,22 @@ std::string absolutePath(std::string const& path) {
     return fromPath(normalForm(toPath(path)));
 }
 
+bool isPresent(std::string const& path) {
+    std::error_code failure;
+    bool const isThere = !path.empty() && fs::exists(toPath(path), failure);
+    if (!failure || failure == std::errc::filename_too_long) return isThere;
+    throw std::system_error(failure, "cannot examine " + path);
+}
+
 std::uint64_t fileSize(std::string const& path) {
     return fs::file_size(toPath(path));
 }
 
 std::vector<std::string> fileNamesIn(std::string const& directory) {
     std::vector<std::string> names;
+    std::error_code unknown;
     for (auto const& entry : fs::directory_iterator(toPath(directory)))
-        if (entry.is_regular_file()) names.push_back(fromPath(entry.path().filename()));
+        if (entry.is_regular_file(unknown)) names.push_back(fromPath(entry.path().filename()));
     std::ranges::sort(names);
     return names;
 }

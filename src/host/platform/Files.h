@@ -40,6 +40,9 @@ bool moveDirectory(std::string const& source, std::string const& target);
 /// only where nothing is. Of two names of one file the first is removed. False when the name lies on another file
 /// system: then nothing is done.
 bool renameFile(std::string const& from, std::string const& to);
+/// Whether something has that name, also a directory: `exists` for decisions that data depends on, since an
+/// input/output error is not "no".
+bool isPresent(std::string const& path);
 std::uint64_t fileSize(std::string const& path);
 /// The names of the regular files in a directory, sorted.
 std::vector<std::string> fileNamesIn(std::string const& directory);

@@ -3,6 +3,7 @@
 #include "host/platform/Files.h"
 #include "host/platform/Paths.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <mutex>
@@ -21,20 +22,58 @@ constexpr std::uint64_t heldByte = std::uint64_t{1} << 62;
 constexpr auto leftoverAge = std::chrono::hours(24);
 
 constexpr std::string_view suffix = ".cubes-tmp";
+// A second name of an old file has the file's time, so that its age says nothing.
+constexpr std::string_view oldSuffix = ".cubes-old";
+// What Windows cannot remove yet.
+constexpr std::string_view outdatedSuffix = ".old.cubes-tmp";
 // Leaves room for the rest of the name if a file system allows 255 bytes.
 constexpr std::size_t longestPart = 200;
 
+constexpr std::string_view hexadecimal = "0123456789abcdef";
+constexpr std::size_t digitCount = 16;
+
 // Every module of a process that is linked with this code draws its own random number, and so does a forked process.
 std::string randomDigits() {
-    constexpr char digits[] = "0123456789abcdef";
     std::random_device random;
     std::uint64_t number = std::uint64_t{random()} << 32 | random();
-    std::string text(16, '0');
+    std::string text(digitCount, '0');
     for (char& digit : text) {
-        digit = digits[number & 15u];
+        digit = hexadecimal[number & 15u];
         number >>= 4;
     }
     return text;
+}
+
+// ".<target>.", as far as the target's name is known.
+std::string beginningOf(std::string const& target) {
+    return "." + fromPath(toPath(target).filename()).substr(0, longestPart) + ".";
+}
+
+std::string pathBeside(std::string const& target, std::string_view ending) {
+    return fromPath(toPath(target).parent_path() / toPath(beginningOf(target) + randomDigits() + std::string(ending)));
+}
+
+// The target in ".<target>.<16 digits><suffix>"; empty for every other name.
+std::string_view targetIn(std::string_view name) {
+    for (auto const ending : {outdatedSuffix, suffix, oldSuffix}) {
+        if (!name.ends_with(ending)) continue;
+        name.remove_suffix(ending.size());
+        bool const isLong = name.size() > digitCount + 2;
+        auto const digits = isLong ? name.size() - digitCount : 0;
+        bool const isOurs = isLong && name[0] == '.' && name[digits - 1] == '.' &&
+                            name.find_first_not_of(hexadecimal, digits) == std::string_view::npos;
+        return isOurs ? name.substr(1, digits - 2) : std::string_view();
+    }
+    return {};
+}
+
+bool isHeld(std::string const& path) {
+    try {
+        return File::openForReading(path).isLockedByOthers(heldByte, 1);
+    } catch (std::system_error const&) {
+        // It is gone, or nothing can be locked here.
+        return false;
+    }
 }
 
 // Once for each process, and in directories with a lock file once a day for all of them.
@@ -53,15 +92,16 @@ void removeLeftovers(std::string const& directory) noexcept {
         std::error_code error;
         for (fs::directory_iterator entry(toPath(directory), error), end; !error && entry != end;
              entry.increment(error))
-            if (isTemporaryName(fromPath(entry->path().filename()))) removeLeftover(fromPath(entry->path()));
+            removeLeftover(fromPath(entry->path()));
     } catch (std::exception const&) {
         // The new file is what matters.
     }
 }
 
-File createBeside(std::string const& target) {
+File createBeside(std::string const& target, TemporaryFile::Purpose purpose) {
     removeLeftovers(directoryOf(target));
-    return File::createLike(temporaryPath(target), target);
+    bool const isNew = purpose == TemporaryFile::Purpose::replace;
+    return File::createLike(pathBeside(target, isNew ? suffix : oldSuffix), target);
 }
 
 void rename(std::string const& file, std::string const& target) {
@@ -72,25 +112,39 @@ void rename(std::string const& file, std::string const& target) {
 }
 
 std::string temporaryPath(std::string const& target) {
-    auto const path = toPath(target);
-    std::string const name = fromPath(path.filename()).substr(0, longestPart);
-    return fromPath(path.parent_path() / toPath("." + name + "." + randomDigits() + std::string(suffix)));
+    return pathBeside(target, suffix);
 }
 
 bool isTemporaryName(std::string_view name) {
-    return name.starts_with('.') && name.ends_with(suffix);
+    return !targetIn(name).empty();
+}
+
+bool isOldName(std::string_view name) {
+    return name.ends_with(oldSuffix) && isTemporaryName(name);
 }
 
 std::string targetOfTemporary(std::string const& path) {
-    constexpr std::size_t dotAndDigits = 17;
     auto const file = toPath(path);
     std::string const name = fromPath(file.filename());
-    if (!isTemporaryName(name) || name.size() <= 1 + dotAndDigits + suffix.size()) return path;
-    return fromPath(file.parent_path() / toPath(name.substr(1, name.size() - 1 - dotAndDigits - suffix.size())));
+    auto const target = targetIn(name);
+    return target.empty() ? path : fromPath(file.parent_path() / toPath(std::string(target)));
+}
+
+bool isBeingReplaced(std::string const& target) {
+    auto const directory = directoryOf(target);
+    auto const isHeldHere = [&](std::string const& name) {
+        bool const isOfTarget = name.starts_with(beginningOf(target)) && isTemporaryName(name) &&
+                                targetIn(name).size() + 2 == beginningOf(target).size();
+        return isOfTarget && isHeld(fromPath(toPath(directory) / toPath(name)));
+    };
+    return std::ranges::any_of(fileNamesIn(directory), isHeldHere);
 }
 
 bool mentionsTemporaryFile(std::string_view message) {
-    return message.find(std::string(suffix) + ":") != std::string_view::npos;
+    auto const isIn = [message](std::string_view ending) {
+        return message.find(std::string(ending) + ":") != std::string_view::npos;
+    };
+    return isIn(suffix) || isIn(oldSuffix);
 }
 
 bool isOlderThanADay(std::string const& path) noexcept {
@@ -105,6 +159,8 @@ bool isOlderThanADay(std::string const& path) noexcept {
 bool removeLeftover(std::string const& path) noexcept {
     try {
         std::error_code error;
+        std::string const name = fromPath(toPath(path).filename());
+        if (!isTemporaryName(name) || isOldName(name)) return false;
         auto const type = fs::symlink_status(toPath(path), error).type();
         if (type != fs::file_type::regular || !isOlderThanADay(path)) return false;
         auto held = File::openExisting(path);
@@ -114,8 +170,8 @@ bool removeLeftover(std::string const& path) noexcept {
     }
 }
 
-TemporaryFile::TemporaryFile(std::string const& target)
-    : target_(target), isNew_(!exists(target)), file_(createBeside(target)) {
+TemporaryFile::TemporaryFile(std::string const& target, Purpose purpose)
+    : target_(target), isNew_(!exists(target)), file_(createBeside(target, purpose)) {
     hold();
 }
 

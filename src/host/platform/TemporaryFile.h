@@ -13,6 +13,8 @@ std::string temporaryPath(std::string const& target);
 /// Whether a file of this name (without directory) is a temporary one: of a running process, or left behind by an
 /// interrupted one.
 bool isTemporaryName(std::string_view name);
+/// Whether it is the temporary name of an old file that is being replaced: ".<target>.<16 digits>.cubes-old".
+bool isOldName(std::string_view name);
 /// Whether a message has the path of a temporary file in it.
 bool mentionsTemporaryFile(std::string_view message);
 
@@ -27,9 +29,13 @@ inline constexpr char lockFileName[] = ".cubes-lock";
 
 /// Whether a file was last changed more than a day ago, so that no running process is likely to be writing it.
 bool isOlderThanADay(std::string const& path) noexcept;
-/// Removes a temporary file that an interrupted process left: one that nobody holds and that was last changed more than
-/// a day ago. Returns whether it is removed; never throws.
+/// Removes a new file that an interrupted process left: one that nobody holds and that was last changed more than a day
+/// ago. An old file, which may be the only copy, is not removed. Returns whether it is removed; never throws.
 bool removeLeftover(std::string const& path) noexcept;
+
+/// Whether a process holds a temporary file of this target at the moment. Throws std::system_error when the directory
+/// cannot be listed.
+bool isBeingReplaced(std::string const& target);
 
 /// A new file beside its target that replaces the target atomically when it is complete, and keeps the target's rights.
 /// Otherwise the destructor removes it. It is locked as long as it exists, so that it can be told from a leftover; a
@@ -37,9 +43,12 @@ bool removeLeftover(std::string const& path) noexcept;
 /// file at most once a day.
 class TemporaryFile {
 public:
+    /// What it is for: to replace the target, or to keep the target's old file until another one has replaced it.
+    enum class Purpose { replace, keepOld };
+
     /// Creates the empty file, with the target's rights or, for a new target, as the umask says. Throws
     /// std::system_error.
-    explicit TemporaryFile(std::string const& target);
+    explicit TemporaryFile(std::string const& target, Purpose purpose = Purpose::replace);
     TemporaryFile(TemporaryFile const&) = delete;
     TemporaryFile& operator=(TemporaryFile const&) = delete;
     ~TemporaryFile();

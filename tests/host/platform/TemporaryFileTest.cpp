@@ -59,9 +59,13 @@ TEST(TemporaryFile, leavesRoomInItsNameForLongOnes) {
 }
 
 TEST(TemporaryFile, isRecognisedByItsName) {
-    for (char const* name : {".a.skm.0123456789abcdef.cubes-tmp", ".a.skm.12-0.cubes-tmp", ".cubes-tmp"})
+    for (char const* name : {".a.skm.0123456789abcdef.cubes-tmp", ".a.0123456789abcdef.cubes-tmp",
+             ".a.skm.0123456789abcdef.old.cubes-tmp", ".a.skm.0123456789abcdef.cubes-old"})
         EXPECT_TRUE(isTemporaryName(name)) << name;
-    for (char const* name : {"a.skm", "a.cubes-tmp", ".cubes-lock", ".a.cubes-tmp.skm", ""})
+    for (char const* name : {"a.skm", "a.cubes-tmp", ".cubes-lock", ".a.cubes-tmp.skm", "", ".cubes-tmp",
+             ".a.skm.12-0.cubes-tmp", ".a.skm.0123456789abcde.cubes-tmp", ".a.skm.0123456789abcdeg.cubes-tmp",
+             ".a.skm.0123456789ABCDEF.cubes-tmp", "a.skm.0123456789abcdef.cubes-tmp", ".0123456789abcdef.cubes-tmp",
+             "..0123456789abcdef.cubes-tmp", ".a_0123456789abcdef.cubes-tmp", ".a.0123456789abcdef.x.cubes-tmp"})
         EXPECT_FALSE(isTemporaryName(name)) << name;
 }
 
@@ -69,6 +73,7 @@ TEST(TemporaryFile, hasItsTargetInItsName) {
     auto const target = cubes::test::nativePath("/d/a.skm");
     EXPECT_EQ(targetOfTemporary(temporaryPath(target)), target);
     EXPECT_EQ(targetOfTemporary(temporaryPath("a.skm")), "a.skm");
+    EXPECT_EQ(targetOfTemporary(".a.skm.0123456789abcdef.cubes-old"), "a.skm");
     for (auto const* const other : {"a.skm", ".cubes-tmp", ".a.cubes-tmp", ""})
         EXPECT_EQ(targetOfTemporary(other), other);
 }
@@ -99,7 +104,7 @@ TEST(TemporaryFile, isANewFileAfterAnotherProgramHasReplacedIt) {
     writeFile(directory.file("a"), "old");
     TemporaryFile file(directory.file("a"));
     writeFile(directory.file("b"), "new");
-    std::filesystem::rename(directory.file("b"), file.path());
+    EXPECT_TRUE(renameFile(directory.file("b"), file.path()));
     file.reopen();
     EXPECT_EQ(file.file().size(), 3u);
     file.commit();
@@ -226,11 +231,58 @@ TEST(Leftover, isNotRemovedWhileItsWriterLives) {
     EXPECT_TRUE(removeLeftover(written.path()));
 }
 
+TEST(Leftover, isNoOldFileWhichMayBeTheOnlyCopy) {
+    TempDir const directory;
+    writeFile(directory.file("a"), "old");
+    setDaysBack(directory.file("a"), 300);
+    std::string kept;
+    {
+        TemporaryFile old(directory.file("a"), TemporaryFile::Purpose::keepOld);
+        old.linkTo(directory.file("a"));
+        kept = old.path();
+        EXPECT_TRUE(isOldName(std::filesystem::path(kept).filename().string())) << kept;
+        old.leave();
+    }
+    writeFile(directory.file("new"), "new");
+    EXPECT_TRUE(renameFile(directory.file("new"), directory.file("a")));
+    EXPECT_FALSE(removeLeftover(kept));
+    EXPECT_EQ(writing.inProcesses(1, directory.file("b")), 1);
+    EXPECT_EQ(readFile(kept), "old");
+}
+
+TEST(Leftover, isNoFileOfAnotherName) {
+    TempDir const directory;
+    for (char const* name : {"a.odm", ".a.12-0.cubes-tmp", ".cubes-tmp"}) {
+        writeFile(directory.file(name), "other");
+        setDaysBack(directory.file(name), 2);
+    }
+    EXPECT_EQ(writing.inProcesses(1, directory.file("b")), 1);
+    EXPECT_EQ(listing(directory.str()), ".a.12-0.cubes-tmp\n.cubes-tmp\na.odm\n");
+}
+
+TEST(TemporaryFile, showsThatItsTargetIsBeingReplaced) {
+    TempDir const directory;
+    std::string const longest(255, 'n');
+    auto const held = temporaryPath(directory.file("b"));
+    writeFile(held, "nobody writes it");
+    {
+        TemporaryFile const first(directory.file("a"));
+        TemporaryFile const second(directory.file(longest));
+        for (auto const& name : {std::string("a"), longest}) EXPECT_TRUE(isBeingReplaced(directory.file(name))) << name;
+        for (char const* name : {"b", "c", "a.0"}) EXPECT_FALSE(isBeingReplaced(directory.file(name))) << name;
+    }
+    EXPECT_FALSE(isBeingReplaced(directory.file("a")));
+}
+
 TEST(Leftover, isNothingButAFile) {
     TempDir const directory;
     auto const folder = temporaryPath(directory.file("a"));
     std::filesystem::create_directory(folder);
+#ifndef _WIN32
+    // A directory cannot be dated there.
     setDaysBack(folder, 2);
+#endif
     EXPECT_FALSE(removeLeftover(folder));
+    EXPECT_TRUE(isDirectory(folder));
     EXPECT_FALSE(removeLeftover(directory.file("missing")));
 }

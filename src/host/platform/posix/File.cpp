@@ -159,6 +159,12 @@ bool File::tryLock(std::uint64_t position) {
     throwSystemFailure("cannot lock", path_);
 }
 
+bool File::isLockedByOthers(std::uint64_t position, std::uint64_t length) const {
+    struct flock request = exclusive(position, length);
+    if (::fcntl(descriptor(native_), getLock, &request) != 0) throwSystemFailure("cannot lock", path_);
+    return request.l_type != F_UNLCK;
+}
+
 void File::unlock() noexcept {
     struct flock request = exclusive(0, 0);
     request.l_type = F_UNLCK;
@@ -179,12 +185,6 @@ FileView FileView::open(std::string const& path) {
 void FileView::unmap() noexcept {
     if (!bytes_.empty()) ::munmap(bytes_.data(), bytes_.size());
     bytes_ = {};
-}
-
-bool ByteLock::isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
-    struct flock request = exclusive(position, length);
-    if (::fcntl(descriptor(file_->native()), getLock, &request) != 0) throwSystemFailure("cannot lock", file_->path());
-    return request.l_type != F_UNLCK;
 }
 
 }

@@ -37,12 +37,11 @@ OVERLAPPED at(std::uint64_t offset) {
 }
 
 // False when somebody else holds one of the bytes.
-bool lockBytes(File const& file, std::uint64_t position, std::uint64_t length) {
+bool lockBytes(File const& file, std::uint64_t position, std::uint64_t length, DWORD kind) {
     OVERLAPPED where = at(position);
-    constexpr DWORD exclusiveNow = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
     auto const low = static_cast<DWORD>(length);
     auto const high = static_cast<DWORD>(length >> 32);
-    if (::LockFileEx(handle(file.native()), exclusiveNow, 0, low, high, &where)) return true;
+    if (::LockFileEx(handle(file.native()), kind | LOCKFILE_FAIL_IMMEDIATELY, 0, low, high, &where)) return true;
     if (::GetLastError() == ERROR_LOCK_VIOLATION || ::GetLastError() == ERROR_IO_PENDING) return false;
     throwSystemFailure("cannot lock", file.path());
 }
@@ -138,7 +137,16 @@ void File::finish() {
 }
 
 bool File::tryLock(std::uint64_t position) {
-    return lockBytes(*this, position, 1);
+    return lockBytes(*this, position, 1, LOCKFILE_EXCLUSIVE_LOCK);
+}
+
+// Windows has no question for locks: the bytes are locked for a moment, shared, so that two who ask and this file's own
+// locks do not get in the way.
+bool File::isLockedByOthers(std::uint64_t position, std::uint64_t length) const {
+    if (!lockBytes(*this, position, length, 0)) return true;
+    OVERLAPPED where = at(position);
+    ::UnlockFileEx(handle(native_), 0, static_cast<DWORD>(length), static_cast<DWORD>(length >> 32), &where);
+    return false;
 }
 
 // Children inherit no files, so closing it is enough.
@@ -160,14 +168,6 @@ FileView FileView::open(std::string const& path) {
 void FileView::unmap() noexcept {
     if (!bytes_.empty()) ::UnmapViewOfFile(bytes_.data());
     bytes_ = {};
-}
-
-// Windows has no question for locks: the bytes are locked for a moment.
-bool ByteLock::isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
-    if (!lockBytes(*file_, position, length)) return true;
-    OVERLAPPED where = at(position);
-    ::UnlockFileEx(handle(file_->native()), 0, static_cast<DWORD>(length), static_cast<DWORD>(length >> 32), &where);
-    return false;
 }
 
 }

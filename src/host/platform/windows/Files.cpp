@@ -177,7 +177,7 @@ void copyContent(std::string const& source, File& target) {
     if (!::CopyFileW(toPath(source).c_str(), copy.c_str(), FALSE)) throwSystemFailure("cannot copy to", path);
     // A copy of a read-only file is read-only; this one is still to be flushed and renamed.
     ::SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
-    target = File::openShared(path);
+    target = File::openExisting(path);
 }
 
 bool touch(std::string const& path) noexcept {
