@@ -128,8 +128,10 @@ EntryStore::~EntryStore() = default;
 
 EntryKey EntryStore::parse(std::string_view text) const {
     auto const numbersAlone = numbersIn(text);
-    // A cube may be called "2030/1/15".
-    if (numbersAlone && (numbersAlone->size() == 1 + cubeParts || !findCube(split(text, cubeParts)->cube)))
+    auto const isOfACube = [this](std::string_view entry) { return findCube(split(entry, cubeParts)->cube); };
+    // A cube may be called "2030/1/15". Then "2030/01/15/1/1/1/1" is no result: its text would be an entry of the cube.
+    if (numbersAlone &&
+        (numbersAlone->size() == 1 + cubeParts || (!isOfACube(text) && !isOfACube(store::textOf(*numbersAlone)))))
         return keyOf(*numbersAlone);
     // Messages are C strings.
     std::string const shown(text.substr(0, text.find('\0')));

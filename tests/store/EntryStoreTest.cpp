@@ -109,6 +109,7 @@ TEST_P(EntryStoreTest, convertsKeysToTextAndBack) {
         EXPECT_EQ(store().text(key), text);
         EXPECT_EQ(store().parse(text), key) << text;
     }
+    EXPECT_THROW(store().parse("2030/01/15/1/1/1/1"), StoreError);
     EXPECT_EQ(store().parse("trips/1/2/3/4"), EntryKey(1, 1, 2, 3, 4));
     EXPECT_EQ(store().parse("-1/1/2/3/4/5/0"), EntryKey(-1, 1, 2, 3, 4, 5, 0));
 }
