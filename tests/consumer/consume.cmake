@@ -69,7 +69,19 @@ endif()
 must_run(${compiler} -std=c++20 ${cflags} ${example}.cpp -o ${work}/consumer${suffix} ${libs} ${rpath_option})
 must_print_what_is_expected(${work}/consumer ${work}/project-by-pkg-config)
 
+# A file of another program is read by the installed cubes-reader, which the library finds by its own place.
+must_run(/usr/bin/python3 ${write_omx} ${work}/foreign.omx)
+execute_process(COMMAND ${emulator} ${work}/cmake/read_omx${suffix} ${work}/foreign.omx
+  OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+string(STRIP "${output}" output)
+if(NOT output STREQUAL "10 20 30 0 1 2 3 4 5 6 7 8")
+  message(FATAL_ERROR "read_omx printed: ${output}")
+endif()
+
 # The tool runs from its installation directory.
+set(tool ${emulator} ${work}/prefix/bin/cubes${suffix})
 if(EXISTS ${work}/prefix/bin/cubes${suffix})
-  must_run(${emulator} ${work}/prefix/bin/cubes${suffix} --version)
+  must_run(${tool} --version)
+  must_run(${tool} init ${work}/project-of-the-tool)
+  must_run(${tool} import ${work}/foreign.omx Trips/1/1/1/1 --project ${work}/project-of-the-tool)
 endif()

@@ -1,4 +1,4 @@
-# Packs the zip, unpacks it elsewhere, and creates the demo project with the unpacked tool.
+# Packs the zip, unpacks it elsewhere, and with the unpacked tool creates the demo project and imports a file.
 cmake_minimum_required(VERSION 3.25)
 file(REMOVE_RECURSE ${work})
 file(MAKE_DIRECTORY ${work}/unpacked)
@@ -24,6 +24,11 @@ execute_process(COMMAND ${run} ${top}/bin/cubes.exe demo city WORKING_DIRECTORY 
 execute_process(COMMAND ${run} ${top}/bin/cubes.exe list WORKING_DIRECTORY ${work}/city
   OUTPUT_VARIABLE cubes COMMAND_ERROR_IS_FATAL ANY)
 message("${output}\n${cubes}")
+
+# A file of another program is read by cubes-reader, which must be found there too.
+execute_process(COMMAND /usr/bin/python3 ${write_omx} ${work}/city/foreign.omx COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${run} ${top}/bin/cubes.exe import foreign.omx Trips/9/9/9/9 WORKING_DIRECTORY ${work}/city
+  COMMAND_ERROR_IS_FATAL ANY)
 foreach(cube Trips skim routes)
   if(NOT cubes MATCHES "${cube}")
     message(FATAL_ERROR "the demo did not create ${cube}")
