@@ -30,7 +30,8 @@ public:
     static File createLike(std::string const& path, std::string const& model);
     /// Opens an existing regular file for reading and writing; never through a link.
     static File openExisting(std::string const& path);
-    /// Opens a file for reading and writing together with others; creates it when it is missing.
+    /// Opens a file for reading and writing together with others; creates it when it is missing. Never through a link,
+    /// and regular files only.
     static File openShared(std::string const& path);
     /// Owns a file that the system has opened.
     static File adopt(std::intptr_t native, std::string path) { return File(native, std::move(path)); }
@@ -63,6 +64,8 @@ public:
     /// Whether another open file, in this or in another process, has a lock on one of these bytes at the moment.
     /// REQUIRES: they are more than a byte that this one has locked.
     bool isLockedByOthers(std::uint64_t position, std::uint64_t length) const;
+    /// Whether the file has no name any more.
+    bool isRemoved() const;
     /// Releases all locks on the file, also where closing it does not yet: in a child process that is being started and
     /// has it open as well.
     void unlock() noexcept;
@@ -107,6 +110,8 @@ public:
     /// Nothing when another holder has the byte. The file is created when it is missing. Throws
     /// std::system_error when the file cannot be opened for writing or cannot be locked.
     static std::optional<ByteLock> tryTake(std::string const& path, std::uint64_t position);
+    /// Owns the lock that an open file has.
+    explicit ByteLock(File file);
     /// Whether another holder has one of these bytes at the moment. Throws std::system_error.
     bool isHeldByOthers(std::uint64_t position, std::uint64_t length) const {
         return file_->isLockedByOthers(position, length);
@@ -118,8 +123,6 @@ private:
         unsigned long forks;
         void operator()(File* file) const noexcept;
     };
-
-    explicit ByteLock(File file);
 
     std::unique_ptr<File, Releasing> file_;
 };

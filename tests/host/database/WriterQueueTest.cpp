@@ -1,5 +1,6 @@
 #include "host/database/sqlite/WriterQueue.h"
 
+#include "host/platform/Files.h"
 #include "support/ChildTask.h"
 #include "support/TempDir.h"
 
@@ -48,6 +49,11 @@ void awaitArrivalSince(std::uint64_t time, std::string const& database) {
     }
 }
 
+void enter(WriterQueue& place) {
+    place.begin();
+    place.enter();
+}
+
 class SqliteQueue : public testing::Test {
 protected:
     SqliteQueue() { cubes::test::writeFile(database, ""); }
@@ -59,14 +65,14 @@ protected:
 
 TEST_F(SqliteQueue, servesInTheOrderOfArrival) {
     auto first = place();
-    first.enter();
+    enter(first);
     std::vector<int> served;
     std::vector<std::jthread> waiting;
     for (int number = 1; number <= 5; ++number) {
         auto const before = nextMoment();
         waiting.emplace_back([this, number, &served] {
             auto own = place();
-            own.enter();
+            enter(own);
             served.push_back(number);
             own.leave(false);
         });
@@ -80,46 +86,47 @@ TEST_F(SqliteQueue, servesInTheOrderOfArrival) {
 
 TEST_F(SqliteQueue, keepsTheTurnInsideATransaction) {
     auto first = place();
-    first.enter();
+    enter(first);
     first.leave(true);
     auto second = place(std::chrono::milliseconds(20));
-    second.enter();
+    enter(second);
     EXPECT_FALSE(second.waitForLocks(0)) << "the wait in the queue was not counted";
+    EXPECT_FALSE(second.waitForLocks(0)) << "the limit began anew";
     first.leave(false);
     second.leave(false);
     auto third = place();
-    third.enter();
+    enter(third);
     EXPECT_TRUE(third.waitForLocks(0));
 }
 
 cubes::test::ChildTask const dyingInTheQueue("dying in the queue", [](int, std::string const& database) {
     WriterQueue place(database, seconds(20));
-    place.enter();
+    enter(place);
     cubes::test::killThisProcess();
 });
 
 TEST_F(SqliteQueue, forgetsAProcessThatWasKilled) {
     EXPECT_EQ(dyingInTheQueue.inProcesses(1, database), 0);
     auto own = place();
-    own.enter();
+    enter(own);
     EXPECT_TRUE(own.waitForLocks(0));
 }
 
 TEST_F(SqliteQueue, isNotNeededToWrite) {
     WriterQueue nowhere(directory.file("none/cubes.db"), seconds(20));
-    nowhere.enter();
+    enter(nowhere);
     EXPECT_TRUE(nowhere.waitForLocks(0));
     nowhere.removeFile();
     fs::create_directory(database + "-queue");
     auto own = place();
-    own.enter();
+    enter(own);
     EXPECT_TRUE(own.waitForLocks(0));
 }
 
 TEST_F(SqliteQueue, keepsItsFileWhileOthersQueue) {
     auto first = place();
     auto second = place();
-    first.enter();
+    enter(first);
     second.removeFile();
     EXPECT_TRUE(fs::exists(database + "-queue"));
     first.removeFile();
@@ -129,8 +136,63 @@ TEST_F(SqliteQueue, keepsItsFileWhileOthersQueue) {
 TEST_F(SqliteQueue, isOpenToAllWhoMayWriteToTheDatabase) {
     fs::permissions(database, fs::perms(0666));
     auto own = place();
-    own.enter();
+    enter(own);
     EXPECT_EQ(fs::status(database + "-queue").permissions(), fs::status(database).permissions());
+}
+
+TEST_F(SqliteQueue, isLeftByNobodyWhoseFileIsRemoved) {
+    auto closing = ByteLock::tryTake(database + "-queue", last);
+    auto const before = nextMoment();
+    {
+        std::jthread const waiting([this] {
+            auto own = place();
+            enter(own);
+            auto const probe = ByteLock::tryTake(database + "-queue", last);
+            EXPECT_TRUE(probe && probe->isHeldByOthers(0, last)) << "the place is in a file that nobody finds";
+        });
+        auto const end = steady_clock::now() + seconds(20);
+        while (!closing->isHeldByOthers(before, last - before)) {
+            ASSERT_LT(steady_clock::now(), end) << "nobody queues";
+            std::this_thread::yield();
+        }
+        EXPECT_TRUE(cubes::platform::discardFile(database + "-queue"));
+        closing.reset();
+    }
+}
+
+TEST_F(SqliteQueue, isNotTheFileThatAPlantedLinkLeadsTo) {
+    cubes::test::writeFile(directory.file("other"), "");
+    std::error_code failure;
+    fs::create_symlink(directory.file("other"), database + "-queue", failure);
+    if (failure) GTEST_SKIP() << "SKIPPED: no links for this user here";
+    auto own = place();
+    enter(own);
+    EXPECT_FALSE(ByteLock::tryTake(directory.file("other"), last)->isHeldByOthers(0, last));
+    EXPECT_TRUE(own.waitForLocks(0));
+}
+
+TEST_F(SqliteQueue, liesBesideTheFileThatALinkLeadsTo) {
+    std::error_code failure;
+    fs::create_symlink(database, directory.file("link.db"), failure);
+    if (failure) GTEST_SKIP() << "SKIPPED: no links for this user here";
+    Pgaccess::TPgConnection connection("sqlite:" + directory.file("link.db"));
+    connection.Execute("CREATE TABLE t (i integer)");
+    EXPECT_TRUE(fs::exists(database + "-queue"));
+    EXPECT_FALSE(fs::exists(directory.file("link.db-queue")));
+}
+
+constexpr int insertions = 10;
+
+cubes::test::ChildTask const inserting("insert rows", [](int number, std::string const& database) {
+    Pgaccess::TPgConnection connection("sqlite:" + database);
+    for (int i = 0; i < insertions; ++i)
+        connection.Execute("INSERT INTO t VALUES (" + std::to_string(number * insertions + i) + ")");
+});
+
+TEST_F(SqliteQueue, servesFourteenProcessesAtOnce) {
+    Pgaccess::TPgConnection("sqlite:" + database).Execute("CREATE TABLE t (i integer PRIMARY KEY)");
+    EXPECT_EQ(inserting.inProcesses(14, database), 14);
+    EXPECT_EQ(cubes::test::listing(directory.str()), "cubes.db\n");
 }
 
 // Without the queue, the connection that writes again and again finds the lock free, and the other one asleep.

@@ -158,8 +158,7 @@ bool needsToWrite(TRkDatabaseException const& error) {
 
 }
 
-Handle::Handle(std::string path)
-    : path_(std::move(path)), queue_(path_, givenLockTimeout().value_or(defaultLockTimeout)) {
+Handle::Handle(std::string path) : path_(std::move(path)), queue_({}, givenLockTimeout().value_or(defaultLockTimeout)) {
     refuseFragment(path_);
     try {
         open(platform::toUtf8(path_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
@@ -182,6 +181,9 @@ void Handle::open(std::string const& name, int flags) {
         throw TRkDatabaseException(
             "SQLite database '" + path_ + "': " + whyNotOpened(path_, reason(code, database_, queue_.longestWait())),
             sqlStateOf(code));
+    // A database in memory has no file.
+    char const* const file = sqlite3_db_filename(database_, "main");
+    queue_ = WriterQueue(platform::fromUtf8(file ? file : ""), queue_.longestWait());
 }
 
 // Without its log, the file holds everything as long as nobody writes to it, which is checked
@@ -254,6 +256,7 @@ bool Handle::canWrite() const noexcept {
 // A transaction that has begun to read must not wait: its snapshot would be outdated by then, and in the journal mode
 // without shared memory a writer waits for it.
 Handle::Turn::Turn(Handle const& handle, sqlite3_stmt* statement) : handle_(handle) {
+    handle_.queue_.begin();
     bool const begins = sqlite3_txn_state(handle.database_, "main") == SQLITE_TXN_NONE;
     if (begins && sqlite3_stmt_readonly(statement) == 0 && handle.canWrite()) handle.queue_.enter();
 }

@@ -1,18 +1,19 @@
 #include "host/database/sqlite/WriterQueue.h"
 
 #include "host/platform/Files.h"
-#include "host/platform/Paths.h"
 
 #include <algorithm>
 #include <exception>
-#include <filesystem>
 #include <limits>
+#include <system_error>
 #include <thread>
 #include <utility>
 
 namespace cubes::database::sqlite {
 
 namespace {
+
+constexpr std::uint64_t lastByte = std::numeric_limits<std::int64_t>::max();
 
 // A commit takes a few hundred microseconds, so the waits are of that size: 20 microseconds at first, up to 1 ms for a
 // writer that takes its time. SQLite's own handler soon sleeps for a tenth of a second.
@@ -28,46 +29,57 @@ std::uint64_t now() {
 
 }
 
-// Two that arrive in the same nanosecond get different bytes.
-platform::ByteLock WriterQueue::takePlace() {
-    bool const isNew = !platform::exists(file_);
-    for (ticket_ = now();; ++ticket_) {
-        auto place = platform::ByteLock::tryTake(file_, ticket_);
-        if (!place) continue;
+platform::File WriterQueue::openFile() const {
+    if (platform::exists(file_)) return platform::File::openShared(file_);
+    try {
+        auto file = platform::File::createNew(file_);
         // Whoever may write to the database may queue.
-        if (isNew)
-            std::filesystem::permissions(
-                platform::toPath(file_), std::filesystem::status(platform::toPath(database_)).permissions());
-        return *std::move(place);
+        platform::takeRights(file, database_);
+        return file;
+    } catch (std::system_error const& error) {
+        if (error.code() != std::errc::file_exists) throw;
+        return platform::File::openShared(file_);
     }
+}
+
+// Two that arrive in the same nanosecond get different bytes. Whoever removes the file holds its last byte while it
+// looks for places: either it sees this one, or this one waits and sees that the file is gone.
+std::optional<platform::ByteLock> WriterQueue::tryTakePlace() {
+    auto file = openFile();
+    for (ticket_ = now(); !file.tryLock(ticket_);) ++ticket_;
+    for (int attempt = 0; file.isLockedByOthers(lastByte, 1) && !isOver(); ++attempt) pause(attempt);
+    if (file.isRemoved()) return std::nullopt;
+    return platform::ByteLock(std::move(file));
+}
+
+void WriterQueue::begin() noexcept {
+    isUnderWay_ = true;
+    end_ = Clock::now() + longestWait_;
 }
 
 void WriterQueue::enter() noexcept {
     if (place_) return;
-    waitingSince_ = Clock::now();
     try {
-        place_ = takePlace();
-        for (int attempt = 0; place_->isHeldByOthers(0, ticket_) && !isOver(); ++attempt) pause(attempt);
+        while (!place_ && !isOver()) place_ = tryTakePlace();
+        for (int attempt = 0; place_ && place_->isHeldByOthers(0, ticket_) && !isOver(); ++attempt) pause(attempt);
     } catch (std::exception const&) {
         // Without a place in the queue SQLite's own locks decide who writes next.
     }
-    waitedInQueue_ = Clock::now() - waitingSince_;
 }
 
 void WriterQueue::removeFile() noexcept {
-    constexpr std::uint64_t last = std::numeric_limits<std::int64_t>::max();
     try {
         place_.reset();
         if (!platform::exists(file_)) return;
-        auto const closing = platform::ByteLock::tryTake(file_, last);
-        if (closing && !closing->isHeldByOthers(0, last)) platform::discardFile(file_);
+        auto const closing = platform::ByteLock::tryTake(file_, lastByte);
+        if (closing && !closing->isHeldByOthers(0, lastByte)) platform::discardFile(file_);
     } catch (std::exception const&) {
         // An empty file without meaning stays.
     }
 }
 
 bool WriterQueue::waitForLocks(int attempt) noexcept {
-    if (attempt == 0) waitingSince_ = Clock::now() - std::exchange(waitedInQueue_, Clock::duration());
+    if (attempt == 0 && !isUnderWay_) end_ = Clock::now() + longestWait_;
     if (isOver()) return false;
     pause(attempt);
     return true;

@@ -20,36 +20,42 @@ namespace cubes::database::sqlite {
 /// One thread at a time may use it.
 class WriterQueue {
 public:
-    /// `longestWait`: for one operation, in the queue and for SQLite's own locks together.
+    /// `database`: the file's own path, without links, so that all connections use one queue. `longestWait`: for one
+    /// operation, in the queue and for SQLite's own locks together.
     WriterQueue(std::string const& database, std::chrono::milliseconds longestWait)
         : database_(database), file_(database + "-queue"), longestWait_(longestWait) {}
 
-    /// Waits until it is this connection's turn, unless it is already, or until the longest wait is over.
+    /// Begins an operation.
+    void begin() noexcept;
+    /// Waits until it is this connection's turn, unless it is already, or until the operation's longest wait is over.
+    /// REQUIRES: begin().
     void enter() noexcept;
     /// Ends an operation; lets the next connection write unless this one is still inside a transaction.
     void leave(bool isInTransaction) noexcept {
-        waitedInQueue_ = {};
+        isUnderWay_ = false;
         if (!isInTransaction) place_.reset();
     }
     /// Removes the file when nobody queues.
     void removeFile() noexcept;
 
-    /// Waits a moment for SQLite's own locks. False when the longest wait is over; the first attempt, 0, continues the
-    /// wait in the queue.
+    /// Waits a moment for SQLite's own locks. False when the longest wait is over: that of the operation, or outside of
+    /// operations the one that the first attempt, 0, begins.
     bool waitForLocks(int attempt) noexcept;
     std::chrono::milliseconds longestWait() const noexcept { return longestWait_; }
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    platform::ByteLock takePlace();
-    bool isOver() const noexcept { return Clock::now() - waitingSince_ > longestWait_; }
+    platform::File openFile() const;
+    /// Nothing when the file was removed meanwhile.
+    std::optional<platform::ByteLock> tryTakePlace();
+    bool isOver() const noexcept { return Clock::now() > end_; }
 
     std::string database_;
     std::string file_;
     std::chrono::milliseconds longestWait_;
-    Clock::time_point waitingSince_;
-    Clock::duration waitedInQueue_{};
+    bool isUnderWay_ = false;
+    Clock::time_point end_;
     std::optional<platform::ByteLock> place_;
     std::uint64_t ticket_ = 0;
 };

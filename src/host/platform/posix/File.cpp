@@ -42,6 +42,16 @@ struct stat statusOf(std::intptr_t native, std::string const& path) {
     return status;
 }
 
+// Opens or creates a regular file, never through a link.
+int openRegular(std::string const& path, int access) {
+    int const opened = ::open(path.c_str(), access | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
+    if (opened < 0) throwSystemFailure("cannot open", path);
+    struct stat status {};
+    if (::fstat(opened, &status) == 0 && S_ISREG(status.st_mode)) return opened;
+    ::close(opened);
+    throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
+}
+
 }
 
 File File::openForReading(std::string const& path) {
@@ -81,20 +91,13 @@ File File::openExisting(std::string const& path) {
 }
 
 File File::openShared(std::string const& path) {
-    int const opened = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (opened < 0) throwSystemFailure("cannot open", path);
-    return File(opened, path);
+    return File(openRegular(path, O_RDWR), path);
 }
 
 File File::openLog(std::string const& path) {
-    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-    int const opened = ::open(path.c_str(), flags, 0666);
-    if (opened < 0) throwSystemFailure("cannot open", path);
-    File file(opened, path);
-    auto const status = statusOf(opened, path);
-    if (!S_ISREG(status.st_mode) || status.st_nlink != 1)
-        throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
-    return file;
+    File file(openRegular(path, O_WRONLY | O_APPEND), path);
+    if (statusOf(file.native_, path).st_nlink == 1) return file;
+    throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
 }
 
 std::uint64_t File::size() const {
@@ -163,6 +166,10 @@ bool File::isLockedByOthers(std::uint64_t position, std::uint64_t length) const 
     struct flock request = exclusive(position, length);
     if (::fcntl(descriptor(native_), getLock, &request) != 0) throwSystemFailure("cannot lock", path_);
     return request.l_type != F_UNLCK;
+}
+
+bool File::isRemoved() const {
+    return statusOf(native_, path_).st_nlink == 0;
 }
 
 void File::unlock() noexcept {

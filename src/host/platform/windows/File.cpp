@@ -29,6 +29,19 @@ std::intptr_t openFile(std::string const& action, std::string const& path, DWORD
     throw std::system_error(make_error_code(FileError::notRegular), action + " " + path);
 }
 
+// Opens or creates a regular file: a link itself and not its target, which is then refused.
+std::intptr_t openRegular(std::string const& path, DWORD access) {
+    HANDLE const opened = ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, OPEN_ALWAYS,
+        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) throwSystemFailure("cannot open", path);
+    BY_HANDLE_FILE_INFORMATION found{};
+    bool const isKnown = ::GetFileType(opened) == FILE_TYPE_DISK && ::GetFileInformationByHandle(opened, &found);
+    if (isKnown && !(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT))
+        return reinterpret_cast<std::intptr_t>(opened);
+    ::CloseHandle(opened);
+    throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
+}
+
 OVERLAPPED at(std::uint64_t offset) {
     OVERLAPPED position{};
     position.Offset = static_cast<DWORD>(offset);
@@ -66,20 +79,14 @@ File File::openExisting(std::string const& path) {
 }
 
 File File::openShared(std::string const& path) {
-    return File(openFile("cannot open", path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS), path);
+    return File(openRegular(path, GENERIC_READ | GENERIC_WRITE), path);
 }
 
 File File::openLog(std::string const& path) {
-    // Opens a link itself and not its target.
-    HANDLE const opened = ::CreateFileW(toPath(path).c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES, shareAll,
-        nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
-    if (opened == INVALID_HANDLE_VALUE) throwSystemFailure("cannot open", path);
-    File file(reinterpret_cast<std::intptr_t>(opened), path);
+    File file(openRegular(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES), path);
     BY_HANDLE_FILE_INFORMATION found{};
-    bool const isKnown = ::GetFileType(opened) == FILE_TYPE_DISK && ::GetFileInformationByHandle(opened, &found);
-    if (!isKnown || (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) || found.nNumberOfLinks > 1)
-        throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
-    return file;
+    if (::GetFileInformationByHandle(handle(file.native_), &found) && found.nNumberOfLinks <= 1) return file;
+    throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);
 }
 
 std::uint64_t File::size() const {
@@ -147,6 +154,13 @@ bool File::isLockedByOthers(std::uint64_t position, std::uint64_t length) const 
     OVERLAPPED where = at(position);
     ::UnlockFileEx(handle(native_), 0, static_cast<DWORD>(length), static_cast<DWORD>(length >> 32), &where);
     return false;
+}
+
+bool File::isRemoved() const {
+    FILE_STANDARD_INFO found{};
+    if (!::GetFileInformationByHandleEx(handle(native_), FileStandardInfo, &found, sizeof found))
+        throwSystemFailure("cannot examine", path_);
+    return found.DeletePending || found.NumberOfLinks == 0;
 }
 
 // Children inherit no files, so closing it is enough.
