@@ -1,12 +1,16 @@
 #include "host/platform/System.h"
 
+#include "host/platform/Interruption.h"
+#include "support/ChildTask.h"
 #include "support/SystemMessages.h"
 #include "support/TempDir.h"
 #include "support/Variable.h"
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
+#include <string>
 
 using cubes::platform::environment;
 using cubes::platform::errorText;
@@ -59,3 +63,29 @@ TEST(Environment, leavesTheLastErrorUnchanged) {
     EXPECT_FALSE(environment("CUBES_TEST_UNSET"));
     EXPECT_EQ(13U, lastError());
 }
+
+#ifndef _WIN32
+
+namespace {
+
+cubes::test::ChildTask const interruptedOnce("be interrupted once", [](int, std::string const&) {
+    cubes::platform::noteInterruptions();
+    raise(SIGINT);
+    EXPECT_EQ(cubes::platform::interruption(), SIGINT);
+});
+
+cubes::test::ChildTask const interruptedTwice("be interrupted twice", [](int, std::string const& second) {
+    cubes::platform::noteInterruptions();
+    raise(SIGINT);
+    raise(std::stoi(second));
+});
+
+}
+
+TEST(Interruption, isNotedOnceAndThenEndsTheProcessAtOnce) {
+    EXPECT_EQ(interruptedOnce.inProcesses(1), 1);
+    for (int const second : {SIGINT, SIGTERM, SIGHUP})
+        EXPECT_EQ(interruptedTwice.inProcesses(1, std::to_string(second)), 0) << second;
+}
+
+#endif

@@ -10,8 +10,12 @@ namespace {
 std::atomic<int> noted = 0;
 static_assert(std::atomic<int>::is_always_lock_free);
 
+// The second request, of whichever kind, comes back as the system's own when this function returns.
 extern "C" void note(int signal) {
-    noted = signal;
+    int none = 0;
+    if (noted.compare_exchange_strong(none, signal)) return;
+    ::signal(signal, SIG_DFL);
+    ::raise(signal);
 }
 
 bool isIgnored(int signal) {
@@ -25,7 +29,6 @@ void noteInterruptions() {
     // Calls that wait, as for input from a pipe, fail with EINTR.
     struct sigaction action {};
     action.sa_handler = note;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     for (int const signal : {SIGINT, SIGTERM, SIGHUP})
         if (!isIgnored(signal)) ::sigaction(signal, &action, nullptr);
 }
