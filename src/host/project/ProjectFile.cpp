@@ -1,6 +1,7 @@
 #include "host/project/ProjectFile.h"
 
 #include "host/database/DatabaseUrl.h"
+#include "host/platform/File.h"
 #include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
@@ -21,7 +22,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <iterator>
 #include <numeric>
 #include <span>
@@ -64,8 +64,16 @@ std::size_t distance(std::string_view first, std::string_view second) {
     return row.back();
 }
 
-std::string_view nearestKey(std::string_view word) {
-    return *std::ranges::min_element(keys, {}, [word](std::string_view key) { return distance(word, key); });
+// "did you mean 'database'?", or all keys for a word that is like none of them.
+std::string adviceFor(std::string_view word) {
+    auto const edits = [word](std::string_view key) { return distance(word, key); };
+    auto const nearest = *std::ranges::min_element(keys, {}, edits);
+    constexpr std::size_t mostEdits = 3;
+    if (edits(nearest) <= std::clamp(word.size() / 3, std::size_t{1}, mostEdits))
+        return "did you mean '" + std::string(nearest) + "'?";
+    std::string all;
+    for (auto const key : keys) all += (all.empty() ? "the keys are " : ", ") + std::string(key);
+    return all;
 }
 
 // Reads the values of one file; errors name the file and the line.
@@ -76,9 +84,8 @@ public:
     void requireKnownKeys() const {
         for (auto const& [key, node] : table_)
             if (std::ranges::find(keys, key.str()) == std::end(keys))
-                fail(key.source(), "there is no key '" + platform::fromUtf8(key.str().substr(0, longestShown)) +
-                                       "'; did you mean '" +
-                                       std::string(nearestKey(key.str().substr(0, longestShown))) + "'?");
+                fail(key.source(), "there is no key '" + platform::fromUtf8(key.str().substr(0, longestShown)) + "'; " +
+                                       adviceFor(key.str().substr(0, longestShown)));
     }
 
     // The text of the key, or the fallback.
@@ -114,19 +121,20 @@ private:
     toml::table const& table_;
 };
 
-constexpr std::size_t largestFile = 65536;
+constexpr std::uint64_t largestFile = 65536;
 
 std::string contentOf(std::string const& directory) {
     std::string const path = projectFilePath(directory);
-    std::ifstream stream(platform::toPath(path), std::ios::binary);
-    if (!stream || !platform::isRegularFile(path))
-        throw TRkProjectException(path + " is not a readable file", directory);
-    std::string content(largestFile + 1, '\0');
-    stream.read(content.data(), static_cast<std::streamsize>(content.size()));
-    content.resize(static_cast<std::size_t>(stream.gcount()));
-    if (content.size() > largestFile)
-        throw TRkProjectException(path + " is larger than 64 KiB, so it is not the file of a project", directory);
-    return content;
+    try {
+        auto const file = platform::File::openForReading(path);
+        if (file.size() > largestFile)
+            throw TRkProjectException(path + " is larger than 64 KiB, so it is not the file of a project", directory);
+        std::string content(static_cast<std::size_t>(file.size()), '\0');
+        file.readAt(0, std::as_writable_bytes(std::span(content)));
+        return content;
+    } catch (std::system_error const& error) {
+        throw TRkProjectException("cannot read " + path + ": " + error.code().message(), directory);
+    }
 }
 
 toml::table parsed(std::string const& directory) {

@@ -8,6 +8,10 @@
 
 #include <filesystem>
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 namespace {
 
 using cubes::Durability;
@@ -65,10 +69,11 @@ TEST(ProjectFile, mayBeEmpty) {
 
 struct Refusal {
     char const* text;
-    char const* reason;
+    std::string reason;
 };
 
 TEST(ProjectFile, isRefusedWithItsLineWhenItIsInvalid) {
+    std::string const all = "database, matrix_directory, working_directory, storage, durability, schema";
     Refusal const refusals[] = {
         {"database = 5", ", line 1: 'database' must be a text"},
         {"\n\ndatabase = ''", ", line 3: 'database' must not be empty"},
@@ -78,9 +83,12 @@ TEST(ProjectFile, isRefusedWithItsLineWhenItIsInvalid) {
         {"[database]\nurl = 'x'", ", line 1: 'database' must be a text"},
         {"\ndatabse = 'x'", ", line 2: there is no key 'databse'; did you mean 'database'?"},
         {"Storage = 'plain'", ", line 1: there is no key 'Storage'; did you mean 'storage'?"},
-        {"directory = 'x'", ", line 1: there is no key 'directory'; did you mean 'matrix_directory'?"},
-        {"[store]\nx = 1", ", line 1: there is no key 'store'; did you mean 'storage'?"},
-        {"'' = 1", ", line 1: there is no key ''; did you mean 'schema'?"},
+        {"directory = 'x'", ", line 1: there is no key 'directory'; the keys are " + all},
+        {"[store]\nx = 1", ", line 1: there is no key 'store'; the keys are " + all},
+        {"matrixdirectory = 'm'", ", line 1: there is no key 'matrixdirectory'; did you mean 'matrix_directory'?"},
+        {"workingdirectory = 'm'", ", line 1: there is no key 'workingdirectory'; did you mean 'working_directory'?"},
+        {"shema = 'x'", ", line 1: there is no key 'shema'; did you mean 'schema'?"},
+        {"'' = 1", ", line 1: there is no key ''; the keys are " + all},
     };
     for (auto const& [text, reason] : refusals) EXPECT_EQ(whyRefused(text), reason) << text;
     for (char const* const text :
@@ -102,6 +110,27 @@ TEST(ProjectFile, isRefusedWhenItCannotBeRead) {
     std::filesystem::remove(directory.file("cubes.toml"));
     EXPECT_THROW(cubes::project::readProjectFile(directory.str()), TRkProjectException);
 }
+
+#ifndef _WIN32
+TEST(ProjectFile, isRefusedAtOnceWhenItIsNoRegularFile) {
+    TempDir const directory;
+    auto const path = directory.file("cubes.toml");
+    auto const refusal = [&] {
+        try {
+            cubes::project::readProjectFile(directory.str());
+        } catch (TRkProjectException const& error) {
+            return std::string(error.what());
+        }
+        return std::string("it was read");
+    };
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    // Nobody writes to the pipe.
+    EXPECT_EQ(refusal(), "cannot read " + path + ": it is not a regular file");
+    std::filesystem::remove(path);
+    std::filesystem::create_symlink("/dev/zero", path);
+    EXPECT_EQ(refusal(), "cannot read " + path + ": it is not a regular file");
+}
+#endif
 
 TEST(ProjectFile, isReadAsItWasWritten) {
     TempDir const directory;
