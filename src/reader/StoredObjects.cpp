@@ -36,7 +36,8 @@ bool isOwnLink(hid_t parent, std::string const& name) {
 }
 
 void requireOwnLink(hid_t parent, std::string const& name) {
-    if (!isOwnLink(parent, name)) throw std::runtime_error(name + " is a soft or external link");
+    if (!isOwnLink(parent, name))
+        throw std::runtime_error(name + " is a soft or external link; put the table itself into the file");
 }
 
 // External and virtual storage is elsewhere.
@@ -222,7 +223,8 @@ hid_t StoredObjects::opened(std::string const& path) {
     Handle const parent = group(groupPath);
     requireOwnLink(parent.get(), name);
     Handle dataset(H5Dopen2(parent.get(), name.c_str(), H5P_DEFAULT), H5Dclose, "open " + name);
-    if (!isOwnStorage(dataset.get())) throw std::runtime_error(name + " is not stored in this file");
+    if (!isOwnStorage(dataset.get()))
+        throw std::runtime_error(name + " is not stored in this file; copy its content into the file");
     dataset_ = std::move(dataset);
     path_ = path;
     return dataset_.get();

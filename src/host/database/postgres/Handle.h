@@ -4,6 +4,7 @@
 
 #include <cubes/database/TRkDatabaseException.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -30,8 +31,11 @@ public:
     /// The encoding of the database, as the server names it.
     std::string encoding() const;
     bool isLost() const noexcept;
-    /// How long statements wait for locks, as the server writes it: "10s".
-    void waitsForLocks(std::string time) { lockTimeout_ = std::move(time); }
+    /// How long statements wait for locks, as the server writes it: "10s". Messages have a space before the unit.
+    void waitsForLocks(std::string time) {
+        time.insert(std::min(time.find_first_not_of("0123456789"), time.size()), " ");
+        lockTimeout_ = std::move(time);
+    }
     /// Also after the connection was lost inside a transaction.
     bool isInTransaction() const noexcept { return isInTransaction_; }
     /// The result when it is a success. Throws TRkDatabaseException.
