@@ -76,7 +76,8 @@ matrix::MatrixContent contentOf(TRkMatrix const& matrix, catalogue::Kind const& 
     return content;
 }
 
-// Who stored the entry that is being removed may hold the lock for another moment. Null when it is held for longer.
+// Who stored the entry that is being removed may hold the lock for another moment, and on Windows a check does. Null
+// when it is held for longer.
 std::unique_ptr<WriteLock> lockSoon(std::string const& file) {
     constexpr int attempts = 50;
     constexpr std::chrono::milliseconds pause(2);
@@ -153,7 +154,7 @@ void EntryWriting::requireOwn(Task const& task, EntryKey const& key, Rows& conte
     auto const recorded = tables_.recordedDirectory(key, contents);
     if (!recorded.isKnown()) return;
     auto const own = tables_.identity(key.isResult());
-    if (!own.isKnown() || own == recorded || isStoredHere(key, recorded)) return;
+    if (!own.isKnown() || own == recorded || isStoredHere(key, recorded) || !tables_.hasOtherProjects()) return;
     auto const name = text(key);
     Task{task.action, name}.fail(Reason::otherDirectory,
         "the file of " + name + " belongs to another project that shares the database (directory " + recorded.text() +
@@ -254,7 +255,8 @@ void EntryWriting::store(Task const& task, EntryKey const& key, Change const& ch
             task.fail(Reason::file, "the rows of both entries name the same file", target);
         source.emplace(change.movedFrom->file, WriteLock::Purpose::create);
     }
-    WriteLock const lock(target, WriteLock::Purpose::create);
+    auto const lock = lockSoon(target);
+    if (!lock) throw matrix::LockRefused(target);
     if (platform::isDirectory(target)) task.fail(Reason::file, "it is a directory", target);
 
     StagedFile staged(target);
@@ -509,6 +511,7 @@ void EntryWriting::remove(Task const& task, EntryKey const& key) const {
 
 std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> const& keys) const {
     requireOwnTransaction(task);
+    auto const locks = lockRemovals();
     auto const removed = deleteRows(task, keys);
     removeFiles(task, removed);
     return removed.size();
@@ -516,6 +519,7 @@ std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> cons
 
 std::size_t EntryWriting::removeCube(Task const& task, short cube) const {
     requireOwnTransaction(task);
+    auto const locks = lockRemovals();
     database::Transaction transaction(tables_.session());
     auto rows = tables_.rows(false);
     // Nobody adds an entry until the transaction ends.
@@ -528,6 +532,10 @@ std::size_t EntryWriting::removeCube(Task const& task, short cube) const {
     transaction.commit();
     removeFiles(task, removed);
     return removed.size();
+}
+
+std::array<RemovalLock, 2> EntryWriting::lockRemovals() const {
+    return {RemovalLock(tables_.directory(false)), RemovalLock(tables_.directory(true))};
 }
 
 void EntryWriting::requireOwnTransaction(Task const& task) const {

@@ -48,6 +48,10 @@ void inspectContent(std::string const& path, FileFacts& facts) {
     facts.detail = hdf5::reasonOfDamage("it");
 }
 
+Problem problemOf(std::error_code code) {
+    return code == std::errc::no_such_file_or_directory ? Problem::missingFile : Problem::unreadableFile;
+}
+
 void inspect(std::string const& path, bool holdsRoutes, bool deep, FileFacts& facts) {
     auto const view = platform::FileView::open(path);
     if (auto const found = hdf5::findRecord(view.bytes())) facts.stamp = found->record.stamp;
@@ -74,9 +78,9 @@ FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep) {
     try {
         inspect(path, holdsRoutes, deep, facts);
     } catch (TRkMatrixException const& error) {
-        failed(error.Code() ? Problem::unreadableFile : Problem::damagedFile, causeOf(error));
+        failed(error.Code() ? problemOf(error.Code()) : Problem::damagedFile, causeOf(error));
     } catch (std::system_error const& error) {
-        failed(Problem::unreadableFile, error.code().message());
+        failed(problemOf(error.code()), error.code().message());
     } catch (std::bad_alloc const&) {
         failed(Problem::unreadableFile, "not enough memory");
     } catch (std::exception const& error) {
@@ -86,7 +90,9 @@ FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep) {
 }
 
 bool mayBeComplete(std::string const& path) {
-    if (platform::isOldName(platform::fromPath(platform::toPath(path).filename()))) return true;
+    auto const name = platform::fromPath(platform::toPath(path).filename());
+    if (platform::isOldName(name)) return true;
+    if (platform::isSetAside(name)) return false;
     try {
         auto const file = platform::File::openForReading(path);
         if (auto const found = hdf5::findRecord(file)) return found->record.fileSize == file.size();

@@ -26,6 +26,7 @@ constexpr std::array table = {
     ProblemInfo{Problem::inUse, "inUse", Severity::note, ""},
     ProblemInfo{Problem::otherDirectory, "otherDirectory", Severity::note, ""},
     ProblemInfo{Problem::unknownOwner, "unknownOwner", Severity::note, ""},
+    ProblemInfo{Problem::unclaimedDirectory, "unclaimedDirectory", Severity::note, ""},
 };
 
 constexpr bool isInOrder() {

@@ -41,6 +41,21 @@ bool names(matrix::FileStamp const& stamp, EntryKey const& key) {
     return stamp.cubeNumber == key.cube() && std::ranges::equal(stamp.key, key.parts());
 }
 
+// Whether the file says that it was written in that directory.
+bool records(std::string const& file, hdf5::Id128 const& directory) {
+    try {
+        auto const stamp = matrix::readStamp(file);
+        return stamp && stamp->directory == directory;
+    } catch (std::system_error const&) {
+        return false;
+    }
+}
+
+bool namesOneEntry(EntrySelection const& selection, std::optional<CubeInfo> const& cube) {
+    bool const hasCubeParts = cube && selection.purpose && selection.mode && selection.time && selection.user;
+    return hasCubeParts && selection.result.has_value() == selection.iteration.has_value();
+}
+
 std::string textOf(matrix::FileStamp const& stamp) {
     auto text = platform::fromUtf8(stamp.cube);
     for (auto const part : stamp.key) text += "/" + std::to_string(part);
@@ -52,7 +67,8 @@ std::string textOf(matrix::FileStamp const& stamp) {
 ProjectCheck::ProjectCheck(StoreTables const& tables, EntrySelection const& selection,
     std::optional<CubeInfo> const& cube, CheckOptions const& options)
     : tables_(tables), selection_(selection), cube_(cube), options_(options), names_(tables.cubes()),
-      contents_(tables.contents(false)), hasOtherProjects_(tables.hasOtherProjects()) {}
+      contents_(tables.contents(false)), hasOtherProjects_(tables.hasOtherProjects()),
+      identity_(matrix::knownDirectoryIdentity(tables.directory(false))) {}
 
 std::vector<Finding> ProjectCheck::run() {
     checkEntries();
@@ -108,18 +124,29 @@ void ProjectCheck::checkFile(EntryInfo const& entry, std::optional<FileFacts> co
         return report(Problem::outsideDirectory, entry,
             "its row names the file \"" + entry.storedName + "\", which is not inside " +
                 tables_.directory(entry.key.isResult()));
-    if (!isHere) {
-        // Others may have removed the entry, or have stored it again: a row that is there has its file.
-        auto rows = tables_.rows(entry.key.isResult());
-        if (!rows->locate(entry.key.numbers()) || mayBePresent(entry.file)) return;
-        auto const directory = tables_.directory(entry.key.isResult());
-        if (platform::isDirectory(directory)) return report(Problem::missingFile, entry, "there is no such file");
-        return report(Problem::unreadableFile, entry, "the directory " + directory + " is missing; restore it");
-    }
+    // Others may have removed the entry since the files were examined.
+    bool const wasThere = !facts || facts->problem != Problem::missingFile;
+    if (!isHere || !wasThere) return checkMissing(entry);
     if (!facts) return;
     if (facts->problem) report(*facts->problem, entry, facts->detail);
     checkStamp(entry, *facts);
     noteShape(entry, *facts);
+}
+
+void ProjectCheck::checkMissing(EntryInfo const& entry) {
+    if (!isMissing(entry)) return;
+    auto const directory = tables_.directory(entry.key.isResult());
+    if (platform::isDirectory(directory)) return report(Problem::missingFile, entry, "there is no such file");
+    report(Problem::unreadableFile, entry, "the directory " + directory + " is missing; restore it");
+}
+
+// A row that is there has its file, but others may remove the entry and store it again between two looks.
+bool ProjectCheck::isMissing(EntryInfo const& entry) const {
+    constexpr int looks = 3;
+    auto rows = tables_.rows(entry.key.isResult());
+    for (int look = 0; look < looks; ++look)
+        if (!rows->locate(entry.key.numbers()) || mayBePresent(entry.file)) return false;
+    return true;
 }
 
 // The fixed classes copy files as they are.
@@ -161,7 +188,8 @@ void ProjectCheck::checkShapes() {
 
 void ProjectCheck::noteCube(EntryInfo const& entry, std::optional<FileFacts> const& facts) {
     short const number = entry.key.cube();
-    if (findKind(number) || names_.name(number)) return;
+    // The register holds the cubes of demand matrices; applications may store results of kinds of their own.
+    if (entry.key.isResult() || findKind(number) || names_.name(number)) return;
     auto& cube = unregistered_[number];
     ++cube.entries;
     if (cube.name.empty() && facts && facts->stamp && facts->stamp->cubeNumber == number)
@@ -182,6 +210,7 @@ void ProjectCheck::reportCubes() {
 void ProjectCheck::checkStrayFiles() {
     StrayFiles files(tables_);
     for (EntryWalk walk(tables_, stagesOf({}, {})); !walk.isAtEnd(); walk.advance()) files.claim(walk.current());
+    if (namesOneEntry(selection_, cube_)) files.claimDirectories();
     auto const stages = stagesOf(selection_, cube_);
     bool const isWhole = stages.size() == 2 && stages.front().condition.empty();
     for (auto& finding : files.findings())
@@ -193,17 +222,12 @@ ProjectCheck::Owner ProjectCheck::ownerOf(EntryInfo const& entry, bool isHere) {
     // Without the directory nothing can be said about any file.
     if (entry.key.isResult() || !platform::isDirectory(tables_.directory(false))) return Owner::own;
     auto const recorded = contents_ ? StoreTables::recordedDirectory(entry.key, *contents_) : hdf5::Id128();
-    if (!recorded.isKnown()) return isHere || !hasOtherProjects_ ? Owner::own : Owner::unknown;
-    auto const own = tables_.identity(false);
-    if (own == recorded) return Owner::own;
+    if (!hasOtherProjects_) return Owner::own;
+    if (!recorded.isKnown()) return isHere ? Owner::own : Owner::unknown;
+    if (recorded == identity_) return Owner::own;
     // A directory that lost its "cubes-id" has another identity than was recorded.
-    if (!isHere) return own.isKnown() ? Owner::other : Owner::unknown;
-    try {
-        auto const stamp = matrix::readStamp(entry.file);
-        return stamp && stamp->directory == recorded ? Owner::own : Owner::other;
-    } catch (std::system_error const&) {
-        return Owner::own;
-    }
+    if (isHere && records(entry.file, recorded)) return Owner::own;
+    return identity_.isKnown() ? Owner::other : Owner::unknown;
 }
 
 void ProjectCheck::report(Problem problem, EntryInfo const& entry, std::string detail) {

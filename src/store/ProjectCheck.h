@@ -37,6 +37,8 @@ private:
     void checkBatch(std::vector<EntryInfo> const& entries);
     void check(EntryInfo const& entry, std::optional<FileFacts> const& facts);
     void checkFile(EntryInfo const& entry, std::optional<FileFacts> const& facts);
+    void checkMissing(EntryInfo const& entry);
+    bool isMissing(EntryInfo const& entry) const;
     void checkStamp(EntryInfo const& entry, FileFacts const& facts);
     void checkParent(EntryInfo const& entry);
     void noteShape(EntryInfo const& entry, FileFacts const& facts);
@@ -55,6 +57,8 @@ private:
     catalogue::Register names_;
     std::optional<Rows> contents_;
     bool hasOtherProjects_;
+    /// Of the directory of matrices; unknown when it has none.
+    hdf5::Id128 identity_;
     std::vector<Shaped> shaped_;
     std::map<short, Unregistered> unregistered_;
     std::vector<Finding> findings_;

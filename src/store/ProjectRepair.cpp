@@ -6,6 +6,7 @@
 #include "host/platform/TemporaryFile.h"
 #include "store/FileInspection.h"
 #include "store/Quarantine.h"
+#include "store/RowSearch.h"
 #include "store/StrayFiles.h"
 
 namespace cubes::store {
@@ -44,19 +45,35 @@ std::string ProjectRepair::registerCube(Finding const& finding) const {
 std::string ProjectRepair::placeFile(Finding const& finding) const {
     WriteLock const lock(finding.file, WriteLock::Purpose::create);
     if (!platform::isPresent(finding.file)) return {};
-    if (isNamedByARow(tables_, finding.file, matrix::readStamp(finding.file))) return {};
+    RowSearch const rows(tables_, finding.file, matrix::readStamp(finding.file));
+    if (rows.isNamed() || !rows.otherOwner().empty()) return {};
+    // Its row may have been deleted just now, and the file is next.
+    if (isBeingRemoved(finding.file))
+        Task{"repair " + finding.file, finding.text}.fail(
+            Reason::locked, "entries are being removed from its directory; check again later");
+    if (!platform::isPresent(finding.file)) return {};
     if (finding.entry && !EntryWriting(tables_).find(*finding.entry)) return restoreRow(finding);
     return "it was moved to " + moveToQuarantine(finding.file, finding.detail);
 }
 
+bool ProjectRepair::isBeingRemoved(std::string const& file) const {
+    auto const isRemovedFrom = [&](bool ofResults) {
+        return !storedNameOf(tables_, ofResults, file).empty() && RemovalLock::isHeld(tables_.directory(ofResults));
+    };
+    return isRemovedFrom(false) || isRemovedFrom(true);
+}
+
 std::string ProjectRepair::restoreRow(Finding const& finding) const {
     auto const& key = *finding.entry;
+    auto const name = storedNameOf(tables_, key.isResult(), finding.file);
+    Task const task{"restore the row of " + finding.text, finding.text};
+    if (name.empty()) task.fail(Reason::otherDirectory, "the file is not in the directory of such entries");
+    if (platform::isLink(finding.file)) task.fail(Reason::file, "the file is a symbolic link", finding.file);
     auto const record = tables_.recordOf(key, finding.file);
     tables_.requireContentTable(key.isResult());
     database::Transaction transaction(tables_.session());
-    if (finding.cube != 0) requireCube(finding);
+    if (finding.cube != 0) requireCube(task, finding);
     auto rows = tables_.rows(key.isResult());
-    auto const name = storedNameOf(tables_, key.isResult(), finding.file);
     if (!rows->insert(key.numbers(), name)) return {};
     tables_.record(key, record);
     transaction.commit();
@@ -64,11 +81,11 @@ std::string ProjectRepair::restoreRow(Finding const& finding) const {
 }
 
 // Another one may have got the number since the check.
-void ProjectRepair::requireCube(Finding const& finding) const {
+void ProjectRepair::requireCube(Task const& task, Finding const& finding) const {
     auto const cubes = tables_.cubes();
     cubes.ensure(finding.cube, finding.cubeName.c_str());
     if (cubes.number(finding.cubeName.c_str()) == finding.cube) return;
-    Task{"restore the row of " + finding.text, finding.text}.fail(Reason::alreadyExists,
+    task.fail(Reason::alreadyExists,
         "the cube number " + std::to_string(finding.cube) + " belongs to another cube than " + finding.cubeName);
 }
 

@@ -23,7 +23,9 @@ private:
     std::string registerCube(Finding const& finding) const;
     std::string placeFile(Finding const& finding) const;
     std::string restoreRow(Finding const& finding) const;
-    void requireCube(Finding const& finding) const;
+    /// Whether somebody removes entries from the directory of the file.
+    bool isBeingRemoved(std::string const& file) const;
+    void requireCube(Task const& task, Finding const& finding) const;
     std::string removeLeftover(Finding const& finding) const;
     std::string dropRow(Finding const& finding) const;
     std::string rewrite(Finding const& finding) const;

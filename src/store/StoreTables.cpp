@@ -100,14 +100,15 @@ std::map<short, std::size_t> StoreTables::counts(bool ofResults) const {
     return counts;
 }
 
-bool StoreTables::hasOtherProjects() const {
+std::vector<std::string> StoreTables::otherProjects() const {
     auto const lock = session().lock();
     auto const question = session().dialect().schemasWith(catalogue::resultEntriesTable);
     database::Cells cells;
     std::size_t const rows = session().prepareOnce(question, {})->run({}, cells);
+    std::vector<std::string> others;
     for (std::size_t i = 0; i < rows; ++i)
-        if (cells.row(i, 1)[0].Text() != schema_) return true;
-    return false;
+        if (std::string schema(cells.row(i, 1)[0].Text()); schema != schema_) others.push_back(std::move(schema));
+    return others;
 }
 
 std::string StoreTables::directory(bool ofResults) const {

@@ -68,8 +68,11 @@ public:
     /// The number of rows by the number of their cube.
     std::map<short, std::size_t> counts(bool ofResults) const;
 
-    /// Whether the database holds results of other projects.
-    bool hasOtherProjects() const;
+    /// The schemas of the other projects on the database.
+    std::vector<std::string> otherProjects() const;
+    bool hasOtherProjects() const { return !otherProjects().empty(); }
+    /// The rows of another project, with the directories of this one. REQUIRES: `schema` outlives the result.
+    StoreTables ofProject(std::string const& schema) const { return {connection_, settings_, schema}; }
 
     /// The directory of the files of these entries, with a delimiter at its end.
     std::string directory(bool ofResults) const;

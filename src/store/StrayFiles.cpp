@@ -1,45 +1,24 @@
 #include "store/StrayFiles.h"
 
-#include "catalogue/StoredName.h"
 #include "host/matrix/WriteLock.h"
 #include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
 #include "host/platform/TemporaryFile.h"
+#include "store/RemovalLock.h"
+#include "store/RowSearch.h"
 
 #include <algorithm>
-#include <limits>
 #include <system_error>
 
 namespace cubes::store {
 
 using catalogue::findKind;
-using matrix::FileStamp;
 
 namespace {
 
 // Longer names of cubes are cut in a stamp.
 constexpr std::size_t longestStampedName = 188;
-
-bool isPart(std::int32_t number) {
-    return number >= std::numeric_limits<short>::min() && number <= std::numeric_limits<short>::max();
-}
-
-// The entry that a file records; nothing when it records none.
-std::optional<EntryKey> keyOf(FileStamp const& stamp) {
-    std::vector<short> numbers;
-    for (auto const number : stamp.key) {
-        if (!isPart(number)) return std::nullopt;
-        numbers.push_back(static_cast<short>(number));
-    }
-    if (stamp.cubeNumber == 0 || !isPart(stamp.cubeNumber)) return std::nullopt;
-    auto const cube = static_cast<short>(stamp.cubeNumber);
-    numbers.insert(numbers.begin(), cube);
-    bool const isResult = catalogue::kindOf(cube).isResult;
-    if (numbers.size() != (isResult ? std::tuple_size_v<catalogue::ResultKey> : std::tuple_size_v<catalogue::CubeKey>))
-        return std::nullopt;
-    return store::keyOf(numbers);
-}
 
 }
 
@@ -73,14 +52,33 @@ std::string StrayFiles::comparable(bool ofResults, std::string const& path) cons
 }
 
 void StrayFiles::claim(EntryInfo const& entry) {
-    if (!entry.file.empty()) files_.erase(comparable(entry.key.isResult(), entry.file));
+    if (entry.file.empty()) return;
+    bool const ofResults = entry.key.isResult();
+    files_.erase(comparable(ofResults, entry.file));
+    isOwn_[ofResults] = isOwn_[ofResults] || platform::exists(entry.file);
 }
 
 std::vector<Finding> StrayFiles::findings() {
+    if (directories_[0] == directories_[1]) isOwn_[0] = isOwn_[1] = isOwn_[0] || isOwn_[1];
     std::vector<Finding> found;
+    for (bool const ofResults : {false, true})
+        if (!isOwn_[ofResults]) leaveDirectory(ofResults, found);
     for (auto const& unclaimed : files_)
         if (auto finding = findingOf(unclaimed.second)) found.push_back(*std::move(finding));
     return found;
+}
+
+// The files of another database's project would be moved or given rows here.
+void StrayFiles::leaveDirectory(bool ofResults, std::vector<Finding>& found) {
+    auto const isThere = [ofResults](auto const& listed) { return listed.second.ofResults == ofResults; };
+    auto const entries = std::ranges::count_if(files_,
+        [&](auto const& listed) { return isThere(listed) && catalogue::hasEntryExtension(listed.second.storedName); });
+    if (entries == 0) return;
+    std::erase_if(files_, isThere);
+    found.push_back({.problem = Problem::unclaimedDirectory,
+        .file = tables_.directory(ofResults),
+        .detail = "no row names a file there, and its files of entries (" + std::to_string(entries) +
+                  ") may belong to another project; if not, repair one entry by its key first"});
 }
 
 std::optional<Finding> StrayFiles::findingOf(File const& file) {
@@ -90,15 +88,24 @@ std::optional<Finding> StrayFiles::findingOf(File const& file) {
     auto const facts = inspectFile(path, file.storedName != name, false);
     bool const isStamped = facts.stamp && keyOf(*facts.stamp);
     if (!isStamped && !catalogue::hasEntryExtension(name)) return std::nullopt;
-    // Who is storing the entry has not committed its row yet; the file of a removed one may be gone by now.
-    if (matrix::isLocked(path) || !platform::isPresent(path)) return std::nullopt;
-    if (isNamedByARow(tables_, path, facts.stamp)) return std::nullopt;
+    // Who is storing the entry has not committed its row yet.
+    if (isBeingChanged(file)) return std::nullopt;
+    RowSearch const rows(tables_, path, facts.stamp);
+    if (rows.isNamedByItsEntry()) return std::nullopt;
+    auto const owner = rows.otherOwner();
+    // Who is removing the entry has deleted its row.
+    if (isBeingChanged(file) || !platform::isPresent(path)) return std::nullopt;
+    if (!owner.empty()) return Finding{.problem = Problem::otherDirectory, .file = path, .detail = owner};
     auto const origin = originOf(file, facts);
     Finding finding{.problem = Problem::fileWithoutRow, .file = path};
     finding.detail = origin.obstacle.empty() ? "no row names it" : "no row names it, and " + origin.obstacle;
     finding.repair = infoOf(Problem::fileWithoutRow).repair;
     if (origin.obstacle.empty()) describeRow(finding, origin);
     return finding;
+}
+
+bool StrayFiles::isBeingChanged(File const& file) const {
+    return matrix::isLocked(pathOf(file)) || RemovalLock::isHeld(tables_.directory(file.ofResults));
 }
 
 // How the row is restored.
@@ -112,8 +119,10 @@ void StrayFiles::describeRow(Finding& finding, Origin const& origin) {
     finding.repair = "register the cube \"" + finding.cubeName + "\" and restore the row";
 }
 
-Finding StrayFiles::temporaryFile(std::string const& path) {
-    if (!isLeftover(path)) return {.problem = Problem::recentTemporaryFile, .file = path, .detail = "it may be in use"};
+std::optional<Finding> StrayFiles::temporaryFile(std::string const& path) {
+    bool const isLeft = isLeftover(path);
+    if (!platform::exists(path)) return std::nullopt;
+    if (!isLeft) return Finding{.problem = Problem::recentTemporaryFile, .file = path, .detail = "it may be in use"};
     Finding finding{.problem = Problem::leftoverFile, .file = path, .detail = "a killed process left it"};
     finding.repair = infoOf(Problem::leftoverFile).repair;
     if (!mayBeComplete(path)) return finding;
@@ -125,6 +134,7 @@ Finding StrayFiles::temporaryFile(std::string const& path) {
 // The name counts before the key that the file records: in a plain copy that is the key of the original.
 StrayFiles::Origin StrayFiles::originOf(File const& file, FileFacts const& facts) {
     if (facts.problem) return {{}, facts.detail, {}};
+    if (platform::isLink(pathOf(file))) return {{}, "it is a symbolic link", {}};
     auto const recorded = facts.stamp ? keyOf(*facts.stamp) : std::nullopt;
     auto const named = catalogue::keyOfFileName(file.storedName);
     if (named.empty() && !recorded) return {{}, "neither its name nor its content names an entry", {}};
@@ -148,27 +158,6 @@ std::string StrayFiles::obstacleOf(EntryKey const& key, std::string const& cube)
     auto const registered = names_.number(cube.c_str());
     if (registered ? *registered == key.cube() : !names_.name(key.cube())) return {};
     return "the cube \"" + cube + "\" is not number " + std::to_string(key.cube()) + " any more";
-}
-
-std::string storedNameOf(StoreTables const& tables, bool ofResults, std::string const& path) {
-    auto const directory = tables.directory(ofResults);
-    if (!path.starts_with(directory)) return {};
-    auto name = path.substr(directory.size());
-    std::ranges::replace(name, platform::pathDelimiter(), '\\');
-    return name;
-}
-
-bool isNamedByARow(StoreTables const& tables, std::string const& path, std::optional<FileStamp> const& stamp) {
-    auto const isNamedBy = [&](EntryKey const& key) {
-        auto rows = tables.rows(key.isResult());
-        return rows->locate(key.numbers()) && tables.path(key, rows->filename()) == path;
-    };
-    for (bool const ofResults : {false, true}) {
-        auto const named = catalogue::keyOfFileName(storedNameOf(tables, ofResults, path));
-        if (!named.empty() && isNamedBy(store::keyOf(named))) return true;
-    }
-    auto const recorded = stamp ? keyOf(*stamp) : std::nullopt;
-    return recorded && isNamedBy(*recorded);
 }
 
 bool isLeftover(std::string const& path) {

@@ -22,6 +22,8 @@ public:
 
     /// The row of that entry names the file.
     void claim(EntryInfo const& entry);
+    /// The files in the directories are the project's, even if no row names one.
+    void claimDirectories() { isOwn_[0] = isOwn_[1] = true; }
     /// What is to be reported of the files that nobody has claimed. REQUIRES: the rows of all entries did.
     std::vector<Finding> findings();
 
@@ -43,8 +45,11 @@ private:
     void list(bool ofResults, std::string const& subdirectory);
     std::string pathOf(File const& file) const;
     std::string comparable(bool ofResults, std::string const& path) const;
+    /// Reports a directory in which no row names a file, and none of its files.
+    void leaveDirectory(bool ofResults, std::vector<Finding>& found);
     std::optional<Finding> findingOf(File const& file);
-    static Finding temporaryFile(std::string const& path);
+    bool isBeingChanged(File const& file) const;
+    static std::optional<Finding> temporaryFile(std::string const& path);
     void describeRow(Finding& finding, Origin const& origin);
     Origin originOf(File const& file, FileFacts const& facts);
     std::string obstacleOf(EntryKey const& key, std::string const& cube);
@@ -55,12 +60,10 @@ private:
     std::string directories_[2];
     /// By their comparable paths.
     std::map<std::string, File> files_;
+    /// Whether a row names a file in the directory.
+    bool isOwn_[2] = {false, false};
 };
 
-/// The name of a file as a row would store it; empty for one that is not in the directory of such entries.
-std::string storedNameOf(StoreTables const& tables, bool ofResults, std::string const& path);
-/// Whether a row names the file: that of the entry of its name, or that of the entry which the file records.
-bool isNamedByARow(StoreTables const& tables, std::string const& path, std::optional<matrix::FileStamp> const& stamp);
 /// Whether a temporary file was left behind: it is a day old, or the old file of a target, and nobody is writing the
 /// target.
 bool isLeftover(std::string const& path);

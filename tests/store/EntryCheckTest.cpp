@@ -15,6 +15,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
 #include <thread>
 
@@ -22,6 +23,7 @@
 #include "host/matrix/StagedFile.h"
 #include "host/matrix/WriteLock.h"
 #include "store/FileInspection.h"
+#include "store/RemovalLock.h"
 #include "support/Backend.h"
 #include "support/CubeTesting.h"
 
@@ -117,6 +119,8 @@ public:
     std::string checked() { return textOf(a().check({}, {.deep = true})); }
     void repairAll() { a().repair(a().check({}, {.deep = true}), {.dropRows = true}); }
     void expectRepaired(std::vector<Breakage const*> const& breakages);
+    /// Runs a check again and again while another connection changes entries again and again.
+    void whileAnother(std::function<void(EntryStore&)> const& change, std::function<void()> const& check);
 
 protected:
     TestDatabase const& database() { return *database_; }
@@ -242,10 +246,7 @@ std::vector<Breakage> const breakages = {
         },
         "missingParent skim/1/1/1/1/2/0\n", "missingParent skim/1/1/1/1/2/0\n"},
     {"inUse", [](EntryCheckTest& t) { t.a().addUser(tripsOf(8)); }, "inUse Trips/1/1/1/8\n", "inUse Trips/1/1/1/8\n"},
-    {"copiedFile",
-        [](EntryCheckTest& t) {
-            fs::copy_file(t.file(tripsOf(8)), t.file(derivedSkim), fs::copy_options::overwrite_existing);
-        },
+    {"copiedFile", [](EntryCheckTest& t) { writeFile(t.file(derivedSkim), readFile(t.file(tripsOf(8)))); },
         "copiedFile skim/1/1/1/1/2/0\n", "copiedFile skim/1/1/1/1/2/0\n"},
 };
 
@@ -273,6 +274,21 @@ void EntryCheckTest::expectRepaired(std::vector<Breakage const*> const& chosen) 
     EXPECT_EQ(rowsOfB(), others);
 }
 
+void EntryCheckTest::whileAnother(std::function<void(EntryStore&)> const& change, std::function<void()> const& check) {
+    std::atomic<bool> isOver = false;
+    std::thread other([&] {
+        try {
+            auto const own = Project::open(root("a"));
+            while (!isOver) change(own.store());
+        } catch (std::exception const& error) {
+            ADD_FAILURE() << error.what();
+        }
+    });
+    for (int i = 0; i < 50; ++i) check();
+    isOver = true;
+    other.join();
+}
+
 CUBES_BOTH_BACKENDS(EntryCheckTest);
 
 TEST_P(EntryCheckTest, findsNothingInAWholeProject) {
@@ -284,11 +300,17 @@ TEST_P(EntryCheckTest, findsNothingInAWholeProject) {
 
 TEST_P(EntryCheckTest, changesNothingByItself) {
     for (auto const& breakage : breakages) breakage.work(*this);
-    auto const files = filesIn(root("a"));
-    auto const rows = joined(database().sql("select * from " + cubeTable() + " order by 1, 2, 3, 4, 5"));
+    for (char const* const directory : {"a/matrices", "a/results"})
+        for (char const* const name : {"/cubes-id", "/.cubes-lock"}) fs::remove(root(directory) + name);
+    a_ = std::make_unique<Project>(Project::open(root("a")));
+    auto const state = [this] {
+        std::string text = listing(root("a"));
+        for (auto const& table : tables()) text += joined(database().sql("select * from " + table + " order by 1, 2"));
+        return text;
+    };
+    auto const before = state();
     checked();
-    EXPECT_EQ(filesIn(root("a")), files);
-    EXPECT_EQ(joined(database().sql("select * from " + cubeTable() + " order by 1, 2, 3, 4, 5")), rows);
+    EXPECT_EQ(state(), before);
 }
 
 TEST_P(EntryCheckTest, leavesRowsWithoutAFileUnlessTheyAreToBeDropped) {
@@ -382,15 +404,24 @@ TEST_P(EntryCheckTest, restoresARowWithTheContentOfItsFile) {
 }
 
 TEST_P(EntryCheckTest, restoresRoutesInTheirDirectory) {
-    execute("delete from " + resultTable());
+    execute("delete from " + resultTable() + " where result = 1");
     repairAll();
     EXPECT_EQ(a().find(checkedRoutes)->storedName, "RouteStorage_Routes\\1-1-1-1-1-0.FDB");
     EXPECT_EQ(readFile(file(checkedData)), "data");
     EXPECT_EQ(a().get(derivedSkim).Elements()[0], 40);
 }
 
-TEST_P(EntryCheckTest, restoresAnEmptyDatabaseFromTheFiles) {
+// The files of a directory that no row names may belong to another project.
+TEST_P(EntryCheckTest, restoresAnEmptyDatabaseFromTheFilesOnceAnEntryOfEachDirectoryIsRestored) {
     for (auto const& table : tables()) execute("delete from " + table);
+    EXPECT_EQ(checked(), "unclaimedDirectory\nunclaimedDirectory\n");
+    auto const before = filesIn(root("a"));
+    repairAll();
+    EXPECT_EQ(filesIn(root("a")), before);
+    for (auto const& one :
+        {EntrySelection{.cubeNumber = 1, .purpose = 1, .mode = 1, .time = 1, .user = 1},
+            EntrySelection{.cube = "skim", .purpose = 1, .mode = 1, .time = 1, .user = 1, .result = 1, .iteration = 0}})
+        a().repair(a().check(one));
     repairAll();
     EXPECT_EQ(checked(), "");
     EXPECT_EQ(a().cubes().size(), 2u);
@@ -499,21 +530,108 @@ TEST_P(EntryCheckTest, restoresNoRowInACubeThatGotTheNumberSinceTheCheck) {
 }
 
 TEST_P(EntryCheckTest, findsNoErrorWhileOthersStoreMoveAndRemove) {
-    std::atomic<bool> isOver = false;
-    std::thread other([&] {
+    whileAnother(
+        [](EntryStore& other) {
+            other.put(tripsOf(9), smallMatrix(9));
+            other.copy(tripsOf(9), derivedSkim);
+            other.move(tripsOf(9), tripsOf(10));
+            other.remove(tripsOf(10));
+        },
+        [&] {
+            for (auto const& finding : a().check())
+                EXPECT_EQ(finding.severity(), Severity::note) << textOf({finding}) << finding.file << finding.detail;
+        });
+}
+
+TEST_P(EntryCheckTest, refusesNoWriter) {
+    // For each of them a check asks whether their target is being written.
+    for (int i = 100; i < 300; ++i) {
+        auto const leftover = matrices(".1-1-1-1-9.odm.0123456789abc" + std::to_string(i) + ".cubes-tmp");
+        writeFile(leftover, "half a matrix");
+        makeOld(leftover);
+    }
+    whileAnother([](EntryStore& other) { other.put(tripsOf(9), smallMatrix(9)); }, [&] { a().check(); });
+}
+
+TEST_P(EntryCheckTest, findsAndRestoresNothingWhileOthersRemoveManyEntries) {
+    auto const lost = [&] { execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1"); };
+    lost();
+    auto const findings = a().check();
+    std::optional<store::RemovalLock> removing(root("a/matrices"));
+    EXPECT_EQ(checked(), rowOfB);
+    std::string failures;
+    for (auto const& repair : a().repair(findings)) failures += repair.failure;
+    EXPECT_EQ(failures, "entries are being removed from its directory; check again later");
+    EXPECT_FALSE(a().find(tripsOf(2)));
+    removing.reset();
+    a().repair(findings);
+    EXPECT_TRUE(a().find(tripsOf(2)));
+}
+
+TEST_P(EntryCheckTest, restoresNoRowOfAnEntryThatIsBeingRemoved) {
+    // The rows are deleted at once, then the files one after the other, the first of which is locked.
+    std::optional<matrix::WriteLock> lock(std::in_place, file(tripsOf(1)), matrix::WriteLock::Purpose::create);
+    std::thread remover([&] {
         auto const own = Project::open(root("a"));
-        while (!isOver) {
-            own.store().put(tripsOf(9), smallMatrix(9));
-            own.store().copy(tripsOf(9), derivedSkim);
-            own.store().move(tripsOf(9), tripsOf(10));
-            own.store().remove(tripsOf(10));
-        }
+        own.store().removeAll({.cube = "Trips", .purpose = 1});
     });
-    for (int i = 0; i < 50; ++i)
-        for (auto const& finding : a().check())
-            EXPECT_EQ(finding.severity(), Severity::note) << textOf({finding}) << finding.file << finding.detail;
-    isOver = true;
-    other.join();
+    while (a().find(tripsOf(8))) std::this_thread::yield();
+    repairAll();
+    remover.join();
+    lock.reset();
+    for (short user = 2; user <= 8; ++user) EXPECT_FALSE(a().find(tripsOf(user))) << user;
+    EXPECT_FALSE(fs::exists(matrices("1-1-1-1-8.odm")));
+}
+
+TEST_P(EntryCheckTest, leavesAFileThatARowOfAnyNameNamesSinceTheCheck) {
+    // As "1/1/1/1/9" is written in pairs of digits to the base of 40.
+    writeFile(matrices("0101010109.odm"), "not a matrix");
+    auto const findings = a().check();
+    ASSERT_EQ(textOf(findings), std::string("fileWithoutRow\n") + rowOfB);
+    execute("insert into " + cubeTable() +
+            " (cubenr, purpose, mode, time, \"user\", filename) values (1, 1, 1, 1, 9, '0101010109.odm')");
+    a().repair(findings);
+    EXPECT_TRUE(fs::exists(matrices("0101010109.odm")));
+}
+
+TEST_P(EntryCheckTest, registersNoCubeForResultsOfAnUnknownKind) {
+    execute("update " + resultTable() + " set cubenr = 7 where cubenr = -1 and result = 2");
+    EXPECT_EQ(checked().find("unregisteredCube"), std::string::npos) << checked();
+}
+
+TEST_P(EntryCheckTest, restoresNoRowForASymbolicLink) {
+    auto const target = root("elsewhere.odm");
+    fs::copy_file(matrices("1-1-1-1-1.odm"), target);
+    if (!makeLink(target, matrices("1-1-1-1-9.odm"))) GTEST_SKIP() << "no symbolic links can be made";
+    auto const findings = a().check();
+    EXPECT_EQ(textOf(findings), std::string("fileWithoutRow\n") + rowOfB);
+    repairAll();
+    EXPECT_FALSE(a().find(tripsOf(9)));
+    EXPECT_TRUE(isLink(matrices("quarantine/1-1-1-1-9.odm")));
+    EXPECT_TRUE(fs::exists(target));
+}
+
+TEST_P(EntryCheckTest, restoresNoRowForAFileThatBecameASymbolicLinkSinceTheCheck) {
+    auto const target = root("elsewhere.odm");
+    auto const link = matrices("1-1-1-1-9.odm");
+    fs::copy_file(matrices("1-1-1-1-1.odm"), link);
+    auto const findings = a().check();
+    fs::rename(link, target);
+    if (!makeLink(target, link)) GTEST_SKIP() << "no symbolic links can be made";
+    std::string failures;
+    for (auto const& repair : a().repair(findings)) failures += repair.failure;
+    EXPECT_EQ(failures, "the file is a symbolic link");
+    EXPECT_FALSE(a().find(tripsOf(9)));
+}
+
+TEST_P(EntryCheckTest, removesReplacedFilesThatWereSetAside) {
+    auto const aside = matrices(".1-1-1-1-9.odm.0123456789abcdef.old.cubes-tmp");
+    OmxFile::write(aside, "matrix", smallMatrix(98));
+    makeOld(aside);
+    EXPECT_EQ(checked(), std::string("leftoverFile\n") + rowOfB);
+    repairAll();
+    EXPECT_FALSE(fs::exists(aside));
+    EXPECT_FALSE(fs::exists(matrices("quarantine")));
 }
 
 TEST_P(EntryCheckTest, checksTheSelectedEntriesOnly) {

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 
+#include <filesystem>
 #include <functional>
 #include <thread>
 
@@ -22,6 +23,8 @@
 
 namespace cubes::test {
 namespace {
+
+namespace fs = std::filesystem;
 
 /// What a change replaces, and thus what must be undone.
 enum class Replaces { nothing, file, fileAndRow };
@@ -102,6 +105,11 @@ private:
 
 CUBES_BOTH_BACKENDS(EntryFailureTest);
 
+// Whether the file has its old name, and nothing is in the quarantine.
+bool isUntouched(std::string const& directory) {
+    return readFile(directory + "mine.odm") == "not a matrix" && filesIn(directory + "quarantine").empty();
+}
+
 void EntryFailureTest::failEachStep(Change const& change, int error, FailingSystem::Failure failure) {
     reset();
     change.work(store());
@@ -111,6 +119,31 @@ void EntryFailureTest::failEachStep(Change const& change, int error, FailingSyst
         ASSERT_LT(++step, 100);
     } while (failsAt(step, error, failure, change, done));
     EXPECT_GT(step, 1) << change.name;
+}
+
+TEST_P(EntryFailureTest, movesAFileToQuarantineWithItsNoteOrNotAtAll) {
+    std::string const directory = project().settings()->MatrixDirectory().str();
+    auto const file = directory + "mine.odm";
+    writeFile(file, "not a matrix");
+    auto const findings = store().check();
+    ASSERT_EQ(findings.size(), 1u);
+    fs::create_directory(directory + "quarantine");
+    for (int step = 1;; ++step) {
+        ASSERT_LT(step, 100);
+        bool hasFailed = false;
+        Repair repair;
+        {
+            FailingSystem const failing(step, EIO, FailingSystem::Failure::once);
+            repair = store().repair(findings).front();
+            hasFailed = failing.hasFailed();
+        }
+        if (!hasFailed) break;
+        EXPECT_NE(repair.failure, "") << step;
+        EXPECT_TRUE(isUntouched(directory)) << "step " << step << ": " << filesIn(directory);
+        if (!fs::exists(file)) writeFile(file, "not a matrix");
+    }
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(readFile(directory + "quarantine/mine.odm"), "not a matrix");
 }
 
 bool EntryFailureTest::failsAt(

@@ -43,6 +43,9 @@ enum class Problem {
     otherDirectory,
     /// The file is not here, and projects that share the database may have it.
     unknownOwner,
+    /// A directory with files of entries, none of which a row names: they may belong to another project, and are
+    /// neither reported nor repaired unless one entry is checked.
+    unclaimedDirectory,
 };
 
 enum class Severity { error, note };

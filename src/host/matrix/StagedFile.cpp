@@ -219,7 +219,11 @@ Id128 directoryIdentity(std::string const& directory) {
     std::string const path = identityPath(directory);
     if (auto const known = readIdentity(path)) return *known;
     makeIdentity(path);
-    return readIdentity(path).value_or(Id128{});
+    return knownDirectoryIdentity(directory);
+}
+
+Id128 knownDirectoryIdentity(std::string const& directory) {
+    return readIdentity(identityPath(directory)).value_or(Id128{});
 }
 
 }

@@ -91,5 +91,7 @@ Provenance readProvenance(std::string const& path);
 /// it is missing. Any number of threads and processes that ask at once get the same. Unknown in a directory that cannot
 /// be written to, and for a file with other content; never throws for those.
 Id128 directoryIdentity(std::string const& directory);
+/// The same; unknown in a directory that has none, which is given none.
+Id128 knownDirectoryIdentity(std::string const& directory);
 
 }

@@ -45,7 +45,8 @@ private:
 };
 
 /// Whether an object or a process has the lock of a file at the moment. False where that cannot be found out, as in a
-/// directory whose lock file may not be read.
+/// directory whose lock file may not be read. No writer is refused because of the question, except for a moment on
+/// Windows.
 bool isLocked(std::string const& path);
 
 /// Whether a file of this name (without directory) is the lock file of its directory.

@@ -53,6 +53,11 @@ bool isRegularFile(std::string const& path) {
     return fs::is_regular_file(toPath(path), ignored);
 }
 
+bool isLink(std::string const& path) {
+    std::error_code ignored;
+    return fs::is_symlink(toPath(path), ignored);
+}
+
 bool createDirectories(std::string const& path) {
     std::error_code error;
     fs::create_directories(toPath(path), error);

@@ -14,6 +14,8 @@ namespace cubes::platform {
 bool exists(std::string const& path);
 bool isDirectory(std::string const& path);
 bool isRegularFile(std::string const& path);
+/// A symbolic link, whatever it leads to.
+bool isLink(std::string const& path);
 /// With all missing levels; true for an existing directory.
 bool createDirectories(std::string const& path);
 /// Removes an empty directory, or one with its content.

@@ -123,6 +123,10 @@ bool isOldName(std::string_view name) {
     return name.ends_with(oldSuffix) && isTemporaryName(name);
 }
 
+bool isSetAside(std::string_view name) {
+    return isTemporaryName(name) && name.ends_with(outdatedSuffix);
+}
+
 std::string targetOfTemporary(std::string const& path) {
     auto const file = toPath(path);
     std::string const name = fromPath(file.filename());

@@ -15,6 +15,9 @@ std::string temporaryPath(std::string const& target);
 bool isTemporaryName(std::string_view name);
 /// Whether it is the temporary name of an old file that is being replaced: ".<target>.<16 digits>.cubes-old".
 bool isOldName(std::string_view name);
+/// Whether a temporary file of this name is one that was replaced or removed while it was being read: Windows sets it
+/// aside.
+bool isSetAside(std::string_view name);
 /// Whether a message has the path of a temporary file in it.
 bool mentionsTemporaryFile(std::string_view message);
 

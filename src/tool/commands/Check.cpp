@@ -40,6 +40,7 @@ public:
         arguments.flag("--drop-rows", dropRows_, "Also remove the rows of entries that have no file");
     }
 
+    bool onlyReads() const override { return !(repair_ && yes_); }
     std::string task() const override { return what_.empty() ? "check the project" : "check " + what_; }
 
     void run(Surroundings const& surroundings, Output& output) override {
@@ -81,8 +82,25 @@ private:
     void repair(Entries const& entries, EntrySelection const& selection, std::vector<Finding> const& findings,
         Output& output) const {
         auto const repairs = entries.store().repair(findings, {dropRows_});
-        show(entries, findings, repairs, output);
-        if (hasErrors(found(entries, selection))) output.exitWith(ExitCode::refused);
+        // What was done is known before the second check, which may take long or fail.
+        Output done(output.form());
+        show(entries, findings, repairs, done);
+        repaired("the result cannot be printed", [&] { done.write(); });
+        repaired("it cannot be checked again", [&] {
+            if (hasErrors(found(entries, selection))) output.exitWith(ExitCode::refused);
+        });
+    }
+
+    // An error from here on does not mean that nothing was changed.
+    template <typename Work>
+    static void repaired(char const* failure, Work const& work) {
+        try {
+            work();
+        } catch (Interrupted const&) {
+            throw Failure("the repair is done, but the check after it was interrupted");
+        } catch (std::exception const& error) {
+            throw Failure(std::string("the repair is done, but ") + failure + ": " + error.what());
+        }
     }
 
     // `repairs`: those of the findings, or none.

@@ -53,6 +53,36 @@ TEST_F(Ending, aDemoThatIsInterruptedIsRemoved) {
     EXPECT_EQ(session.run("ls -A demo").output, "");
 }
 
+TEST_F(Ending, aCheckThatIsInterruptedPrintsWhatItHasRepaired) {
+    session.run("cubes import t.csv Base/1/1/1/1");
+    int repaired = 0;
+    for (int call = 1; call <= 20; ++call) {
+        session.write("matrices/mine.odm", "not a matrix");
+        auto const result =
+            session.run("CUBES_DISK=" + session.file("matrices") + " CUBES_KILL_AT=" + std::to_string(call) +
+                        " CUBES_SIGNAL=15 LD_PRELOAD=" CUBES_FAULTY_DISK " cubes check --repair --yes");
+        bool const isMoved = session.run("test ! -e matrices/mine.odm").exitCode == 0;
+        EXPECT_EQ(isMoved, result.output.find("it was moved to ") != std::string::npos) << result.output;
+        if (!isMoved || result.exitCode != 143) continue;
+        ++repaired;
+        EXPECT_EQ(result.errors, "cubes: cannot check the project: the repair is done, but the check after it was "
+                                 "interrupted\n");
+    }
+    EXPECT_GT(repaired, 0);
+}
+
+TEST_F(Ending, aRepairWhoseResultCannotBePrintedReportsThatItIsDone) {
+    session.run("cubes import t.csv Base/1/1/1/1");
+    session.write("matrices/mine.odm", "not a matrix");
+    auto const listed = session.run("cubes check > /dev/full");
+    EXPECT_EQ(listed.exitCode, 3);
+    EXPECT_EQ(listed.errors, "cubes: cannot check the project: standard output: No space left on device\n");
+    auto const repaired = session.run("cubes check --repair --yes > /dev/full");
+    EXPECT_EQ(repaired.exitCode, 3);
+    EXPECT_EQ(repaired.errors, "cubes: cannot check the project: the repair is done, but the result cannot be printed: "
+                               "standard output: No space left on device\n");
+}
+
 TEST_F(Ending, withoutAStandardOutputACommandReportsThatItSucceeded) {
     struct {
         char const* output;

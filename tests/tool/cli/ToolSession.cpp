@@ -61,6 +61,8 @@ std::string ToolSession::shown(std::string const& line) const {
     std::string text = result.output + headed(result.errors, "! ");
     if (result.exitCode != 0) text += "[" + std::to_string(result.exitCode) + "]\n";
     text = replaced(withPathsOfTheShell(text), CUBES_TOOL_NAME, "cubes");
+    for (std::string const directory : {"matrices/", "results/"})
+        text = replaced(text, nativePath(directory), directory);
     text = replaced(text, noSuchFile(), "No such file or directory");
     text = replaced(text, withPathsOfTheShell(database_.url()), "<DATABASE>");
     return replaced(text, withPathsOfTheShell(directory_.str()), "<DIR>");
