@@ -7,6 +7,7 @@
 #include <cubes/matrix/MatrixLimits.h>
 #include <cubes/matrix/MatrixStorage.h>
 #include <cubes/matrix/OmxFile.h>
+#include <cubes/matrix/TRkMatrixException.h>
 #include <cubes/project/Project.h>
 #include <cubes/project/TRkGlobalSettings.h>
 
@@ -15,14 +16,14 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <thread>
 
 #include "host/hdf5/GuardedFile.h"
-#include "host/matrix/StagedFile.h"
+#include "host/matrix/Elements.h"
 #include "host/matrix/WriteLock.h"
-#include "store/FileInspection.h"
 #include "store/RemovalLock.h"
 #include "support/Backend.h"
 #include "support/CubeTesting.h"
@@ -114,8 +115,10 @@ public:
 
     void reset();
     std::string rowsOfB();
-    /// The content ids of all matrix files of the project.
-    std::set<std::string> contents() const;
+    /// The elements of all matrices in the project's directories, whatever their files are called.
+    std::multiset<std::string> storedMatrices() const;
+    /// What the entries hold that can be read: the elements of a matrix, or the bytes of a file of routes.
+    std::map<EntryKey, std::string> readableEntries();
     std::string checked() { return textOf(a().check({}, {.deep = true})); }
     void repairAll() { a().repair(a().check({}, {.deep = true}), {.dropRows = true}); }
     void expectRepaired(std::vector<Breakage const*> const& breakages);
@@ -165,12 +168,37 @@ std::string EntryCheckTest::rowsOfB() {
     return text + filesIn(root("b"));
 }
 
-std::set<std::string> EntryCheckTest::contents() const {
-    std::set<std::string> found;
+std::string bytesOf(float const* elements, std::size_t count) {
+    return {reinterpret_cast<char const*>(elements), count * sizeof *elements};
+}
+
+std::multiset<std::string> EntryCheckTest::storedMatrices() const {
+    std::multiset<std::string> found;
     for (auto const& entry : fs::recursive_directory_iterator(root("a"))) {
-        auto const path = entry.path().string();
-        if (!entry.is_regular_file() || !store::mayBeComplete(path)) continue;
-        if (auto const origin = matrix::readOrigin(path)) found.insert(origin->content.text());
+        if (!entry.is_regular_file()) continue;
+        try {
+            auto const file = matrix::openMatrixFile(entry.path().string());
+            found.insert(bytesOf(file.elements->all(),
+                static_cast<std::size_t>(file.header.rows) * static_cast<std::size_t>(file.header.columns)));
+        } catch (TRkMatrixException const&) {
+            // It is no matrix, or is damaged.
+        }
+    }
+    return found;
+}
+
+std::map<EntryKey, std::string> EntryCheckTest::readableEntries() {
+    std::map<EntryKey, std::string> found;
+    for (auto const& entry : a().entries()) {
+        bool const holdsRoutes = entry.key.cube() == checkedRoutes.cube() || entry.key.cube() == checkedData.cube();
+        try {
+            if (holdsRoutes && fs::exists(entry.file)) found[entry.key] = readFile(entry.file);
+            if (holdsRoutes) continue;
+            auto const matrix = a().get(entry.key);
+            found[entry.key] = bytesOf(matrix.Elements().data(), matrix.Elements().size());
+        } catch (StoreError const&) {
+            // It is damaged or missing, or belongs to the other project.
+        }
     }
     return found;
 }
@@ -264,13 +292,19 @@ std::string linesOf(std::vector<Breakage const*> const& chosen, char const* Brea
 
 void EntryCheckTest::expectRepaired(std::vector<Breakage const*> const& chosen) {
     reset();
+    auto expected = readableEntries();
     for (auto const* const breakage : chosen) breakage->work(*this);
-    auto const before = contents();
+    auto const stored = storedMatrices();
+    auto const readable = readableEntries();
+    for (auto const& [key, value] : readable) expected[key] = value;
     auto const others = rowsOfB();
     EXPECT_EQ(checked(), linesOf(chosen, &Breakage::found));
     repairAll();
     EXPECT_EQ(checked(), linesOf(chosen, &Breakage::left));
-    EXPECT_TRUE(std::ranges::includes(contents(), before));
+    EXPECT_TRUE(std::ranges::includes(storedMatrices(), stored));
+    auto const repaired = readableEntries();
+    for (auto const& [key, value] : repaired) EXPECT_EQ(value, expected[key]) << a().text(key);
+    for (auto const& [key, value] : readable) EXPECT_TRUE(repaired.contains(key)) << a().text(key);
     EXPECT_EQ(rowsOfB(), others);
 }
 
