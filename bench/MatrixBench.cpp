@@ -11,6 +11,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
@@ -139,6 +140,33 @@ void compareVerified(std::vector<Result>& results, std::size_t zones, Storage st
         [&] { require(storedSum(store, true) == expected, "verified sum"); }}));
 }
 
+// Reads a file by blocks, on one core.
+void bareRead(std::string const& path, std::vector<char>& block) {
+    Descriptor const file(path, O_RDONLY);
+    ssize_t size = 0;
+    do {
+        size = ::read(file.number(), block.data(), block.size());
+        require(size >= 0, "read");
+    } while (size > 0);
+}
+
+// Checking all matrices of a project with their content, on all cores.
+void compareCheck(std::vector<Result>& results, std::size_t zones, short count, int rounds) {
+    WorkDirectory const work;
+    auto const project = cubes::Project::create(work.path("project"));
+    cubes::setMatrixStorage(project.settings()->MatrixDirectory().str(), {Storage::plain, Durability::process});
+    auto& store = project.store();
+    store.addCube("Bench");
+    auto const matrix = matrixOf(cellsOf(zones), zones);
+    for (short user = 1; user <= count; ++user) store.put({1, 1, 1, 1, user}, matrix);
+    std::vector<std::string> files;
+    for (auto const& entry : store.entries()) files.push_back(entry.file);
+    std::vector<char> block(1 << 20);
+    results.push_back(compare({fmt::format("check {0} matrices of {1} x {1} with their content", count, zones), 2,
+        rounds, 1, [&] { std::ranges::for_each(files, [&](std::string const& file) { bareRead(file, block); }); },
+        [&] { require(store.check({}, {.deep = true}).empty(), "check"); }}));
+}
+
 void compareAt(std::vector<Result>& results, std::size_t zones, int rounds) {
     WorkDirectory const work;
     auto const project = cubes::Project::create(work.path("project"));
@@ -172,6 +200,7 @@ std::vector<Result> matrices() {
         compareVerified(results, 2000, storage, 21);
         compareVerified(results, 5000, storage, 15);
     }
+    compareCheck(results, 3000, 50, 5);
     return results;
 }
 
