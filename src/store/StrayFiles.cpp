@@ -61,11 +61,23 @@ void StrayFiles::claim(EntryInfo const& entry) {
 std::vector<Finding> StrayFiles::findings() {
     if (directories_[0] == directories_[1]) isOwn_[0] = isOwn_[1] = isOwn_[0] || isOwn_[1];
     std::vector<Finding> found;
-    for (bool const ofResults : {false, true})
-        if (!isOwn_[ofResults]) leaveDirectory(ofResults, found);
+    if (!isOwn_[0] && areOfAnotherDatabase())
+        for (bool const ofResults : {false, true})
+            if (!isOwn_[ofResults]) leaveDirectory(ofResults, found);
     for (auto const& unclaimed : files_)
         if (auto finding = findingOf(unclaimed.second)) found.push_back(*std::move(finding));
     return found;
+}
+
+// Whether the files of matrices record cubes that have other numbers here.
+bool StrayFiles::areOfAnotherDatabase() {
+    return std::ranges::any_of(files_, [this](auto const& listed) {
+        File const& file = listed.second;
+        if (file.ofResults || platform::isTemporaryName(file.storedName)) return false;
+        auto const stamp = inspectFile(pathOf(file), false, false).stamp;
+        auto const recorded = stamp ? keyOf(*stamp) : std::nullopt;
+        return recorded && !fitsRegister(recorded->cube(), cubeIn(*stamp));
+    });
 }
 
 // The files of another database's project would be moved or given rows here.
@@ -77,8 +89,8 @@ void StrayFiles::leaveDirectory(bool ofResults, std::vector<Finding>& found) {
     std::erase_if(files_, isThere);
     found.push_back({.problem = Problem::unclaimedDirectory,
         .file = tables_.directory(ofResults),
-        .detail = "no row names a file there, and its files of entries (" + std::to_string(entries) +
-                  ") may belong to another project; if not, repair one entry by its key first"});
+        .detail = "no row names a file there, and files record cubes that have other numbers in this database: its " +
+                  std::to_string(entries) + " files of entries seem to belong to another project"});
 }
 
 std::optional<Finding> StrayFiles::findingOf(File const& file) {
@@ -141,10 +153,23 @@ StrayFiles::Origin StrayFiles::originOf(File const& file, FileFacts const& facts
     EntryKey const key = named.empty() ? *recorded : store::keyOf(named);
     if (key.isResult() != file.ofResults && directories_[0] != directories_[1])
         return {{}, "it is not in the directory of such entries", {}};
-    bool const namesCube = recorded && recorded->cube() == key.cube() && !findKind(key.cube()) &&
-                           facts.stamp->cube.size() <= longestStampedName;
-    std::string const cube = namesCube ? platform::fromUtf8(facts.stamp->cube) : std::string();
+    bool const namesCube = recorded && recorded->cube() == key.cube();
+    std::string const cube = namesCube ? cubeIn(*facts.stamp) : std::string();
     return {key, obstacleOf(key, cube), cube};
+}
+
+// The name of the cube in a stamp; empty where it holds none, or only the beginning.
+std::string StrayFiles::cubeIn(matrix::FileStamp const& stamp) {
+    auto const key = keyOf(stamp);
+    bool const isNamed = key && !findKind(key->cube()) && stamp.cube.size() <= longestStampedName;
+    return isNamed ? platform::fromUtf8(stamp.cube) : std::string();
+}
+
+// Whether a cube of that name may have that number: it has it, or neither is registered.
+bool StrayFiles::fitsRegister(short number, std::string const& cube) {
+    if (cube.empty()) return true;
+    auto const registered = names_.number(cube.c_str());
+    return registered ? *registered == number : !names_.name(number);
 }
 
 std::string StrayFiles::obstacleOf(EntryKey const& key, std::string const& cube) {
@@ -154,9 +179,7 @@ std::string StrayFiles::obstacleOf(EntryKey const& key, std::string const& cube)
         if (parts[i] < (i < partsFromOne ? 1 : 0)) return "its key is not valid";
     if (tables_.rows(key.isResult())->locate(key.numbers()))
         return "the row of " + tables_.text(key, names_) + " names another file";
-    if (cube.empty()) return {};
-    auto const registered = names_.number(cube.c_str());
-    if (registered ? *registered == key.cube() : !names_.name(key.cube())) return {};
+    if (fitsRegister(key.cube(), cube)) return {};
     return "the cube \"" + cube + "\" is not number " + std::to_string(key.cube()) + " any more";
 }
 

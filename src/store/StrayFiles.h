@@ -45,6 +45,7 @@ private:
     void list(bool ofResults, std::string const& subdirectory);
     std::string pathOf(File const& file) const;
     std::string comparable(bool ofResults, std::string const& path) const;
+    bool areOfAnotherDatabase();
     /// Reports a directory in which no row names a file, and none of its files.
     void leaveDirectory(bool ofResults, std::vector<Finding>& found);
     std::optional<Finding> findingOf(File const& file);
@@ -52,6 +53,8 @@ private:
     static std::optional<Finding> temporaryFile(std::string const& path);
     void describeRow(Finding& finding, Origin const& origin);
     Origin originOf(File const& file, FileFacts const& facts);
+    static std::string cubeIn(matrix::FileStamp const& stamp);
+    bool fitsRegister(short number, std::string const& cube);
     std::string obstacleOf(EntryKey const& key, std::string const& cube);
 
     StoreTables const& tables_;

@@ -445,17 +445,8 @@ TEST_P(EntryCheckTest, restoresRoutesInTheirDirectory) {
     EXPECT_EQ(a().get(derivedSkim).Elements()[0], 40);
 }
 
-// The files of a directory that no row names may belong to another project.
-TEST_P(EntryCheckTest, restoresAnEmptyDatabaseFromTheFilesOnceAnEntryOfEachDirectoryIsRestored) {
+TEST_P(EntryCheckTest, restoresAnEmptyDatabaseFromTheFiles) {
     for (auto const& table : tables()) execute("delete from " + table);
-    EXPECT_EQ(checked(), "unclaimedDirectory\nunclaimedDirectory\n");
-    auto const before = filesIn(root("a"));
-    repairAll();
-    EXPECT_EQ(filesIn(root("a")), before);
-    for (auto const& one :
-        {EntrySelection{.cubeNumber = 1, .purpose = 1, .mode = 1, .time = 1, .user = 1},
-            EntrySelection{.cube = "skim", .purpose = 1, .mode = 1, .time = 1, .user = 1, .result = 1, .iteration = 0}})
-        a().repair(a().check(one));
     repairAll();
     EXPECT_EQ(checked(), "");
     EXPECT_EQ(a().cubes().size(), 2u);

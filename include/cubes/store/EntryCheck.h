@@ -43,8 +43,9 @@ enum class Problem {
     otherDirectory,
     /// The file is not here, and projects that share the database may have it.
     unknownOwner,
-    /// A directory with files of entries, none of which a row names: they may belong to another project, and are
-    /// neither reported nor repaired unless one entry is checked.
+    /// A directory with files of entries, none of which a row names, and which record cubes that have other numbers in
+    /// this database: they seem to belong to another project, and are neither reported nor repaired unless one entry is
+    /// checked.
     unclaimedDirectory,
 };
 
