@@ -511,7 +511,7 @@ void EntryWriting::remove(Task const& task, EntryKey const& key) const {
 
 std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> const& keys) const {
     requireOwnTransaction(task);
-    auto const locks = lockRemovals();
+    auto const locks = lockRemovals(keys);
     auto const removed = deleteRows(task, keys);
     removeFiles(task, removed);
     return removed.size();
@@ -519,7 +519,6 @@ std::size_t EntryWriting::removeAll(Task const& task, std::vector<EntryKey> cons
 
 std::size_t EntryWriting::removeCube(Task const& task, short cube) const {
     requireOwnTransaction(task);
-    auto const locks = lockRemovals();
     database::Transaction transaction(tables_.session());
     auto rows = tables_.rows(false);
     // Nobody adds an entry until the transaction ends.
@@ -527,6 +526,7 @@ std::size_t EntryWriting::removeCube(Task const& task, short cube) const {
     std::vector<EntryKey> keys;
     for (rows.cursor().SetFilterSQL(rows->ofCube(cube)); !rows.cursor().GetEof(); rows.cursor().Next())
         keys.push_back(keyOf(rows->key()));
+    auto const locks = lockRemovals(keys);
     auto const removed = deleteRows(task, keys);
     if (!names_.remove(cube)) task.fail(Reason::notFound, "there is no such cube");
     transaction.commit();
@@ -534,8 +534,12 @@ std::size_t EntryWriting::removeCube(Task const& task, short cube) const {
     return removed.size();
 }
 
-std::array<RemovalLock, 2> EntryWriting::lockRemovals() const {
-    return {RemovalLock(tables_.directory(false)), RemovalLock(tables_.directory(true))};
+std::vector<RemovalLock> EntryWriting::lockRemovals(std::vector<EntryKey> const& keys) const {
+    std::vector<RemovalLock> locks;
+    for (bool const ofResults : {false, true})
+        if (std::ranges::any_of(keys, [&](EntryKey const& key) { return key.isResult() == ofResults; }))
+            locks.emplace_back(tables_.directory(ofResults));
+    return locks;
 }
 
 void EntryWriting::requireOwnTransaction(Task const& task) const {

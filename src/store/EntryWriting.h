@@ -8,7 +8,6 @@
 
 #include <cubes/store/EntryStore.h>
 
-#include <array>
 #include <functional>
 #include <optional>
 #include <string>
@@ -117,8 +116,8 @@ private:
     /// Writes the matrix of another entry, unless it is damaged.
     void writeIntact(Task const& task, matrix::StagedFile& staged, EntryKey const& key, EntryInfo const& source) const;
     EntryInfo takeRow(Task const& task, EntryInfo const& entry) const;
-    /// To be held until the files of deleted rows are removed.
-    std::array<RemovalLock, 2> lockRemovals() const;
+    /// For the directories of these entries. To be held until the files of deleted rows are removed.
+    std::vector<RemovalLock> lockRemovals(std::vector<EntryKey> const& keys) const;
     std::vector<EntryInfo> deleteRows(Task const& task, std::vector<EntryKey> keys) const;
     void removeFiles(Task const& task, std::vector<EntryInfo> const& removed) const;
     /// Why the file of a removed entry stays.

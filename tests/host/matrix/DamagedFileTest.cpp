@@ -33,6 +33,8 @@ protected:
         TRkMatrix const matrix = opened(file);
         if (!matrix.IsValid()) {
             EXPECT_NE(matrix.Reason().find(file), std::string::npos) << matrix.Reason();
+            // A process reads the file again, so that this is not done for each.
+            if (place % 8 != 0) return;
             EXPECT_EQ(TRkMatrix().GetHeader(file.c_str()), nullptr);
             return;
         }
@@ -55,7 +57,7 @@ protected:
 TEST_P(EachDamagedStorage, aTruncatedFileIsNotValid) {
     std::mt19937 random(7);
     std::vector<std::size_t> lengths = {1, 7, 8, 47, 48, 96, 512, 2048, 3000, 3512, 4096, 4097, bytes.size() - 1};
-    for (int i = 0; i < 40; ++i) lengths.push_back(1 + random() % (bytes.size() - 1));
+    for (int i = 0; i < 20; ++i) lengths.push_back(1 + random() % (bytes.size() - 1));
     for (std::size_t const length : lengths) {
         if (length >= bytes.size()) continue;
         writeFile(file, bytes.substr(0, length));
@@ -68,7 +70,7 @@ TEST_P(EachDamagedStorage, aTruncatedFileIsNotValid) {
 TEST_P(EachDamagedStorage, aChangedByteInTheStructureNeverCrashes) {
     std::mt19937 random(11);
     std::size_t const structure = std::min<std::size_t>(bytes.size(), 4096);
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 80; ++i) {
         std::string damaged = bytes;
         std::size_t const place = random() % structure;
         damaged[place] = static_cast<char>(random());
@@ -83,7 +85,7 @@ TEST_P(EachDamagedStorage, aRecordWithWrongPlacesNeverCrashes) {
     ASSERT_TRUE(original);
     constexpr std::size_t placesEnd = 64;
     for (std::size_t at = 0; at < placesEnd; at += 4)
-        for (std::uint32_t const value : {0u, 1u, 2u, 3u, 59u, 61u, 4096u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+        for (std::uint32_t const value : {0u, 3u, 61u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
             hdf5::IndexRecord record = original->record;
             std::memcpy(record.details.data() + at, &value, sizeof value);
             auto const encoded = hdf5::encode(record);

@@ -46,20 +46,20 @@ protected:
 
 TEST_F(DamagedRouteFile, cutShortAnywhereIsRefused) {
     std::vector<std::size_t> lengths = {0, 1, 7, 8, 47, 48, 96, good.size() - 1};
-    for (std::size_t length = 13; length < good.size(); length += 97) lengths.push_back(length);
+    for (std::size_t length = 13; length < good.size(); length += 197) lengths.push_back(length);
     for (std::size_t const length : lengths) EXPECT_TRUE(isRefused(good.substr(0, length), length)) << length;
 }
 
 TEST_F(DamagedRouteFile, withAChangedByteIsRefusedUnlessItHasNoEffect) {
     int refused = 0;
     int changed = 0;
-    for (std::size_t place = 0; place < good.size(); place += 23, ++changed) {
+    for (std::size_t place = 0; place < good.size(); place += 61, ++changed) {
         std::string damaged = good;
         damaged[place] = static_cast<char>(damaged[place] ^ (place % 2 == 0 ? 0xFF : 0x01));
         refused += isRefused(damaged, place);
     }
-    EXPECT_GT(changed, 200);
-    EXPECT_GT(refused, 20);
+    EXPECT_GT(changed, 80);
+    EXPECT_GT(refused, 8);
 }
 
 TEST_F(DamagedRouteFile, withABlockOfZerosOrNoiseIsRefusedUnlessItHasNoEffect) {
@@ -94,7 +94,7 @@ TEST(DamagedDataFile, cutShortOrChangedNeverGivesOtherValues) {
     std::string const good = readFile(file);
     std::vector<double> expected(6);
     dataSet(file, romRead)->getRouteValues(1, expected.data());
-    for (std::size_t place = 0; place < good.size(); place += 31) {
+    for (std::size_t place = 0; place < good.size(); place += 83) {
         writeFile(file, good.substr(0, place));
         dataSet(file, romRead);
         EXPECT_EQ(lastError().find("cannot open " + file + ": "), 0u) << place;
