@@ -31,9 +31,14 @@ bool mayBePresent(std::string const& file) {
 }
 
 // Nothing for a row without a file, and for a result that is a directory.
-std::optional<FileFacts> factsOf(EntryInfo const& entry, bool deep) {
+std::optional<FileFacts> factsOf(EntryInfo const& entry, CheckOptions const& options) {
     if (!mayBePresent(entry.file) || platform::isDirectory(entry.file)) return std::nullopt;
-    return inspectFile(entry.file, catalogue::kindOf(entry.key.cube()).holdsRoutes, deep);
+    bool const holdsRoutes = catalogue::kindOf(entry.key.cube()).holdsRoutes;
+    auto facts = inspectFile(entry.file, holdsRoutes, options.deep);
+    if (facts.problem || !holdsRoutes || !options.deep || !options.readRoutes) return facts;
+    facts.detail = options.readRoutes(entry);
+    if (!facts.detail.empty()) facts.problem = Problem::wrongContent;
+    return facts;
 }
 
 // The numbers of a key as its file records them.
@@ -101,7 +106,7 @@ void ProjectCheck::checkEntries() {
 void ProjectCheck::checkBatch(std::vector<EntryInfo> const& entries) {
     std::vector<std::optional<FileFacts>> facts(entries.size());
     platform::inParallel(
-        entries.size(), [&] { return [&](std::size_t item) { facts[item] = factsOf(entries[item], options_.deep); }; });
+        entries.size(), [&] { return [&](std::size_t item) { facts[item] = factsOf(entries[item], options_); }; });
     for (std::size_t i = 0; i < entries.size(); ++i) check(entries[i], facts[i]);
 }
 

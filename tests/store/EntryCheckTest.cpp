@@ -676,6 +676,14 @@ TEST_P(EntryCheckTest, readsContentOnlyWhenAskedTo) {
     EXPECT_NE(checked(), rowOfB);
 }
 
+TEST_P(EntryCheckTest, readsRoutesByTheGivenReader) {
+    auto const fault = [](EntryInfo const& entry) { return entry.key == checkedData ? "a fault" : ""; };
+    auto const findings = a().check({.cubeNumber = checkedData.cube()}, {.deep = true, .readRoutes = fault});
+    ASSERT_EQ(textOf(findings), "wrongContent routedata/1/1/1/1/1/0\n");
+    EXPECT_EQ(findings.front().detail, "a fault");
+    EXPECT_EQ(textOf(a().check({.cubeNumber = checkedData.cube()}, {.readRoutes = fault})), "");
+}
+
 TEST_P(EntryCheckTest, givesADamagedMatrixNoNewIndex) {
     flip(file(tripsOf(5)), placeOf(file(tripsOf(5)), "CUBEIDX2") + 40);
     flipElement(file(tripsOf(5)), 5);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cubes/Export.h>
-#include <cubes/store/EntryKey.h>
+#include <cubes/store/EntryInfo.h>
 
 #include <cstddef>
 #include <functional>
@@ -92,6 +92,10 @@ struct CheckOptions {
     bool deep = false;
     /// Called with the numbers of entries that are checked and that there are; may be empty.
     std::function<void(std::size_t done, std::size_t total)> progress = {};
+    /// Reads the file of an entry of routes or route data as a whole, which only a provider can do, and returns what is
+    /// wrong with it: empty when nothing is. A deep check calls it, from several threads; when it is empty, the content
+    /// of such files is not compared.
+    std::function<std::string(EntryInfo const& entry)> readRoutes = {};
 };
 
 struct RepairOptions {

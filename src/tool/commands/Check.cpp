@@ -3,6 +3,7 @@
 #include "tool/Errors.h"
 #include "tool/Paths.h"
 #include "tool/Progress.h"
+#include "tool/commands/Routes.h"
 
 #include <algorithm>
 
@@ -28,13 +29,24 @@ std::string outcomeOf(Repair const& repair) {
     return repair.failure.empty() ? repair.done : "failed: " + repair.failure;
 }
 
+// What is wrong with the file of an entry of routes; empty when nothing is.
+std::string faultOfRoutes(EntryInfo const& entry) {
+    try {
+        verifyRoutes(entry);
+        return {};
+    } catch (Failure const& error) {
+        std::string const text = error.what();
+        return text.starts_with(entry.file + ": ") ? text.substr(entry.file.size() + 2) : text;
+    }
+}
+
 class Check : public Command {
 public:
     Check() : Command("check", "Compare the entries with their files, and repair what is wrong") {}
 
     void declare(Arguments arguments) override {
         arguments.optional("WHAT", what_, "CUBE or ENTRY; default: the whole project");
-        arguments.flag("--deep", deep_, "Also read every matrix and compare it with its checksum");
+        arguments.flag("--deep", deep_, "Also read every file and compare it with its checksum");
         arguments.flag("--repair", repair_, "Repair what was found; without --yes only say how");
         arguments.flag("--yes", yes_, "Repair without asking");
         arguments.flag("--drop-rows", dropRows_, "Also remove the rows of entries that have no file");
@@ -74,9 +86,10 @@ private:
 
     std::vector<Finding> found(Entries const& entries, EntrySelection const& selection) const {
         Progress progress("checking");
-        return entries.store().check(selection, {deep_, [&progress](std::size_t done, std::size_t total) {
-                                                     if (total > 0) progress.reached(done, total);
-                                                 }});
+        auto const reached = [&progress](std::size_t done, std::size_t total) {
+            if (total > 0) progress.reached(done, total);
+        };
+        return entries.store().check(selection, {deep_, reached, faultOfRoutes});
     }
 
     void repair(Entries const& entries, EntrySelection const& selection, std::vector<Finding> const& findings,

@@ -4,6 +4,7 @@
 #include "tool/Errors.h"
 
 #include <cubes/catalogue/RkCubeTypes.h>
+#include <cubes/routestorage/DynamiclinkLibraryT.h>
 
 #include <fmt/format.h>
 
@@ -34,6 +35,14 @@ EntryInfo findRoutes(std::string const& word, Entries const& entries) {
             fmt::format("its row names the file \"{}\", which is not inside its directory", found.storedName));
     if (!platform::exists(found.file)) throw Failure("there is no file " + found.file);
     return found;
+}
+
+void verifyRoutes(EntryInfo const& entry) {
+    try {
+        isRouteSet(entry.text) ? verifyRouteSet(entry.file) : verifyRouteData(entry.file);
+    } catch (DllNotLoaded const&) {
+        // It stays unverified.
+    }
 }
 
 RouteKey routeKeyOf(EntryKey const& entry) {

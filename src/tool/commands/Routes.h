@@ -23,6 +23,9 @@ bool isRouteSet(std::string const& word);
 /// The entry that a word stands for, with its file. Throws Refusal when it is in use, Failure when it
 /// has no file.
 EntryInfo findRoutes(std::string const& word, Entries const& entries);
+/// Reads the file of an entry of routes or route data as a whole; throws Failure when it is damaged. Without a
+/// provider, which alone can read it, nothing is read.
+void verifyRoutes(EntryInfo const& entry);
 /// The key as route files record it.
 RouteKey routeKeyOf(EntryKey const& entry);
 /// All routes of a set.

@@ -4,8 +4,6 @@
 #include "tool/commands/Removal.h"
 #include "tool/commands/Routes.h"
 
-#include <cubes/routestorage/DynamiclinkLibraryT.h>
-
 #include <fmt/format.h>
 
 #include <cstdlib>
@@ -70,11 +68,7 @@ private:
             source.store().get(from.key, {.verify = true});
             return;
         }
-        auto const file = findRoutes(from_, source).file;
-        try {
-            isRouteSet(from.text) ? verifyRouteSet(file) : verifyRouteData(file);
-        } catch (DllNotLoaded const&) {
-        }
+        verifyRoutes(findRoutes(from_, source));
     }
 
     static void show(EntryInfo const& from, Project const* source, EntryInfo const& to, Output& output) {

@@ -111,7 +111,7 @@ TEST(Files, refuseToMoveADirectoryToATakenOrImpossibleName) {
     EXPECT_FALSE(platform::moveDirectory("", directory.file("b")));
     EXPECT_EQ("file", readFile(directory.file("file")));
     EXPECT_TRUE(fs::is_directory(directory.file("a")));
-    EXPECT_EQ(isLink(directory.file("link")), hasLink);
+    EXPECT_EQ(platform::isLink(directory.file("link")), hasLink);
     EXPECT_FALSE(fs::exists(directory.file("b")));
 }
 

@@ -155,6 +155,9 @@ TEST_F(DamagedData, ofRoutesIsRefusedByEveryCommandThatReadsThem) {
                     line.replace(at, std::string("ENTRY").size(), entry);
                 expectRefusal(line, byAProgram ? "it was changed outside Cubes or damaged" : "1-1-1-1-1-0.FDB");
             }
+            auto const checked = session.run("cubes check --deep --project project");
+            EXPECT_EQ(checked.exitCode, 1);
+            EXPECT_NE(checked.output.find("error     wrongContent  " + entry), std::string::npos) << checked.output;
         }
 }
 
