@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <set>
 
+#include "store/Findings.h"
 #include "support/Backend.h"
 #include "support/CubeTesting.h"
 
@@ -15,21 +16,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-EntryKey const trips{1, 1, 1, 1, 1};
-EntryKey const moreTrips{1, 2, 1, 1, 1};
-EntryKey const skim{-1, 1, 1, 1, 1, 1, 0};
+EntryKey const ownTrips{1, 1, 1, 1, 1};
+EntryKey const moreOwnTrips{1, 2, 1, 1, 1};
+EntryKey const ownSkim{-1, 1, 1, 1, 1, 1, 0};
 EntryKey const otherSkim{-1, 2, 1, 1, 1, 1, 0};
-
-/// "missingFile Trips/1/1/1/1", one per line and sorted.
-std::string textOf(std::vector<Finding> const& findings) {
-    std::multiset<std::string> lines;
-    for (auto const& finding : findings)
-        lines.insert(
-            std::string(infoOf(finding.problem).name) + (finding.text.empty() ? "" : " ") + finding.text + "\n");
-    std::string text;
-    for (auto const& line : lines) text += line;
-    return text;
-}
 
 class EntryCheckSharingTest : public BackendTest {
 protected:
@@ -39,9 +29,9 @@ protected:
         database_ = std::make_unique<TestDatabase>(backend());
         own_ = std::make_unique<Project>(Project::create(directory_.file("own"), {.database = database_->url()}));
         own().addCube("Trips");
-        own().put(trips, smallMatrix(1));
-        own().put(moreTrips, smallMatrix(2));
-        own().put(skim, smallMatrix(3));
+        own().put(ownTrips, smallMatrix(1));
+        own().put(moreOwnTrips, smallMatrix(2));
+        own().put(ownSkim, smallMatrix(3));
     }
 
     EntryStore& own() { return own_->store(); }
@@ -83,8 +73,8 @@ TEST_P(EntryCheckSharingTest, leavesResultsOfAnotherProjectInTheSameDirectory) {
     repairAll(own());
     repairAll(other.store());
     EXPECT_FALSE(own().find(otherSkim));
-    EXPECT_FALSE(other.store().find(skim));
-    EXPECT_EQ(own().get(skim).Elements()[0], 3);
+    EXPECT_FALSE(other.store().find(ownSkim));
+    EXPECT_EQ(own().get(ownSkim).Elements()[0], 3);
     EXPECT_EQ(other.store().get(otherSkim).Elements()[0], 4);
 }
 
@@ -127,8 +117,8 @@ TEST_P(EntryCheckSharingTest, restoresAllRowsOfADirectoryThatNoRowNames) {
     for (auto const& table : {database().table("public", "cube4data1"), database().table("public", "cubes_content")})
         database().execute("delete from " + table);
     repairAll(own());
-    EXPECT_EQ(own().get(trips).Elements()[0], 1);
-    EXPECT_EQ(own().get(moreTrips).Elements()[0], 2);
+    EXPECT_EQ(own().get(ownTrips).Elements()[0], 1);
+    EXPECT_EQ(own().get(moreOwnTrips).Elements()[0], 2);
     EXPECT_EQ(textOf(own().check()), "");
 }
 
@@ -139,8 +129,8 @@ TEST_P(EntryCheckSharingTest, theFilesOfTheOnlyProjectOnADatabaseAreItsOwn) {
     reopen();
     own().put({1, 3, 1, 1, 1}, smallMatrix(4));
     EXPECT_EQ(textOf(own().check()), "damagedFile Trips/2/1/1/1\nmissingFile Trips/1/1/1/1\n");
-    own().remove(moreTrips);
-    own().remove(trips);
+    own().remove(moreOwnTrips);
+    own().remove(ownTrips);
     EXPECT_EQ(textOf(own().check()), "");
 }
 
@@ -151,7 +141,7 @@ TEST_P(EntryCheckSharingTest, notesThatTheOwnerIsUnknownWhenTheDirectoryLostItsI
     reopen();
     EXPECT_EQ(textOf(own().check()), "unknownOwner Trips/1/1/1/1\n");
     repairAll(own());
-    EXPECT_TRUE(own().find(trips));
+    EXPECT_TRUE(own().find(ownTrips));
 }
 
 }

@@ -24,6 +24,7 @@
 #include "host/hdf5/GuardedFile.h"
 #include "host/matrix/Elements.h"
 #include "host/matrix/WriteLock.h"
+#include "store/Findings.h"
 #include "store/RemovalLock.h"
 #include "support/Backend.h"
 #include "support/CubeTesting.h"
@@ -42,17 +43,6 @@ EntryKey const derivedSkim{-1, 1, 1, 1, 1, 2, 0};
 EntryKey const checkedRoutes{-9, 1, 1, 1, 1, 1, 0};
 EntryKey const checkedData{-10, 1, 1, 1, 1, 1, 0};
 EntryKey const otherRouteData{-10, 2, 1, 1, 1, 1, 0};
-
-/// "missingFile Trips/1/1/1/1", one per line and sorted.
-std::string textOf(std::vector<Finding> const& findings) {
-    std::multiset<std::string> lines;
-    for (auto const& finding : findings)
-        lines.insert(
-            std::string(infoOf(finding.problem).name) + (finding.text.empty() ? "" : " ") + finding.text + "\n");
-    std::string text;
-    for (auto const& line : lines) text += line;
-    return text;
-}
 
 void flip(std::string const& file, std::size_t offset) {
     auto bytes = readFile(file);
