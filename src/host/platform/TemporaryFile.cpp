@@ -115,6 +115,10 @@ std::string temporaryPath(std::string const& target) {
     return pathBeside(target, suffix);
 }
 
+std::string oldPath(std::string const& target) {
+    return pathBeside(target, oldSuffix);
+}
+
 bool isTemporaryName(std::string_view name) {
     return !targetIn(name).empty();
 }

@@ -9,6 +9,8 @@ namespace cubes::platform {
 
 /// A new path beside the target: ".<target>.<16 random hexadecimal digits>.cubes-tmp".
 std::string temporaryPath(std::string const& target);
+/// The same for a file that is being replaced, which may be the only copy: ".<target>.<16 digits>.cubes-old".
+std::string oldPath(std::string const& target);
 
 /// Whether a file of this name (without directory) is a temporary one: of a running process, or left behind by an
 /// interrupted one.

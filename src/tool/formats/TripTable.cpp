@@ -31,6 +31,7 @@ TripTable tableOf(TRkMatrix const& matrix) {
     table.columns = matrix.Columns();
     table.zones = matrix.Zones();
     auto const width = static_cast<std::size_t>(table.columns);
+    requireMatrixFits(static_cast<std::uint64_t>(table.rows), static_cast<std::uint64_t>(table.columns));
     table.cells.reserve(static_cast<std::size_t>(table.rows) * width);
     for (int row = 0; row < table.rows; ++row) {
         float const* const cells = matrix.RowAt(row, anyAccess);

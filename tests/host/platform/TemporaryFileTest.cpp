@@ -73,6 +73,7 @@ TEST(TemporaryFile, hasItsTargetInItsName) {
     auto const target = cubes::test::nativePath("/d/a.skm");
     EXPECT_EQ(targetOfTemporary(temporaryPath(target)), target);
     EXPECT_EQ(targetOfTemporary(temporaryPath("a.skm")), "a.skm");
+    EXPECT_EQ(targetOfTemporary(oldPath(target)), target);
     EXPECT_EQ(targetOfTemporary(".a.skm.0123456789abcdef.cubes-old"), "a.skm");
     for (auto const* const other : {"a.skm", ".cubes-tmp", ".a.cubes-tmp", ""})
         EXPECT_EQ(targetOfTemporary(other), other);

@@ -29,9 +29,9 @@ std::intptr_t openFile(std::string const& action, std::string const& path, DWORD
     throw std::system_error(make_error_code(FileError::notRegular), action + " " + path);
 }
 
-// Opens or creates a regular file: a link itself and not its target, which is then refused.
-std::intptr_t openRegular(std::string const& path, DWORD access) {
-    HANDLE const opened = ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, OPEN_ALWAYS,
+// Opens a regular file: a link itself and not its target, which is then refused.
+std::intptr_t openRegular(std::string const& path, DWORD access, DWORD creation) {
+    HANDLE const opened = ::CreateFileW(toPath(path).c_str(), access, shareAll, nullptr, creation,
         FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (opened == INVALID_HANDLE_VALUE) throwSystemFailure("cannot open", path);
     BY_HANDLE_FILE_INFORMATION found{};
@@ -75,15 +75,15 @@ File File::createLike(std::string const& path, std::string const&) {
 }
 
 File File::openExisting(std::string const& path) {
-    return File(openFile("cannot open", path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING), path);
+    return File(openRegular(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING), path);
 }
 
 File File::openShared(std::string const& path) {
-    return File(openRegular(path, GENERIC_READ | GENERIC_WRITE), path);
+    return File(openRegular(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS), path);
 }
 
 File File::openLog(std::string const& path) {
-    File file(openRegular(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES), path);
+    File file(openRegular(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES, OPEN_ALWAYS), path);
     BY_HANDLE_FILE_INFORMATION found{};
     if (::GetFileInformationByHandle(handle(file.native_), &found) && found.nNumberOfLinks <= 1) return file;
     throw std::system_error(make_error_code(FileError::notRegular), "cannot open " + path);

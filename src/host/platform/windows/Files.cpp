@@ -44,9 +44,9 @@ void removeOutdated(fs::path const& directory) {
     ::FindClose(search);
 }
 
-// A temporary name beside a file.
+// A temporary name beside a file that may be the only copy.
 fs::path nameBeside(fs::path const& file) {
-    return toPath(temporaryPath(fromPath(file)));
+    return toPath(oldPath(fromPath(file)));
 }
 
 // A mapped file can be renamed but not removed until it is unmapped: it is renamed, and objects that are reading it
@@ -175,8 +175,10 @@ void copyContent(std::string const& source, File& target) {
     auto const copy = toPath(path);
     target.close();
     if (!::CopyFileW(toPath(source).c_str(), copy.c_str(), FALSE)) throwSystemFailure("cannot copy to", path);
-    // A copy of a read-only file is read-only; this one is still to be flushed and renamed.
+    // A copy of a read-only file is read-only; this one is still to be flushed and renamed. It also has the time of the
+    // source, by which it would be taken for a leftover.
     ::SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
+    touch(path);
     target = File::openExisting(path);
 }
 
