@@ -40,7 +40,8 @@ constexpr Rule rules[] = {
 };
 
 void print(char const* severity, std::string const& message) {
-    fmt::print(stderr, "cubes: {}{}\n", severity, escaped(message));
+    // Where nothing can be printed, the exit code still tells.
+    std::fputs(fmt::format("cubes: {}{}\n", severity, escaped(message)).c_str(), stderr);
 }
 
 // How errors of files begin; longer texts come first.

@@ -35,7 +35,11 @@ Argument Arguments::required(char const* name, std::string& value, char const* h
 }
 
 Argument Arguments::optional(char const* name, std::string& value, char const* help) {
-    return Argument(*line_.add_option(name, value, help));
+    auto& option = *line_.add_option(name, value, help);
+    // An empty variable of a script would otherwise stand for everything.
+    if (option.get_positional())
+        option.check([](std::string const& text) { return text.empty() ? "it is empty" : ""; });
+    return Argument(option);
 }
 
 Argument Arguments::optional(char const* name, std::optional<std::string>& value, char const* help) {

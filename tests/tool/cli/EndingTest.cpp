@@ -100,6 +100,21 @@ TEST_F(Ending, withoutAStandardOutputACommandReportsThatItSucceeded) {
     }
 }
 
+TEST_F(Ending, anEmptyArgumentDoesNotStandForEverything) {
+    for (auto const* const command : {"check '' --repair --yes", "entries ''"}) {
+        auto const result = session.run(std::string("cubes ") + command);
+        EXPECT_EQ(result.exitCode, 2) << command;
+        EXPECT_NE(result.errors.find("it is empty"), std::string::npos) << result.errors;
+    }
+}
+
+TEST_F(Ending, withoutAStandardErrorTheExitCodesAreTheSame) {
+    EXPECT_EQ(session.run("cubes show Nope/1/1/1/1 2>&-").exitCode, 1);
+    EXPECT_EQ(session.run("cubes 2>&-").exitCode, 2);
+    EXPECT_EQ(session.run("cubes import t.csv Base/1/1/1/1 >&- 2>&-").exitCode, 3);
+    EXPECT_EQ(session.run("cubes cell Base/1/1/1/1 1 1").output, "0.5\n");
+}
+
 TEST_F(Ending, aReaderThatHasGoneIsNoError) {
     session.write("gone.py", R"(
 import os, subprocess, sys
