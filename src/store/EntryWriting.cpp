@@ -468,12 +468,13 @@ void EntryWriting::Removal::finish() {
 
 EntryWriting::Obstacle::Obstacle(std::error_code code) : Obstacle(reasonOf(code), code.message()) {}
 
-// The row of a result may name a directory.
+// A result may be a directory that is named like the file of an entry; others hold the files of several.
 EntryWriting::Left EntryWriting::removeContent(EntryInfo const& entry) {
     try {
-        bool const isOurs = !entry.file.empty() && platform::isPresent(entry.file) &&
-                            (entry.key.isResult() || platform::isRegularFile(entry.file));
-        if (!isOurs) return {};
+        if (entry.file.empty() || !platform::isPresent(entry.file)) return {};
+        bool const mayBeDirectory = entry.key.isResult() && catalogue::hasEntryExtension(entry.storedName);
+        if (platform::isDirectory(entry.file) && !mayBeDirectory) return Obstacle(Reason::file, "it is a directory");
+        if (!entry.key.isResult() && !platform::isRegularFile(entry.file)) return {};
     } catch (std::system_error const& error) {
         return Obstacle(error.code());
     }

@@ -244,7 +244,7 @@ TEST_P(EntryStoreTest, removesNoDirectoryForAnEntryOfACube) {
     store().put(trips_, matrixOf(1));
     fs::create_directories(project().matrixDirectory() + "sub/deep");
     project().execute("update " + project().database().table("public", "cube4data1") + " set filename = 'sub'");
-    store().remove(trips_);
+    EXPECT_EQ(reasonOf([&] { store().remove(trips_); }), "file");
     EXPECT_EQ(cubeRows(), "");
     EXPECT_TRUE(fs::exists(project().matrixDirectory() + "sub/deep"));
 }
@@ -433,6 +433,17 @@ TEST_P(EntryStoreTest, addsNoRowForAFileWhoseNameIsADirectory) {
     fs::create_directory(project().matrixDirectory() + "1-1-1-1-1.odm");
     EXPECT_EQ(reasonOf([&] { store().put(trips_, matrixOf(1)); }), "file");
     EXPECT_EQ(cubeRows(), "");
+}
+
+TEST_P(EntryStoreTest, removesNoDirectoryOfSeveralFiles) {
+    store().put(skim_, matrixOf(1));
+    store().putFile(routes_, [](std::string const& file) { writeFile(file, "routes"); });
+    auto const directory = fs::path(store().find(routes_)->file).parent_path().filename().string();
+    project().execute("update " + project().database().table(schema(), "cube5data1") + " set filename = '" + directory +
+                      "' where cubenr = -1");
+    EXPECT_EQ(reasonOf([&] { store().remove(skim_); }), "file");
+    EXPECT_FALSE(store().find(skim_));
+    EXPECT_EQ(readFile(store().find(routes_)->file), "routes");
 }
 
 TEST_P(EntryStoreTest, refusesAFileThatSomebodyElseWrites) {
