@@ -131,6 +131,7 @@ std::vector<ChunkPlace> GuardedFile::chunks(std::string const& path, std::size_t
 
 void GuardedFile::read(std::string const& path, Dataset const& dataset, NumberType type, std::uint64_t first,
     std::span<std::byte> to) const {
+    if (to.empty()) return;
     std::uint64_t const rowBytes = rowBytesOf(dataset, type);
     std::uint64_t const most = rowsOfBlock(dataset, rowBytes);
     while (!to.empty()) {

@@ -93,6 +93,8 @@ Foreign const refused[] = {
     {"withFewOrigins", "replace('origins', [1], 'i4')", "destinations has another size"},
     {"withAShareThatIsNotANumber", "replace('shares', [1, float('nan'), 1], 'f4')", "a share is not a finite number"},
     {"withFewShares", "replace('shares', [1], 'f4')", "shares has another size"},
+    {"withoutShares", "del f['shares']\nf.create_dataset('shares', (0,), 'f4', maxshape=(None,))",
+        "shares has another size"},
     {"withFewOffsets", "replace('offsets', [0, 4], 'u8')", "offsets does not fit"},
     {"withoutOffsets", "replace('offsets', [], 'u8')", "offsets does not fit"},
     {"withOffsetsPastTheEnd", "replace('offsets', [0, 1, 2**60, 4], 'u8')", "offsets does not fit"},
@@ -165,6 +167,22 @@ TEST(AnotherProgram, mayWriteRouteFiles) {
         EXPECT_EQ(routesOf(*set), (std::vector<SampleRoute>{{1, 2, {10}, 1}, {1, 3, {10, 20}, 1}, {2, 3, {20}, 1}}));
         EXPECT_EQ(ofLink(*set, 20), Numbers({1, 2}));
     }
+}
+
+TEST(AnotherProgram, mayWriteARouteFileWithoutRoutes) {
+    Foreign const empty[] = {{"empty",
+        "lists = []\n"
+        "f.visititems(lambda name, item: lists.append((name, item.dtype)) if hasattr(item, 'dtype') else None)\n"
+        "for name, kind in lists:\n"
+        "    del f[name]\n"
+        "    if name.endswith('offsets'): put(name, [0], kind)\n"
+        "    else: f.create_dataset(name, (0,), kind, maxshape=(None,))\n",
+        ""}};
+    TempDir const directory;
+    writeAll(writeProgram, directory, empty);
+    auto const set = routeSet(pathOf(directory, empty[0]), romRead);
+    EXPECT_EQ(lastError(), "");
+    EXPECT_EQ(set->countRoutes(), 0);
 }
 
 TEST(AnotherProgram, mayHaveWrittenAFileOfAnotherKind) {
