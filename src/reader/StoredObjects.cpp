@@ -142,7 +142,7 @@ std::vector<hsize_t> chunkOf(hid_t dataset, std::size_t dimensions) {
         check(H5Pget_chunk(properties.get(), static_cast<int>(dimensions), chunk.data()), "read the layout");
     bool const isPossible = static_cast<std::size_t>(found) == dimensions &&
                             std::ranges::none_of(chunk, [](hsize_t size) { return size == 0; });
-    if (!isPossible) throw std::runtime_error("its chunks are not possible");
+    if (!isPossible) throw std::runtime_error("its chunk sizes are impossible");
     return chunk;
 }
 
@@ -160,6 +160,8 @@ hdf5::ChunkPlace placeOfChunk(hid_t dataset, std::vector<hsize_t> const& start) 
     hsize_t size = 0;
     check(H5Dget_chunk_info_by_coord(dataset, start.data(), &skipped, &address, &size), "find a chunk");
     if (address == HADDR_UNDEF) return {};
+    // The superblock is there.
+    if (address == 0) throw std::runtime_error("a chunk is not within the file");
     return {address, size, skipped};
 }
 
@@ -170,13 +172,22 @@ std::vector<std::byte> storedBytes(hid_t dataset, std::vector<hsize_t> const& st
     return bytes;
 }
 
-std::uint64_t product(std::vector<hsize_t> const& factors, std::uint64_t result) {
-    for (hsize_t const factor : factors) {
+template <typename Factor>
+std::uint64_t product(std::vector<Factor> const& factors, std::uint64_t result) {
+    for (auto const factor : factors) {
         if (factor != 0 && result > std::numeric_limits<std::uint64_t>::max() / factor)
-            throw std::runtime_error("a chunk is too large");
+            throw std::runtime_error("it claims more elements than there can be");
         result *= factor;
     }
     return result;
+}
+
+// HDF5 itself does not compare them, and reads beyond its memory. Contiguous elements may not be stored at all.
+void requireWholeStorage(hdf5::Dataset const& dataset, std::string const& name) {
+    if (dataset.layout == hdf5::DatasetLayout::chunked) return;
+    bool const isUnstored = dataset.layout == hdf5::DatasetLayout::contiguous && dataset.storedSize == 0;
+    if (!isUnstored && dataset.storedSize != product(dataset.dimensions, dataset.type.size))
+        throw std::runtime_error(name + " has another size than its dimensions need");
 }
 
 // Advances a chunk's start to the next chunk, the last dimension first; returns whether there is one before `end`.
@@ -258,6 +269,7 @@ hdf5::Dataset StoredObjects::dataset(std::string const& path) {
     auto const chunk = chunkOf(id, described.dimensions.size());
     described.chunk.assign(chunk.begin(), chunk.end());
     described.filters = filtersOf(properties.get());
+    requireWholeStorage(described, placeOf(path).name);
     return described;
 }
 

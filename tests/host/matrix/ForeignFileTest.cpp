@@ -231,6 +231,7 @@ TEST(ForeignFile, aFileWithoutAMatrixIsRefusedWithTheCause) {
         Case{"f['data/t'] = np.array([[b'a', b'b']])", "not numbers"},
         Case{"f['data/t'] = np.zeros((2, 2), [('a', 'f4'), ('b', 'i4')])", "not numbers"},
         Case{"f.create_dataset('data/t', (0, 5))", "0 x 5"},
+        Case{"f.create_dataset('data/t', (0, 5), maxshape=(None, 5))", "0 x 5"},
         Case{"f.create_dataset('data/t', (2**40, 2), chunks=(1, 2))", "is not possible"},
         Case{"f.create_dataset('data/t', (30000, 30000), 'f4', chunks=(100, 100))", "larger than the file"},
         Case{"f.create_dataset('data/t', (1001, 1001), 'f4', chunks=(100, 100))", "none of its elements are stored"},
@@ -315,6 +316,12 @@ def patch(at, *values):
     for v in values:
         b[node + at:node + at + 4] = v.to_bytes(4, 'little'); at += 4
     open(path, 'wb').write(b)
+def patchDimensions(old, new):
+    path = f'{sys.argv[1]}/{number}'
+    b = open(path, 'rb').read()
+    old, new = (b''.join(v.to_bytes(8, 'little') for v in sizes) for sizes in (old, new))
+    assert old in b
+    open(path, 'wb').write(b.replace(old, new))
 def patchDimension(old, new):
     path = f'{sys.argv[1]}/{number}'
     b = bytearray(open(path, 'rb').read())
@@ -323,6 +330,11 @@ def patchDimension(old, new):
     open(path, 'wb').write(b)
 )";
     std::string const make = "f.create_dataset('data/t', data=np.ones((200, 200), '";
+    std::string const twoChunks = "f.create_dataset('data/t', data=np.ones((100, 100), '";
+    std::string const compact =
+        "p = h5py.h5p.create(h5py.h5p.DATASET_CREATE)\np.set_layout(h5py.h5d.COMPACT)\n"
+        "d = h5py.h5d.create(f.create_group('data').id, b't', h5py.h5t.IEEE_F64LE, h5py.h5s.create_simple((4, 4)), p)\n"
+        "d.write(h5py.h5s.ALL, h5py.h5s.ALL, np.ones((4, 4)))";
     struct Case {
         std::string program;
         char const* reason;
@@ -336,7 +348,15 @@ def patchDimension(old, new):
         {make + "f8'), chunks=(50, 50), compression='gzip')" + patch + "patch(28, 1)", "a chunk has the wrong size"},
         {make + "f4'), chunks=(200, 200))" + patch + "patch(56, 2**31)", "a chunk is not within the file"},
         {make + "f8'), chunks=(50, 50))" + patch + "patch(56, 2**31)", "a chunk is not within the file"},
-        // Shapes that need more than the compressed bytes give.
+        // The superblock is at address 0.
+        {twoChunks + "f4'), chunks=(50, 100))" + patch + "patch(56, 0)", "a chunk is not within the file"},
+        {twoChunks + "f8'), chunks=(50, 100))" + patch + "patch(56, 0)", "a chunk is not within the file"},
+        {twoChunks + "f8'), chunks=(50, 100))" + patch + "patch(56, 0); patch(24, 8)",
+            "a chunk is not within the file"},
+        // Shapes that need more than is stored.
+        {compact + patch + "patchDimensions((4, 4), (60, 60))", "t has another size than its dimensions need"},
+        {"f['data/t'] = np.ones((4, 4))" + patch + "patchDimensions((4, 4), (60, 60))",
+            "t has another size than its dimensions need"},
         {make + "f8'), chunks=(50, 40), compression='gzip')" + patch + "patchDimension((50, 40, 8), 60)",
             "a compressed chunk is damaged"},
         {make + "f8'), chunks=(50, 40), compression='gzip')" + patch + "patchDimension((50, 40, 8), 2**24)",
