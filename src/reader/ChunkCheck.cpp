@@ -6,8 +6,8 @@
 
 #include <memory>
 #include <new>
-#include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace cubes::reader {
@@ -26,13 +26,14 @@ struct Stored {
     std::uint64_t behind = 0;
 };
 
-// Nothing where other filters were used.
-std::optional<Stored> storedForm(std::vector<hdf5::Filter> const& filters, std::uint64_t skipped, std::uint64_t bytes) {
+Stored storedForm(std::vector<hdf5::Filter> const& filters, std::uint64_t skipped, std::uint64_t bytes) {
     Stored stored{bytes};
     for (std::size_t i = 0; i < filters.size(); ++i) {
         if (skipped >> i & 1u || filters[i].id == shuffle) continue;
         bool const isKnown = filters[i].id == fletcher32 || (filters[i].id == deflate && !stored.isDeflated);
-        if (!isKnown) return std::nullopt;
+        if (!isKnown)
+            throw std::runtime_error("its elements are stored with filter " + std::to_string(filters[i].id) +
+                                     ", whose output cannot be checked");
         if (filters[i].id == deflate)
             stored.isDeflated = true;
         else
@@ -50,10 +51,9 @@ void ChunkCheck::require(hdf5::ChunkPlace const& place, std::function<std::vecto
     if (place.offset == 0) return;
     if (place.offset > fileSize_ || place.size > fileSize_ - place.offset)
         throw std::runtime_error("a chunk is not within the file");
-    auto const form = storedForm(filters_, place.skipped, chunkBytes_);
-    if (!form) return;
-    if (!form->isDeflated && place.size != form->size) throw std::runtime_error("a chunk has the wrong size");
-    if (form->isDeflated) requireInflated(read(), form->behind, form->size);
+    Stored const form = storedForm(filters_, place.skipped, chunkBytes_);
+    if (!form.isDeflated && place.size != form.size) throw std::runtime_error("a chunk has the wrong size");
+    if (form.isDeflated) requireInflated(read(), form.behind, form.size);
 }
 
 void ChunkCheck::requireInflated(std::vector<std::byte> const& stored, std::size_t behind, std::uint64_t expected) {

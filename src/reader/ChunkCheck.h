@@ -16,8 +16,8 @@ public:
     /// `chunkBytes` is the size of a chunk's elements, `fileSize` that of the file.
     ChunkCheck(std::vector<hdf5::Filter> filters, std::uint64_t chunkBytes, std::uint64_t fileSize);
 
-    /// Throws std::runtime_error for a chunk that is damaged. `read` returns its stored bytes, which only some filters
-    /// require. The output of filters besides shuffle, deflate and fletcher32 is not checked.
+    /// Throws std::runtime_error for a chunk that is damaged, or stored with a filter besides shuffle, deflate and
+    /// fletcher32, whose output cannot be checked. `read` returns its stored bytes, which only some filters require.
     void require(hdf5::ChunkPlace const& place, std::function<std::vector<std::byte>()> const& read);
 
 private:

@@ -70,7 +70,13 @@ TEST(ChunkCheck, requiresThatCompressedBytesGiveTheWholeChunk) {
     EXPECT_EQ(faultOf({1}, {100, 3, 0}, std::vector<std::byte>(3)), "a compressed chunk is damaged");
 }
 
-TEST(ChunkCheck, passesChunksOfOtherFilters) {
-    EXPECT_EQ(faultOf({32000}, {100, 10, 0}), "");
-    EXPECT_EQ(faultOf({1, 1}, {100, 10, 0}), "");
+TEST(ChunkCheck, refusesChunksOfOtherFiltersUnlessTheyWereSkipped) {
+    auto const refused = [](std::string const& filter) {
+        return "its elements are stored with filter " + filter + ", whose output cannot be checked";
+    };
+    for (int const filter : {4, 5, 6, 32000}) {
+        EXPECT_EQ(faultOf({filter}, {100, 10, 0}), refused(std::to_string(filter)));
+        EXPECT_EQ(faultOf({2, filter}, {100, 4000, 2}), "");
+    }
+    EXPECT_EQ(faultOf({1, 1}, {100, 10, 0}), refused("1"));
 }

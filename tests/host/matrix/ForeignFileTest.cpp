@@ -353,6 +353,10 @@ def patchDimension(old, new):
         {twoChunks + "f8'), chunks=(50, 100))" + patch + "patch(56, 0)", "a chunk is not within the file"},
         {twoChunks + "f8'), chunks=(50, 100))" + patch + "patch(56, 0); patch(24, 8)",
             "a chunk is not within the file"},
+        // HDF5 does not check what these filters make of a chunk.
+        {make + "f8'), chunks=(50, 50), scaleoffset=2)", "filter 6, whose output cannot be checked"},
+        {make + "i4'), chunks=(200, 200), scaleoffset=0, compression='gzip')",
+            "filter 6, whose output cannot be checked"},
         // Shapes that need more than is stored.
         {compact + patch + "patchDimensions((4, 4), (60, 60))", "t has another size than its dimensions need"},
         {"f['data/t'] = np.ones((4, 4))" + patch + "patchDimensions((4, 4), (60, 60))",
