@@ -12,6 +12,7 @@
 #include <new>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 using cubes::hdf5::AnswerHead;
@@ -19,6 +20,7 @@ using cubes::hdf5::AnswerKind;
 using cubes::hdf5::Ask;
 using cubes::hdf5::Message;
 using cubes::hdf5::NumberType;
+using cubes::reader::InputFile;
 using cubes::reader::StoredObjects;
 
 namespace {
@@ -95,6 +97,10 @@ bool sendError(std::string const& text) {
     return send(AnswerKind::error, std::as_bytes(std::span(text)).first(std::min(text.size(), longestError)));
 }
 
+bool sendFailure(std::error_code failure) {
+    return send(AnswerKind::systemError, messageOf(std::int32_t{failure.value()}).bytes());
+}
+
 std::optional<Message> nextQuestion() {
     std::uint32_t size = 0;
     if (!receive(std::as_writable_bytes(std::span(&size, 1)))) return std::nullopt;
@@ -110,19 +116,21 @@ public:
 
     bool answer(Message& question) {
         try {
-            if (!objects_) objects_.emplace(std::move(file_));
-            return send(AnswerKind::content, answerTo(*objects_, question).bytes());
+            if (!objects_) objects_.emplace(file_);
+            Message const answer = answerTo(*objects_, question);
+            if (!file_.failure()) return send(AnswerKind::content, answer.bytes());
         } catch (std::bad_alloc const&) {
             return send(AnswerKind::tooLittleMemory, {});
         } catch (std::length_error const&) {
             return send(AnswerKind::tooLittleMemory, {});
         } catch (std::exception const& error) {
-            return sendError(error.what());
+            if (!file_.failure()) return sendError(error.what());
         }
+        return sendFailure(file_.failure());
     }
 
 private:
-    cubes::platform::File file_;
+    InputFile file_;
     std::optional<StoredObjects> objects_;
 };
 

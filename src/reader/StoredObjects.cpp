@@ -208,7 +208,7 @@ hid_t numbersIn(hdf5::StoredType const& type) {
 
 }
 
-StoredObjects::StoredObjects(platform::File file) : file_(std::move(file)) {}
+StoredObjects::StoredObjects(InputFile& file) : file_(file.open()) {}
 
 std::uint64_t StoredObjects::fileSize() const {
     hsize_t size = 0;

@@ -2,8 +2,7 @@
 
 #include "host/hdf5/Hdf5.h"
 #include "host/hdf5/ReaderProtocol.h"
-#include "host/platform/File.h"
-#include "reader/OpenedFile.h"
+#include "reader/InputFile.h"
 
 #include <optional>
 #include <string>
@@ -14,7 +13,8 @@ namespace cubes::reader {
 /// What fails throws std::runtime_error. REQUIRES: within a Session.
 class StoredObjects {
 public:
-    explicit StoredObjects(platform::File file);
+    /// The file must outlive the object.
+    explicit StoredObjects(InputFile& file);
 
     bool exists(std::string const& path) const;
     std::vector<hdf5::Link> links(std::string const& group) const;
@@ -30,7 +30,7 @@ private:
     std::uint64_t fileSize() const;
     void requireSoundChunks(hid_t dataset, std::uint64_t first, std::uint64_t rows) const;
 
-    OpenedFile file_;
+    hdf5::Handle file_;
     // The last dataset, whose chunks HDF5 has cached.
     std::string path_;
     hdf5::Handle dataset_;

@@ -28,6 +28,7 @@
 #include "store/RemovalLock.h"
 #include "support/Backend.h"
 #include "support/CubeTesting.h"
+#include "support/Variable.h"
 
 namespace cubes::test {
 namespace {
@@ -401,6 +402,16 @@ TEST_P(EntryCheckTest, takesNoFileForDamagedWhenTheReaderIsMissing) {
     hdf5::readerSettings() = {};
     EXPECT_FALSE(fs::exists(leftover));
     EXPECT_TRUE(fs::exists(results("quarantine/" + fs::path(leftover).filename().string())));
+}
+
+TEST_P(EntryCheckTest, takesNoFileForDamagedThatCannotBeRead) {
+    auto const path = file(tripsOf(1));
+    flip(path, placeOf(path, "CUBEIDX2"));
+    Variable const chosen("CUBES_TEST_FAILURE", "cannot read");
+    hdf5::readerSettings().program = BROKEN_READER;
+    auto const found = checked();
+    hdf5::readerSettings() = {};
+    EXPECT_EQ(found, std::string(rowOfB) + "unreadableFile Trips/1/1/1/1\n");
 }
 
 TEST_P(EntryCheckTest, takesNoFileForDamagedThatIsBeyondTheLimits) {

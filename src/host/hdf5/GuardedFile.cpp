@@ -163,6 +163,7 @@ AnswerHead GuardedFile::answerTo(Message const& question) const {
     AnswerHead head{};
     receive(std::as_writable_bytes(std::span(&head, 1)));
     if (head.kind == AnswerKind::tooLittleMemory) throw std::bad_alloc();
+    if (head.kind == AnswerKind::systemError) throwSystemError(head.size);
     if (head.kind != AnswerKind::content) throwError(head.size);
     return head;
 }
@@ -187,6 +188,13 @@ void GuardedFile::throwError(std::uint64_t size) const {
     receive(std::as_writable_bytes(std::span(text)));
     std::ranges::replace_if(text, isControl, '?');
     throw std::runtime_error(text);
+}
+
+void GuardedFile::throwSystemError(std::uint64_t size) const {
+    std::int32_t code = 0;
+    if (size != sizeof code) fail(failed);
+    receive(std::as_writable_bytes(std::span(&code, 1)));
+    throw std::system_error(code, std::system_category());
 }
 
 std::optional<std::string> findText(GuardedFile const& file, std::string const& object, std::string const& name) {

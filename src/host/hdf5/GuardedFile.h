@@ -28,7 +28,8 @@ public:
 /// opened. Everything that the program answers is checked before it is used. Any number of threads may use an object.
 ///
 /// What fails throws std::runtime_error: "it is not an HDF5 file", "it is damaged (HDF5 failed on it)"; NoReader, or
-/// std::bad_alloc when this process or the reader has too little memory.
+/// std::bad_alloc when this process or the reader has too little memory; std::system_error when the file cannot be
+/// read.
 class GuardedFile {
 public:
     explicit GuardedFile(platform::File file);
@@ -63,6 +64,7 @@ private:
     void require(platform::Transfer transfer) const;
     [[noreturn]] void fail(char const* reason) const;
     [[noreturn]] void throwError(std::uint64_t size) const;
+    [[noreturn]] void throwSystemError(std::uint64_t size) const;
 
     platform::File file_;
     std::uint64_t size_;

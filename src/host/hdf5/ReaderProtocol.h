@@ -39,8 +39,9 @@ constexpr std::size_t sizeOf(NumberType type) {
     return sizes[static_cast<std::size_t>(type)];
 }
 
-/// `tooLittleMemory` has no text.
-enum class AnswerKind : std::uint64_t { content, error, tooLittleMemory };
+/// `tooLittleMemory` has no text; `systemError`, that the file could not be read, has the system's number of the error
+/// (std::int32_t) in its place.
+enum class AnswerKind : std::uint64_t { content, error, tooLittleMemory, systemError };
 
 struct AnswerHead {
     AnswerKind kind;

@@ -5,7 +5,6 @@
 
 #include <cubes/matrix/TRkMatrixException.h>
 
-#include <charconv>
 #include <exception>
 #include <new>
 #include <stdexcept>
@@ -24,16 +23,6 @@ public:
 [[noreturn]] inline void throwFailure(
     std::string_view action, std::string const& file, std::string const& reason, std::error_code code = {}) {
     throw TRkMatrixException(std::string(action) + (file.empty() ? file : " " + file) + ": " + reason, file, code);
-}
-
-/// The system's error in a reason of HDF5, which has it as text only: "... errno = 28, error message = ...".
-inline std::error_code systemErrorIn(std::string_view reason) {
-    constexpr std::string_view mark = "errno = ";
-    auto const at = reason.find(mark);
-    if (at == std::string_view::npos) return {};
-    int code = 0;
-    std::from_chars(reason.data() + at + mark.size(), reason.data() + reason.size(), code);
-    return {code, std::generic_category()};
 }
 
 /// Runs `work` and converts its exceptions to TRkMatrixException: "cannot open matrix file /data/a.skm: it is empty".
@@ -56,8 +45,7 @@ auto describingFailure(std::string_view action, std::string const& file, Work co
             text.find(" " + file + ":") != std::string_view::npos || platform::mentionsTemporaryFile(text);
         throwFailure(action, file, sameFile ? error.code().message() : error.what(), error.code());
     } catch (std::exception const& error) {
-        std::error_code const code = systemErrorIn(error.what());
-        throwFailure(action, file, code ? code.message() : error.what(), code);
+        throwFailure(action, file, error.what());
     }
 }
 

@@ -59,6 +59,13 @@ int main() {
     if (failure == "ends in an answer") send({AnswerKind::content, 1000}, "abc");
     if (failure == "counts wrongly") send({AnswerKind::content, 8}, std::string(8, '\xFF'));
     if (failure == "has too little memory") send({AnswerKind::tooLittleMemory, 0});
+    if (failure == "sends a long error number") send({AnswerKind::systemError, 8}, std::string(8, 1));
+    if (failure == "cannot read") {
+        std::string const number("\5\0\0\0", 4);
+        send({AnswerKind::systemError, 4}, number);
+        passQuestion();
+        send({AnswerKind::systemError, 4}, number);
+    }
     if (failure == "sends control characters") send({AnswerKind::error, 3}, "a\x1b!");
     return 0;
 }

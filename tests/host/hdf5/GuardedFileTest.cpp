@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <numeric>
+#include <system_error>
 #include <thread>
 
 using namespace cubes::hdf5;
@@ -144,6 +145,7 @@ TEST_F(GuardedFileTest, turnsEveryFailureOfTheReaderIntoOneError) {
         {"ends in an answer", failed},
         {"counts wrongly", failed},
         {"sends control characters", "a?!"},
+        {"sends a long error number", failed},
     };
     readerSettings().program = BROKEN_READER;
     for (auto const& [failure, message] : cases) {
@@ -158,6 +160,27 @@ TEST_F(GuardedFileTest, reportsAReaderThatHasTooLittleMemoryAsThat) {
     Variable const chosen("CUBES_TEST_FAILURE", "has too little memory");
     GuardedFile const file = open();
     EXPECT_THROW(file.links(""), std::bad_alloc);
+}
+
+TEST_F(GuardedFileTest, reportsAFileThatCannotBeReadWithTheSystemsError) {
+    try {
+        GuardedFile const file(File::openLog(path));
+        ADD_FAILURE() << "a file that is open for appending was read";
+    } catch (std::system_error const& error) {
+        EXPECT_EQ(error.code().category(), std::system_category());
+        EXPECT_EQ(error.what(), error.code().message());
+    }
+    readerSettings().program = BROKEN_READER;
+    Variable const chosen("CUBES_TEST_FAILURE", "cannot read");
+    GuardedFile const file = open();
+    for (int i = 0; i < 2; ++i) {
+        try {
+            file.links("");
+            ADD_FAILURE();
+        } catch (std::system_error const& error) {
+            EXPECT_EQ(error.code(), std::error_code(5, std::system_category()));
+        }
+    }
 }
 
 TEST_F(GuardedFileTest, namesAReaderThatIsMissing) {

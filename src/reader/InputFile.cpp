@@ -1,4 +1,4 @@
-#include "reader/OpenedFile.h"
+#include "reader/InputFile.h"
 
 #include <stdexcept>
 #include <string_view>
@@ -22,11 +22,13 @@ constexpr OpeningFailure openingFailures[] = {
     {"HDF5 could not open it (it is truncated", "it is truncated"},
 };
 
-Handle open(std::string const& path, hdf5::FileBytes& bytes) {
+}
+
+Handle InputFile::open() {
     Handle const access = hdf5::fileAccess();
-    hdf5::useBytes(access, bytes);
+    hdf5::useBytes(access, *this);
     try {
-        return Handle(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose, "open it");
+        return Handle(H5Fopen(file_.path().c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose, "open it");
     } catch (hdf5::Error const& error) {
         for (auto const& [message, meaning] : openingFailures)
             if (std::string_view(error.what()).starts_with(message)) throw std::runtime_error(meaning);
@@ -34,11 +36,26 @@ Handle open(std::string const& path, hdf5::FileBytes& bytes) {
     }
 }
 
+// A file that ends too early is damaged; any other error says nothing about its content.
+template <typename Work>
+auto InputFile::noting(Work const& work) const -> decltype(work()) {
+    try {
+        return work();
+    } catch (std::system_error const& error) {
+        if (error.code().category() == std::system_category()) failure_ = error.code();
+        throw;
+    }
 }
 
-OpenedFile::OpenedFile(platform::File file) : bytes_(std::move(file)), file_(open(bytes_.path(), bytes_)) {}
+std::uint64_t InputFile::size() const {
+    return noting([this] { return file_.size(); });
+}
 
-void OpenedFile::Bytes::write(std::uint64_t, std::span<std::byte const>) {
+void InputFile::read(std::uint64_t offset, std::span<std::byte> bytes) const {
+    noting([&] { file_.readAt(offset, bytes); });
+}
+
+void InputFile::write(std::uint64_t, std::span<std::byte const>) {
     throw std::logic_error("it is open for reading");
 }
 
