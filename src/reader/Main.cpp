@@ -134,6 +134,16 @@ private:
     std::optional<StoredObjects> objects_;
 };
 
+bool begin() {
+    try {
+        cubes::platform::prepareAsChild(std::min(mostMemory, cubes::platform::availableMemory().value_or(mostMemory)));
+    } catch (std::system_error const& error) {
+        sendFailure(error.code());
+        return false;
+    }
+    return send(AnswerKind::content, {});
+}
+
 }
 
 int main(int count, char** arguments) {
@@ -141,7 +151,7 @@ int main(int count, char** arguments) {
         std::fputs("cubes-reader is a part of the Cubes library, which starts it to read HDF5 files\n", stderr);
         return 2;
     }
-    cubes::platform::prepareAsChild(std::min(mostMemory, cubes::platform::availableMemory().value_or(mostMemory)));
+    if (!begin()) return 1;
     cubes::hdf5::Session const session;
     Answers answers(cubes::platform::inheritedFile(arguments[1]));
     while (auto question = nextQuestion())

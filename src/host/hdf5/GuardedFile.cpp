@@ -40,9 +40,26 @@ std::string readerProgram() {
     throw NoReader("the program that reads HDF5 files was not found" + places + "; install Cubes again");
 }
 
+// Before it can say a word about the file.
+std::string faultOfGreeting(platform::ChildProcess& reader) {
+    AnswerHead greeting{};
+    std::int32_t code = 0;
+    auto const receives = [&](auto& value) {
+        return reader.read(std::as_writable_bytes(std::span(&value, 1))) == platform::Transfer::done;
+    };
+    if (!receives(greeting)) return "it does not run; it needs the HDF5 library, and memory for another process";
+    if (greeting.kind == AnswerKind::systemError && receives(code)) return std::system_category().message(code);
+    bool const isExpected = greeting.kind == AnswerKind::content && greeting.size == 0;
+    return isExpected ? "" : "it is not the reader of this version; install Cubes again";
+}
+
 std::unique_ptr<platform::ChildProcess> startReader(platform::File const& file) {
     try {
-        return std::make_unique<platform::ChildProcess>(readerProgram(), file, readerSettings().patience);
+        std::string const program = readerProgram();
+        auto reader = std::make_unique<platform::ChildProcess>(program, file, readerSettings().patience);
+        std::string const fault = faultOfGreeting(*reader);
+        if (!fault.empty()) throw NoReader("cannot start " + program + ": " + fault);
+        return reader;
     } catch (std::system_error const& error) {
         throw NoReader(error.what());
     }
@@ -82,7 +99,7 @@ ReaderSettings& readerSettings() {
 
 template <typename Take>
 auto GuardedFile::ask(Message const& question, Take take) const {
-    std::lock_guard const lock(mutex_);
+    auto const lock = turn();
     AnswerHead const head = answerTo(question);
     if (head.size > largestAnswer) fail(failed);
     try {
@@ -147,22 +164,28 @@ void GuardedFile::read(std::string const& path, Dataset const& dataset, NumberTy
 }
 
 void GuardedFile::receiveExactly(Message const& question, std::span<std::byte> bytes) const {
-    std::lock_guard const lock(mutex_);
+    auto const lock = turn();
     if (answerTo(question).size != bytes.size()) fail(failed);
     receive(bytes);
 }
 
-// The head of an answer that is not an error.
-AnswerHead GuardedFile::answerTo(Message const& question) const {
+// In a forked process, no thread would ever release the mutex that another one had locked.
+std::unique_lock<std::mutex> GuardedFile::turn() const {
     if (platform::forkCount() != forks_)
         throw std::runtime_error("it was opened before this process was forked; open it again");
+    return std::unique_lock(mutex_);
+}
+
+// The head of an answer that is not an error.
+AnswerHead GuardedFile::answerTo(Message const& question) const {
     if (!failure_.empty()) throw std::runtime_error(failure_);
     auto const size = static_cast<std::uint32_t>(question.bytes().size());
     require(reader_->write(std::as_bytes(std::span(&size, 1))));
     require(reader_->write(question.bytes()));
     AnswerHead head{};
     receive(std::as_writable_bytes(std::span(&head, 1)));
-    if (head.kind == AnswerKind::tooLittleMemory) throw std::bad_alloc();
+    if (head.kind == AnswerKind::tooLittleMemory && head.size == 0) throw std::bad_alloc();
+    if (head.kind == AnswerKind::tooLittleMemory) fail(failed);
     if (head.kind == AnswerKind::systemError) throwSystemError(head.size);
     if (head.kind != AnswerKind::content) throwError(head.size);
     return head;

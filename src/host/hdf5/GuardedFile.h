@@ -17,7 +17,7 @@ namespace cubes::hdf5 {
 /// Deflate compresses to about a thousandth at best: a file that claims more is damaged.
 inline constexpr std::size_t mostInflation = 1040;
 
-/// The program that reads HDF5 files cannot be started, which says nothing about the file.
+/// The program that reads HDF5 files cannot be started, or does not run here, which says nothing about the file.
 class NoReader : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -58,6 +58,7 @@ public:
 private:
     template <typename Take>
     auto ask(Message const& question, Take take) const;
+    std::unique_lock<std::mutex> turn() const;
     AnswerHead answerTo(Message const& question) const;
     void receiveExactly(Message const& question, std::span<std::byte> bytes) const;
     void receive(std::span<std::byte> bytes) const;

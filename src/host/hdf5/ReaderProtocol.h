@@ -12,7 +12,8 @@
 
 /// What the library and its program cubes-reader, which come from one build, say to each other. A question is its
 /// size (std::uint32_t) and a Message; an answer is its kind and size (AnswerHead) and a Message, the text of an error,
-/// or the bytes of numbers.
+/// or the bytes of numbers. The program begins with an answer without content, or the system's error because of which
+/// it cannot work.
 namespace cubes::hdf5 {
 
 /// Objects are named by their path from the root, without a slash at the beginning; "" is the root.

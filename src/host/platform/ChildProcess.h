@@ -41,7 +41,8 @@ private:
 // For the program that was started:
 
 /// Makes the standard streams pass bytes unchanged, allows about so many bytes of memory more than are in use, leaves
-/// no traces of a crash behind, and lets the program end as soon as its parent is gone.
+/// no traces of a crash behind, and lets the program end as soon as its parent is gone. Throws
+/// std::system_error where the system refuses a thread for that.
 void prepareAsChild(std::uint64_t memory);
 /// The file that the program was given.
 File inheritedFile(std::string const& number);

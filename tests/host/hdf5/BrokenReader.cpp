@@ -45,6 +45,11 @@ int main() {
 #endif
     char const* const variable = std::getenv("CUBES_TEST_FAILURE");
     std::string const failure = variable ? variable : "";
+    if (failure == "ends at the start") return 0;
+    if (failure == "hangs at the start") waitForever();
+    if (failure == "is another program") send({AnswerKind::content, 7});
+    if (failure == "gets no thread") send({AnswerKind::systemError, 4}, std::string("\13\0\0\0", 4));
+    send({AnswerKind::content, 0});
     passQuestion();
     if (failure == "ends") return 0;
     if (failure == "crashes") std::abort();
@@ -59,6 +64,7 @@ int main() {
     if (failure == "ends in an answer") send({AnswerKind::content, 1000}, "abc");
     if (failure == "counts wrongly") send({AnswerKind::content, 8}, std::string(8, '\xFF'));
     if (failure == "has too little memory") send({AnswerKind::tooLittleMemory, 0});
+    if (failure == "has too little memory and more to say") send({AnswerKind::tooLittleMemory, 3}, "abc");
     if (failure == "sends a long error number") send({AnswerKind::systemError, 8}, std::string(8, 1));
     if (failure == "cannot read") {
         std::string const number("\5\0\0\0", 4);

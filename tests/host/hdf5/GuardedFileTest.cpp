@@ -146,6 +146,7 @@ TEST_F(GuardedFileTest, turnsEveryFailureOfTheReaderIntoOneError) {
         {"counts wrongly", failed},
         {"sends control characters", "a?!"},
         {"sends a long error number", failed},
+        {"has too little memory and more to say", failed},
     };
     readerSettings().program = BROKEN_READER;
     for (auto const& [failure, message] : cases) {
@@ -194,6 +195,33 @@ TEST_F(GuardedFileTest, namesAReaderThatCannotBeStarted) {
     writeFile(text, "no program");
     readerSettings().program = text;
     EXPECT_EQ(failureOfOpening().find("cannot start " + text + ": "), 0u) << failureOfOpening();
+}
+
+TEST_F(GuardedFileTest, takesNoFileForDamagedWhenTheReaderDoesNotRun) {
+    std::string const silent = "it does not run; it needs the HDF5 library, and memory for another process";
+    struct {
+        char const* failure;
+        std::string reason;
+    } const cases[] = {
+        {"ends at the start", silent},
+        {"hangs at the start", silent},
+        {"is another program", "it is not the reader of this version; install Cubes again"},
+        {"gets no thread", std::system_category().message(11)},
+    };
+    readerSettings().program = BROKEN_READER;
+    for (auto const& [failure, reason] : cases) {
+        Variable const chosen("CUBES_TEST_FAILURE", failure);
+        readerSettings().patience =
+            failure == cases[1].failure ? std::chrono::milliseconds(100) : std::chrono::seconds(60);
+        try {
+            open();
+            ADD_FAILURE() << failure;
+        } catch (NoReader const& error) {
+            EXPECT_EQ(error.what(), std::string("cannot start ") + BROKEN_READER + ": " + reason);
+        } catch (std::runtime_error const& error) {
+            ADD_FAILURE() << failure << ": " << error.what();
+        }
+    }
 }
 
 TEST_F(GuardedFileTest, isNotDisturbedByTheApplicationsSignals) {

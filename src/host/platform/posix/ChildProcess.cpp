@@ -210,8 +210,8 @@ std::uint64_t ChildProcess::id() const noexcept {
 }
 
 void prepareAsChild(std::uint64_t memory) {
-    endWithParent();
     limit(RLIMIT_CORE, 0);
+    endWithParent();
     limit(RLIMIT_AS, addressSpace() + memory);
 }
 
