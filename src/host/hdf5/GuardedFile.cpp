@@ -45,7 +45,8 @@ std::string faultOfGreeting(platform::ChildProcess& reader) {
     AnswerHead greeting{};
     std::int32_t code = 0;
     auto const receives = [&](auto& value) {
-        return reader.read(std::as_writable_bytes(std::span(&value, 1))) == platform::Transfer::done;
+        return reader.read(std::as_writable_bytes(std::span(&value, 1)), readerSettings().patience) ==
+               platform::Transfer::done;
     };
     if (!receives(greeting)) return "it does not run; it needs the HDF5 library, and memory for another process";
     if (greeting.kind == AnswerKind::systemError && receives(code)) return std::system_category().message(code);
@@ -56,7 +57,7 @@ std::string faultOfGreeting(platform::ChildProcess& reader) {
 std::unique_ptr<platform::ChildProcess> startReader(platform::File const& file) {
     try {
         std::string const program = readerProgram();
-        auto reader = std::make_unique<platform::ChildProcess>(program, file, readerSettings().patience);
+        auto reader = std::make_unique<platform::ChildProcess>(program, file);
         std::string const fault = faultOfGreeting(*reader);
         if (!fault.empty()) throw NoReader("cannot start " + program + ": " + fault);
         return reader;
@@ -165,7 +166,7 @@ void GuardedFile::read(std::string const& path, Dataset const& dataset, NumberTy
 
 void GuardedFile::receiveExactly(Message const& question, std::span<std::byte> bytes) const {
     auto const lock = turn();
-    if (answerTo(question).size != bytes.size()) fail(failed);
+    if (answerTo(question, bytes.size()).size != bytes.size()) fail(failed);
     receive(bytes);
 }
 
@@ -176,14 +177,14 @@ std::unique_lock<std::mutex> GuardedFile::turn() const {
     return std::unique_lock(mutex_);
 }
 
-// The head of an answer that is not an error.
-AnswerHead GuardedFile::answerTo(Message const& question) const {
+// The head of an answer that is not an error, for a question about so many bytes.
+AnswerHead GuardedFile::answerTo(Message const& question, std::uint64_t bytes) const {
     if (!failure_.empty()) throw std::runtime_error(failure_);
     auto const size = static_cast<std::uint32_t>(question.bytes().size());
-    require(reader_->write(std::as_bytes(std::span(&size, 1))));
-    require(reader_->write(question.bytes()));
+    require(reader_->write(std::as_bytes(std::span(&size, 1)), settings_.patience), settings_.patience);
+    require(reader_->write(question.bytes(), settings_.patience), settings_.patience);
     AnswerHead head{};
-    receive(std::as_writable_bytes(std::span(&head, 1)));
+    receive(std::as_writable_bytes(std::span(&head, 1)), settings_.patienceFor(bytes));
     if (head.kind == AnswerKind::tooLittleMemory && head.size == 0) throw std::bad_alloc();
     if (head.kind == AnswerKind::tooLittleMemory) fail(failed);
     if (head.kind == AnswerKind::systemError) throwSystemError(head.size);
@@ -191,17 +192,19 @@ AnswerHead GuardedFile::answerTo(Message const& question) const {
     return head;
 }
 
-void GuardedFile::receive(std::span<std::byte> bytes) const {
-    require(reader_->read(bytes));
+void GuardedFile::receive(std::span<std::byte> bytes, std::chrono::milliseconds patience) const {
+    require(reader_->read(bytes, patience), patience);
 }
 
-void GuardedFile::require(platform::Transfer transfer) const {
+void GuardedFile::require(platform::Transfer transfer, std::chrono::milliseconds patience) const {
+    auto const seconds = std::chrono::ceil<std::chrono::seconds>(patience).count();
     if (transfer == platform::Transfer::ended) fail(failed);
-    if (transfer == platform::Transfer::silent) fail("HDF5 did not come to an end with it");
+    if (transfer == platform::Transfer::silent)
+        fail("HDF5 did not finish reading it within " + std::to_string(seconds) + " s");
 }
 
-void GuardedFile::fail(char const* reason) const {
-    failure_ = std::string("it is damaged (") + reason + ")";
+void GuardedFile::fail(std::string const& reason) const {
+    failure_ = "it is damaged (" + reason + ")";
     throw std::runtime_error(failure_);
 }
 

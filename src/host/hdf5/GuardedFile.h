@@ -17,6 +17,20 @@ namespace cubes::hdf5 {
 /// Deflate compresses to about a thousandth at best: a file that claims more is damaged.
 inline constexpr std::size_t mostInflation = 1040;
 
+/// How readers are started. Tests change it while no file is being opened.
+struct ReaderSettings {
+    /// The program; empty: cubes-reader in the directory of the library, or in "cubes" there.
+    std::string program = {};
+    /// How long a reader may be silent, but for the time that reading takes.
+    std::chrono::milliseconds patience = std::chrono::seconds(60);
+
+    /// How long it may be silent before it answers with that many bytes: a second longer for every 10 MB.
+    std::chrono::milliseconds patienceFor(std::uint64_t bytes) const {
+        return patience + std::chrono::milliseconds(bytes / 10'000);
+    }
+};
+ReaderSettings& readerSettings();
+
 /// The program that reads HDF5 files cannot be started, or does not run here, which says nothing about the file.
 class NoReader : public std::runtime_error {
 public:
@@ -59,17 +73,19 @@ private:
     template <typename Take>
     auto ask(Message const& question, Take take) const;
     std::unique_lock<std::mutex> turn() const;
-    AnswerHead answerTo(Message const& question) const;
+    AnswerHead answerTo(Message const& question, std::uint64_t bytes = 0) const;
     void receiveExactly(Message const& question, std::span<std::byte> bytes) const;
-    void receive(std::span<std::byte> bytes) const;
-    void require(platform::Transfer transfer) const;
-    [[noreturn]] void fail(char const* reason) const;
+    void receive(std::span<std::byte> bytes, std::chrono::milliseconds patience) const;
+    void receive(std::span<std::byte> bytes) const { receive(bytes, settings_.patience); }
+    void require(platform::Transfer transfer, std::chrono::milliseconds patience) const;
+    [[noreturn]] void fail(std::string const& reason) const;
     [[noreturn]] void throwError(std::uint64_t size) const;
     [[noreturn]] void throwSystemError(std::uint64_t size) const;
 
     platform::File file_;
     std::uint64_t size_;
     unsigned long forks_;
+    ReaderSettings settings_ = readerSettings();
     // One question at a time.
     mutable std::mutex mutex_;
     std::unique_ptr<platform::ChildProcess> reader_;
@@ -81,14 +97,5 @@ private:
 std::optional<std::string> findText(GuardedFile const& file, std::string const& object, std::string const& name);
 /// The same; empty for nothing.
 std::string readText(GuardedFile const& file, std::string const& object, std::string const& name);
-
-/// How readers are started. Tests change it while no file is being opened.
-struct ReaderSettings {
-    /// The program; empty: cubes-reader in the directory of the library, or in "cubes" there.
-    std::string program = {};
-    /// How long a reader may be silent.
-    std::chrono::milliseconds patience = std::chrono::seconds(60);
-};
-ReaderSettings& readerSettings();
 
 }

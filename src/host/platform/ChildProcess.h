@@ -23,14 +23,15 @@ class ChildProcess {
 public:
     /// Starts the program with one argument: the number that gives it the file (see inheritedFile). Throws
     /// std::system_error when the program cannot be started.
-    ChildProcess(std::string const& program, File const& file, std::chrono::milliseconds patience);
+    ChildProcess(std::string const& program, File const& file);
     ChildProcess(ChildProcess const&) = delete;
     ChildProcess& operator=(ChildProcess const&) = delete;
     ~ChildProcess();
 
-    Transfer write(std::span<std::byte const> bytes);
-    /// Fills all the bytes.
-    Transfer read(std::span<std::byte> bytes);
+    /// Passes all the bytes. `patience` is how long the child may pass none of them, whatever signals this process
+    /// gets.
+    Transfer write(std::span<std::byte const> bytes, std::chrono::milliseconds patience);
+    Transfer read(std::span<std::byte> bytes, std::chrono::milliseconds patience);
     std::uint64_t id() const noexcept;
 
 private:

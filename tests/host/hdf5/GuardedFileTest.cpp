@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <future>
 #include <memory>
 #include <new>
 #include <numeric>
@@ -129,7 +130,7 @@ TEST_F(GuardedFileTest, refusesWhatIsNotThereAndGoesOn) {
 
 TEST_F(GuardedFileTest, turnsEveryFailureOfTheReaderIntoOneError) {
     std::string const failed = "it is damaged (HDF5 failed on it)";
-    std::string const silent = "it is damaged (HDF5 did not come to an end with it)";
+    std::string const silent = "it is damaged (HDF5 did not finish reading it within 1 s)";
     struct {
         char const* failure;
         std::string message;
@@ -238,6 +239,36 @@ TEST_F(GuardedFileTest, isNotDisturbedByTheApplicationsSignals) {
 #else
     GTEST_SKIP() << "there are no such signals on this system";
 #endif
+}
+
+TEST_F(GuardedFileTest, waitsNoLongerWhenTheApplicationGetsSignals) {
+#ifdef SIGUSR1
+    constexpr int enough = 300;
+    auto* const before = std::signal(SIGUSR1, [](int) {});
+    readerSettings() = {BROKEN_READER, std::chrono::milliseconds(200)};
+    Variable const chosen("CUBES_TEST_FAILURE", "hangs");
+    std::promise<std::string> message;
+    auto found = message.get_future();
+    std::thread opening([&] { message.set_value(failureOfOpening()); });
+    int signals = 0;
+    while (signals < enough && found.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+        pthread_kill(opening.native_handle(), SIGUSR1);
+        ++signals;
+    }
+    opening.join();
+    std::signal(SIGUSR1, before);
+    EXPECT_EQ(found.get(), "it is damaged (HDF5 did not finish reading it within 1 s)");
+    EXPECT_LT(signals, enough);
+#else
+    GTEST_SKIP() << "there are no such signals on this system";
+#endif
+}
+
+TEST_F(GuardedFileTest, waitsLongerForMoreNumbers) {
+    ReaderSettings const settings;
+    EXPECT_EQ(settings.patienceFor(0), std::chrono::seconds(60));
+    EXPECT_EQ(settings.patienceFor(10'000'000), std::chrono::seconds(61));
+    EXPECT_EQ(settings.patienceFor(4'000'000'000), std::chrono::seconds(460));
 }
 
 TEST_F(GuardedFileTest, readsInManyThreadsAtOnce) {

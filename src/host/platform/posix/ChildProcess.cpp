@@ -2,9 +2,11 @@
 
 #include "host/platform/System.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fstream>
+#include <limits>
 #include <thread>
 #include <utility>
 
@@ -13,7 +15,6 @@
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,9 +27,9 @@ namespace {
 // The child's descriptors: its standard ones, and then the file.
 constexpr int given = 3;
 constexpr int firstUnused = given + 1;
+constexpr int longestWait = std::numeric_limits<int>::max();
 
-// One end of a pair of sockets. Unlike a pipe, a socket reports a child that has ended without a signal, and keeps the
-// time itself.
+// One end of a pair of sockets. Unlike a pipe, a socket reports a child that has ended without a signal.
 class Socket {
 public:
     explicit Socket(int descriptor) : descriptor_(descriptor) {}
@@ -58,12 +59,6 @@ Connection connect(std::string const& program) {
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) throwSystemFailure("cannot start", program);
     return {Socket(ends[0]), Socket(ends[1])};
-}
-
-void limitWaiting(int socket, std::chrono::milliseconds patience) {
-    timeval const limit{patience.count() / 1000, patience.count() % 1000 * 1000};
-    ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-    ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
 class SpawnActions {
@@ -130,18 +125,30 @@ void end(pid_t child) {
     }
 }
 
-Transfer outcomeOf(ssize_t passed) {
-    if (passed < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return Transfer::silent;
-    return Transfer::ended;
+using Clock = std::chrono::steady_clock;
+
+// Waits until a socket can pass bytes; a signal does not start the time again.
+bool isReady(int socket, short event, Clock::time_point end) {
+    pollfd waited{socket, event, 0};
+    int ready = -1;
+    do {
+        auto const left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        ready = ::poll(&waited, 1, static_cast<int>(std::clamp<std::int64_t>(left, 0, longestWait)));
+    } while (ready < 0 && errno == EINTR);
+    return ready > 0;
 }
 
 // Calls `pass` until all the bytes are transferred.
 template <typename Bytes, typename Pass>
-Transfer transfer(Bytes bytes, Pass pass) {
+Transfer transfer(int socket, short event, Bytes bytes, std::chrono::milliseconds patience, Pass pass) {
     while (!bytes.empty()) {
-        ssize_t const passed = pass(bytes);
-        if (passed < 0 && errno == EINTR) continue;
-        if (passed <= 0) return outcomeOf(passed);
+        ssize_t passed = -1;
+        auto const end = Clock::now() + patience;
+        do {
+            if (!isReady(socket, event, end)) return Transfer::silent;
+            passed = pass(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        } while (passed < 0 && (errno == EINTR || errno == EAGAIN));
+        if (passed <= 0) return Transfer::ended;
         bytes = bytes.subspan(static_cast<std::size_t>(passed));
     }
     return Transfer::done;
@@ -174,13 +181,10 @@ void endWithParent() {
 }
 
 struct ChildProcess::State {
-    State(std::string const& program, File const& file, std::chrono::milliseconds patience)
-        : State(connect(program), program, file, patience) {}
-    State(Connection connection, std::string const& program, File const& file, std::chrono::milliseconds patience)
+    State(std::string const& program, File const& file) : State(connect(program), program, file) {}
+    State(Connection connection, std::string const& program, File const& file)
         : socket(std::move(connection.own)), child(spawn(program, beyondGiven(connection.childs.get(), program).get(),
-                                                 beyondGiven(static_cast<int>(file.native()), program).get())) {
-        limitWaiting(socket.get(), patience);
-    }
+                                                 beyondGiven(static_cast<int>(file.native()), program).get())) {}
     State(State const&) = delete;
     State& operator=(State const&) = delete;
     ~State() { end(child); }
@@ -189,20 +193,17 @@ struct ChildProcess::State {
     pid_t child;
 };
 
-ChildProcess::ChildProcess(std::string const& program, File const& file, std::chrono::milliseconds patience)
-    : state_(std::make_unique<State>(program, file, patience)) {}
+ChildProcess::ChildProcess(std::string const& program, File const& file)
+    : state_(std::make_unique<State>(program, file)) {}
 
 ChildProcess::~ChildProcess() = default;
 
-Transfer ChildProcess::write(std::span<std::byte const> bytes) {
-    return transfer(bytes, [this](std::span<std::byte const> rest) {
-        return ::send(state_->socket.get(), rest.data(), rest.size(), MSG_NOSIGNAL);
-    });
+Transfer ChildProcess::write(std::span<std::byte const> bytes, std::chrono::milliseconds patience) {
+    return transfer(state_->socket.get(), POLLOUT, bytes, patience, ::send);
 }
 
-Transfer ChildProcess::read(std::span<std::byte> bytes) {
-    return transfer(
-        bytes, [this](std::span<std::byte> rest) { return ::recv(state_->socket.get(), rest.data(), rest.size(), 0); });
+Transfer ChildProcess::read(std::span<std::byte> bytes, std::chrono::milliseconds patience) {
+    return transfer(state_->socket.get(), POLLIN, bytes, patience, ::recv);
 }
 
 std::uint64_t ChildProcess::id() const noexcept {

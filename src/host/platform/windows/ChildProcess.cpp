@@ -111,6 +111,11 @@ Handle newJob(std::string const& program) {
     return job;
 }
 
+// INFINITE is the largest number.
+DWORD waitOf(std::chrono::milliseconds patience) {
+    return static_cast<DWORD>(std::min<std::int64_t>(patience.count(), INFINITE - 1));
+}
+
 struct Started {
     Handle process;
     Handle job;
@@ -148,20 +153,19 @@ Started start(std::string const& program, HANDLE pipe, File const& file) {
 }
 
 struct ChildProcess::State {
-    State(std::string const& program, File const& file, std::chrono::milliseconds limit)
-        : State(connect(program), program, file, limit) {}
-    State(Connection connection, std::string const& program, File const& file, std::chrono::milliseconds limit)
+    State(std::string const& program, File const& file) : State(connect(program), program, file) {}
+    State(Connection connection, std::string const& program, File const& file)
         : pipe(std::move(connection.own)), transferred(::CreateEventW(nullptr, TRUE, FALSE, nullptr), program),
-          child(start(program, connection.childs.get(), file)), patience(static_cast<DWORD>(limit.count())) {}
+          child(start(program, connection.childs.get(), file)) {}
     State(State const&) = delete;
     State& operator=(State const&) = delete;
     // Also where the process could not be put into the job.
     ~State() { ::TerminateProcess(child.process.get(), 1); }
 
     // Waits for an operation that was begun; nothing passed unless it is done.
-    Transfer finish(bool isBegun, OVERLAPPED& operation, DWORD& passed) const {
+    Transfer finish(bool isBegun, OVERLAPPED& operation, DWORD& passed, std::chrono::milliseconds patience) const {
         if (!isBegun && ::GetLastError() != ERROR_IO_PENDING) return Transfer::ended;
-        bool const isSilent = ::WaitForSingleObject(transferred.get(), patience) != WAIT_OBJECT_0;
+        bool const isSilent = ::WaitForSingleObject(transferred.get(), waitOf(patience)) != WAIT_OBJECT_0;
         if (isSilent) ::CancelIoEx(pipe.get(), &operation);
         bool const isDone = ::GetOverlappedResult(pipe.get(), &operation, &passed, TRUE) && passed > 0;
         if (isDone) return Transfer::done;
@@ -170,13 +174,14 @@ struct ChildProcess::State {
 
     // Calls `begin` until all the bytes are transferred.
     template <typename Bytes, typename Begin>
-    Transfer transfer(Bytes bytes, Begin begin) const {
+    Transfer transfer(Bytes bytes, std::chrono::milliseconds patience, Begin begin) const {
         while (!bytes.empty()) {
             OVERLAPPED operation{};
             operation.hEvent = transferred.get();
             DWORD passed = 0;
             bool const isBegun = begin(bytes.first(std::min(bytes.size(), largestTransfer)), operation);
-            if (auto const outcome = finish(isBegun, operation, passed); outcome != Transfer::done) return outcome;
+            auto const outcome = finish(isBegun, operation, passed, patience);
+            if (outcome != Transfer::done) return outcome;
             bytes = bytes.subspan(passed);
         }
         return Transfer::done;
@@ -185,22 +190,21 @@ struct ChildProcess::State {
     Handle pipe;
     Handle transferred;
     Started child;
-    DWORD patience;
 };
 
-ChildProcess::ChildProcess(std::string const& program, File const& file, std::chrono::milliseconds patience)
-    : state_(std::make_unique<State>(program, file, patience)) {}
+ChildProcess::ChildProcess(std::string const& program, File const& file)
+    : state_(std::make_unique<State>(program, file)) {}
 
 ChildProcess::~ChildProcess() = default;
 
-Transfer ChildProcess::write(std::span<std::byte const> bytes) {
-    return state_->transfer(bytes, [this](std::span<std::byte const> part, OVERLAPPED& operation) {
+Transfer ChildProcess::write(std::span<std::byte const> bytes, std::chrono::milliseconds patience) {
+    return state_->transfer(bytes, patience, [this](std::span<std::byte const> part, OVERLAPPED& operation) {
         return ::WriteFile(state_->pipe.get(), part.data(), static_cast<DWORD>(part.size()), nullptr, &operation) != 0;
     });
 }
 
-Transfer ChildProcess::read(std::span<std::byte> bytes) {
-    return state_->transfer(bytes, [this](std::span<std::byte> part, OVERLAPPED& operation) {
+Transfer ChildProcess::read(std::span<std::byte> bytes, std::chrono::milliseconds patience) {
+    return state_->transfer(bytes, patience, [this](std::span<std::byte> part, OVERLAPPED& operation) {
         return ::ReadFile(state_->pipe.get(), part.data(), static_cast<DWORD>(part.size()), nullptr, &operation) != 0;
     });
 }
