@@ -156,11 +156,18 @@ bool File::isLockedByOthers(std::uint64_t position, std::uint64_t length) const 
     return false;
 }
 
+// A removed file that others have open may keep its name, or be renamed, until they close it.
 bool File::isRemoved() const {
-    FILE_STANDARD_INFO found{};
-    if (!::GetFileInformationByHandleEx(handle(native_), FileStandardInfo, &found, sizeof found))
-        throwSystemFailure("cannot examine", path_);
-    return found.DeletePending || found.NumberOfLinks == 0;
+    HANDLE const named = ::CreateFileW(
+        toPath(path_).c_str(), FILE_READ_ATTRIBUTES, shareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (named == INVALID_HANDLE_VALUE) return true;
+    BY_HANDLE_FILE_INFORMATION found{};
+    BY_HANDLE_FILE_INFORMATION own{};
+    bool const isKnown = ::GetFileInformationByHandle(named, &found) != FALSE;
+    ::CloseHandle(named);
+    if (!::GetFileInformationByHandle(handle(native_), &own)) throwSystemFailure("cannot examine", path_);
+    return !isKnown || found.dwVolumeSerialNumber != own.dwVolumeSerialNumber ||
+           found.nFileIndexHigh != own.nFileIndexHigh || found.nFileIndexLow != own.nFileIndexLow;
 }
 
 // Children inherit no files, so closing it is enough.

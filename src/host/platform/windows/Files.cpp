@@ -56,7 +56,8 @@ bool removeOrSetAside(fs::path const& file, fs::path aside) {
     if (!isReplaceable(file)) return isRemoved;
     removeOutdated(file.parent_path());
     aside.replace_extension(outdated);
-    if (!::MoveFileExW(file.c_str(), aside.c_str(), 0)) return false;
+    // Its reader may have closed it meanwhile, and so removed it.
+    if (!::MoveFileExW(file.c_str(), aside.c_str(), 0)) return ::GetLastError() == ERROR_FILE_NOT_FOUND;
     ::DeleteFileW(aside.c_str());
     return true;
 }
