@@ -29,8 +29,12 @@ std::uint64_t now() {
 
 }
 
-platform::File WriterQueue::openFile() const {
-    if (platform::exists(file_)) return platform::File::openShared(file_);
+std::optional<platform::File> WriterQueue::openFile() const {
+    try {
+        return platform::File::openExisting(file_);
+    } catch (std::system_error const& error) {
+        if (error.code() != std::errc::no_such_file_or_directory) throw;
+    }
     try {
         auto file = platform::File::createNew(file_);
         // Whoever may write to the database may queue.
@@ -38,7 +42,7 @@ platform::File WriterQueue::openFile() const {
         return file;
     } catch (std::system_error const& error) {
         if (error.code() != std::errc::file_exists) throw;
-        return platform::File::openShared(file_);
+        return std::nullopt;
     }
 }
 
@@ -46,10 +50,11 @@ platform::File WriterQueue::openFile() const {
 // looks for places: either it sees this one, or this one waits and sees that the file is gone.
 std::optional<platform::ByteLock> WriterQueue::tryTakePlace() {
     auto file = openFile();
-    for (ticket_ = now(); !file.tryLock(ticket_);) ++ticket_;
-    for (int attempt = 0; file.isLockedByOthers(lastByte, 1) && !isOver(); ++attempt) pause(attempt);
-    if (file.isRemoved()) return std::nullopt;
-    return platform::ByteLock(std::move(file));
+    if (!file) return std::nullopt;
+    for (ticket_ = now(); !file->tryLock(ticket_);) ++ticket_;
+    for (int attempt = 0; file->isLockedByOthers(lastByte, 1) && !isQueueOver(); ++attempt) pause(attempt);
+    if (file->isRemoved()) return std::nullopt;
+    return platform::ByteLock(*std::move(file));
 }
 
 void WriterQueue::begin() noexcept {
@@ -60,8 +65,11 @@ void WriterQueue::begin() noexcept {
 void WriterQueue::enter() noexcept {
     if (place_) return;
     try {
-        while (!place_ && !isOver()) place_ = tryTakePlace();
-        for (int attempt = 0; place_ && place_->isHeldByOthers(0, ticket_) && !isOver(); ++attempt) pause(attempt);
+        while (!place_ && !isQueueOver()) place_ = tryTakePlace();
+        for (int attempt = 0; place_ && place_->isHeldByOthers(0, ticket_); ++attempt) {
+            if (isQueueOver()) return place_.reset();
+            pause(attempt);
+        }
     } catch (std::exception const&) {
         // Without a place in the queue SQLite's own locks decide who writes next.
     }

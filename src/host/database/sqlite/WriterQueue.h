@@ -27,8 +27,8 @@ public:
 
     /// Begins an operation.
     void begin() noexcept;
-    /// Waits until it is this connection's turn, unless it is already, or until the operation's longest wait is over.
-    /// REQUIRES: begin().
+    /// Waits until it is this connection's turn, unless it is already, or until half of the operation's longest wait is
+    /// over; then it gives up its place. REQUIRES: begin().
     void enter() noexcept;
     /// Ends an operation; lets the next connection write unless this one is still inside a transaction.
     void leave(bool isInTransaction) noexcept {
@@ -46,10 +46,13 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    platform::File openFile() const;
+    /// Nothing when others made it at the same moment.
+    std::optional<platform::File> openFile() const;
     /// Nothing when the file was removed meanwhile.
     std::optional<platform::ByteLock> tryTakePlace();
     bool isOver() const noexcept { return Clock::now() > end_; }
+    /// A process that was stopped keeps its place: half of the time is left for SQLite's own locks.
+    bool isQueueOver() const noexcept { return Clock::now() > end_ - longestWait_ / 2; }
 
     std::string database_;
     std::string file_;
