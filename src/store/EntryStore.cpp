@@ -11,6 +11,8 @@
 #include "store/ProjectRepair.h"
 #include "store/StoreTables.h"
 
+#include <cubes/matrix/MatrixLimits.h>
+
 #include <algorithm>
 #include <charconv>
 #include <set>
@@ -29,6 +31,11 @@ namespace {
 
 constexpr std::size_t cubeParts = 4;
 constexpr std::size_t resultParts = 6;
+
+// Before any file is read: a mistyped limit says nothing about a file.
+void requireValidLimit() {
+    static_cast<void>(mostZones());
+}
 
 bool isControl(char c) {
     return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
@@ -451,13 +458,16 @@ long EntryStore::changeUsers(EntryKey const& key, bool (catalogue::EntryTable::*
 
 std::vector<Finding> EntryStore::check(EntrySelection const& selection, CheckOptions const& options) const {
     auto const cube = selectedCube(selection);
-    return reporting(
-        {"check the project", {}}, [&] { return store::ProjectCheck(*tables_, selection, cube, options).run(); });
+    return reporting({"check the project", {}}, [&] {
+        requireValidLimit();
+        return store::ProjectCheck(*tables_, selection, cube, options).run();
+    });
 }
 
 std::vector<Repair> EntryStore::repair(std::vector<Finding> const& findings, RepairOptions const& options) {
     Task const task{"repair the project", {}};
     return reporting(task, [&] {
+        requireValidLimit();
         EntryWriting(*tables_).requireOwnTransaction(task);
         store::ProjectRepair const project(*tables_, options);
         std::vector<Repair> repairs;

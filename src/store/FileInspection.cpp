@@ -1,5 +1,6 @@
 #include "store/FileInspection.h"
 
+#include "catalogue/Kinds.h"
 #include "host/matrix/Elements.h"
 #include "host/matrix/Failure.h"
 #include "host/matrix/OmxReader.h"
@@ -9,6 +10,7 @@
 #include "host/platform/TemporaryFile.h"
 #include "store/Failure.h"
 
+#include <algorithm>
 #include <exception>
 #include <system_error>
 
@@ -67,6 +69,13 @@ void inspect(std::string const& path, bool holdsRoutes, bool deep, FileFacts& fa
     if (deep && !holdsRoutes) inspectContent(path, facts);
 }
 
+// Of a very long temporary name the extension is not known.
+bool isAmongRoutes(std::string const& path) {
+    auto const directory = platform::fromPath(platform::toPath(path).parent_path().filename()) + "\\";
+    return std::ranges::any_of(catalogue::kinds(),
+        [&](catalogue::Kind const& kind) { return kind.holdsRoutes && directory == kind.directory; });
+}
+
 }
 
 FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep) {
@@ -99,7 +108,7 @@ bool mayBeComplete(std::string const& path) {
     } catch (std::system_error const&) {
         return true;
     }
-    return inspectFile(path, false, false).problem != Problem::damagedFile;
+    return inspectFile(path, isAmongRoutes(path), false).problem != Problem::damagedFile;
 }
 
 }

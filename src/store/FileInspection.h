@@ -25,8 +25,8 @@ struct FileFacts {
 /// may call it.
 FileFacts inspectFile(std::string const& path, bool holdsRoutes, bool deep);
 
-/// Whether a temporary file may hold a whole matrix that is not stored elsewhere: unless it can be read and shows that
-/// it was not written to its end, or it was replaced while it was being read.
+/// Whether a temporary file may hold a whole matrix, or routes in whatever form, that are not stored elsewhere: unless
+/// it can be read and shows that it was not written to its end, or it was replaced while it was being read.
 bool mayBeComplete(std::string const& path);
 
 }

@@ -1,8 +1,10 @@
 #include "store/ProjectCheck.h"
 
+#include "host/matrix/WriteLock.h"
 #include "host/platform/Files.h"
 #include "host/platform/NarrowText.h"
 #include "host/platform/Parallel.h"
+#include "store/RowSearch.h"
 #include "store/StrayFiles.h"
 
 #include <algorithm>
@@ -54,6 +56,13 @@ bool records(std::string const& file, hdf5::Id128 const& directory) {
     } catch (std::system_error const&) {
         return false;
     }
+}
+
+// Whether the file of any entry is there, whatever is checked.
+bool holdsAnyFile(StoreTables const& tables, bool ofResults) {
+    for (EntryWalk walk(tables, {{ofResults, {}}}); !walk.isAtEnd(); walk.advance())
+        if (auto const& file = walk.current().file; !file.empty() && mayBePresent(file)) return true;
+    return false;
 }
 
 bool namesOneEntry(EntrySelection const& selection, std::optional<CubeInfo> const& cube) {
@@ -140,13 +149,30 @@ void ProjectCheck::checkFile(EntryInfo const& entry, std::optional<FileFacts> co
 
 void ProjectCheck::checkMissing(EntryInfo const& entry) {
     if (!isMissing(entry)) return;
-    auto const directory = tables_.directory(entry.key.isResult());
-    if (platform::isDirectory(directory)) return report(Problem::missingFile, entry, "there is no such file");
-    report(Problem::unreadableFile, entry, "the directory " + directory + " is missing; restore it");
+    auto const directory = platform::directoryOf(entry.file);
+    if (!platform::isDirectory(directory))
+        return report(Problem::unreadableFile, entry, "the directory " + directory + " is missing; restore it");
+    if (isElsewhere(entry))
+        return report(Problem::unreadableFile, entry,
+            "its directory seems to be another one or not mounted: no file of an entry is there; restore it");
+    report(Problem::missingFile, entry, "there is no such file");
 }
 
-// A row that is there has its file, but others may remove the entry and store it again between two looks.
+// Whether the entry was stored in another directory than the one that has its place now.
+bool ProjectCheck::isElsewhere(EntryInfo const& entry) {
+    bool const ofResults = entry.key.isResult();
+    auto contents = tables_.contents(ofResults);
+    auto const recorded = contents ? StoreTables::recordedDirectory(entry.key, *contents) : hdf5::Id128();
+    if (!recorded.isKnown() || recorded == matrix::knownDirectoryIdentity(tables_.directory(ofResults))) return false;
+    auto& holdsFiles = holdsFiles_[ofResults];
+    if (!holdsFiles) holdsFiles = holdsAnyFile(tables_, ofResults);
+    return !*holdsFiles;
+}
+
+// A row that is there has its file, but others may remove the entry and store it again between two looks, or copy a
+// file to its place.
 bool ProjectCheck::isMissing(EntryInfo const& entry) const {
+    if (matrix::isLocked(entry.file)) return false;
     constexpr int looks = 3;
     auto rows = tables_.rows(entry.key.isResult());
     for (int look = 0; look < looks; ++look)
@@ -156,13 +182,16 @@ bool ProjectCheck::isMissing(EntryInfo const& entry) const {
 
 // The fixed classes copy files as they are.
 void ProjectCheck::checkStamp(EntryInfo const& entry, FileFacts const& facts) {
-    if (facts.stamp && !facts.stamp->key.empty() && !names(*facts.stamp, entry.key))
+    if (!facts.stamp || facts.stamp->key.empty()) return;
+    if (!names(*facts.stamp, entry.key) || !fitsRegister(names_, entry.key.cube(), cubeIn(*facts.stamp)))
         report(Problem::copiedFile, entry, "the file records " + textOf(*facts.stamp) + ": it was copied from there");
 }
 
 void ProjectCheck::checkParent(EntryInfo const& entry) {
     auto const& parent = *entry.parent;
     if (tables_.rows(parent.isResult())->locate(parent.numbers())) return;
+    // Others may have removed the entry, and then its parent.
+    if (!tables_.rows(entry.key.isResult())->locate(entry.key.numbers())) return;
     auto const& kind = catalogue::kindOf(entry.key.cube());
     bool const isRouteData = kind.holdsRoutes && catalogue::kindOf(parent.cube()).holdsRoutes;
     auto const text = tables_.text(parent, names_);
@@ -201,8 +230,13 @@ void ProjectCheck::noteCube(EntryInfo const& entry, std::optional<FileFacts> con
         cube.name = platform::fromUtf8(facts->stamp->cube);
 }
 
+// Others may have removed the cube, or registered it, since its entries were read.
 void ProjectCheck::reportCubes() {
+    if (unregistered_.empty()) return;
+    auto const counts = tables_.counts(false);
+    auto cubes = tables_.cubes();
     for (auto const& [number, cube] : unregistered_) {
+        if (!counts.contains(number) || cubes.name(number)) continue;
         bool const isFree = !cube.name.empty() && !names_.number(cube.name.c_str());
         Finding finding{.problem = Problem::unregisteredCube, .text = std::to_string(number), .cube = number};
         finding.cubeName = isFree ? cube.name : "cube " + finding.text;

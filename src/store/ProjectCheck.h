@@ -39,6 +39,7 @@ private:
     void checkFile(EntryInfo const& entry, std::optional<FileFacts> const& facts);
     void checkMissing(EntryInfo const& entry);
     bool isMissing(EntryInfo const& entry) const;
+    bool isElsewhere(EntryInfo const& entry);
     void checkStamp(EntryInfo const& entry, FileFacts const& facts);
     void checkParent(EntryInfo const& entry);
     void noteShape(EntryInfo const& entry, FileFacts const& facts);
@@ -59,6 +60,8 @@ private:
     bool hasOtherProjects_;
     /// Of the directory of matrices; unknown when it has none.
     hdf5::Id128 identity_;
+    /// Whether the file of any entry of cubes, and of any result, is there; found out when it is needed.
+    std::optional<bool> holdsFiles_[2];
     std::vector<Shaped> shaped_;
     std::map<short, Unregistered> unregistered_;
     std::vector<Finding> findings_;

@@ -36,9 +36,11 @@ Repair ProjectRepair::repair(Finding const& finding) const {
 }
 
 std::string ProjectRepair::registerCube(Finding const& finding) const {
+    database::Transaction transaction(tables_.session());
     auto cubes = tables_.cubes();
-    if (cubes.name(finding.cube)) return {};
+    if (cubes.name(finding.cube) || !tables_.counts(false).contains(finding.cube)) return {};
     cubes.ensure(finding.cube, finding.cubeName.c_str());
+    transaction.commit();
     return "the cube was registered as \"" + finding.cubeName + "\"";
 }
 
@@ -72,7 +74,7 @@ std::string ProjectRepair::restoreRow(Finding const& finding) const {
     auto const record = tables_.recordOf(key, finding.file);
     tables_.requireContentTable(key.isResult());
     database::Transaction transaction(tables_.session());
-    if (finding.cube != 0) requireCube(task, finding);
+    requireCube(task, finding);
     auto rows = tables_.rows(key.isResult());
     if (!rows->insert(key.numbers(), name)) return {};
     tables_.record(key, record);
@@ -82,11 +84,13 @@ std::string ProjectRepair::restoreRow(Finding const& finding) const {
 
 // Another one may have got the number since the check.
 void ProjectRepair::requireCube(Task const& task, Finding const& finding) const {
+    if (finding.cubeName.empty()) return;
+    short const number = finding.entry->cube();
     auto const cubes = tables_.cubes();
-    cubes.ensure(finding.cube, finding.cubeName.c_str());
-    if (cubes.number(finding.cubeName.c_str()) == finding.cube) return;
+    if (finding.cube != 0) cubes.ensure(finding.cube, finding.cubeName.c_str());
+    if (cubes.number(finding.cubeName.c_str()) == number) return;
     task.fail(Reason::alreadyExists,
-        "the cube number " + std::to_string(finding.cube) + " belongs to another cube than " + finding.cubeName);
+        "the cube number " + std::to_string(number) + " is not that of " + finding.cubeName + "; check again");
 }
 
 std::string ProjectRepair::removeLeftover(Finding const& finding) const {
@@ -101,8 +105,9 @@ std::string ProjectRepair::dropRow(Finding const& finding) const {
     EntryWriting const writing(tables_);
     if (!writing.find(*finding.entry)) return {};
     EntryWriting::Removal removal(writing, task, *finding.entry);
-    // The row may be another one by now.
-    if (auto const& file = removal.entry().file; !file.empty() && platform::isPresent(file)) return {};
+    // The row may be another one by now, and the directory another disk.
+    auto const& file = removal.entry().file;
+    if (!file.empty() && (platform::isPresent(file) || !platform::isDirectory(platform::directoryOf(file)))) return {};
     removal.finish();
     return "the row was removed";
 }

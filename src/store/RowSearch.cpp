@@ -3,6 +3,7 @@
 #include "catalogue/StoredName.h"
 #include "catalogue/Tables.h"
 #include "host/database/SqlState.h"
+#include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
 
 #include <cubes/database/TRkDatabaseException.h>
@@ -15,6 +16,9 @@ namespace cubes::store {
 using matrix::FileStamp;
 
 namespace {
+
+// Longer names of cubes are cut in a stamp.
+constexpr std::size_t longestStampedName = 188;
 
 bool isPart(std::int32_t number) {
     return number >= std::numeric_limits<short>::min() && number <= std::numeric_limits<short>::max();
@@ -35,6 +39,19 @@ std::optional<EntryKey> keyOf(FileStamp const& stamp) {
     if (numbers.size() != (isResult ? std::tuple_size_v<catalogue::ResultKey> : std::tuple_size_v<catalogue::CubeKey>))
         return std::nullopt;
     return store::keyOf(numbers);
+}
+
+std::string cubeIn(FileStamp const& stamp) {
+    auto const key = keyOf(stamp);
+    bool const isNamed = key && !catalogue::findKind(key->cube()) && stamp.cube.size() <= longestStampedName;
+    return isNamed ? platform::fromUtf8(stamp.cube) : std::string();
+}
+
+bool fitsRegister(catalogue::Register& names, short number, std::string const& cube) {
+    auto const name = names.name(number);
+    if (cube.empty() || (name && name->str() == cube)) return true;
+    auto const registered = names.number(cube.c_str());
+    return registered ? *registered == number : !name;
 }
 
 std::string storedNameOf(StoreTables const& tables, bool ofResults, std::string const& path) {

@@ -11,6 +11,11 @@ namespace cubes::store {
 /// The entry that a file records; nothing when it records none.
 std::optional<EntryKey> keyOf(matrix::FileStamp const& stamp);
 
+/// The name of its cube that a file records; empty where it records none, or only the beginning of a long name.
+std::string cubeIn(matrix::FileStamp const& stamp);
+/// Whether a cube of that name may have that number: it has it, or neither is registered, or the name is empty.
+bool fitsRegister(catalogue::Register& names, short number, std::string const& cube);
+
 /// The name of a file as a row would store it; empty for one that is not in the directory of such entries.
 std::string storedNameOf(StoreTables const& tables, bool ofResults, std::string const& path);
 

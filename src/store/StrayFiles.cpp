@@ -1,15 +1,18 @@
 #include "store/StrayFiles.h"
 
+#include "host/database/Session.h"
 #include "host/matrix/WriteLock.h"
 #include "host/platform/Files.h"
-#include "host/platform/NarrowText.h"
 #include "host/platform/Paths.h"
 #include "host/platform/TemporaryFile.h"
 #include "store/RemovalLock.h"
 #include "store/RowSearch.h"
 
+#include <cubes/matrix/OmxFile.h>
+
 #include <algorithm>
-#include <system_error>
+#include <set>
+#include <string_view>
 
 namespace cubes::store {
 
@@ -17,8 +20,25 @@ using catalogue::findKind;
 
 namespace {
 
-// Longer names of cubes are cut in a stamp.
-constexpr std::size_t longestStampedName = 188;
+std::string withoutLinks(std::string const& path) {
+    return platform::foldCase(platform::fromPath(platform::withoutLinks(platform::toPath(path))));
+}
+
+// The files of the project's database, and of others that are open: these have a log. When one is opened and closed,
+// this process loses its locks on it.
+std::set<std::string> filesOfDatabases(
+    std::string const& ownDatabase, std::string const& directory, std::vector<std::string> const& names) {
+    constexpr std::string_view log = "-wal";
+    std::vector<std::string> databases;
+    if (!ownDatabase.empty()) databases.push_back(ownDatabase);
+    for (auto const& name : names)
+        if (name.ends_with(log)) databases.push_back(directory + name.substr(0, name.size() - log.size()));
+    std::set<std::string> files;
+    for (auto const& database : databases)
+        for (char const* const suffix : {"", "-wal", "-shm", "-journal", "-queue"})
+            files.insert(withoutLinks(database + suffix));
+    return files;
+}
 
 }
 
@@ -35,10 +55,17 @@ StrayFiles::StrayFiles(StoreTables const& tables) : tables_(tables), names_(tabl
 void StrayFiles::list(bool ofResults, std::string const& subdirectory) {
     auto const directory = tables_.directory(ofResults) + platform::withNativeDelimiters(subdirectory);
     if (!platform::isDirectory(directory)) return;
-    for (auto const& name : platform::fileNamesIn(directory)) {
-        if (!platform::isTemporaryName(name) && matrix::isLockName(name)) continue;
-        files_.emplace(comparable(ofResults, directory + name), File{subdirectory + name, ofResults});
-    }
+    auto const names = platform::fileNamesIn(directory);
+    auto const databases = filesOfDatabases(tables_.session().file(), directory, names);
+    auto const mayHoldEntry = [&](std::string const& name) {
+        if (platform::isTemporaryName(name)) return true;
+        if (matrix::isLockName(name)) return false;
+        if (catalogue::hasEntryExtension(name)) return true;
+        return !databases.contains(withoutLinks(directory + name)) && OmxFile::mayBe(directory + name);
+    };
+    for (auto const& name : names)
+        if (mayHoldEntry(name))
+            files_.emplace(comparable(ofResults, directory + name), File{subdirectory + name, ofResults});
 }
 
 std::string StrayFiles::pathOf(File const& file) const {
@@ -76,7 +103,7 @@ bool StrayFiles::areOfAnotherDatabase() {
         if (file.ofResults || platform::isTemporaryName(file.storedName)) return false;
         auto const stamp = inspectFile(pathOf(file), false, false).stamp;
         auto const recorded = stamp ? keyOf(*stamp) : std::nullopt;
-        return recorded && !fitsRegister(recorded->cube(), cubeIn(*stamp));
+        return recorded && !fitsRegister(names_, recorded->cube(), cubeIn(*stamp));
     });
 }
 
@@ -125,8 +152,14 @@ void StrayFiles::describeRow(Finding& finding, Origin const& origin) {
     finding.entry = origin.key;
     finding.text = tables_.text(*origin.key, names_);
     finding.repair = "restore the row";
-    if (findKind(origin.key->cube()) || names_.name(origin.key->cube())) return;
-    finding.cube = origin.key->cube();
+    short const number = origin.key->cube();
+    // The register holds no cubes of results.
+    if (findKind(number) || origin.key->isResult()) return;
+    if (auto const name = names_.name(number)) {
+        finding.cubeName = name->str();
+        return;
+    }
+    finding.cube = number;
     finding.cubeName = origin.cube.empty() ? "cube " + std::to_string(finding.cube) : origin.cube;
     finding.repair = "register the cube \"" + finding.cubeName + "\" and restore the row";
 }
@@ -158,20 +191,6 @@ StrayFiles::Origin StrayFiles::originOf(File const& file, FileFacts const& facts
     return {key, obstacleOf(key, cube), cube};
 }
 
-// The name of the cube in a stamp; empty where it holds none, or only the beginning.
-std::string StrayFiles::cubeIn(matrix::FileStamp const& stamp) {
-    auto const key = keyOf(stamp);
-    bool const isNamed = key && !findKind(key->cube()) && stamp.cube.size() <= longestStampedName;
-    return isNamed ? platform::fromUtf8(stamp.cube) : std::string();
-}
-
-// Whether a cube of that name may have that number: it has it, or neither is registered.
-bool StrayFiles::fitsRegister(short number, std::string const& cube) {
-    if (cube.empty()) return true;
-    auto const registered = names_.number(cube.c_str());
-    return registered ? *registered == number : !names_.name(number);
-}
-
 std::string StrayFiles::obstacleOf(EntryKey const& key, std::string const& cube) {
     auto const parts = key.parts();
     constexpr std::size_t partsFromOne = 4;
@@ -179,14 +198,14 @@ std::string StrayFiles::obstacleOf(EntryKey const& key, std::string const& cube)
         if (parts[i] < (i < partsFromOne ? 1 : 0)) return "its key is not valid";
     if (tables_.rows(key.isResult())->locate(key.numbers()))
         return "the row of " + tables_.text(key, names_) + " names another file";
-    if (fitsRegister(key.cube(), cube)) return {};
+    if (fitsRegister(names_, key.cube(), cube)) return {};
     return "the cube \"" + cube + "\" is not number " + std::to_string(key.cube()) + " any more";
 }
 
 bool isLeftover(std::string const& path) {
     auto const name = platform::fromPath(platform::toPath(path).filename());
     bool const isOld = platform::isOldName(name) || platform::isOlderThanADay(path);
-    return isOld && !matrix::isLocked(platform::targetOfTemporary(path));
+    return isOld && !platform::isHeld(path) && !matrix::isLocked(platform::targetOfTemporary(path));
 }
 
 }

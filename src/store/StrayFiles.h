@@ -53,8 +53,6 @@ private:
     static std::optional<Finding> temporaryFile(std::string const& path);
     void describeRow(Finding& finding, Origin const& origin);
     Origin originOf(File const& file, FileFacts const& facts);
-    static std::string cubeIn(matrix::FileStamp const& stamp);
-    bool fitsRegister(short number, std::string const& cube);
     std::string obstacleOf(EntryKey const& key, std::string const& cube);
 
     StoreTables const& tables_;
@@ -67,8 +65,8 @@ private:
     bool isOwn_[2] = {false, false};
 };
 
-/// Whether a temporary file was left behind: it is a day old, or the old file of a target, and nobody is writing the
-/// target.
+/// Whether a temporary file was left behind: it is a day old, or the old file of a target, and nobody holds it or is
+/// writing the target.
 bool isLeftover(std::string const& path);
 
 }

@@ -134,6 +134,35 @@ TEST_P(EntryCheckSharingTest, theFilesOfTheOnlyProjectOnADatabaseAreItsOwn) {
     EXPECT_EQ(textOf(own().check()), "");
 }
 
+TEST_P(EntryCheckSharingTest, dropsNoRowOfADirectoryThatIsNotMounted) {
+    for (char const* const name : {"own/matrices", "own/results"}) {
+        fs::rename(file(name), file("elsewhere"));
+        fs::create_directory(file(name));
+        reopen();
+        auto const findings = own().check();
+        ASSERT_FALSE(findings.empty());
+        for (auto const& finding : findings) {
+            EXPECT_EQ(finding.problem, Problem::unreadableFile) << textOf({finding});
+            EXPECT_NE(finding.detail.find("seems to be another one or not mounted"), std::string::npos);
+        }
+        repairAll(own());
+        fs::remove_all(file(name));
+        fs::rename(file("elsewhere"), file(name));
+        reopen();
+        EXPECT_EQ(textOf(own().check()), "");
+    }
+}
+
+TEST_P(EntryCheckSharingTest, dropsTheRowOfAMissingFileBesideOthersWhoseDirectoryLostItsIdentity) {
+    fs::remove(file("own/matrices/cubes-id"));
+    fs::remove(own().find(ownTrips)->file);
+    reopen();
+    EXPECT_EQ(textOf(own().check()), "missingFile Trips/1/1/1/1\n");
+    EXPECT_EQ(textOf(own().check({.cube = "Trips", .purpose = 1})), "missingFile Trips/1/1/1/1\n");
+    repairAll(own());
+    EXPECT_FALSE(own().find(ownTrips));
+}
+
 TEST_P(EntryCheckSharingTest, notesThatTheOwnerIsUnknownWhenTheDirectoryLostItsIdentity) {
     auto const other = Project::create(file("other"), {.database = database().url()});
     fs::remove(file("own/matrices/cubes-id"));

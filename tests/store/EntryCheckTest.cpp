@@ -24,6 +24,8 @@
 #include "host/hdf5/GuardedFile.h"
 #include "host/matrix/Elements.h"
 #include "host/matrix/WriteLock.h"
+#include "host/platform/File.h"
+#include "host/platform/TemporaryFile.h"
 #include "store/Findings.h"
 #include "store/RemovalLock.h"
 #include "support/Backend.h"
@@ -433,6 +435,14 @@ TEST_P(EntryCheckTest, reportsAMissingDirectoryAndDropsNoRow) {
     EXPECT_EQ(checked(), rowOfB);
 }
 
+TEST_P(EntryCheckTest, dropsNoRowOfRoutesWhoseDirectoryIsMissing) {
+    fs::rename(results("RouteStorage_Routes"), root("elsewhere"));
+    EXPECT_EQ(checked(), std::string(rowOfB) + "unreadableFile routes/1/1/1/1/1/0\n");
+    repairAll();
+    fs::rename(root("elsewhere"), results("RouteStorage_Routes"));
+    EXPECT_EQ(checked(), rowOfB);
+}
+
 TEST_P(EntryCheckTest, restoresARowWithTheContentOfItsFile) {
     execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1");
     repairAll();
@@ -533,6 +543,46 @@ TEST_P(EntryCheckTest, leavesFilesThatAreBeingWritten) {
     EXPECT_TRUE(fs::exists(temporary));
 }
 
+TEST_P(EntryCheckTest, leavesATemporaryFileThatItsWriterHolds) {
+    platform::TemporaryFile const held(matrices("1-1-1-1-9.odm"));
+    platform::TemporaryFile const heldOld(matrices("1-1-1-1-9.odm"), platform::TemporaryFile::Purpose::keepOld);
+    makeOld(held.path());
+    EXPECT_EQ(checked(), std::string(rowOfB) + "recentTemporaryFile\nrecentTemporaryFile\n");
+}
+
+TEST_P(EntryCheckTest, missesNoFileThatIsBeingStored) {
+    fs::remove(file(tripsOf(1)));
+    {
+        matrix::WriteLock const lock(matrices("1-1-1-1-1.odm"), matrix::WriteLock::Purpose::create);
+        EXPECT_EQ(checked(), rowOfB);
+    }
+    EXPECT_EQ(checked(), std::string("missingFile Trips/1/1/1/1\n") + rowOfB);
+}
+
+TEST_P(EntryCheckTest, movesALeftoverOfRoutesInAFormOfTheirOwnToTheQuarantine) {
+    std::string const name = ".9-9-9-9-9-9.FDB.0123456789abcdef.cubes-tmp";
+    fs::create_directories(results("RouteStorage_Routes"));
+    writeFile(results("RouteStorage_Routes/" + name), "routes of an application");
+    makeOld(results("RouteStorage_Routes/" + name));
+    EXPECT_EQ(checked(), std::string("leftoverFile\n") + rowOfB);
+    repairAll();
+    EXPECT_EQ(readFile(results("RouteStorage_Routes/quarantine/" + name)), "routes of an application");
+}
+
+TEST_P(EntryCheckTest, isRefusedWithALimitThatIsNoNumber) {
+    auto const findings = a().check();
+    Variable const variable("CUBES_MAX_ZONES", "many");
+    std::function<void()> const tasks[] = {[&] { a().check(); }, [&] { a().repair(findings); }};
+    for (auto const& work : tasks) {
+        try {
+            work();
+            ADD_FAILURE() << "it was not refused";
+        } catch (StoreError const& error) {
+            EXPECT_NE(error.cause().find("CUBES_MAX_ZONES is \"many\""), std::string::npos) << error.what();
+        }
+    }
+}
+
 TEST_P(EntryCheckTest, leavesWhatHasChangedSinceTheCheck) {
     fs::remove(file(tripsOf(1)));
     execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1");
@@ -555,8 +605,47 @@ TEST_P(EntryCheckTest, restoresNoRowInACubeThatGotTheNumberSinceTheCheck) {
     a().addCube("Freight");
     std::string failures;
     for (auto const& repair : a().repair(findings)) failures += repair.failure;
-    EXPECT_EQ(failures, "the cube number 2 belongs to another cube than cube 2");
+    EXPECT_EQ(failures, "the cube number 2 is not that of cube 2; check again");
     EXPECT_FALSE(a().find(lonelyEntry));
+}
+
+TEST_P(EntryCheckTest, restoresNoRowInACubeThatGotAnotherNameSinceTheCheck) {
+    execute("delete from " + cubeTable() + " where \"user\" = 2 and cubenr = 1");
+    auto const findings = a().check();
+    ASSERT_EQ(textOf(findings), std::string("fileWithoutRow Trips/1/1/1/2\n") + rowOfB);
+    execute("update cube set name = 'Freight' where cubenr = 1");
+    std::string failures;
+    for (auto const& repair : a().repair(findings)) failures += repair.failure;
+    EXPECT_EQ(failures, "the cube number 1 is not that of Trips; check again");
+    EXPECT_FALSE(a().find(tripsOf(2)));
+}
+
+TEST_P(EntryCheckTest, notesAFileThatRecordsAnotherCubeOfTheNumber) {
+    execute("update cube set name = 'Freight' where cubenr = 2");
+    EXPECT_EQ(checked(), std::string("copiedFile Freight/1/1/1/1\n") + rowOfB);
+    execute("update cube set name = 'LONELY' where cubenr = 2");
+    EXPECT_EQ(checked(), rowOfB);
+}
+
+TEST_P(EntryCheckTest, registersNoCubeThatWasRemovedMeanwhile) {
+    execute("delete from cube where cubenr = 2");
+    auto const findings = a().check();
+    ASSERT_EQ(textOf(findings), std::string(rowOfB) + "unregisteredCube 2\n");
+    auto const removeCube = [&](std::size_t /*done*/, std::size_t /*total*/) {
+        if (a().find(lonelyEntry)) a().remove(lonelyEntry);
+    };
+    EXPECT_EQ(textOf(a().check({}, {.progress = removeCube})), rowOfB);
+    for (auto const& repair : a().repair(findings)) EXPECT_EQ(repair.done + repair.failure, "");
+    EXPECT_EQ(a().cubes().size(), 1u);
+}
+
+TEST_P(EntryCheckTest, missesNoParentOfAnEntryThatWasRemovedMeanwhile) {
+    execute("update " + resultTable() + " set parentresult = 99 where cubenr = -10 and purpose = 1");
+    auto const removing = [&](EntryInfo const& entry) {
+        if (entry.key == checkedData) a().remove(checkedData);
+        return std::string();
+    };
+    EXPECT_EQ(textOf(a().check({}, {.deep = true, .readRoutes = removing})), rowOfB);
 }
 
 TEST_P(EntryCheckTest, findsNoErrorWhileOthersStoreMoveAndRemove) {
@@ -741,6 +830,33 @@ TEST_P(EntryCheckTest, isRepairedWhateverTwoThingsAreWrongPart5) {
 
 TEST_P(EntryCheckTest, isRepairedWhateverTwoThingsAreWrongPart6) {
     expectPairsRepaired(5);
+}
+
+/// A project whose SQLite database lies among the files of its results, beside a database of the application's own.
+TEST(EntryCheckOfSqlite, releasesNoLockOfADatabaseAmongTheFiles) {
+    TempDir const directory;
+    auto const project = Project::create(directory.file("a"), {.workingDirectory = "."});
+    Pgaccess::TPgConnection other("sqlite:" + directory.file("a/own.db"));
+    for (auto* const connection : {project.connection(), &other}) connection->Execute("create table t (i integer)");
+    // The bytes that each connection locks as long as it is open.
+    constexpr std::uint64_t sharedByte = 128;
+    constexpr std::uint64_t sharedFirst = 0x40000002;
+    constexpr std::uint64_t sharedSize = 510;
+    // Closed at the end only, because that releases the locks.
+    std::vector<platform::File> databases;
+    std::vector<platform::File> indexes;
+    for (char const* const name : {"a/cubes.db", "a/own.db"}) {
+        databases.push_back(platform::File::openForReading(directory.file(name)));
+        indexes.push_back(platform::File::openForReading(directory.file(name) + "-shm"));
+    }
+    auto const areLocked = [&] {
+        return std::ranges::all_of(databases, [&](auto const& file) {
+            return file.isLockedByOthers(sharedFirst, sharedSize);
+        }) && std::ranges::all_of(indexes, [&](auto const& file) { return file.isLockedByOthers(sharedByte, 1); });
+    };
+    EXPECT_TRUE(areLocked());
+    EXPECT_EQ(textOf(project.store().check()), "");
+    EXPECT_TRUE(areLocked());
 }
 
 /// The row of a problem in the documentation; empty when there is none.

@@ -80,8 +80,10 @@ struct Finding {
     std::string detail = {};
     /// What repair does; empty: nothing.
     std::string repair = {};
-    /// The number of a cube that repair registers first, and the name for it; 0: none.
+    /// The number of a cube that repair registers first; 0: none.
     short cube = 0;
+    /// The name for that cube, or the name that the cube of a row must still have when repair restores the row; empty:
+    /// none.
     std::string cubeName = {};
 
     Severity severity() const noexcept { return infoOf(problem).severity; }

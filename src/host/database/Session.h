@@ -53,6 +53,9 @@ public:
     virtual std::optional<Table> describe(std::string const& schema, std::string const& name) = 0;
     /// The same text for every session on this database, however its URL is spelled, and for no other.
     virtual std::string databaseIdentity() = 0;
+    /// The database's own file, without links; empty for a server and in memory. Whoever opens and closes it, or one
+    /// beside it, releases the locks of all connections of this process.
+    virtual std::string file() const { return {}; }
     /// Runs SQL text as it stands.
     virtual void execute(std::string const& sql) = 0;
     /// Makes the schema unless it is there, where the backend knows schemas.

@@ -67,15 +67,6 @@ std::string_view targetIn(std::string_view name) {
     return {};
 }
 
-bool isHeld(std::string const& path) {
-    try {
-        return File::openForReading(path).isLockedByOthers(heldByte, 1);
-    } catch (std::system_error const&) {
-        // It is gone, or nothing can be locked here.
-        return false;
-    }
-}
-
 // Once for each process, and in directories with a lock file once a day for all of them.
 bool isSearchDue(std::string const& directory) {
     static std::mutex mutex;
@@ -136,6 +127,15 @@ std::string targetOfTemporary(std::string const& path) {
     std::string const name = fromPath(file.filename());
     auto const target = targetIn(name);
     return target.empty() ? path : fromPath(file.parent_path() / toPath(std::string(target)));
+}
+
+bool isHeld(std::string const& path) {
+    try {
+        return File::openForReading(path).isLockedByOthers(heldByte, 1);
+    } catch (std::system_error const&) {
+        // It is gone, or nothing can be locked here.
+        return false;
+    }
 }
 
 bool isBeingReplaced(std::string const& target) {

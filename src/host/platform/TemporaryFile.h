@@ -38,6 +38,8 @@ bool isOlderThanADay(std::string const& path) noexcept;
 /// ago. An old file, which may be the only copy, is not removed. Returns whether it is removed; never throws.
 bool removeLeftover(std::string const& path) noexcept;
 
+/// Whether a process holds this temporary file at the moment. False where that cannot be found out.
+bool isHeld(std::string const& path);
 /// Whether a process holds a temporary file of this target at the moment. Throws std::system_error when the directory
 /// cannot be listed.
 bool isBeingReplaced(std::string const& target);

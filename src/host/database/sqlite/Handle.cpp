@@ -26,10 +26,11 @@ int waitForOthers(void* queue, int attempt) noexcept {
 // Repeats an operation that SQLite refuses while others write without asking the handler.
 template <typename Operation>
 int retryWhileBusy(WriterQueue& queue, Operation const& operation) {
-    for (int attempt = 0;; ++attempt) {
-        int const code = operation();
-        if ((code & 0xFF) != SQLITE_BUSY || !queue.waitForLocks(attempt)) return code;
-    }
+    queue.begin();
+    int code = operation();
+    for (int attempt = 0; (code & 0xFF) == SQLITE_BUSY && queue.waitForLocks(attempt); ++attempt) code = operation();
+    queue.leave(false);
+    return code;
 }
 
 struct State {
@@ -181,9 +182,7 @@ void Handle::open(std::string const& name, int flags) {
         throw TRkDatabaseException(
             "SQLite database '" + path_ + "': " + whyNotOpened(path_, reason(code, database_, queue_.longestWait())),
             sqlStateOf(code));
-    // A database in memory has no file.
-    char const* const file = sqlite3_db_filename(database_, "main");
-    queue_ = WriterQueue(platform::fromUtf8(file ? file : ""), queue_.longestWait());
+    queue_ = WriterQueue(file(), queue_.longestWait());
 }
 
 // Without its log, the file holds everything as long as nobody writes to it, which is checked
@@ -215,6 +214,11 @@ Handle::~Handle() {
     if (isInherited()) return;
     if (canWrite()) queue_.removeFile();
     sqlite3_close_v2(database_);
+}
+
+std::string Handle::file() const {
+    char const* const file = sqlite3_db_filename(database_, "main");
+    return platform::fromUtf8(file ? file : "");
 }
 
 bool Handle::isInTransaction() const noexcept {

@@ -37,6 +37,8 @@ public:
     Handle& operator=(Handle const&) = delete;
 
     sqlite3* get() const noexcept { return database_; }
+    /// The file's own path, without links; empty for a database in memory.
+    std::string file() const;
     bool isInTransaction() const noexcept;
     /// Whether a parent process opened it, to whom it is left.
     bool isInherited() const noexcept { return forkCount_ != platform::forkCount(); }

@@ -22,6 +22,7 @@ public:
     std::unique_ptr<database::Statement> prepareOnce(std::string sql, ValueTypes types) override;
     std::optional<Table> describe(std::string const& schema, std::string const& name) override;
     std::string databaseIdentity() override;
+    std::string file() const override { return handle_->file(); }
     void execute(std::string const& sql) override;
     bool isInTransaction() const override { return handle_->isInTransaction(); }
     void createSchema(std::string const& schema) override;
