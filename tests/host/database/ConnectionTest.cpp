@@ -222,31 +222,34 @@ TEST(SqliteFile, withAJournalIsAnErrorWithoutPermissionToWriteItsDirectory) {
     writer.Execute("ROLLBACK");
 }
 
-// The file gets another owner while it is read, as if another program had written to it.
-cubes::test::ChildTask const readingWhatChanges("reading what changes", [](int, std::string const& path) {
+// Two processes: one changes the time of the file as soon as the other has read it, which says so by a sign.
+cubes::test::ChildTask const readingWhatChanges("reading what changes", [](int number, std::string const& path) {
+    namespace fs = std::filesystem;
+    std::string const sign = path + ".opened";
+    auto const time = [](std::string const& file) { return fs::last_write_time(file); };
+    auto const unopened = fs::file_time_type::clock::now() - std::chrono::hours(1);
+    if (number == 0) {
+        while (time(sign) < unopened) std::this_thread::yield();
+        fs::last_write_time(path, time(path) + std::chrono::hours(1));
+        return;
+    }
     cubes::test::becomeOrdinaryUser();
     TPgConnection connection("sqlite:" + path);
     EXPECT_TRUE(findsCube(connection, 5));
-    auto const before = std::filesystem::last_write_time(path);
-    cubes::test::writeFile(path + ".opened", "");
-    while (std::filesystem::last_write_time(path) == before) std::this_thread::yield();
+    auto const before = time(path);
+    cubes::test::writeFile(sign, "");
+    while (time(path) == before) std::this_thread::yield();
     EXPECT_EQ(sqlStateOf([&] { findsCube(connection, 5); }), "55006");
 });
 
 TEST(SqliteFile, thatChangesUnnoticedWhileItIsReadIsAnError) {
     if (!cubes::test::canBeOrdinaryUser()) GTEST_SKIP() << "SKIPPED: Wine's superuser may write read-only files";
     ReadOnlyDirectory const place;
-    std::string const path = place.path();
-    std::filesystem::path const sign = path + ".opened";
+    std::filesystem::path const sign = place.path() + ".opened";
     cubes::test::writeFile(sign.string(), "");
     std::filesystem::permissions(sign, std::filesystem::perms(0666));
     std::filesystem::last_write_time(sign, std::filesystem::last_write_time(sign) - std::chrono::hours(24));
-    auto const unopened = std::filesystem::last_write_time(sign);
-    std::jthread const writer([&](std::stop_token const& stop) {
-        while (std::filesystem::last_write_time(sign) == unopened && !stop.stop_requested()) std::this_thread::yield();
-        std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) + std::chrono::hours(1));
-    });
-    EXPECT_EQ(readingWhatChanges.inProcesses(1, path), 1);
+    EXPECT_EQ(readingWhatChanges.inProcesses(2, place.path()), 2);
 }
 
 TEST(SqliteFile, withAPersistentWriterIsAnErrorAfterAWhile) {
