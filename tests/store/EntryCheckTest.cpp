@@ -832,6 +832,8 @@ TEST_P(EntryCheckTest, isRepairedWhateverTwoThingsAreWrongPart6) {
     expectPairsRepaired(5);
 }
 
+// On Windows a lock belongs to the open file, so that closing another one releases nothing.
+#ifndef _WIN32
 /// A project whose SQLite database lies among the files of its results, beside a database of the application's own.
 TEST(EntryCheckOfSqlite, releasesNoLockOfADatabaseAmongTheFiles) {
     TempDir const directory;
@@ -858,6 +860,7 @@ TEST(EntryCheckOfSqlite, releasesNoLockOfADatabaseAmongTheFiles) {
     EXPECT_EQ(textOf(project.store().check()), "");
     EXPECT_TRUE(areLocked());
 }
+#endif
 
 /// The row of a problem in the documentation; empty when there is none.
 std::string documentedRow(std::string const& documentation, ProblemInfo const& problem) {
